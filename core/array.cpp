@@ -1,0 +1,82 @@
+#include "core/array.h"
+
+#include <cstring>
+#include <new>
+
+#include "core/alloc.h"
+
+void CPDFArray::clear()
+{
+    for (int32_t i = 0; i < count; ++i)
+        items[i].free();
+    VXFree(items);
+    items = nullptr;
+    count = 0;
+    m_capacity = 0;
+}
+
+CPDFObj* CPDFArray::append()
+{
+    if (count == m_capacity) {
+        if (m_capacity > INT32_MAX / 2)
+            return nullptr;
+        const int32_t capacity = m_capacity ? m_capacity * 2 : 4;
+        void* grown = VXRealloc(items, static_cast<size_t>(capacity) * sizeof(CPDFObj));
+        if (!grown)
+            return nullptr;
+        items = static_cast<CPDFObj*>(grown);
+        m_capacity = capacity;
+    }
+    return new (&items[count++]) CPDFObj;
+}
+
+void CPDFArray::copy_from(const CPDFArray* src)
+{
+    if (!src || src->count == 0)
+        return;
+    if (!items) {
+        items = vx_alloc_array<CPDFObj>(static_cast<size_t>(src->count));
+        m_capacity = items ? src->count : 0;
+    }
+    for (int32_t i = 0; i < src->count; ++i) {
+        CPDFObj* element = append();
+        if (!element)
+            return;
+        element->copy_from(&src->items[i]);
+    }
+}
+
+void CPDFArray::append_str(const void* bytes, int len)
+{
+    if (CPDFObj* element = append())
+        element->set_string(bytes, len);
+}
+
+void CPDFArray::append_int(int value)
+{
+    if (CPDFObj* element = append())
+        element->set_int(value);
+}
+
+void CPDFArray::append_ref(const PDF_REF& ref)
+{
+    if (CPDFObj* element = append())
+        element->set_ref(ref);
+}
+
+void CPDFArray::append_arr(const CPDFArray* src)
+{
+    CPDFObj* element = append();
+    if (element)
+        element->set_array()->copy_from(src);
+}
+
+void CPDFArray::remove_obj(int index)
+{
+    if (index < 0 || index >= count)
+        return;
+    items[index].free();
+    std::memmove(static_cast<void*>(items + index), static_cast<const void*>(items + index + 1),
+                 static_cast<size_t>(count - index - 1) * sizeof(CPDFObj));
+    --count;
+}

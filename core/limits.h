@@ -1,0 +1,56 @@
+// Every limit that protects against hostile files, each with its reason.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Levels of the field tree. Real forms have fewer than 20; deeper ones exhaust the stack of recursive walks.
+constexpr int LIMIT_FIELD_DEPTH = 128;
+
+// Arrays and dictionaries inside one another while an object is parsed.
+constexpr int LIMIT_OBJECT_DEPTH = 256;
+
+// Values inside one object, each of which takes more memory than its bytes in the file.
+constexpr size_t LIMIT_OBJECT_VALUES = 4000000;
+
+// References that lead to references.
+constexpr int LIMIT_REF_CHAIN = 32;
+
+// Highest object number, from the architectural limits of ISO 32000-1 Annex C.
+constexpr uint32_t LIMIT_OBJECT_NUMBER = 8388607;
+
+// Object numbers that a file of any size may use; larger ones ask for a file with as many bytes.
+constexpr uint32_t LIMIT_OBJECT_NUMBER_SMALL_FILE = 1u << 20;
+
+// Bytes of one decoded object stream or cross-reference stream.
+constexpr size_t LIMIT_DECODED_STREAM = size_t{256} << 20;
+
+// The best ratio that Flate reaches, plus room for tiny inputs.
+constexpr size_t LIMIT_DECODE_RATIO = 1032;
+constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
+
+// Filters of one stream.
+constexpr int LIMIT_FILTERS = 16;
+
+// Decoded object streams that are kept, in bytes over all of them.
+constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{64} << 20;
+
+// Bytes that are parsed and decoded for one document before further objects read as absent: without it, many references
+// to one large object take quadratic time. Real forms are read about twice.
+constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{512} << 20;
+constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 64;
+
+// Bytes read of an XFA template packet.
+constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
+
+// Fields looked at while the events of an XFA template are bound; every event searches the tree.
+constexpr int64_t LIMIT_XFA_VISITS = 20000000;
+
+// XML that is parsed recursively: levels, then elements and attributes in all, then attributes of one element
+// (looked up one by one, so many of them take quadratic time).
+constexpr int LIMIT_XML_DEPTH = 256;
+constexpr size_t LIMIT_XML_NODES = 1000000;
+constexpr size_t LIMIT_XML_ATTRIBUTES = 512;
+
+// Nodes and depth of the page tree.
+constexpr int LIMIT_PAGE_DEPTH = 128;

@@ -1,0 +1,231 @@
+#include "core/xref_table.h"
+
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/object_source.h"
+
+namespace {
+
+constexpr int32_t CHANGED_STEP = 32;
+constexpr uint32_t ENTRY_STEP = 256;
+constexpr int32_t PENDING_STEP = 8;
+
+// Deep-copies `src`, leaving out the dictionary entries that are not asked for.
+void copy_wanted(CPDFObj& out, const CPDFObj& src, const CPDFKeySet* keys)
+{
+    const CPDFDictionary* dict = src.dictionary();
+    if (!keys || !dict) {
+        out.copy_from(&src);
+        return;
+    }
+    CPDFDictionary* copy = out.set_dict();
+    for (int32_t i = 0; i < dict->count; ++i) {
+        const char* key = dict->items[i]->key();
+        const size_t len = std::strlen(key);
+        CPDFObj* value = keys->contains(key, len) ? copy->append_unsorted(key, len) : nullptr;
+        if (value)
+            value->copy_from(&dict->items[i]->value);
+    }
+}
+
+}  // namespace
+
+CPDFObjectSource::~CPDFObjectSource() = default;
+
+CPDFXRefTable::CPDFXRefTable(CPDFObjectSource* source) : m_source(source) {}
+
+CPDFXRefTable::~CPDFXRefTable()
+{
+    for (int32_t i = 0; i < m_changed_cnt; ++i)
+        m_changed[i].obj.free();
+    for (uint32_t i = 0; i < m_mem_stream_cnt; ++i)
+        VXFree(m_mem_streams[i].data);
+    VXFree(m_entries);
+    VXFree(m_changed);
+    VXFree(m_pending);
+    VXFree(m_mem_streams);
+}
+
+bool CPDFXRefTable::grow_entries(uint32_t num)
+{
+    if (num < m_entry_cnt)
+        return true;
+    if (num > LIMIT_OBJECT_NUMBER)
+        return false;
+    const uint32_t count = (num + ENTRY_STEP) / ENTRY_STEP * ENTRY_STEP;
+    void* grown = VXRealloc(m_entries, count * sizeof(PDF_XREF_ENTRY));
+    if (!grown) {
+        VXFree(m_entries);
+        m_entries = nullptr;
+        m_entry_cnt = 0;
+        return false;
+    }
+    m_entries = static_cast<PDF_XREF_ENTRY*>(grown);
+    for (uint32_t i = m_entry_cnt; i < count; ++i)
+        m_entries[i] = {PDF_XREF_FREE, 0, PDF_XREF_NO_GEN};
+    m_entry_cnt = count;
+    return true;
+}
+
+PDF_XREF_ENTRY* CPDFXRefTable::reserve_entry(uint32_t num)
+{
+    return grow_entries(num) ? &m_entries[num] : nullptr;
+}
+
+const PDF_XREF_ENTRY* CPDFXRefTable::entry_of(uint32_t num)
+{
+    for (;;) {
+        const bool known = num < m_entry_cnt && m_entries[num].gen != PDF_XREF_NO_GEN;
+        if (known)
+            return &m_entries[num];
+        if (m_pending_cnt == 0)
+            return nullptr;
+        XRefRead(m_pending[--m_pending_cnt].pos);
+    }
+}
+
+void CPDFXRefTable::get_entity(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys)
+{
+    PDF_REF at = ref;
+    for (int hops = 0; hops < LIMIT_REF_CHAIN; ++hops) {
+        const PDF_XREF_ENTRY* entry = at.num ? entry_of(at.num) : nullptr;
+        if (!entry || entry->type == PDF_XREF_FREE)
+            return;
+        if (entry->type == PDF_XREF_CHANGED) {
+            if (entry->index < static_cast<uint32_t>(m_changed_cnt))
+                copy_wanted(out, m_changed[entry->index].obj, keys);
+        } else if (m_source) {
+            const PDF_XREF_ENTRY place = *entry;  // reading may grow the entries
+            m_source->read_object(*this, out, at.num, place, keys);
+        }
+        if (out.type != PDF_OBJ_REF)
+            return;
+        at = out.ref;
+        out.free();
+    }
+}
+
+PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
+{
+    PDF_XREF_ENTRY* entry = reserve_entry(static_cast<uint32_t>(num));
+    if (!entry)
+        return nullptr;
+    if (entry->type == PDF_XREF_CHANGED && entry->gen != PDF_XREF_NO_GEN)
+        return &m_changed[entry->index];
+    if (m_changed_cnt >= m_changed_cap) {
+        if (m_changed_cap > INT32_MAX - CHANGED_STEP)
+            return nullptr;
+        const int32_t capacity = m_changed_cap + CHANGED_STEP;
+        void* grown = VXRealloc(m_changed, static_cast<size_t>(capacity) * sizeof(PDF_CHANGED_OBJ));
+        if (!grown)
+            return nullptr;
+        m_changed = static_cast<PDF_CHANGED_OBJ*>(grown);
+        std::memset(static_cast<void*>(m_changed + m_changed_cap), 0, CHANGED_STEP * sizeof(PDF_CHANGED_OBJ));
+        m_changed_cap = capacity;
+    }
+    *entry = {PDF_XREF_CHANGED, static_cast<uint32_t>(m_changed_cnt), static_cast<uint32_t>(gen)};
+    raise_next_num(static_cast<uint32_t>(num) + 1);
+    return &m_changed[m_changed_cnt++];
+}
+
+void CPDFXRefTable::store_changed(const PDF_REF& ref, const CPDFObj& obj)
+{
+    PDF_CHANGED_OBJ* record = get_xref2(static_cast<int>(ref.num), static_cast<int>(ref.gen));
+    if (!record)
+        return;
+    record->obj.copy_from(&obj);
+    record->ref = ref;
+}
+
+void CPDFXRefTable::read_obj_string(CPDFXRefTable* xref, PDF_String& out, const CPDFObj* obj)
+{
+    out = {0, nullptr};
+    CPDFObj scratch;
+    const CPDFObj* value = view_obj(xref, obj, scratch);
+    if (value->type == PDF_OBJ_STRING)
+        out.assign(value->str.buf, value->str.len);
+    else if (value->type == PDF_OBJ_NAME && value->name)
+        out.assign(value->name, static_cast<int32_t>(std::strlen(value->name)));
+}
+
+uint32_t CPDFXRefTable::new_obj_num()
+{
+    read_all_sections();
+    return m_next_num++;
+}
+
+void CPDFXRefTable::read_all_sections()
+{
+    while (m_pending_cnt > 0) {
+        if (!XRefRead(m_pending[--m_pending_cnt].pos))
+            return;
+    }
+}
+
+void CPDFXRefTable::raise_next_num(uint32_t num)
+{
+    if (num > m_next_num)
+        m_next_num = num;
+}
+
+int CPDFXRefTable::XRefRead(uint32_t pos)
+{
+    return m_source ? m_source->read_section(*this, pos) : 0;
+}
+
+void CPDFXRefTable::push_pending(uint32_t pos)
+{
+    if (m_pending_cnt == m_pending_cap) {
+        const size_t capacity = static_cast<size_t>(m_pending_cap) + PENDING_STEP;
+        void* grown = VXRealloc(m_pending, capacity * sizeof(PDF_PENDING_SECTION));
+        if (!grown)
+            return;
+        m_pending = static_cast<PDF_PENDING_SECTION*>(grown);
+        m_pending_cap = static_cast<int32_t>(capacity);
+    }
+    m_pending[m_pending_cnt++] = {pos};
+}
+
+CPDFStream* CPDFXRefTable::make_stream(const CPDFStreamRec* rec)
+{
+    if (!rec || !m_source)
+        return nullptr;
+    if (!rec->in_memory)
+        return m_source->open_stream(*this, *rec, nullptr, 0);
+    const PDF_MEM_STREAM* memory = mem_stream(rec->handle);
+    return memory ? m_source->open_stream(*this, *rec, memory->data, memory->len) : nullptr;
+}
+
+unsigned char* CPDFXRefTable::compress_data(const void* data, int len, int& out_len)
+{
+    out_len = 0;
+    return m_source && data && len >= 0 ? m_source->compress(data, len, out_len) : nullptr;
+}
+
+uint64_t CPDFXRefTable::set_mem_stream(const PDF_REF& ref, unsigned char* data, int len)
+{
+    VXBlock<unsigned char> owned(data);
+    uint32_t slot = 0;
+    while (slot < m_mem_stream_cnt && m_mem_streams[slot].num != ref.num)
+        ++slot;
+    if (slot == m_mem_stream_cnt) {
+        void* grown = VXRealloc(m_mem_streams, (static_cast<size_t>(slot) + 1) * sizeof(PDF_MEM_STREAM));
+        if (!grown)
+            return 0;
+        m_mem_streams = static_cast<PDF_MEM_STREAM*>(grown);
+        m_mem_streams[slot] = {ref.num, nullptr, 0};
+        ++m_mem_stream_cnt;
+    }
+    VXFree(m_mem_streams[slot].data);
+    m_mem_streams[slot].data = owned.release();
+    m_mem_streams[slot].len = len > 0 ? static_cast<uint32_t>(len) : 0;
+    return slot + 1;
+}
+
+const PDF_MEM_STREAM* CPDFXRefTable::mem_stream(uint64_t handle) const
+{
+    return handle >= 1 && handle <= m_mem_stream_cnt ? &m_mem_streams[handle - 1] : nullptr;
+}

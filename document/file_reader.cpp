@@ -1,0 +1,203 @@
+#include "document/file_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "core/key_set.h"
+#include "core/limits.h"
+#include "core/stream.h"
+#include "core/xref_table.h"
+#include "document/compress.h"
+#include "document/parser.h"
+
+CPDFFileReader::CPDFFileReader(const uint8_t* data, size_t size)
+    : m_data(data), m_size(size)
+{
+    renew_budget();
+}
+
+void CPDFFileReader::renew_budget()
+{
+    m_budget = LIMIT_PARSE_WORK + LIMIT_PARSE_WORK_PER_BYTE * m_size;
+}
+
+bool CPDFFileReader::spend(size_t bytes)
+{
+    if (bytes > m_budget)
+        return false;
+    m_budget -= bytes;
+    return true;
+}
+
+void CPDFFileReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                                 const CPDFKeySet* keys)
+{
+    if (entry.type == PDF_XREF_IN_FILE)
+        parse_object_at(xref, out, entry.index, num, keys);
+    else if (entry.type == PDF_XREF_IN_STREAM)
+        read_from_stream(xref, out, num, entry, keys);
+}
+
+// An object in the file: "num gen obj", the value, and for a stream "stream", its data and "endstream".
+bool CPDFFileReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys)
+{
+    if (at >= m_size)
+        return false;
+    CPDFParser parser(m_data + at, m_data + m_size, m_data);
+    CPDFLexer& lexer = parser.lexer();
+    uint32_t found = 0;
+    uint32_t gen = 0;
+    lexer.skip_space();
+    if (!lexer.read_u32(found) || found != num)
+        return false;
+    lexer.skip_space();
+    if (!lexer.read_u32(gen))
+        return false;
+    lexer.skip_space();
+    // Some writers leave no space between "obj" and the value.
+    if (lexer.left() < 3 || std::memcmp(lexer.at(), "obj", 3) != 0)
+        return false;
+    lexer.move_to(lexer.at() + 3);
+    const uint8_t* body = lexer.at();
+    if (!parser.parse(out, keys) || !spend(static_cast<size_t>(lexer.at() - body))) {
+        out.free();
+        return false;
+    }
+    if (out.type != PDF_OBJ_DICT)
+        return true;
+    lexer.skip_space();
+    if (lexer.left() < 6 || std::memcmp(lexer.at(), "stream", 6) != 0)
+        return true;
+    if (keys) {
+        out.free();
+        return parse_object_at(xref, out, at, num, nullptr);
+    }
+    lexer.move_to(lexer.at() + 6);
+    // The keyword ends with CR LF or LF; a lone CR is tolerated.
+    if (lexer.peek() == '\r')
+        lexer.move_to(lexer.at() + 1);
+    if (lexer.peek() == '\n')
+        lexer.move_to(lexer.at() + 1);
+    make_stream_value(xref, out, static_cast<size_t>(lexer.at() - m_data), {num, gen});
+    return true;
+}
+
+void CPDFFileReader::make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t data_at, const PDF_REF& ref)
+{
+    const size_t len = stream_length(xref, *out.dict, data_at);
+    CPDFObj dict;
+    dict.take(out);
+    out.stream = new CPDFStreamRec;
+    out.type = PDF_OBJ_STREAM;
+    out.stream->dict.take(*dict.dict);
+    out.stream->in_file = 1;
+    out.stream->data_len = static_cast<uint32_t>(len);
+    out.stream->ref = ref;
+    out.stream->handle = data_at;
+}
+
+// "Length" when "endstream" follows the data there, else the distance to the next "endstream".
+size_t CPDFFileReader::stream_length(CPDFXRefTable& xref, const CPDFDictionary& dict, size_t data_at)
+{
+    const CPDFObj* entry = dict.get_item(CPDFDictionary::sm_tag_length);
+    int64_t len = -1;
+    if (entry && entry->type == PDF_OBJ_INT) {
+        len = entry->ival;
+    } else if (entry && entry->type == PDF_OBJ_REF && !m_in_length) {
+        // The length of a stream may not need the length of another one: a loop would never end.
+        const RaisedFlag flag(m_in_length);
+        CPDFObj scratch;
+        const CPDFObj* value = view_obj(&xref, entry, scratch);
+        len = value->type == PDF_OBJ_INT ? value->ival : -1;
+    }
+    if (len >= 0 && static_cast<size_t>(len) <= m_size - data_at) {
+        CPDFLexer lexer(m_data + data_at + len, m_data + m_size);
+        while (is_space(lexer.peek()) && !lexer.done())
+            lexer.move_to(lexer.at() + 1);
+        if (lexer.left() >= 9 && std::memcmp(lexer.at(), "endstream", 9) == 0)
+            return static_cast<size_t>(len);
+    }
+    return search_stream_end(data_at);
+}
+
+size_t CPDFFileReader::search_stream_end(size_t data_at)
+{
+    const uint8_t* begin = m_data + data_at;
+    const size_t left = m_size - data_at;
+    const void* found = memmem(begin, left, "endstream", 9);
+    if (!found)
+        found = memmem(begin, left, "endobj", 6);
+    size_t len = found ? static_cast<size_t>(static_cast<const uint8_t*>(found) - begin) : left;
+    if (!spend(len))
+        return 0;
+    if (len > 0 && begin[len - 1] == '\n')
+        --len;
+    if (len > 0 && begin[len - 1] == '\r')
+        --len;
+    return len;
+}
+
+void CPDFFileReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                                      const CPDFKeySet* keys)
+{
+    const CPDFObjectStream* stream = object_stream(xref, entry.index);
+    const uint8_t* begin = nullptr;
+    const uint8_t* end = nullptr;
+    if (!stream || !stream->find(num, entry.gen, begin, end))
+        return;
+    CPDFParser parser(begin, end, nullptr);
+    if (!parser.parse(out, keys) || !spend(static_cast<size_t>(parser.lexer().at() - begin)))
+        out.free();
+}
+
+const CPDFObjectStream* CPDFFileReader::object_stream(CPDFXRefTable& xref, uint32_t num)
+{
+    if (const CPDFObjectStream* known = m_streams.find(num))
+        return known;
+    // What an object stream's own dictionary refers to may not lie in an object stream: it could be the same one.
+    if (m_in_container)
+        return nullptr;
+    const RaisedFlag flag(m_in_container);
+    return load_object_stream(xref, num);
+}
+
+const CPDFObjectStream* CPDFFileReader::load_object_stream(CPDFXRefTable& xref, uint32_t num)
+{
+    const PDF_XREF_ENTRY* place = xref.entry_of(num);
+    if (!place || place->type != PDF_XREF_IN_FILE)
+        return nullptr;
+    CPDFObj container;
+    if (!parse_object_at(xref, container, place->index, num, nullptr) || container.type != PDF_OBJ_STREAM)
+        return nullptr;
+    const CPDFStreamRec& rec = *container.stream;
+    CPDFBytes bytes;
+    if (!decode_stream(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !spend(bytes.size()))
+        return nullptr;
+    const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
+    const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
+    return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+}
+
+CPDFStream* CPDFFileReader::open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
+                                        uint32_t size)
+{
+    if (!memory) {
+        if (rec.handle > m_size || rec.data_len > m_size - rec.handle)
+            return nullptr;
+        memory = m_data + rec.handle;
+        size = rec.data_len;
+    }
+    CPDFBytes bytes;
+    if (decode_stream(&xref, rec.dict, memory, size, bytes))
+        static_cast<void>(spend(std::min<uint64_t>(bytes.size(), m_budget)));
+    return make_decoded_stream(std::move(bytes));
+}
+
+unsigned char* CPDFFileReader::compress(const void* data, int len, int& out_len)
+{
+    size_t size = 0;
+    unsigned char* packed = flate_compress(data, static_cast<size_t>(len), size);
+    out_len = packed && size <= INT32_MAX ? static_cast<int>(size) : 0;
+    return packed;
+}

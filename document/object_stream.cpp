@@ -1,0 +1,74 @@
+#include "document/object_stream.h"
+
+#include <algorithm>
+
+#include "core/limits.h"
+#include "document/lexer.h"
+
+CPDFObjectStream::CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first) : m_bytes(std::move(bytes))
+{
+    const uint8_t* begin = m_bytes.data();
+    const auto body = static_cast<size_t>(std::max(first, 0));
+    CPDFLexer lexer(begin, begin + m_bytes.size());
+    for (int32_t i = 0; i < count; ++i) {
+        uint32_t num = 0;
+        uint32_t offset = 0;
+        lexer.skip_space();
+        if (!lexer.read_u32(num))
+            break;
+        lexer.skip_space();
+        if (!lexer.read_u32(offset))
+            break;
+        const size_t at = body + offset;
+        m_places.push_back({num, static_cast<uint32_t>(std::min(at, m_bytes.size()))});
+    }
+}
+
+bool CPDFObjectStream::find(uint32_t num, uint32_t index, const uint8_t*& begin, const uint8_t*& end) const
+{
+    size_t at = index;
+    if (at >= m_places.size() || m_places[at].num != num) {
+        const auto same = [num](const Place& place) { return place.num == num; };
+        at = static_cast<size_t>(std::find_if(m_places.begin(), m_places.end(), same) - m_places.begin());
+    }
+    if (at == m_places.size())
+        return false;
+    begin = m_bytes.data() + m_places[at].offset;
+    end = m_bytes.data() + m_bytes.size();
+    if (at + 1 < m_places.size() && m_places[at + 1].offset > m_places[at].offset)
+        end = m_bytes.data() + m_places[at + 1].offset;
+    return true;
+}
+
+const CPDFObjectStream* CPDFObjectStreamCache::find(uint32_t num)
+{
+    if (m_last && m_last_num == num)
+        return m_last;
+    const auto slot = m_slots.find(num);
+    if (slot == m_slots.end())
+        return nullptr;
+    slot->second.last_use = ++m_clock;
+    m_last_num = num;
+    m_last = slot->second.stream.get();
+    return m_last;
+}
+
+const CPDFObjectStream* CPDFObjectStreamCache::add(uint32_t num, std::unique_ptr<CPDFObjectStream> stream)
+{
+    make_room(stream->footprint());
+    m_held += stream->footprint();
+    m_last_num = num;
+    m_last = stream.get();
+    m_slots[num] = {std::move(stream), ++m_clock};
+    return m_last;
+}
+
+void CPDFObjectStreamCache::make_room(size_t size)
+{
+    while (!m_slots.empty() && m_held + size > LIMIT_OBJECT_STREAM_CACHE) {
+        const auto older = [](const auto& a, const auto& b) { return a.second.last_use < b.second.last_use; };
+        const auto oldest = std::min_element(m_slots.begin(), m_slots.end(), older);
+        m_held -= oldest->second.stream->footprint();
+        m_slots.erase(oldest);
+    }
+}

@@ -1,0 +1,50 @@
+// The pages of a document and the annotations on them (ISO 32000-2, 7.7.3 and 12.5.2).
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "core/object.h"
+
+class CPDFArray;
+class CPDFDictionary;
+
+// Numbers the pages from 1 and knows which page lists an annotation. It holds what the document says at the time of
+// load; the page contents and resources are not read.
+class CPDFPageMap {
+public:
+    // Walks the page tree under "Pages" of the catalog `root` once. "Count" is not looked at; nodes that are no
+    // dictionaries, too deep or seen before are left out, so a damaged tree gives the pages that can be reached.
+    // Reads every section that is still pending.
+    void load(CPDFXRefTable& xref, const CPDFObj& root);
+
+    int32_t page_count() const { return static_cast<int32_t>(m_pages.size()); }
+
+    // The object of page number `page`, 1 to page_count(). Object number 0 for a page held directly in its parent.
+    const PDF_REF& page_ref(int32_t page) const { return m_pages[static_cast<size_t>(page - 1)]; }
+
+    // The number of the page that is object `num`; 0 when it is none.
+    int32_t page_of(uint32_t num) const;
+
+    // The number of the first page whose "Annots" list object `num`; 0 when none does.
+    int32_t page_of_annotation(uint32_t num) const;
+
+private:
+    struct ANNOTATION {
+        uint32_t num;
+        int32_t page;
+    };
+
+    bool first_visit(uint32_t num) { return m_seen.emplace(num, 0).second; }
+    void visit(const CPDFObj& entry, int depth);
+    void visit_kids(const CPDFObj& entry, int depth);
+    void add_page(const CPDFDictionary& page, const PDF_REF& ref);
+    const CPDFArray* view_once(const CPDFObj* entry, CPDFObj& scratch);
+
+    CPDFXRefTable* m_xref = nullptr;  // borrowed from the caller of load, while it runs
+    int64_t m_entries_left = 0;
+    std::vector<PDF_REF> m_pages;
+    std::vector<ANNOTATION> m_annotations;         // sorted by number, one each
+    std::unordered_map<uint32_t, int32_t> m_seen;  // objects visited; the page number of those that are pages
+};

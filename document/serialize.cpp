@@ -1,0 +1,162 @@
+#include "document/serialize.h"
+
+#include <charconv>
+
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "document/lexer.h"
+
+namespace {
+
+constexpr char HEX[] = "0123456789ABCDEF";
+
+template <typename Int>
+void write_int(std::string& out, Int value)
+{
+    char digits[24];
+    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, value);
+    out.append(digits, end.ptr);
+}
+
+void write_name(std::string& out, const char* name)
+{
+    out += '/';
+    for (const char* p = name; p && *p; ++p) {
+        const auto c = static_cast<uint8_t>(*p);
+        if (is_regular(c) && c > 0x20 && c < 0x7F && c != '#') {
+            out += *p;
+            continue;
+        }
+        out += '#';
+        out += HEX[c >> 4];
+        out += HEX[c & 15];
+    }
+}
+
+// Text that is mostly unprintable is shorter and safer as hexadecimal digits.
+bool prefers_hex(const PDF_String& str)
+{
+    int32_t odd = 0;
+    for (int32_t i = 0; i < str.len; ++i)
+        odd += str.buf[i] < 0x20 || str.buf[i] >= 0x7F;
+    return odd > str.len / 2;
+}
+
+void write_string(std::string& out, const PDF_String& str)
+{
+    if (prefers_hex(str)) {
+        out += '<';
+        for (int32_t i = 0; i < str.len; ++i) {
+            out += HEX[str.buf[i] >> 4];
+            out += HEX[str.buf[i] & 15];
+        }
+        out += '>';
+        return;
+    }
+    out += '(';
+    for (int32_t i = 0; i < str.len; ++i) {
+        const auto c = static_cast<char>(str.buf[i]);
+        if (c == '\r') {
+            out += "\\r";  // a bare CR would read back as LF
+            continue;
+        }
+        if (c == '(' || c == ')' || c == '\\')
+            out += '\\';
+        out += c;
+    }
+    out += ')';
+}
+
+void write_array(std::string& out, const CPDFArray& array)
+{
+    out += '[';
+    for (int32_t i = 0; i < array.count; ++i) {
+        if (i > 0)
+            out += ' ';
+        write_object(out, array.items[i]);
+    }
+    out += ']';
+}
+
+}  // namespace
+
+void write_real(std::string& out, VXFIX value)
+{
+    constexpr uint64_t FRACTION = VXFIX_ONE - 1;
+    uint64_t fixed = static_cast<uint64_t>(value);
+    if (value < 0) {
+        out += '-';
+        fixed = 0 - fixed;
+    }
+    write_int(out, fixed >> 26);
+    // The fewest decimals that lead back to the same fixed-point number.
+    uint64_t scale = 1;
+    uint64_t decimals = 0;
+    int digits = 0;
+    for (; digits <= 8; ++digits, scale *= 10) {
+        decimals = ((fixed & FRACTION) * scale + VXFIX_ONE / 2) >> 26;
+        if (decimals < scale && ((decimals << 26) + scale / 2) / scale == (fixed & FRACTION))
+            break;
+    }
+    if (digits == 0)
+        return;
+    out += '.';
+    const size_t at = out.size();
+    write_int(out, decimals);
+    out.insert(at, static_cast<size_t>(digits) - (out.size() - at), '0');
+}
+
+void write_dictionary(std::string& out, const CPDFDictionary& dict)
+{
+    out += "<<";
+    for (int32_t i = 0; i < dict.count; ++i) {
+        const CPDFObj& value = dict.items[i]->value;
+        if (value.type == PDF_OBJ_NULL)
+            continue;
+        write_name(out, dict.items[i]->key());
+        const bool delimited = value.type == PDF_OBJ_STRING || (value.type >= PDF_OBJ_NAME && value.type <= PDF_OBJ_DICT);
+        if (!delimited)
+            out += ' ';
+        write_object(out, value);
+    }
+    out += ">>";
+}
+
+void write_object(std::string& out, const CPDFObj& obj)
+{
+    switch (obj.type) {
+    case PDF_OBJ_BOOL:
+        out += obj.ival ? "true" : "false";
+        break;
+    case PDF_OBJ_INT:
+        write_int(out, obj.ival);
+        break;
+    case PDF_OBJ_REAL:
+        write_real(out, obj.fval);
+        break;
+    case PDF_OBJ_STRING:
+        write_string(out, obj.str);
+        break;
+    case PDF_OBJ_NAME:
+        write_name(out, obj.name);
+        break;
+    case PDF_OBJ_ARRAY:
+        write_array(out, *obj.arr);
+        break;
+    case PDF_OBJ_DICT:
+        write_dictionary(out, *obj.dict);
+        break;
+    case PDF_OBJ_REF:
+        write_int(out, obj.ref.num);
+        out += ' ';
+        write_int(out, obj.ref.gen);
+        out += " R";
+        break;
+    case PDF_OBJ_STREAM:
+        write_dictionary(out, obj.stream->dict);
+        break;
+    default:
+        out += "null";
+        break;
+    }
+}

@@ -1,0 +1,29 @@
+// How operations on a document report failure: a code to branch on and one sentence to show.
+#pragma once
+
+#include <string>
+
+enum class PDF_CODE {
+    OK,
+    NOT_FOUND,     // no such file
+    IO,            // the file can't be read or written
+    NOT_PDF,       // no PDF header
+    NO_CATALOG,    // no usable trailer or catalog
+    ENCRYPTED,     // protected, and can't be opened
+    DAMAGED,       // the cross-reference data can't be read
+    LIMIT,         // larger than what is supported
+    NO_FIELD,      // no field of that name
+    WRONG_KIND,    // the field can't take such a value
+    READ_ONLY,     // the field is read-only
+    NO_MEMORY,
+};
+
+// A status converts from nothing: make one with ok() or failed().
+struct [[nodiscard]] CPDFStatus {
+    PDF_CODE code = PDF_CODE::OK;
+    std::string text;  // one sentence that names the object or the field; empty when OK
+
+    bool ok() const { return code == PDF_CODE::OK; }
+
+    static CPDFStatus failed(PDF_CODE code, std::string text) { return {code, std::move(text)}; }
+};

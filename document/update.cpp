@@ -1,0 +1,182 @@
+#include "document/update.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "core/array.h"
+#include "core/xref_table.h"
+#include "document/file_id.h"
+#include "document/file_reader.h"
+#include "document/serialize.h"
+
+namespace {
+
+// Where a changed object stands in the output.
+struct Place {
+    uint32_t num;
+    uint32_t gen;
+    uint64_t offset;
+};
+
+class Update {
+public:
+    Update(std::string& out, const CPDFXRefTable& xref, const CPDFFileReader& reader, const uint8_t* data, size_t size)
+        : m_out(out), m_xref(xref), m_reader(reader), m_data(data), m_size(size), m_next_num(xref.next_num())
+    {
+    }
+
+    void run()
+    {
+        if (m_data[m_size - 1] != '\n')
+            m_out += '\n';
+        write_objects();
+        m_start = position();
+        if (m_reader.newest_kind() == PDF_SECTION_KIND::STREAM)
+            write_section_stream();
+        else
+            write_table();
+        m_out += "startxref\n" + std::to_string(m_start) + "\n%%EOF\n";
+    }
+
+private:
+    // File position of the next byte, counted as the file's own positions are.
+    uint64_t position() const { return m_size + m_out.size() - m_reader.shift(); }
+
+    void write_objects()
+    {
+        std::vector<const PDF_CHANGED_OBJ*> order;
+        for (int32_t i = 0; i < m_xref.changed_count(); ++i) {
+            if (m_xref.changed()[i].ref.num)
+                order.push_back(&m_xref.changed()[i]);
+        }
+        std::sort(order.begin(), order.end(), [](const auto* a, const auto* b) { return a->ref.num < b->ref.num; });
+        for (const PDF_CHANGED_OBJ* record : order) {
+            m_places.push_back({record->ref.num, record->ref.gen, position()});
+            m_out += std::to_string(record->ref.num) + ' ' + std::to_string(record->ref.gen) + " obj\n";
+            write_object(m_out, record->obj);
+            if (record->obj.type == PDF_OBJ_STREAM)
+                write_data(*record->obj.stream);
+            m_out += "\nendobj\n";
+        }
+    }
+
+    void write_data(const CPDFStreamRec& rec)
+    {
+        const char* bytes = nullptr;
+        size_t size = 0;
+        if (const PDF_MEM_STREAM* memory = rec.in_memory ? m_xref.mem_stream(rec.handle) : nullptr) {
+            bytes = reinterpret_cast<const char*>(memory->data);
+            size = memory->len;
+        } else if (rec.in_file && rec.handle <= m_size && rec.data_len <= m_size - rec.handle) {
+            bytes = reinterpret_cast<const char*>(m_data) + rec.handle;
+            size = rec.data_len;
+        }
+        m_out += "\nstream\n";
+        m_out.append(bytes ? bytes : "", size);
+        m_out += "\nendstream";
+    }
+
+    // Calls `visit(first, count, place)` for each run of consecutive object numbers.
+    template <typename Visit>
+    void for_each_run(Visit&& visit) const
+    {
+        for (size_t i = 0; i < m_places.size();) {
+            size_t run = 1;
+            while (i + run < m_places.size() && m_places[i + run].num == m_places[i].num + run)
+                ++run;
+            visit(m_places[i].num, run, &m_places[i]);
+            i += run;
+        }
+    }
+
+    void write_table()
+    {
+        m_out += "xref\n";
+        for_each_run([this](uint32_t first, size_t count, const Place* place) {
+            m_out += std::to_string(first) + ' ' + std::to_string(count) + '\n';
+            for (size_t i = 0; i < count; ++i) {
+                char line[32];
+                std::snprintf(line, sizeof line, "%010llu %05u n \n", static_cast<unsigned long long>(place[i].offset),
+                              place[i].gen);
+                m_out += line;
+            }
+        });
+        CPDFDictionary trailer;
+        fill_trailer(trailer);
+        m_out += "trailer\n";
+        write_dictionary(m_out, trailer);
+        m_out += '\n';
+    }
+
+    void write_section_stream()
+    {
+        constexpr int OFFSET_WIDTH = 4;
+        constexpr int GEN_WIDTH = 2;
+        const uint32_t num = m_next_num++;
+        m_places.push_back({num, 0, m_start});
+        CPDFObj index;
+        index.set_array();
+        std::string rows;
+        for_each_run([&](uint32_t first, size_t count, const Place* place) {
+            index.arr->append_int(static_cast<int>(first));
+            index.arr->append_int(static_cast<int>(count));
+            for (size_t i = 0; i < count; ++i) {
+                rows += '\x01';
+                append_big_endian(rows, place[i].offset, OFFSET_WIDTH);
+                append_big_endian(rows, place[i].gen, GEN_WIDTH);
+            }
+        });
+        CPDFDictionary dict;
+        fill_trailer(dict);
+        CPDFObj widths;
+        widths.set_array();
+        for (const int width : {1, OFFSET_WIDTH, GEN_WIDTH})
+            widths.arr->append_int(width);
+        dict.set_item_name("Type", "XRef");
+        dict.set_item("W", &widths);
+        dict.set_item("Index", &index);
+        dict.set_item_int(CPDFDictionary::sm_tag_length, static_cast<int>(rows.size()));
+        m_out += std::to_string(num) + " 0 obj\n";
+        write_dictionary(m_out, dict);
+        m_out += "\nstream\n" + rows + "\nendstream\nendobj\n";
+    }
+
+    static void append_big_endian(std::string& out, uint64_t value, int width)
+    {
+        for (int shift = (width - 1) * 8; shift >= 0; shift -= 8)
+            out += static_cast<char>(value >> shift);
+    }
+
+    void fill_trailer(CPDFDictionary& trailer) const
+    {
+        const CPDFDictionary& before = m_reader.trailer();
+        for (const char* key : {"Root", "Info", "Encrypt"})
+            trailer.set_item(key, before.get_item(key));
+        trailer.set_item_int("Size", static_cast<int>(m_next_num));
+        // A position beyond 2 GiB is no 32-bit integer, but a real writes the same digits.
+        CPDFObj prev;
+        prev.set_real(static_cast<VXFIX>(m_reader.newest_pos()) << 26);
+        trailer.set_item("Prev", &prev);
+        set_file_id(trailer, before, m_out);
+    }
+
+    std::string& m_out;              // borrowed from the caller, as the following
+    const CPDFXRefTable& m_xref;
+    const CPDFFileReader& m_reader;
+    const uint8_t* m_data;
+    size_t m_size;
+    uint32_t m_next_num;  // first object number that the output leaves free
+    uint64_t m_start = 0;
+    std::vector<Place> m_places;
+};
+
+}  // namespace
+
+void write_update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const unsigned char* data, size_t size)
+{
+    if (xref.changed_count() == 0 || size == 0)
+        return;
+    xref.read_all_sections();
+    Update(out, xref, reader, data, size).run();
+}

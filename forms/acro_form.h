@@ -1,0 +1,57 @@
+// The document's interactive form (ISO 32000-2, 12.7.3).
+#pragma once
+
+#include "core/object.h"
+#include "core/pdf_string.h"
+
+class CPDFField;
+class CPDFResources;
+class CPDFXRefTable;
+
+// The top-level fields, the default resources, and what is kept of an XFA entry. The form owns the fields and the
+// resources; the catalog and the object store are borrowed from the document.
+class CPDFAcroForm {
+public:
+    CPDFAcroForm();
+    ~CPDFAcroForm();
+    CPDFAcroForm(const CPDFAcroForm&) = delete;
+    CPDFAcroForm& operator=(const CPDFAcroForm&) = delete;
+
+    // Loads the form. `form` is the catalog's form entry as stored, a reference or the dictionary itself; null loads
+    // nothing. `root` and `root_ref` are the catalog and its reference. What loaded is visible in the members.
+    void load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref);
+
+    // Releases the fields and the resources; the form may be loaded again. Ends every field pointer.
+    void unload();
+
+    // The field whose dictionary or widget has the object number of `ref`; null when none.
+    CPDFField* find(const PDF_REF& ref);
+
+    // The first top-level field with this partial name, compared on its first 61 characters; null when none and for
+    // an empty name.
+    CPDFField* find(const wchar_t* name);
+
+    // The same, compared on the first 254 characters; an empty name finds the first top-level field without one. The
+    // string form takes a PDF text string, of which the first 255 characters count.
+    CPDFField* get_field(const wchar_t* name);
+    CPDFField* get_field(const PDF_String& name);
+
+    PDF_REF m_ref;             // the form dictionary; number 0 when it is held directly in the catalog
+    PDF_REF m_xfa_ref;         // the XFA data set's stream, or the single XFA stream; number 0 when there is none
+    int32_t m_loaded;          // 1 once load has fetched the form entry, whatever it was
+    int32_t m_has_xfa;         // 1 when the form dictionary has "XFA"
+    CPDFField** m_fields;      // owned, with the fields; null slots for fields that did not load
+    int32_t m_field_cnt;       // slots, one per "Fields" entry
+    CPDFResources* m_res;      // owned; "DR", null when there is none
+    CPDFObj* m_root;           // borrowed from the document; the catalog
+    PDF_REF m_root_ref;
+    CPDFXRefTable* m_xref;     // borrowed from the document
+
+private:
+    void load_resources(const CPDFDictionary& dict);
+    void load_fields(const CPDFDictionary& dict);
+    void load_xfa(const CPDFDictionary& dict);
+    void load_packets(const CPDFArray& packets);
+    void bind_template(const CPDFObj* packet);
+    CPDFField* find_top(const wchar_t* name, int limit);
+};

@@ -1,0 +1,136 @@
+// One node of the form's field tree (ISO 32000-2, 12.7.4).
+#pragma once
+
+#include "core/object.h"
+#include "core/pdf_string.h"
+
+class CPDFAnnotWidget;
+class CPDFSign;
+class CPDFVisitSet;
+class CPDFXRefTable;
+
+enum PDF_FIELD_TYPE : int32_t {
+    FIELD_UNKNOWN = 0,
+    FIELD_BUTTON = 1,     // "Btn"
+    FIELD_TEXT = 2,       // "Tx"
+    FIELD_CHOICE = 3,     // "Ch"
+    FIELD_SIGNATURE = 4,  // "Sig"
+};
+
+// Bits of the flags word "Ff" (ISO 32000-2, tables 227, 229, 231 and 233).
+enum PDF_FIELD_FLAG : uint32_t {
+    FIELD_READ_ONLY = 0x1,
+    FIELD_REQUIRED = 0x2,
+    FIELD_NO_EXPORT = 0x4,
+    FIELD_MULTILINE = 0x1000,
+    FIELD_PASSWORD = 0x2000,
+    FIELD_NO_TOGGLE_TO_OFF = 0x4000,
+    FIELD_RADIO = 0x8000,
+    FIELD_PUSH_BUTTON = 0x10000,
+    FIELD_COMBO = 0x20000,
+    FIELD_EDIT = 0x40000,
+    FIELD_SORT = 0x80000,
+    FIELD_FILE_SELECT = 0x100000,
+    FIELD_MULTI_SELECT = 0x200000,
+    FIELD_NO_SPELL_CHECK = 0x400000,
+    FIELD_NO_SCROLL = 0x800000,
+    FIELD_COMB = 0x1000000,
+    FIELD_RADIOS_IN_UNISON = 0x2000000,  // radio buttons
+    FIELD_RICH_TEXT = 0x2000000,         // text fields: the same bit
+    FIELD_COMMIT_ON_CHANGE = 0x4000000,
+};
+
+enum PDF_XFA_EVENT : int32_t {
+    XFA_EVENT_NONE = 0,
+    XFA_EVENT_SUBMIT = 1,
+    XFA_EVENT_RESET = 2,
+};
+
+// One choice option. An option given as a plain string has an empty `text` with a null buffer; readers show `text`
+// when its buffer is not null and `val` otherwise.
+struct PDF_FIELD_OPT {
+    PDF_String val;   // export value
+    PDF_String text;  // text shown
+};
+
+// A field dictionary together with what is needed of it in memory. A field owns its kids and everything it points to
+// except its parent, the object store and the widget. Setters change the member, then store a changed private copy of
+// the field's own dictionary; they report nothing, and a call on a field of the wrong kind does nothing.
+class CPDFField {
+public:
+    CPDFField();
+    virtual ~CPDFField();
+    CPDFField(const CPDFField&) = delete;
+    CPDFField& operator=(const CPDFField&) = delete;
+
+    // Reads the field dictionary that `ref` names and the subtree under it. `xref` is borrowed and outlives the
+    // field; `parent` is null for a top-level field, and has set this field's m_index, m_type and m_flags before.
+    // Returns 1, or 0 when `ref` names no dictionary. Kids that don't load are left out.
+    int load(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref);
+
+    // Lookup. `name` is a dotted path of partial names in XML text, index suffixes ("[n]") removed; the first field of
+    // this subtree that it designates, or null. Fields whose name does not match the head of the path are passed over.
+    CPDFField* get(const char* name);
+    // The first field of this subtree with the object number of `ref`, its own or a widget's; null when none.
+    CPDFField* get(const PDF_REF& ref);
+
+    // Names, as wide text into `buf`, which holds `size` characters, terminator included; longer text is cut at a
+    // whole character. Each returns the length.
+    // The partial name, or the nearest named ancestor's when the field has none.
+    int get_name(wchar_t* buf, int size);
+    // The same, and for an unnamed field the inherited name followed by '#' and its slot.
+    int get_name_with_no(wchar_t* buf, int size);
+    // The fully qualified name (ISO 32000-2, 12.7.4.2), index suffixes removed.
+    int get_full_name(wchar_t* buf, int size);
+    // The fully qualified name with the partial names as stored.
+    int get_full_name2(wchar_t* buf, int size);
+    // Replaces the partial name "T"; null gives an empty one. The memory changes even when the dictionary is gone.
+    void set_name(const wchar_t* name);
+
+    // Text fields only: makes `value`, not null, the value "V". Neither "MaxLen" nor the read-only flag nor the widgets are
+    // looked at. The memory changes even when the dictionary is gone.
+    void set_edit_value(const PDF_String* value);
+    // Text fields only: the value of the field or of the nearest text field above it that has a string; null when there
+    // is none. Borrowed from the field that holds it, until its value changes.
+    PDF_String* get_edit_value();
+
+    CPDFXRefTable* m_xref;          // borrowed from the document
+    int32_t m_type;                 // PDF_FIELD_TYPE
+    uint32_t m_flags;               // "Ff"
+    CPDFObj m_value;                // "V", or "DV" where there is no "V"
+    CPDFObj m_def_value;            // "DV"
+    CPDFObj m_da;                   // "DA"
+    PDF_REF* m_widgets;             // owned; "Kids" entries that are widget annotations
+    int32_t m_widget_cnt;
+    CPDFField** m_kids;             // owned, with the fields; room for every "Kids" entry
+    CPDFField* m_parent;            // borrowed; null for a top-level field
+    int32_t m_kid_cnt;
+    PDF_String m_name;              // owned; "T" as stored
+    PDF_REF m_ref;                  // this field's dictionary
+    PDF_FIELD_OPT* m_opts;          // owned; "Opt"
+    int32_t m_opt_cnt;
+    int32_t* m_sels;                // owned; "I"
+    int32_t m_sel_cnt;
+    char* m_xfa_target;             // owned; target of the XFA event bound by the form, null when none
+    int32_t m_xfa_event;            // PDF_XFA_EVENT
+    int32_t m_max_len;              // "MaxLen" of a text field in characters, 0 when absent
+    int32_t m_index;                // slot in the parent's m_kids
+    int32_t m_inherited;            // 1 when kind and flags are the parent's
+    CPDFSign* m_sign;               // owned; signature value, null when unsigned
+    CPDFAnnotWidget* m_widget;      // borrowed from the document; the widget that shows the field, may be null
+
+private:
+    friend class CPDFAcroForm;
+
+    int load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFVisitSet& visits);
+    void load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict, CPDFVisitSet& visits);
+    void load_kind(const CPDFDictionary& dict);
+    void load_signature(const CPDFDictionary& dict);
+    void load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits);
+    void load_kid(const PDF_REF& ref, CPDFVisitSet& visits);
+    void load_opts(CPDFDictionary& dict);
+    void load_sels(const CPDFDictionary& dict);
+    void load_values(CPDFDictionary& dict);
+    int full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, int len));
+    void store_entry(const char* key, const CPDFObj& value);
+};

@@ -1,0 +1,21 @@
+// What a field takes from the fields above it when its own dictionary is silent (ISO 32000-2, 12.7.4.1).
+#pragma once
+
+#include "forms/field.h"
+
+// The first of `field` and the fields above it, nearest first, for which `found(const CPDFField&)` holds; null when none.
+template <typename Found>
+const CPDFField* nearest_field(const CPDFField& field, Found&& found)
+{
+    const CPDFField* at = &field;
+    while (at && !found(*at))
+        at = at->m_parent;
+    return at;
+}
+
+// The most characters that a text field takes, 0 when there is no limit.
+inline int32_t max_length(const CPDFField& field)
+{
+    const CPDFField* holder = nearest_field(field, [](const CPDFField& at) { return at.m_max_len > 0; });
+    return holder ? holder->m_max_len : 0;
+}

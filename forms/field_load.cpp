@@ -1,0 +1,204 @@
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/xref_table.h"
+#include "engine/sign.h"
+#include "forms/field.h"
+#include "forms/visit_set.h"
+
+namespace {
+
+// What loading looks at; the appearance, action and layout entries of a field are not even built.
+constexpr const char* FIELD_KEYS[] = {
+    "T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen",
+};
+constexpr CPDFKeySet FIELD_KEY_SET(FIELD_KEYS);
+
+int32_t type_of_name(const CPDFObj& name, int32_t otherwise)
+{
+    constexpr struct {
+        const char* name;
+        int32_t type;
+    } KINDS[] = {{"Btn", FIELD_BUTTON}, {"Tx", FIELD_TEXT}, {"Ch", FIELD_CHOICE}, {"Sig", FIELD_SIGNATURE}};
+    for (const auto& kind : KINDS) {
+        if (name.is_name(kind.name))
+            return kind.type;
+    }
+    return otherwise;
+}
+
+}  // namespace
+
+int CPDFField::load(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref)
+{
+    CPDFVisitSet visits;
+    for (const CPDFField* above = parent; above; above = above->m_parent) {
+        visits.add(above->m_ref.num);
+        ++visits.depth;
+    }
+    return load_once(parent, xref, ref, visits);
+}
+
+int CPDFField::load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFVisitSet& visits)
+{
+    m_xref = xref;
+    CPDFObj own;
+    xref->get_entity(own, ref, &FIELD_KEY_SET);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict || !visits.add(ref.num))
+        return 0;
+    load_entries(parent, xref, ref, *dict, visits);
+    return 1;
+}
+
+void CPDFField::load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict,
+                             CPDFVisitSet& visits)
+{
+    m_xref = xref;
+    m_parent = parent;
+    m_ref = ref;
+    m_inherited = 1;
+    load_kind(dict);
+    if (m_type == FIELD_TEXT)
+        m_max_len = resolve_integer(xref, dict.get_item("MaxLen"));
+    if (m_type == FIELD_SIGNATURE)
+        load_signature(dict);
+    load_kids(dict, visits);
+    load_opts(dict);
+    load_sels(dict);
+    load_values(dict);
+}
+
+void CPDFField::load_kind(const CPDFDictionary& dict)
+{
+    CPDFObj scratch;
+    const CPDFObj* type = view_obj(m_xref, dict.get_item("FT"), scratch);
+    if (type->type == PDF_OBJ_NAME) {
+        m_type = type_of_name(*type, m_type);
+        m_inherited = 0;
+    }
+    if (const CPDFObj* flags = dict.get_item("Ff")) {
+        m_flags = static_cast<uint32_t>(resolve_integer(m_xref, flags));
+        m_inherited = 0;
+    }
+}
+
+void CPDFField::load_signature(const CPDFDictionary& dict)
+{
+    CPDFObj scratch;
+    const CPDFObj* value = view_obj(m_xref, dict.get_item("V"), scratch);
+    if (const CPDFDictionary* signature = value->dictionary()) {
+        m_sign = new CPDFSign;
+        m_sign->load(m_xref, signature);
+    }
+}
+
+void CPDFField::load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits)
+{
+    const CPDFObj* entry = dict.get_item("Kids");
+    if (!entry)
+        return;
+    CPDFObj scratch;
+    const CPDFArray* kids = view_obj(m_xref, entry, scratch)->array();
+    if (!kids || kids->count == 0)
+        return;
+    const auto room = static_cast<size_t>(kids->count);
+    m_kids = vx_alloc_array<CPDFField*>(room);
+    m_widgets = vx_alloc_array<PDF_REF>(room);
+    if (!m_kids || !m_widgets)
+        return;
+    std::memset(m_kids, 0, room * sizeof(CPDFField*));
+    ++visits.depth;
+    for (int32_t i = 0; i < kids->count; ++i) {
+        if (kids->items[i].type == PDF_OBJ_REF)
+            load_kid(kids->items[i].ref, visits);
+    }
+    --visits.depth;
+}
+
+void CPDFField::load_kid(const PDF_REF& ref, CPDFVisitSet& visits)
+{
+    if (ref.num == m_ref.num) {
+        m_widgets[m_widget_cnt++] = ref;
+        return;
+    }
+    CPDFObj fetched;
+    m_xref->get_entity(fetched, ref, &FIELD_KEY_SET);
+    CPDFDictionary* dict = fetched.dictionary();
+    if (!dict)
+        return;
+    // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
+    if (dict->get_item(CPDFDictionary::sm_tag_subtype) && !dict->get_item(CPDFDictionary::sm_tag_parent)) {
+        m_widgets[m_widget_cnt++] = ref;
+        return;
+    }
+    if (visits.depth >= LIMIT_FIELD_DEPTH || !visits.add(ref.num))
+        return;
+    auto* kid = new CPDFField;
+    kid->m_index = m_kid_cnt;
+    if (m_type != FIELD_UNKNOWN) {
+        kid->m_type = m_type;
+        kid->m_flags = m_flags;
+    }
+    m_kids[m_kid_cnt++] = kid;
+    kid->load_entries(this, m_xref, ref, *dict, visits);
+}
+
+void CPDFField::load_opts(CPDFDictionary& dict)
+{
+    CPDFObj* entry = dict.get_item("Opt");
+    if (!entry)
+        return;
+    CPDFObj list;
+    take_obj(m_xref, entry, list);
+    CPDFArray* opts = list.array();
+    m_opts = opts ? vx_alloc_array<PDF_FIELD_OPT>(static_cast<size_t>(opts->count)) : nullptr;
+    if (!m_opts)
+        return;
+    m_opt_cnt = opts->count;
+    for (int32_t i = 0; i < m_opt_cnt; ++i) {
+        CPDFObj opt;
+        take_obj(m_xref, &opts->items[i], opt);
+        PDF_FIELD_OPT& record = m_opts[i];
+        record = {{0, nullptr}, {0, nullptr}};
+        if (const CPDFArray* pair = opt.array()) {
+            m_xref->read_obj_string(record.val, pair->at(0));
+            m_xref->read_obj_string(record.text, pair->at(1));
+        } else if (opt.type == PDF_OBJ_STRING) {
+            record.val.take(opt.str);
+        }
+    }
+}
+
+void CPDFField::load_sels(const CPDFDictionary& dict)
+{
+    const CPDFObj* entry = dict.get_item("I");
+    if (!entry)
+        return;
+    CPDFObj scratch;
+    const CPDFArray* sels = view_obj(m_xref, entry, scratch)->array();
+    if (!sels)
+        return;
+    m_sels = vx_alloc_array<int32_t>(static_cast<size_t>(sels->count));
+    if (!m_sels)
+        return;
+    m_sel_cnt = sels->count;
+    for (int32_t i = 0; i < m_sel_cnt; ++i)
+        m_sels[i] = resolve_integer(m_xref, &sels->items[i]);
+}
+
+void CPDFField::load_values(CPDFDictionary& dict)
+{
+    CPDFObj name;
+    take_obj(m_xref, dict.get_item("T"), name);
+    if (name.type == PDF_OBJ_STRING)
+        m_name.take(name.str);
+    take_obj(m_xref, dict.get_item("V"), m_value);
+    take_obj(m_xref, dict.get_item("DV"), m_def_value);
+    take_obj(m_xref, dict.get_item("DA"), m_da);
+    if (m_value.type == PDF_OBJ_NULL)
+        m_value.copy_from(&m_def_value);
+}

@@ -1,0 +1,153 @@
+#include <cstring>
+
+#include "core/dictionary.h"
+#include "core/text.h"
+#include "core/xref_table.h"
+#include "forms/field.h"
+
+namespace {
+
+constexpr int NAME_BUFFER = 256;
+
+// The index suffix rule: a text that ends in ']' is cut at its last '['; without one it is cut to nothing. Returns
+// the length that stays.
+template <typename Char>
+int without_index_suffix(const Char* text, int len)
+{
+    if (len == 0 || text[len - 1] != ']')
+        return len;
+    int at = len - 1;
+    while (at > 0 && text[at] != '[')
+        --at;
+    return at;
+}
+
+int keep_segment(wchar_t*, int len)
+{
+    return len;
+}
+
+int trim_segment(wchar_t* segment, int len)
+{
+    return without_index_suffix(segment, len);
+}
+
+const CPDFField* nearest_named(const CPDFField* field)
+{
+    while (field && field->m_name.len <= 0)
+        field = field->m_parent;
+    return field;
+}
+
+// Writes '#' and the digits of `index`, as far as `size` characters hold them with the terminator.
+int put_number(wchar_t* buf, int size, int32_t index)
+{
+    char digits[12];
+    const int count = ansi_from_u32(digits, static_cast<unsigned>(index));
+    if (size < count + 2) {
+        buf[0] = 0;
+        return 0;
+    }
+    buf[0] = L'#';
+    for (int i = 0; i <= count; ++i)
+        buf[1 + i] = static_cast<wchar_t>(digits[i]);
+    return 1 + count;
+}
+
+}  // namespace
+
+CPDFField* CPDFField::get(const char* name)
+{
+    char own[NAME_BUFFER];
+    cvt_str2xml(m_name, own, NAME_BUFFER - 1);
+    const auto len = static_cast<size_t>(without_index_suffix(own, static_cast<int>(std::strlen(own))));
+    const char* rest = name;
+    if (len > 0 && own[0] != '#' && std::strncmp(name, own, len) == 0) {
+        if (name[len] == 0)
+            return this;
+        if (name[len] != '.')
+            return nullptr;
+        rest = name + len + 1;
+    }
+    for (int32_t i = 0; i < m_kid_cnt; ++i) {
+        CPDFField* found = m_kids[i] ? m_kids[i]->get(rest) : nullptr;
+        if (found)
+            return found;
+    }
+    return nullptr;
+}
+
+CPDFField* CPDFField::get(const PDF_REF& ref)
+{
+    if (ref.num == m_ref.num)
+        return this;
+    for (int32_t i = 0; i < m_widget_cnt; ++i) {
+        if (m_widgets[i].num == ref.num)
+            return this;
+    }
+    for (int32_t i = 0; i < m_kid_cnt; ++i) {
+        CPDFField* found = m_kids[i] ? m_kids[i]->get(ref) : nullptr;
+        if (found)
+            return found;
+    }
+    return nullptr;
+}
+
+int CPDFField::get_name(wchar_t* buf, int size)
+{
+    if (size <= 0)
+        return 0;
+    const CPDFField* named = nearest_named(this);
+    return cvt_text_to_ucs(named ? &named->m_name : nullptr, buf, size - 1);
+}
+
+int CPDFField::get_name_with_no(wchar_t* buf, int size)
+{
+    if (m_name.len > 0 || size <= 0)
+        return get_name(buf, size);
+    const int inherited = m_parent ? m_parent->get_name(buf, size) : 0;
+    return inherited + put_number(buf + inherited, size - inherited, m_index);
+}
+
+int CPDFField::get_full_name(wchar_t* buf, int size)
+{
+    return full_name(buf, size, trim_segment);
+}
+
+int CPDFField::get_full_name2(wchar_t* buf, int size)
+{
+    return full_name(buf, size, keep_segment);
+}
+
+int CPDFField::full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, int len))
+{
+    if (size <= 0)
+        return 0;
+    const int prefix = m_parent ? m_parent->full_name(buf, size, trim) : 0;
+    wchar_t* segment = buf + prefix;
+    const int room = size - prefix;
+    int len = 0;
+    if (prefix == 0) {
+        len = cvt_text_to_ucs(&m_name, segment, room - 1);
+    } else if (m_name.len <= 0) {
+        len = put_number(segment, room, m_index);
+    } else if (room >= 2) {
+        segment[0] = L'.';
+        len = 1 + cvt_text_to_ucs(&m_name, segment + 1, room - 2);
+    }
+    // A partial name that begins with '#' marks a container and does not count below a named field.
+    if (len >= 2 && segment[0] == L'.' && segment[1] == L'#')
+        len = 0;
+    len = trim(segment, len);
+    segment[len] = 0;
+    return prefix + len;
+}
+
+void CPDFField::set_name(const wchar_t* name)
+{
+    m_name.release();
+    m_name.init(name, 1);
+    CPDFObj text;
+    text.set_string(m_name.buf, m_name.len);
+    store_entry("T", text);
+}

@@ -1,0 +1,122 @@
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+#include "engine/resources.h"
+#include "forms/acro_form.h"
+#include "forms/field.h"
+#include "forms/visit_set.h"
+
+CPDFAcroForm::CPDFAcroForm()
+    : m_ref{0, 0},
+      m_xfa_ref{0, 0},
+      m_loaded(0),
+      m_has_xfa(0),
+      m_fields(nullptr),
+      m_field_cnt(0),
+      m_res(nullptr),
+      m_root(nullptr),
+      m_root_ref{0, 0},
+      m_xref(nullptr)
+{
+}
+
+CPDFAcroForm::~CPDFAcroForm()
+{
+    unload();
+}
+
+void CPDFAcroForm::unload()
+{
+    delete m_res;
+    m_res = nullptr;
+    for (int32_t i = 0; i < m_field_cnt; ++i)
+        delete m_fields[i];
+    VXFree(m_fields);
+    m_fields = nullptr;
+    m_field_cnt = 0;
+    m_xfa_ref = {0, 0};
+    m_loaded = 0;
+}
+
+void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref)
+{
+    if (!form)
+        return;
+    if (form->type == PDF_OBJ_REF)
+        m_ref = form->ref;
+    CPDFObj scratch;
+    const CPDFDictionary* dict = view_obj(xref, form, scratch)->dictionary();
+    m_loaded = 1;
+    if (!dict)
+        return;
+    m_xref = xref;
+    load_resources(*dict);
+    load_fields(*dict);
+    load_xfa(*dict);
+    m_root = root;
+    m_root_ref = root_ref;
+}
+
+void CPDFAcroForm::load_resources(const CPDFDictionary& dict)
+{
+    const CPDFObj* entry = dict.get_item("DR");
+    if (!entry)
+        return;
+    m_res = new CPDFResources;
+    m_res->bind(m_xref, entry);
+    m_res->load_resource(m_xref, 0);
+}
+
+void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
+{
+    CPDFObj scratch;
+    const CPDFArray* fields = view_obj(m_xref, dict.get_item("Fields"), scratch)->array();
+    if (!fields || fields->count == 0)
+        return;
+    m_fields = vx_alloc_array<CPDFField*>(static_cast<size_t>(fields->count));
+    if (!m_fields)
+        return;
+    m_field_cnt = fields->count;
+    std::memset(m_fields, 0, static_cast<size_t>(m_field_cnt) * sizeof(CPDFField*));
+    CPDFVisitSet visits;
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        if (fields->items[i].type != PDF_OBJ_REF)
+            continue;
+        m_fields[i] = new CPDFField;
+        if (!m_fields[i]->load_once(nullptr, m_xref, fields->items[i].ref, visits)) {
+            delete m_fields[i];
+            m_fields[i] = nullptr;
+        }
+    }
+}
+
+void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
+{
+    const CPDFObj* entry = dict.get_item("XFA");
+    if (!entry)
+        return;
+    m_has_xfa = 1;
+    CPDFObj scratch;
+    const CPDFObj* xfa = view_obj(m_xref, entry, scratch);
+    if (const CPDFArray* packets = xfa->array())
+        load_packets(*packets);
+    else if (xfa->type == PDF_OBJ_STREAM && entry->type == PDF_OBJ_REF)
+        m_xfa_ref = entry->ref;
+}
+
+void CPDFAcroForm::load_packets(const CPDFArray& packets)
+{
+    for (int32_t i = 0; i + 1 < packets.count; i += 2) {
+        PDF_String name;
+        m_xref->read_obj_string(name, &packets.items[i]);
+        const CPDFObj& packet = packets.items[i + 1];
+        if (name.equals("datasets") && packet.type == PDF_OBJ_REF)
+            m_xfa_ref = packet.ref;
+        if (name.equals("template"))
+            bind_template(&packet);
+        name.release();
+    }
+}
