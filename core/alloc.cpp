@@ -88,6 +88,7 @@ struct FreeBlock {
 
 struct Lists {
     FreeBlock* first[CLASS_COUNT];
+    FreeBlock* last[CLASS_COUNT];  // of a list that is not empty
     unsigned char* slab;  // what is left of the newest slab
     unsigned char* slab_end;
 };
@@ -99,13 +100,11 @@ public:
     {
         const std::lock_guard lock(m_mutex);
         for (size_t i = 0; i < CLASS_COUNT; ++i) {
-            FreeBlock* last = lists.first[i];
-            while (last && last->next)
-                last = last->next;
-            if (last) {
-                last->next = m_lists.first[i];
-                m_lists.first[i] = lists.first[i];
-            }
+            if (!lists.first[i])
+                continue;
+            lists.last[i]->next = m_lists.first[i];
+            m_lists.last[i] = m_lists.first[i] ? m_lists.last[i] : lists.last[i];
+            m_lists.first[i] = lists.first[i];
         }
     }
 
@@ -113,8 +112,10 @@ public:
     {
         const std::lock_guard lock(m_mutex);
         for (size_t i = 0; i < CLASS_COUNT; ++i) {
-            if (!lists.first[i])
-                lists.first[i] = std::exchange(m_lists.first[i], nullptr);
+            if (lists.first[i])
+                continue;
+            lists.first[i] = std::exchange(m_lists.first[i], nullptr);
+            lists.last[i] = m_lists.last[i];
         }
     }
 
@@ -210,7 +211,10 @@ void VXFree(void* block)
         return;
     }
     auto* spare = static_cast<FreeBlock*>(block);
-    FreeBlock*& first = t_lists.first[header->size_class];
+    Lists& lists = t_lists;
+    FreeBlock*& first = lists.first[header->size_class];
+    if (!first)
+        lists.last[header->size_class] = spare;
     spare->next = first;
     first = spare;
 }

@@ -132,7 +132,7 @@ CPDFField* CPDFDocument::field(std::string_view name)
             if (field.m_name.len <= 0)
                 return;
             state.names.emplace(full_name(field), &field);
-            state.plain_names.emplace(full_name_without_index(field), &field);
+            state.plain_names.emplace(full_name_without_index(field), &field);  // containers left out, too
         });
         state.names_known = true;
     }

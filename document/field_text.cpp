@@ -54,8 +54,17 @@ bool is_plain(uint32_t c)
 
 std::string full_name(const CPDFField& field)
 {
-    auto& reader = const_cast<CPDFField&>(field);
-    return read_wide(name_room(field), [&](wchar_t* buf, int size) { return reader.get_full_name2(buf, size); });
+    std::string name = field.m_parent ? full_name(*field.m_parent) : std::string();
+    if (field.m_name.len <= 0)
+        return name;
+    if (!name.empty())
+        name += '.';
+    return name + utf8_of(field.m_name);
+}
+
+std::string full_name_with_no(const CPDFField& field)
+{
+    return field.m_name.len > 0 ? full_name(field) : full_name(field) + '#' + std::to_string(field.m_index);
 }
 
 std::string full_name_without_index(const CPDFField& field)

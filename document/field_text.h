@@ -7,8 +7,12 @@
 
 class CPDFField;
 
-// The full name as stored, of any length.
+// The fully qualified name (ISO 32000-2, 12.7.4.2): every partial name from the top down as stored, joined with '.'. Unlike
+// CPDFField::get_full_name2 it keeps names that begin with '#', and it has any length. Fields without a name add nothing.
 std::string full_name(const CPDFField& field);
+
+// The same for a field that may have no name of its own, which then shows as '#' and its slot behind the name above it.
+std::string full_name_with_no(const CPDFField& field);
 
 // The full name without index suffixes.
 std::string full_name_without_index(const CPDFField& field);

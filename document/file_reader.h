@@ -3,6 +3,7 @@
 
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 #include "core/dictionary.h"
 #include "core/object_source.h"
@@ -65,12 +66,14 @@ private:
     bool section_at(size_t at) const;
     bool read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION_KIND& kind);
     bool read_table(CPDFXRefTable& xref, CPDFLexer& lexer);
-    void read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint32_t first, uint32_t count);
+    void read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint32_t first, uint32_t count,
+                         std::vector<uint32_t>& freed);
+    void read_hidden(CPDFXRefTable& xref, const CPDFDictionary& trailer, const std::vector<uint32_t>& freed);
     bool read_xref_stream(CPDFXRefTable& xref, size_t at);
     void read_stream_entries(CPDFXRefTable& xref, const CPDFDictionary& dict, const CPDFBytes& bytes);
     void keep_trailer(const CPDFDictionary& trailer);
     void follow_trailer(CPDFXRefTable& xref, const CPDFDictionary& trailer);
-    void set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type, uint64_t index, uint64_t gen) const;
+    bool set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type, uint64_t index, uint64_t gen) const;
     uint32_t largest_number() const;
 
     bool parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys);

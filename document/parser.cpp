@@ -1,5 +1,6 @@
 #include "document/parser.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/alloc.h"
@@ -85,7 +86,7 @@ VXFIX fixed_of(uint64_t whole, uint64_t frac, int frac_digits, bool negative)
         scale *= 10;
     if (whole > LARGEST)
         whole = LARGEST;
-    const uint64_t fixed = (whole << 26) + ((frac << 26) + scale / 2) / scale;
+    const uint64_t fixed = std::min<uint64_t>((whole << 26) + ((frac << 26) + scale / 2) / scale, INT64_MAX);
     return negative ? -static_cast<VXFIX>(fixed) : static_cast<VXFIX>(fixed);
 }
 

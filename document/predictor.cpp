@@ -58,7 +58,7 @@ uint8_t first_row_kind(uint8_t kind)
 {
     if (kind == PNG_UP)
         return PNG_NONE;
-    return kind == PNG_PAETH ? uint8_t{PNG_SUB} : kind;
+    return kind == PNG_PAETH ? PNG_SUB : kind;
 }
 
 // `out` lies before `in`, so every byte is read before it is written over. `up` is null in the first row.

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "core/array.h"
 #include "core/limits.h"
@@ -166,14 +167,14 @@ uint32_t CPDFFileReader::largest_number() const
     return static_cast<uint32_t>(std::min<size_t>(fits, LIMIT_OBJECT_NUMBER));
 }
 
-// Entries that a newer section has set stay.
-void CPDFFileReader::set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type, uint64_t index, uint64_t gen) const
+// Entries that a newer section has set stay; false then.
+bool CPDFFileReader::set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type, uint64_t index, uint64_t gen) const
 {
     if (num > largest_number())
-        return;
+        return false;
     PDF_XREF_ENTRY* entry = xref.reserve_entry(num);
     if (!entry || entry->gen != PDF_XREF_NO_GEN)
-        return;
+        return false;
     if (gen >= PDF_XREF_NO_GEN || index > UINT32_MAX) {
         type = PDF_XREF_FREE;
         index = 0;
@@ -181,10 +182,12 @@ void CPDFFileReader::set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type,
     }
     *entry = {type, static_cast<uint32_t>(index), static_cast<uint32_t>(gen)};
     xref.raise_next_num(num + 1);
+    return true;
 }
 
 bool CPDFFileReader::read_table(CPDFXRefTable& xref, CPDFLexer& lexer)
 {
+    std::vector<uint32_t> freed;  // entries that this table makes free
     for (;;) {
         lexer.skip_space();
         if (lexer.accept("trailer"))
@@ -196,24 +199,36 @@ bool CPDFFileReader::read_table(CPDFXRefTable& xref, CPDFLexer& lexer)
         lexer.skip_space();
         if (!lexer.read_u32(count))
             return false;
-        read_subsection(xref, lexer, first, count);
+        read_subsection(xref, lexer, first, count, freed);
     }
     CPDFParser parser(lexer.at(), lexer.end(), m_data);
     CPDFObj trailer;
     if (!parser.parse(trailer, nullptr) || !trailer.dictionary())
         return false;
     keep_trailer(*trailer.dict);
-    // A hybrid file's stream holds the objects that the table hides; it comes before older sections.
-    const int64_t hidden = number_of(*trailer.dict, "XRefStm");
-    size_t at = 0;
-    if (hidden >= 0 && hidden < UINT32_MAX && place_section(static_cast<uint32_t>(hidden), at) &&
-        m_sections.insert(at).second && std::memcmp(m_data + at, "xref", std::min<size_t>(4, m_size - at)) != 0)
-        read_xref_stream(xref, at);
+    read_hidden(xref, *trailer.dict, freed);
     follow_trailer(xref, *trailer.dict);
     return true;
 }
 
-void CPDFFileReader::read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint32_t first, uint32_t count)
+// A hybrid file's stream locates the objects that the table hides, by listing them as free or not at all. It comes before
+// older sections.
+void CPDFFileReader::read_hidden(CPDFXRefTable& xref, const CPDFDictionary& trailer, const std::vector<uint32_t>& freed)
+{
+    const int64_t hidden = number_of(trailer, "XRefStm");
+    size_t at = 0;
+    if (hidden < 0 || hidden >= UINT32_MAX || !place_section(static_cast<uint32_t>(hidden), at) ||
+        std::memcmp(m_data + at, "xref", std::min<size_t>(4, m_size - at)) == 0 || !m_sections.insert(at).second)
+        return;
+    for (const uint32_t num : freed)
+        *xref.reserve_entry(num) = {PDF_XREF_FREE, 0, PDF_XREF_NO_GEN};
+    read_xref_stream(xref, at);
+    for (const uint32_t num : freed)
+        set_entry(xref, num, PDF_XREF_FREE, 0, 0);
+}
+
+void CPDFFileReader::read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint32_t first, uint32_t count,
+                                     std::vector<uint32_t>& freed)
 {
     const uint32_t largest = largest_number();
     bool reserved = false;
@@ -253,8 +268,8 @@ void CPDFFileReader::read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint
             continue;
         if (in_use && offset > 0)
             set_entry(xref, first + i, PDF_XREF_IN_FILE, offset + m_shift, gen);
-        else
-            set_entry(xref, first + i, PDF_XREF_FREE, 0, gen);
+        else if (set_entry(xref, first + i, PDF_XREF_FREE, 0, gen))
+            freed.push_back(first + i);
     }
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "core/dictionary.h"
@@ -39,19 +40,23 @@ const CPDFField* nearest_named(const CPDFField* field)
     return field;
 }
 
-// Writes '#' and the digits of `index`, as far as `size` characters hold them with the terminator.
+// Writes a partial name into `size` characters. The length is the reader's: a 0 character inside the name ends it.
+int put_name(const PDF_String* name, wchar_t* buf, int size)
+{
+    cvt_text_to_ucs(name, buf, size - 1);
+    return ucs_len(buf);
+}
+
+// Writes '#' and the digits of `index`, cut where `size` characters with the terminator end.
 int put_number(wchar_t* buf, int size, int32_t index)
 {
-    char digits[12];
-    const int count = ansi_from_u32(digits, static_cast<unsigned>(index));
-    if (size < count + 2) {
-        buf[0] = 0;
-        return 0;
-    }
-    buf[0] = L'#';
-    for (int i = 0; i <= count; ++i)
-        buf[1 + i] = static_cast<wchar_t>(digits[i]);
-    return 1 + count;
+    char text[12] = "#";
+    const int count = 1 + ansi_from_u32(text + 1, static_cast<unsigned>(index));
+    const int fits = std::min(count, size - 1);
+    for (int i = 0; i < fits; ++i)
+        buf[i] = static_cast<wchar_t>(text[i]);
+    buf[fits] = 0;
+    return fits;
 }
 
 }  // namespace
@@ -98,7 +103,7 @@ int CPDFField::get_name(wchar_t* buf, int size)
     if (size <= 0)
         return 0;
     const CPDFField* named = nearest_named(this);
-    return cvt_text_to_ucs(named ? &named->m_name : nullptr, buf, size - 1);
+    return put_name(named ? &named->m_name : nullptr, buf, size);
 }
 
 int CPDFField::get_name_with_no(wchar_t* buf, int size)
@@ -128,12 +133,12 @@ int CPDFField::full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, i
     const int room = size - prefix;
     int len = 0;
     if (prefix == 0) {
-        len = cvt_text_to_ucs(&m_name, segment, room - 1);
+        len = put_name(&m_name, segment, room);
     } else if (m_name.len <= 0) {
         len = put_number(segment, room, m_index);
     } else if (room >= 2) {
         segment[0] = L'.';
-        len = 1 + cvt_text_to_ucs(&m_name, segment + 1, room - 2);
+        len = 1 + put_name(&m_name, segment + 1, room - 1);
     }
     // A partial name that begins with '#' marks a container and does not count below a named field.
     if (len >= 2 && segment[0] == L'.' && segment[1] == L'#')
