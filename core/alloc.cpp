@@ -5,6 +5,25 @@
 #include <mutex>
 #include <utility>
 
+namespace {
+
+thread_local uint64_t t_failures = 0;
+
+// Counts a failure; hands `block` through.
+inline void* counted(void* block)
+{
+    if (!block)
+        ++t_failures;
+    return block;
+}
+
+}  // namespace
+
+uint64_t vx_failures()
+{
+    return t_failures;
+}
+
 #ifdef FORMWORK_ALLOC_HOOK
 
 namespace {
@@ -44,19 +63,19 @@ int64_t vx_live_blocks()
 void* VXAlloc(size_t size)
 {
     if (must_fail())
-        return nullptr;
+        return counted(nullptr);
     void* block = std::malloc(size ? size : 1);
     g_live += block != nullptr;
-    return block;
+    return counted(block);
 }
 
 void* VXRealloc(void* block, size_t size)
 {
     if (must_fail())
-        return nullptr;
+        return counted(nullptr);
     void* grown = std::realloc(block, size ? size : 1);
     g_live += grown != nullptr && block == nullptr;
-    return grown;
+    return counted(grown);
 }
 
 void VXFree(void* block)
@@ -147,7 +166,7 @@ void* refill(size_t size_class)
     if (static_cast<size_t>(lists.slab_end - lists.slab) < size) {
         auto* slab = static_cast<unsigned char*>(std::malloc(SLAB_SIZE));
         if (!slab)
-            return nullptr;
+            return counted(nullptr);
         lists.slab = slab;
         lists.slab_end = slab + SLAB_SIZE;
     }
@@ -160,10 +179,10 @@ void* refill(size_t size_class)
 void* large_block(Header* before, size_t size)
 {
     if (size > SIZE_MAX - sizeof(Header))
-        return nullptr;
+        return counted(nullptr);
     auto* header = static_cast<Header*>(std::realloc(before, size + sizeof(Header)));
     if (!header)
-        return nullptr;
+        return counted(nullptr);
     header->size_class = LARGE;
     return header + 1;
 }

@@ -15,6 +15,19 @@ void* VXRealloc(void* block, size_t size);
 // Releases a block of VXAlloc or VXRealloc; null is accepted.
 void VXFree(void* block);
 
+// How many calls of VXAlloc and VXRealloc have failed in this thread.
+uint64_t vx_failures();
+
+// Tells whether an allocation has failed since it was made: what was built meanwhile may then lack a part.
+class VXFailureCheck {
+public:
+    VXFailureCheck() : m_before(vx_failures()) {}
+    bool failed() const { return vx_failures() != m_before; }
+
+private:
+    uint64_t m_before;
+};
+
 struct VXBlockDeleter {
     void operator()(void* block) const { VXFree(block); }
 };

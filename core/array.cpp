@@ -46,29 +46,36 @@ void CPDFArray::copy_from(const CPDFArray* src)
     }
 }
 
+// Builds the element aside with `build(CPDFObj&)`, so that a failed allocation changes nothing.
+template <typename Build>
+void CPDFArray::append_built(Build&& build)
+{
+    const VXFailureCheck check;
+    CPDFObj value;
+    build(value);
+    CPDFObj* element = check.failed() ? nullptr : append();
+    if (element)
+        element->take(value);
+}
+
 void CPDFArray::append_str(const void* bytes, int len)
 {
-    if (CPDFObj* element = append())
-        element->set_string(bytes, len);
+    append_built([bytes, len](CPDFObj& built) { built.set_string(bytes, len); });
 }
 
 void CPDFArray::append_int(int value)
 {
-    if (CPDFObj* element = append())
-        element->set_int(value);
+    append_built([value](CPDFObj& built) { built.set_int(value); });
 }
 
 void CPDFArray::append_ref(const PDF_REF& ref)
 {
-    if (CPDFObj* element = append())
-        element->set_ref(ref);
+    append_built([&ref](CPDFObj& built) { built.set_ref(ref); });
 }
 
 void CPDFArray::append_arr(const CPDFArray* src)
 {
-    CPDFObj* element = append();
-    if (element)
-        element->set_array()->copy_from(src);
+    append_built([src](CPDFObj& built) { built.set_array()->copy_from(src); });
 }
 
 void CPDFArray::remove_obj(int index)

@@ -37,5 +37,8 @@ public:
     int32_t count = 0;
 
 private:
+    template <typename Build>
+    void append_built(Build&& build);
+
     int32_t m_capacity = 0;
 };

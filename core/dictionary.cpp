@@ -181,50 +181,54 @@ void CPDFDictionary::remove_item(const char* key)
     --count;
 }
 
+// Builds the value aside with `build(CPDFObj&)`, so that a failed allocation changes nothing.
+template <typename Build>
+void CPDFDictionary::set_built(const char* key, Build&& build)
+{
+    const VXFailureCheck check;
+    CPDFObj value;
+    build(value);
+    CPDFObj* slot = check.failed() ? nullptr : value_slot(key);
+    if (slot)
+        slot->take(value);
+}
+
 void CPDFDictionary::set_item(const char* key, const CPDFObj* value)
 {
-    if (!value || value->type == PDF_OBJ_NULL) {
+    if (!value || value->type == PDF_OBJ_NULL)
         remove_item(key);
-        return;
-    }
-    if (CPDFObj* slot = value_slot(key))
-        slot->copy_from(value);
+    else
+        set_built(key, [value](CPDFObj& built) { built.copy_from(value); });
 }
 
 void CPDFDictionary::set_item_int(const char* key, int value)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_int(value);
+    set_built(key, [value](CPDFObj& built) { built.set_int(value); });
 }
 
 void CPDFDictionary::set_item_str(const char* key, const void* bytes, int len)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_string(bytes, len);
+    set_built(key, [bytes, len](CPDFObj& built) { built.set_string(bytes, len); });
 }
 
 void CPDFDictionary::set_item_name(const char* key, const char* name)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_name(name);
+    set_built(key, [name](CPDFObj& built) { built.set_name(name); });
 }
 
 void CPDFDictionary::set_item_ref(const char* key, const PDF_REF& ref)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_ref(ref);
+    set_built(key, [&ref](CPDFObj& built) { built.set_ref(ref); });
 }
 
 void CPDFDictionary::set_item_arr(const char* key, const CPDFArray* array)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_array()->copy_from(array);
+    set_built(key, [array](CPDFObj& built) { built.set_array()->copy_from(array); });
 }
 
 void CPDFDictionary::set_item_dict(const char* key, const CPDFDictionary* dict)
 {
-    if (CPDFObj* slot = value_slot(key))
-        slot->set_dict()->copy_from(dict);
+    set_built(key, [dict](CPDFObj& built) { built.set_dict()->copy_from(dict); });
 }
 
 void CPDFStreamRec::copy_from(const CPDFStreamRec* src)

@@ -73,6 +73,8 @@ public:
 private:
     bool find(const char* key, int32_t& pos) const;
     bool reserve_one();
+    template <typename Build>
+    void set_built(const char* key, Build&& build);
 };
 
 // A stream value. The data is not owned: it stays in the file or in the object store.

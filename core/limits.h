@@ -7,6 +7,9 @@
 // Levels of the field tree. Real forms have fewer than 20; deeper ones exhaust the stack of recursive walks.
 constexpr int LIMIT_FIELD_DEPTH = 128;
 
+// Bytes of a full name in UTF-8; a longer one is cut. Names are repeated by every field under them.
+constexpr size_t LIMIT_FULL_NAME = 32767;
+
 // Arrays and dictionaries inside one another while an object is parsed.
 constexpr int LIMIT_OBJECT_DEPTH = 256;
 
@@ -33,12 +36,17 @@ constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
 constexpr int LIMIT_FILTERS = 16;
 
 // Decoded object streams that are kept, in bytes over all of them.
-constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{64} << 20;
+constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{8} << 20;
 
-// Bytes that are parsed and decoded for one document before further objects read as absent: without it, many references
-// to one large object take quadratic time. Real forms are read about twice.
-constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{512} << 20;
-constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 64;
+// Bytes that are parsed for one document before further objects read as absent: without it, many references to one large
+// object take quadratic time and memory. Real forms are read about twice; the bytes of object streams count as the file's
+// own do.
+constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{64} << 20;
+constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 8;
+
+// The same for bytes that are decoded: object streams that leave their cache are decoded again.
+constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{512} << 20;
+constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 64;
 
 // Bytes read of an XFA template packet.
 constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;

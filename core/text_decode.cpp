@@ -20,7 +20,8 @@ uint32_t from_doc_encoding(unsigned char c)
     return c;
 }
 
-// Collects decoded characters, leaving out language escapes.
+// Collects decoded characters, leaving out language escapes (ISO 32000-2, 7.9.2.2): U+001B, a language and perhaps a
+// country code, U+001B. An escape that doesn't end so is text.
 class Sink {
 public:
     Sink(wchar_t* out, int max) : m_out(out), m_max(max < 0 ? 0 : max) {}
@@ -29,25 +30,51 @@ public:
 
     void put(uint32_t c)
     {
-        if (c == 0x1B) {
-            m_in_escape = !m_in_escape;
+        if (m_held_len < 0) {
+            if (c == ESCAPE)
+                m_held_len = 0;
+            else
+                keep(c);
             return;
         }
-        if (!m_in_escape && !full())
-            m_out[m_len++] = static_cast<wchar_t>(c);
+        if (c == ESCAPE) {
+            m_held_len = -1;
+            return;
+        }
+        m_held[m_held_len++] = c;
+        if (m_held_len == LONGEST_CODE)
+            keep_held();
     }
 
     int finish()
     {
+        keep_held();
         m_out[m_len] = 0;
         return m_len;
     }
 
 private:
+    static constexpr uint32_t ESCAPE = 0x1B;
+    static constexpr int LONGEST_CODE = 8;
+
+    void keep(uint32_t c)
+    {
+        if (!full())
+            m_out[m_len++] = static_cast<wchar_t>(c);
+    }
+
+    void keep_held()
+    {
+        for (int i = 0; i < m_held_len; ++i)
+            keep(m_held[i]);
+        m_held_len = -1;
+    }
+
     wchar_t* m_out;  // borrowed from the caller
     int m_max;
     int m_len = 0;
-    bool m_in_escape = false;
+    uint32_t m_held[LONGEST_CODE] = {};  // what follows an escape that has not ended
+    int m_held_len = -1;                 // -1 outside an escape
 };
 
 void decode_utf16be(const unsigned char* p, const unsigned char* end, Sink& sink)

@@ -39,14 +39,28 @@ CPDFXRefTable::CPDFXRefTable(CPDFObjectSource* source) : m_source(source) {}
 
 CPDFXRefTable::~CPDFXRefTable()
 {
-    for (int32_t i = 0; i < m_changed_cnt; ++i)
-        m_changed[i].obj.free();
-    for (uint32_t i = 0; i < m_mem_stream_cnt; ++i)
-        VXFree(m_mem_streams[i].data);
+    discard_changes();
     VXFree(m_entries);
     VXFree(m_changed);
+    VXFree(m_before);
     VXFree(m_pending);
     VXFree(m_mem_streams);
+}
+
+void CPDFXRefTable::discard_changes()
+{
+    if (m_changed_cnt > 0)
+        m_next_num = m_next_num_before;
+    for (int32_t i = 0; i < m_changed_cnt; ++i) {
+        m_changed[i].obj.free();
+        // The entries are gone when memory ran out.
+        if (m_before[i].num < m_entry_cnt)
+            m_entries[m_before[i].num] = m_before[i].entry;
+    }
+    m_changed_cnt = 0;
+    for (uint32_t i = 0; i < m_mem_stream_cnt; ++i)
+        VXFree(m_mem_streams[i].data);
+    m_mem_stream_cnt = 0;
 }
 
 bool CPDFXRefTable::grow_entries(uint32_t num)
@@ -89,6 +103,14 @@ const PDF_XREF_ENTRY* CPDFXRefTable::entry_of(uint32_t num)
 
 void CPDFXRefTable::get_entity(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys)
 {
+    const VXFailureCheck check;
+    fetch(out, ref, keys);
+    if (check.failed())
+        out.free();
+}
+
+void CPDFXRefTable::fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys)
+{
     PDF_REF at = ref;
     for (int hops = 0; hops < LIMIT_REF_CHAIN; ++hops) {
         const PDF_XREF_ENTRY* entry = at.num ? entry_of(at.num) : nullptr;
@@ -110,33 +132,52 @@ void CPDFXRefTable::get_entity(CPDFObj& out, const PDF_REF& ref, const CPDFKeySe
 
 PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
 {
-    PDF_XREF_ENTRY* entry = reserve_entry(static_cast<uint32_t>(num));
+    const auto number = static_cast<uint32_t>(num);
+    entry_of(number);  // what the entry was before the change is kept, so it must be known
+    PDF_XREF_ENTRY* entry = reserve_entry(number);
     if (!entry)
         return nullptr;
     if (entry->type == PDF_XREF_CHANGED && entry->gen != PDF_XREF_NO_GEN)
         return &m_changed[entry->index];
-    if (m_changed_cnt >= m_changed_cap) {
-        if (m_changed_cap > INT32_MAX - CHANGED_STEP)
-            return nullptr;
-        const int32_t capacity = m_changed_cap + CHANGED_STEP;
-        void* grown = VXRealloc(m_changed, static_cast<size_t>(capacity) * sizeof(PDF_CHANGED_OBJ));
-        if (!grown)
-            return nullptr;
-        m_changed = static_cast<PDF_CHANGED_OBJ*>(grown);
-        std::memset(static_cast<void*>(m_changed + m_changed_cap), 0, CHANGED_STEP * sizeof(PDF_CHANGED_OBJ));
-        m_changed_cap = capacity;
-    }
+    if (m_changed_cnt >= m_changed_cap && !grow_changed())
+        return nullptr;
+    if (m_changed_cnt == 0)
+        m_next_num_before = m_next_num;
+    m_before[m_changed_cnt] = {number, *entry};
     *entry = {PDF_XREF_CHANGED, static_cast<uint32_t>(m_changed_cnt), static_cast<uint32_t>(gen)};
-    raise_next_num(static_cast<uint32_t>(num) + 1);
+    raise_next_num(number + 1);
     return &m_changed[m_changed_cnt++];
+}
+
+bool CPDFXRefTable::grow_changed()
+{
+    if (m_changed_cap > INT32_MAX - CHANGED_STEP)
+        return false;
+    const auto capacity = static_cast<size_t>(m_changed_cap + CHANGED_STEP);
+    void* before = VXRealloc(m_before, capacity * sizeof(PDF_ENTRY_BEFORE));
+    if (!before)
+        return false;
+    m_before = static_cast<PDF_ENTRY_BEFORE*>(before);
+    void* changed = VXRealloc(m_changed, capacity * sizeof(PDF_CHANGED_OBJ));
+    if (!changed)
+        return false;
+    m_changed = static_cast<PDF_CHANGED_OBJ*>(changed);
+    std::memset(static_cast<void*>(m_changed + m_changed_cap), 0, CHANGED_STEP * sizeof(PDF_CHANGED_OBJ));
+    m_changed_cap += CHANGED_STEP;
+    return true;
 }
 
 void CPDFXRefTable::store_changed(const PDF_REF& ref, const CPDFObj& obj)
 {
+    const VXFailureCheck check;
+    CPDFObj version;
+    version.copy_from(&obj);
+    if (check.failed())
+        return;
     PDF_CHANGED_OBJ* record = get_xref2(static_cast<int>(ref.num), static_cast<int>(ref.gen));
     if (!record)
         return;
-    record->obj.copy_from(&obj);
+    record->obj.take(version);
     record->ref = ref;
 }
 

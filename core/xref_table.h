@@ -30,6 +30,12 @@ struct PDF_CHANGED_OBJ {
     CPDFObj obj;
 };
 
+// What the entry of a changed object was before.
+struct PDF_ENTRY_BEFORE {
+    uint32_t num;
+    PDF_XREF_ENTRY entry;
+};
+
 // A cross-reference section of the file that has not been read yet.
 struct PDF_PENDING_SECTION {
     uint32_t pos;  // file position
@@ -53,7 +59,8 @@ public:
     CPDFXRefTable& operator=(const CPDFXRefTable&) = delete;
 
     // Makes `out`, which is at tag 0, a private copy of the newest version of the object; a missing object leaves it so.
-    // An object that is itself a reference is followed. The generation is not compared.
+    // An object that is itself a reference is followed. The generation is not compared. A copy is whole: when memory
+    // runs out the object is missing.
     void get_entity(CPDFObj& out, const PDF_REF& ref) { get_entity(out, ref, nullptr); }
 
     // The same, where a dictionary may come with only the entries in `keys`. Never store such a copy back.
@@ -66,6 +73,10 @@ public:
     // Stores a copy of `obj` as the new version of the object; `obj` stays the caller's. When there is no memory the
     // document keeps the old version.
     void store_changed(const PDF_REF& ref, const CPDFObj& obj);
+
+    // Drops every changed version and all data held in memory: the objects are again what the file says, and the object
+    // numbers handed out are free again.
+    void discard_changes();
 
     // Sets `out`, which is empty, to a copy of a string's bytes or a name's characters, resolving a reference
     // first; empty for any other kind.
@@ -112,12 +123,16 @@ public:
     void raise_next_num(uint32_t num);
 
 private:
+    void fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys);
     bool grow_entries(uint32_t num);
+    bool grow_changed();
 
     PDF_XREF_ENTRY* m_entries = nullptr;  // owned
     uint32_t m_entry_cnt = 0;
     uint32_t m_next_num = 1;
     PDF_CHANGED_OBJ* m_changed = nullptr;  // owned
+    PDF_ENTRY_BEFORE* m_before = nullptr;  // owned; beside m_changed
+    uint32_t m_next_num_before = 1;        // the next free object number before the first change
     int32_t m_changed_cnt = 0;
     int32_t m_changed_cap = 0;
     PDF_PENDING_SECTION* m_pending = nullptr;  // owned

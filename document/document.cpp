@@ -1,18 +1,20 @@
 #include "document/document.h"
 
-#include <unordered_map>
-
 #include "core/dictionary.h"
-#include "core/text.h"
 #include "core/xref_table.h"
+#include "document/branch_finder.h"
 #include "document/field_text.h"
 #include "document/file_bytes.h"
 #include "document/file_reader.h"
+#include "document/name_index.h"
+#include "document/need_appearances.h"
 #include "document/output_file.h"
+#include "document/page_map.h"
+#include "document/signature_guard.h"
 #include "document/update.h"
+#include "document/widget_binder.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
-#include "forms/field_inherit.h"
 #include "forms/field_walk.h"
 
 // Members are in the order in which they depend on one another.
@@ -22,32 +24,45 @@ struct CPDFDocument::State {
     std::unique_ptr<CPDFXRefTable> xref;
     CPDFObj root;
     PDF_REF root_ref = {0, 0};
-    bool has_form = false;
+    std::unique_ptr<CPDFWidgetBinder> widgets;
     CPDFAcroForm form;
-    bool names_known = false;
-    std::unordered_map<std::string, CPDFField*> names;        // as stored
-    std::unordered_map<std::string, CPDFField*> plain_names;  // without index suffixes
+    bool form_loaded = false;
+    CPDFBranchFinder branches;
+    CPDFNameIndex names;
+    std::unique_ptr<CPDFSignatureGuard> signatures;
+    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
+
+    const CPDFObj* form_entry() const { return root.dict->get_item(CPDFDictionary::sm_tag_acro_form); }
+
+    void load_form()
+    {
+        if (form_loaded)
+            return;
+        form_loaded = true;
+        form.load(xref.get(), form_entry(), &root, root_ref);
+        reader->renew_budget();
+    }
 };
 
 CPDFDocument::CPDFDocument() : m_state(std::make_unique<State>()) {}
 
 CPDFDocument::~CPDFDocument() = default;
 
-CPDFStatus CPDFDocument::open(const std::string& path)
+CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load_how)
 {
     m_state = std::make_unique<State>();
     CPDFStatus status = m_state->bytes.open(path);
-    return status.ok() ? load() : status;
+    return status.ok() ? load(load_how) : status;
 }
 
-CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes)
+CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load_how)
 {
     m_state = std::make_unique<State>();
     m_state->bytes.take(std::move(bytes));
-    return load();
+    return load(load_how);
 }
 
-CPDFStatus CPDFDocument::load()
+CPDFStatus CPDFDocument::load(PDF_LOAD load_how)
 {
     State& state = *m_state;
     state.reader = std::make_unique<CPDFFileReader>(state.bytes.data(), state.bytes.size());
@@ -70,20 +85,19 @@ CPDFStatus CPDFDocument::load()
     if (!state.root.dictionary())
         return CPDFStatus::failed(PDF_CODE::NO_CATALOG, "the file has no catalog: object " + std::to_string(root->ref.num) +
                                                             " is missing or damaged");
-    const CPDFObj* form = state.root.dict->get_item(CPDFDictionary::sm_tag_acro_form);
-    state.has_form = form != nullptr;
-    state.form.load(state.xref.get(), form, &state.root, state.root_ref);
-    state.reader->renew_budget();
+    if (load_how == PDF_LOAD::WHOLE_FORM)
+        state.load_form();
     return {};
 }
 
 bool CPDFDocument::has_form() const
 {
-    return m_state->has_form;
+    return m_state->form_entry() != nullptr;
 }
 
 CPDFAcroForm& CPDFDocument::form()
 {
+    m_state->load_form();
     return m_state->form;
 }
 
@@ -117,61 +131,103 @@ size_t CPDFDocument::size() const
     return m_state->bytes.size();
 }
 
-void CPDFDocument::names_changed()
+void CPDFDocument::fields_changed()
 {
-    m_state->names_known = false;
+    for_each_field(m_state->form, [](CPDFField& field) { field.m_widget = nullptr; });
     m_state->names.clear();
-    m_state->plain_names.clear();
+    m_state->widgets.reset();
+    m_state->signatures.reset();
 }
 
 CPDFField* CPDFDocument::field(std::string_view name)
 {
     State& state = *m_state;
-    if (!state.names_known) {
-        for_each_field(state.form, [&state](CPDFField& field) {
-            if (field.m_name.len <= 0)
-                return;
-            state.names.emplace(full_name(field), &field);
-            state.plain_names.emplace(full_name_without_index(field), &field);  // containers left out, too
-        });
-        state.names_known = true;
+    if (!state.form_loaded) {
+        if (CPDFField* found = state.branches.find(*state.xref, state.form_entry(), name))
+            return found;
     }
-    const std::string key(name);
-    if (const auto found = state.names.find(key); found != state.names.end())
-        return found->second;
-    const auto found = state.plain_names.find(key);
-    return found != state.plain_names.end() ? found->second : nullptr;
+    return state.names.find(form(), name);
+}
+
+CPDFWidgetBinder& CPDFDocument::bound_widgets()
+{
+    State& state = *m_state;
+    if (!state.widgets) {
+        state.widgets = std::make_unique<CPDFWidgetBinder>();
+        CPDFPageMap pages;
+        pages.load(*state.xref, state.root);
+        state.widgets->bind(*state.xref, form(), pages);
+        state.reader->renew_budget();
+    }
+    return *state.widgets;
+}
+
+const CPDFSignatureGuard& CPDFDocument::signatures()
+{
+    if (!m_state->signatures)
+        m_state->signatures = std::make_unique<CPDFSignatureGuard>(*this);
+    return *m_state->signatures;
+}
+
+const std::vector<CPDFAnnotWidget*>& CPDFDocument::widgets_of(const CPDFField& field)
+{
+    return bound_widgets().widgets_of(field);
+}
+
+CPDFStatus CPDFDocument::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan)
+{
+    const CPDFWidgetBinder no_widgets;
+    const bool button = field.m_type == FIELD_BUTTON;
+    CPDFStatus status = plan_fill(field, value, fill, button ? bound_widgets() : no_widgets, plan);
+    if (!status.ok() || fill == PDF_FILL::FORCE)
+        return status;
+    return signatures().check_fill(field);
+}
+
+CPDFStatus CPDFDocument::set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill)
+{
+    PDF_FILL_PLAN plan;
+    CPDFStatus status = check_value(field, value, fill, plan);
+    if (status.ok())
+        apply(plan);
+    return status;
 }
 
 CPDFStatus CPDFDocument::set_text(CPDFField& field, std::string_view value, PDF_FILL fill)
 {
-    const auto refusal = [&field](PDF_CODE code, const std::string& why) {
-        return CPDFStatus::failed(code, "field \"" + full_name(field) + "\" " + why);
-    };
     if (field.m_type != FIELD_TEXT)
-        return refusal(PDF_CODE::WRONG_KIND, "is no text field");
-    if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
-        return refusal(PDF_CODE::READ_ONLY, "is read-only");
-    const auto* p = reinterpret_cast<const unsigned char*>(value.data());
-    const unsigned char* end = p + value.size();
-    int64_t characters = 0;
-    for (; p < end; ++characters)
-        ucs_from_utf8(p, end);
-    const int32_t limit = max_length(field);
-    if (limit > 0 && characters > limit)
-        return refusal(PDF_CODE::LIMIT, "takes at most " + std::to_string(limit) + " characters, not " +
-                                            std::to_string(characters));
-    PDF_String text = pdf_string_of(std::string(value));
-    field.set_edit_value(&text);
-    text.release();
-    return {};
+        return CPDFStatus::failed(PDF_CODE::WRONG_KIND, "field \"" + full_name(field) + "\" is no text field");
+    return set_value(field, std::string(value), fill);
+}
+
+void CPDFDocument::apply(const PDF_FILL_PLAN& plan)
+{
+    State& state = *m_state;
+    const CPDFWidgetBinder no_widgets;
+    const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
+    apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
+    if (!button && !signatures().is_signed())
+        set_need_appearances(*state.xref, state.root, state.root_ref);
+}
+
+void CPDFDocument::revert()
+{
+    State& state = *m_state;
+    state.xref->discard_changes();
+    for (CPDFField* field : state.filled)
+        field->reload_value();
+    state.filled.clear();
+    state.root.free();
+    state.xref->get_entity(state.root, state.root_ref);
+    state.reader->renew_budget();
 }
 
 CPDFStatus CPDFDocument::save(const std::string& path)
 {
     std::string update;
     write_update(update, *m_state->xref, *m_state->reader, data(), size());
-    return write_file(path, {{reinterpret_cast<const char*>(data()), size()}, update});
+    const std::string_view input(reinterpret_cast<const char*>(data()), size());
+    return write_file(path, {input, m_state->bytes.descriptor()}, update);
 }
 
 CPDFStatus CPDFDocument::save(std::vector<uint8_t>& out)

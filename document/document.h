@@ -8,17 +8,21 @@
 #include <vector>
 
 #include "core/object.h"
+#include "document/filler.h"
 #include "document/status.h"
 
 class CPDFAcroForm;
+class CPDFAnnotWidget;
 class CPDFField;
 class CPDFFileReader;
+class CPDFSignatureGuard;
+class CPDFWidgetBinder;
 class CPDFXRefTable;
 
-// Whether a read-only field may be changed.
-enum class PDF_FILL {
-    RESPECT_READ_ONLY,
-    FORCE,
+// How much of the form open loads.
+enum class PDF_LOAD {
+    WHOLE_FORM,
+    NAMED_FIELDS,  // nothing: field() loads single fields, form() and everything that needs it the whole form
 };
 
 // One document. It owns the file's bytes, the object store and the form; everything it hands out is borrowed and ends
@@ -27,7 +31,7 @@ enum class PDF_FILL {
 //     CPDFDocument document;
 //     if (CPDFStatus status = document.open("form.pdf"); !status.ok()) ...
 //     CPDFField* field = document.field("address.city");
-//     status = document.set_text(*field, "Zürich");
+//     status = document.set_value(*field, "Zürich");
 //     status = document.save("filled.pdf");
 class CPDFDocument {
 public:
@@ -38,8 +42,8 @@ public:
 
     // Opens a file, or takes its bytes, and loads the form. A document without a form opens with an empty one. After a
     // failure, or before any call, the document is closed: every other operation needs a successful open.
-    CPDFStatus open(const std::string& path);
-    CPDFStatus open(std::vector<uint8_t> bytes);
+    CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+    CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
 
     // Whether the catalog names a form.
     bool has_form() const;
@@ -55,16 +59,35 @@ public:
     const uint8_t* data() const;
     size_t size() const;
 
-    // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names.
-    void names_changed();
+    // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names and
+    // widgets.
+    void fields_changed();
 
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
     // suffixes; the first in tree order where several have it, null when none has.
+    // Of a document opened for named fields it loads no more than the branch that leads to the field; such a field is a
+    // different object from the one that form() has of the same dictionary.
     CPDFField* field(std::string_view name);
 
-    // Makes `value`, UTF-8, the value of a text field. Refuses other kinds, read-only fields and text longer than the
-    // field's maximum, naming the field; nothing is changed then.
+    // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed.
+    const std::vector<CPDFAnnotWidget*>& widgets_of(const CPDFField& field);
+
+    // Decides what `value` means for `field` and whether the field takes it, see plan_fill; a field that a signature locks
+    // is refused, too. Changes nothing.
+    CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan);
+
+    // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
+    // Viewers are asked to draw the texts anew unless the file is signed.
+    CPDFStatus set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
+
+    // The same for text fields only.
     CPDFStatus set_text(CPDFField& field, std::string_view value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
+
+    // Carries out a plan of check_value.
+    void apply(const PDF_FILL_PLAN& plan);
+
+    // Drops every change: the document and the fields that set_value changed are as they were when the file was opened.
+    void revert();
 
     // Writes the input's bytes unchanged and behind them the changed objects as one incremental update
     // (ISO 32000-2, 7.5.6). The file at `path` is replaced as a whole, or stays as it was. With no change the output is
@@ -76,7 +99,9 @@ public:
 
 private:
     struct State;
-    CPDFStatus load();
+    CPDFStatus load(PDF_LOAD load);
+    CPDFWidgetBinder& bound_widgets();
+    const CPDFSignatureGuard& signatures();
 
     std::unique_ptr<State> m_state;  // owned
 };

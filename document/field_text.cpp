@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/alloc.h"
+#include "core/limits.h"
 #include "core/text.h"
 #include "forms/field.h"
 
@@ -44,6 +45,14 @@ std::string read_wide(size_t room, Read&& read)
     return utf8_of_wide(large.data(), read(large.data(), static_cast<int>(room)));
 }
 
+// The most bytes of `text`, up to `size`, that end with a whole character.
+size_t whole_characters(const std::string& text, size_t size)
+{
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
+        --size;
+    return size;
+}
+
 // Whether `c` stands for itself in PDFDocEncoding and in no other way.
 bool is_plain(uint32_t c)
 {
@@ -59,7 +68,10 @@ std::string full_name(const CPDFField& field)
         return name;
     if (!name.empty())
         name += '.';
-    return name + utf8_of(field.m_name);
+    name += utf8_of(field.m_name);
+    if (name.size() > LIMIT_FULL_NAME)
+        name.resize(whole_characters(name, LIMIT_FULL_NAME));
+    return name;
 }
 
 std::string full_name_with_no(const CPDFField& field)
@@ -82,25 +94,44 @@ std::string utf8_of(const PDF_String& text)
     return read_wide(room, [&](wchar_t* buf, int size) { return cvt_text_to_ucs(&text, buf, size - 1); });
 }
 
+std::string utf8_of_name(const std::string& name)
+{
+    constexpr uint32_t REPLACEMENT = 0xFFFD;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(name.data());
+    const unsigned char* end = bytes + name.size();
+    for (const unsigned char* p = bytes; p < end;) {
+        if (ucs_from_utf8(p, end) == REPLACEMENT)
+            return utf8_of({static_cast<int32_t>(name.size()), const_cast<unsigned char*>(bytes)});
+    }
+    return name;
+}
+
 PDF_String pdf_string_of(const std::string& text)
 {
+    constexpr uint32_t LANGUAGE_ESCAPE = 0x1B;
+    constexpr uint32_t REPLACEMENT = 0xFFFD;
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const unsigned char* end = p + text.size();
-    std::vector<wchar_t> wide;
-    wide.reserve(text.size() + 1);
+    std::string narrow;
+    std::string wide = "\xFE\xFF";
+    const auto append_unit = [&wide](uint32_t unit) {
+        wide += static_cast<char>(unit >> 8);
+        wide += static_cast<char>(unit);
+    };
     bool plain = true;
     while (p < end) {
-        const uint32_t c = ucs_from_utf8(p, end);
+        uint32_t c = ucs_from_utf8(p, end);
+        c = c == LANGUAGE_ESCAPE ? REPLACEMENT : c;
         plain = plain && is_plain(c);
-        wide.push_back(static_cast<wchar_t>(c));
+        narrow += static_cast<char>(c);
+        if (c > 0xFFFF)
+            append_unit(0xD7C0 + (c >> 10));
+        append_unit(c > 0xFFFF ? 0xDC00 | (c & 0x3FF) : c);
     }
+    // Letters that look like a byte order mark would be taken for one.
+    const bool marked = narrow.rfind("\xFE\xFF", 0) == 0 || narrow.rfind("\xEF\xBB\xBF", 0) == 0;
+    const std::string& bytes = plain && !marked ? narrow : wide;
     PDF_String out = {0, nullptr};
-    if (plain) {
-        const std::vector<unsigned char> bytes(wide.begin(), wide.end());
-        out.assign(bytes.empty() ? reinterpret_cast<const unsigned char*>("") : bytes.data(), static_cast<int32_t>(bytes.size()));
-        return out;
-    }
-    wide.push_back(0);
-    out.init(wide.data(), 1);
+    out.assign(bytes.data(), static_cast<int32_t>(bytes.size()));
     return out;
 }

@@ -8,7 +8,8 @@
 class CPDFField;
 
 // The fully qualified name (ISO 32000-2, 12.7.4.2): every partial name from the top down as stored, joined with '.'. Unlike
-// CPDFField::get_full_name2 it keeps names that begin with '#', and it has any length. Fields without a name add nothing.
+// CPDFField::get_full_name2 it keeps names that begin with '#', and it has any length up to LIMIT_FULL_NAME. Fields without a
+// name add nothing.
 std::string full_name(const CPDFField& field);
 
 // The same for a field that may have no name of its own, which then shows as '#' and its slot behind the name above it.
@@ -20,6 +21,9 @@ std::string full_name_without_index(const CPDFField& field);
 // The text of a PDF text string, of any length.
 std::string utf8_of(const PDF_String& text);
 
-// `text`, UTF-8, as a PDF text string: 8-bit when every character has a place in PDFDocEncoding, UTF-16BE otherwise.
-// The caller releases it. Malformed bytes become U+FFFD.
+// The characters of a name, which are UTF-8 by custom (ISO 32000-2, 7.3.5); other bytes are read as PDFDocEncoding.
+std::string utf8_of_name(const std::string& name);
+
+// `text`, UTF-8, as a PDF text string: 8-bit when every character is one that PDFDocEncoding and Latin-1 share, UTF-16BE
+// otherwise. The caller releases it. Malformed bytes become U+FFFD, and so does U+001B, which PDF text has no way to say.
 PDF_String pdf_string_of(const std::string& text);

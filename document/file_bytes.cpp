@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -24,6 +25,7 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     int get() const { return m_fd; }
+    int release() { return std::exchange(m_fd, -1); }
 
 private:
     int m_fd;
@@ -40,6 +42,8 @@ CPDFFileBytes::~CPDFFileBytes()
 {
     if (m_mapping)
         ::munmap(m_mapping, m_size);
+    if (m_fd >= 0)
+        ::close(m_fd);
 }
 
 void CPDFFileBytes::take(std::vector<uint8_t> bytes)
@@ -51,7 +55,7 @@ void CPDFFileBytes::take(std::vector<uint8_t> bytes)
 
 CPDFStatus CPDFFileBytes::open(const std::string& path)
 {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.get() < 0) {
         if (errno == ENOENT || errno == ENOTDIR)
             return CPDFStatus::failed(PDF_CODE::NOT_FOUND, "there is no such file");
@@ -71,6 +75,7 @@ CPDFStatus CPDFFileBytes::open(const std::string& path)
     if (mapping == MAP_FAILED)
         return read_all(file.get());
     m_mapping = mapping;
+    m_fd = file.release();
     m_data = static_cast<const uint8_t*>(mapping);
     m_size = size;
     return {};

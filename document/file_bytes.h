@@ -23,11 +23,15 @@ public:
     const uint8_t* data() const { return m_data; }
     size_t size() const { return m_size; }
 
+    // A descriptor of the file that is mapped, for copying it; -1 for bytes that are held. Borrowed while this lives.
+    int descriptor() const { return m_fd; }
+
 private:
     CPDFStatus read_all(int fd);
 
     const uint8_t* m_data = nullptr;  // borrowed from m_mapping or m_held
     size_t m_size = 0;
     void* m_mapping = nullptr;  // owned
+    int m_fd = -1;              // owned
     std::vector<uint8_t> m_held;
 };

@@ -11,6 +11,28 @@
 #include "document/compress.h"
 #include "document/parser.h"
 
+namespace {
+
+// Steps over "num gen obj" with this number; false when it is not there.
+bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
+{
+    uint32_t found = 0;
+    lexer.skip_space();
+    if (!lexer.read_u32(found) || found != num)
+        return false;
+    lexer.skip_space();
+    if (!lexer.read_u32(gen))
+        return false;
+    lexer.skip_space();
+    // Some writers leave no space between "obj" and the value.
+    if (lexer.left() < 3 || std::memcmp(lexer.at(), "obj", 3) != 0)
+        return false;
+    lexer.move_to(lexer.at() + 3);
+    return true;
+}
+
+}  // namespace
+
 CPDFFileReader::CPDFFileReader(const uint8_t* data, size_t size)
     : m_data(data), m_size(size)
 {
@@ -19,15 +41,24 @@ CPDFFileReader::CPDFFileReader(const uint8_t* data, size_t size)
 
 void CPDFFileReader::renew_budget()
 {
-    m_budget = LIMIT_PARSE_WORK + LIMIT_PARSE_WORK_PER_BYTE * m_size;
+    m_budget = LIMIT_PARSE_WORK + LIMIT_PARSE_WORK_PER_BYTE * (m_size + m_unpacked_size);
+    m_decode_budget = LIMIT_DECODE_WORK + LIMIT_DECODE_WORK_PER_BYTE * m_size;
 }
 
-bool CPDFFileReader::spend(size_t bytes)
+bool CPDFFileReader::spend_from(uint64_t& budget, size_t bytes)
 {
-    if (bytes > m_budget)
-        return false;
-    m_budget -= bytes;
-    return true;
+    const bool enough = bytes <= budget;
+    budget = enough ? budget - bytes : 0;
+    return enough;
+}
+
+// Counts the bytes of an object stream as the file's own, once.
+void CPDFFileReader::count_unpacked(uint32_t num, size_t bytes)
+{
+    if (!m_unpacked.insert(num).second)
+        return;
+    m_unpacked_size += bytes;
+    m_budget += LIMIT_PARSE_WORK_PER_BYTE * bytes;
 }
 
 void CPDFFileReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
@@ -42,32 +73,20 @@ void CPDFFileReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num
 // An object in the file: "num gen obj", the value, and for a stream "stream", its data and "endstream".
 bool CPDFFileReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys)
 {
-    if (at >= m_size)
+    if (at >= m_size || m_budget == 0)
         return false;
     CPDFParser parser(m_data + at, m_data + m_size, m_data);
     CPDFLexer& lexer = parser.lexer();
-    uint32_t found = 0;
     uint32_t gen = 0;
-    lexer.skip_space();
-    if (!lexer.read_u32(found) || found != num)
-        return false;
-    lexer.skip_space();
-    if (!lexer.read_u32(gen))
-        return false;
-    lexer.skip_space();
-    // Some writers leave no space between "obj" and the value.
-    if (lexer.left() < 3 || std::memcmp(lexer.at(), "obj", 3) != 0)
-        return false;
-    lexer.move_to(lexer.at() + 3);
-    const uint8_t* body = lexer.at();
-    if (!parser.parse(out, keys) || !spend(static_cast<size_t>(lexer.at() - body))) {
+    const bool found = accept_object_start(lexer, num, gen) && parser.parse(out, keys);
+    if (out.type == PDF_OBJ_DICT)
+        lexer.skip_space();
+    // What can't be read has taken its time as well.
+    if (!spend(static_cast<size_t>(lexer.at() - (m_data + at))) || !found) {
         out.free();
         return false;
     }
-    if (out.type != PDF_OBJ_DICT)
-        return true;
-    lexer.skip_space();
-    if (lexer.left() < 6 || std::memcmp(lexer.at(), "stream", 6) != 0)
+    if (out.type != PDF_OBJ_DICT || lexer.left() < 6 || std::memcmp(lexer.at(), "stream", 6) != 0)
         return true;
     if (keys) {
         out.free();
@@ -115,6 +134,8 @@ size_t CPDFFileReader::stream_length(CPDFXRefTable& xref, const CPDFDictionary& 
         CPDFLexer lexer(m_data + data_at + len, m_data + m_size);
         while (is_space(lexer.peek()) && !lexer.done())
             lexer.move_to(lexer.at() + 1);
+        if (!spend(static_cast<size_t>(lexer.at() - (m_data + data_at + len))))
+            return 0;
         if (lexer.left() >= 9 && std::memcmp(lexer.at(), "endstream", 9) == 0)
             return static_cast<size_t>(len);
     }
@@ -126,8 +147,11 @@ size_t CPDFFileReader::search_stream_end(size_t data_at)
     const uint8_t* begin = m_data + data_at;
     const size_t left = m_size - data_at;
     const void* found = memmem(begin, left, "endstream", 9);
-    if (!found)
+    if (!found) {
+        if (!spend(left))
+            return 0;
         found = memmem(begin, left, "endobj", 6);
+    }
     size_t len = found ? static_cast<size_t>(static_cast<const uint8_t*>(found) - begin) : left;
     if (!spend(len))
         return 0;
@@ -147,7 +171,8 @@ void CPDFFileReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_
     if (!stream || !stream->find(num, entry.gen, begin, end))
         return;
     CPDFParser parser(begin, end, nullptr);
-    if (!parser.parse(out, keys) || !spend(static_cast<size_t>(parser.lexer().at() - begin)))
+    const bool found = m_budget > 0 && parser.parse(out, keys);
+    if (!spend(static_cast<size_t>(parser.lexer().at() - begin)) || !found)
         out.free();
 }
 
@@ -156,7 +181,7 @@ const CPDFObjectStream* CPDFFileReader::object_stream(CPDFXRefTable& xref, uint3
     if (const CPDFObjectStream* known = m_streams.find(num))
         return known;
     // What an object stream's own dictionary refers to may not lie in an object stream: it could be the same one.
-    if (m_in_container)
+    if (m_in_container || m_decode_budget == 0)
         return nullptr;
     const RaisedFlag flag(m_in_container);
     return load_object_stream(xref, num);
@@ -172,8 +197,9 @@ const CPDFObjectStream* CPDFFileReader::load_object_stream(CPDFXRefTable& xref, 
         return nullptr;
     const CPDFStreamRec& rec = *container.stream;
     CPDFBytes bytes;
-    if (!decode_stream(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !spend(bytes.size()))
+    if (!decode_stream(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !spend_decoded(bytes.size()))
         return nullptr;
+    count_unpacked(num, bytes.size());
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
     const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
     return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
@@ -189,8 +215,8 @@ CPDFStream* CPDFFileReader::open_stream(CPDFXRefTable& xref, const CPDFStreamRec
         size = rec.data_len;
     }
     CPDFBytes bytes;
-    if (decode_stream(&xref, rec.dict, memory, size, bytes))
-        static_cast<void>(spend(std::min<uint64_t>(bytes.size(), m_budget)));
+    if (m_decode_budget > 0 && decode_stream(&xref, rec.dict, memory, size, bytes))
+        spend_decoded(bytes.size());
     return make_decoded_stream(std::move(bytes));
 }
 

@@ -63,7 +63,9 @@ public:
 private:
     bool find_start(uint32_t& pos) const;
     bool place_section(uint32_t pos, size_t& at);
-    bool section_at(size_t at) const;
+    bool table_at(size_t at) const;
+    bool object_at(size_t at) const;
+    bool section_near(size_t base, size_t& at) const;
     bool read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION_KIND& kind);
     bool read_table(CPDFXRefTable& xref, CPDFLexer& lexer);
     void read_subsection(CPDFXRefTable& xref, CPDFLexer& lexer, uint32_t first, uint32_t count,
@@ -84,12 +86,18 @@ private:
                           const CPDFKeySet* keys);
     const CPDFObjectStream* object_stream(CPDFXRefTable& xref, uint32_t num);
     const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
-    bool spend(size_t bytes);
+    bool spend(size_t bytes) { return spend_from(m_budget, bytes); }
+    bool spend_decoded(size_t bytes) { return spend_from(m_decode_budget, bytes); }
+    static bool spend_from(uint64_t& budget, size_t bytes);
+    void count_unpacked(uint32_t num, size_t bytes);
 
     const uint8_t* m_data;  // borrowed from the document
     size_t m_size;
     size_t m_shift = 0;
-    uint64_t m_budget = 0;       // bytes that may still be parsed and decoded before objects read as absent
+    uint64_t m_budget = 0;         // bytes that may still be parsed before objects read as absent
+    uint64_t m_decode_budget = 0;  // the same for bytes that may still be decoded
+    uint64_t m_unpacked_size = 0;  // decoded bytes of the object streams, each counted once
+    std::unordered_set<uint32_t> m_unpacked;  // the object streams counted
     bool m_in_length = false;    // a stream's indirect length is being fetched
     bool m_in_container = false; // an object stream is being decoded
     PDF_SECTION_KIND m_newest_kind = PDF_SECTION_KIND::NONE;

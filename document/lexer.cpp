@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "core/limits.h"
+
 namespace {
 
 constexpr uint8_t S = CHAR_SPACE;
@@ -107,58 +109,65 @@ void CPDFLexer::skip_hex()
     m_at = at + (at < m_end);
 }
 
-// The cursor stands behind a key, so there is a byte before it. Inside containers only delimiters matter; behind the first token of the value a '/' is the next key.
-void CPDFLexer::skip_dict_value()
+// The cursor stands behind a key, so there is a byte before it. Inside containers only delimiters matter; behind the first
+// token of the value a '/' is the next key. Containers end where the parser ends them, in damaged objects too: otherwise an
+// object would have other entries once it is read as a whole.
+bool CPDFLexer::skip_dict_value()
 {
     skip_space();
     if (peek() == '/') {
         ++m_at;
         skip_regular();
     }
+    bool is_dict[LIMIT_OBJECT_DEPTH];  // of the open containers
+    int depth = 0;
     const uint8_t* at = m_at;
     const uint8_t* const end = m_end;
-    int depth = 0;
     while (at < end) {
         const uint8_t c = *at;
         if (!(PDF_CHAR_CLASSES[c] & CHAR_DELIMITER)) {
-            if (c == 'e' && end - at >= 6 && !is_regular(at[-1]) && std::memcmp(at, "endobj", 6) == 0)
-                break;
+            if ((c == 'e' || c == 's') && !is_regular(at[-1]) && at[-1] != '/') {
+                m_at = at;
+                if (starts("stream")) {
+                    while (depth > 0 && is_dict[depth - 1])
+                        --depth;
+                }
+                if (starts("endobj") || (depth == 0 && starts("stream")))
+                    return true;
+            }
             ++at;
             continue;
         }
-        if (depth <= 0 && (c == '/' || c == '>'))
+        if (c == '>') {
+            while (depth > 0 && !is_dict[depth - 1])
+                --depth;
+        }
+        if (depth == 0 && (c == '/' || c == '>'))
             break;
         const bool twice = at + 1 < end && at[1] == c;
-        switch (c) {
-        case '(':
+        if (c == '(' || c == '%' || (c == '<' && !twice)) {
             m_at = at;
-            skip_literal();
-            at = m_at;
-            break;
-        case '%':
-            m_at = at;
-            skip_space_run();
-            at = m_at;
-            break;
-        case '<':
-            if (!twice) {
-                m_at = at;
+            if (c == '(')
+                skip_literal();
+            else if (c == '<')
                 skip_hex();
-                at = m_at;
-                break;
-            }
-            at += 2;
-            ++depth;
-            break;
-        case '>':
-            at += twice ? 2 : 1;
-            --depth;
-            break;
-        default:
-            depth += (c == '[') - (c == ']');
-            ++at;
-            break;
+            else
+                skip_space_run();
+            at = m_at;
+            continue;
         }
+        if (c == '[' || c == '<') {
+            // The dictionary around the value is a level, too.
+            if (depth == LIMIT_OBJECT_DEPTH - 1)
+                return false;
+            is_dict[depth++] = c == '<';
+        } else if (c == '>') {
+            --depth;
+        } else if (c == ']' && depth > 0 && !is_dict[depth - 1]) {
+            --depth;
+        }
+        at += (c == '<' || c == '>') && twice ? 2 : 1;
     }
     m_at = at;
+    return true;
 }

@@ -1,6 +1,7 @@
 #include "document/object_stream.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "core/limits.h"
 #include "document/lexer.h"
@@ -10,6 +11,7 @@ CPDFObjectStream::CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first
     const uint8_t* begin = m_bytes.data();
     const auto body = static_cast<size_t>(std::max(first, 0));
     CPDFLexer lexer(begin, begin + m_bytes.size());
+    count = std::min(count, static_cast<int32_t>(LIMIT_OBJECT_NUMBER));
     for (int32_t i = 0; i < count; ++i) {
         uint32_t num = 0;
         uint32_t offset = 0;
@@ -24,13 +26,26 @@ CPDFObjectStream::CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first
     }
 }
 
+size_t CPDFObjectStream::place_of(uint32_t num) const
+{
+    // Right indices never get here, so the order is made on the first need.
+    if (m_by_num.empty()) {
+        m_by_num.resize(m_places.size());
+        std::iota(m_by_num.begin(), m_by_num.end(), 0u);
+        std::sort(m_by_num.begin(), m_by_num.end(), [this](uint32_t a, uint32_t b) {
+            return m_places[a].num != m_places[b].num ? m_places[a].num < m_places[b].num : a < b;
+        });
+    }
+    const auto below = [this](uint32_t place, uint32_t wanted) { return m_places[place].num < wanted; };
+    const auto found = std::lower_bound(m_by_num.begin(), m_by_num.end(), num, below);
+    return found != m_by_num.end() && m_places[*found].num == num ? *found : m_places.size();
+}
+
 bool CPDFObjectStream::find(uint32_t num, uint32_t index, const uint8_t*& begin, const uint8_t*& end) const
 {
     size_t at = index;
-    if (at >= m_places.size() || m_places[at].num != num) {
-        const auto same = [num](const Place& place) { return place.num == num; };
-        at = static_cast<size_t>(std::find_if(m_places.begin(), m_places.end(), same) - m_places.begin());
-    }
+    if (at >= m_places.size() || m_places[at].num != num)
+        at = place_of(num);
     if (at == m_places.size())
         return false;
     begin = m_bytes.data() + m_places[at].offset;

@@ -11,7 +11,8 @@
 // One decoded object stream and where its objects begin.
 class CPDFObjectStream {
 public:
-    // Takes the decoded bytes; `count` is "N" and `first` is "First", neither of them trusted.
+    // Takes the decoded bytes; `count` is "N" and `first` is "First", neither of them trusted. No more than
+    // LIMIT_OBJECT_NUMBER objects count.
     CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first);
 
     // The bytes of object `num`, which the cross-reference data says is object `index` of the stream. The object ends at
@@ -19,7 +20,7 @@ public:
     bool find(uint32_t num, uint32_t index, const uint8_t*& begin, const uint8_t*& end) const;
 
     // Memory held, in bytes.
-    size_t footprint() const { return m_bytes.size() + m_places.size() * sizeof(Place); }
+    size_t footprint() const { return m_bytes.size() + m_places.size() * (sizeof(Place) + sizeof(uint32_t)); }
 
 private:
     struct Place {
@@ -27,8 +28,11 @@ private:
         uint32_t offset;
     };
 
+    size_t place_of(uint32_t num) const;
+
     CPDFBytes m_bytes;
     std::vector<Place> m_places;
+    mutable std::vector<uint32_t> m_by_num;  // places in the order of their numbers, made when it is needed
 };
 
 // The decoded object streams of one file, by object number; the ones used longest ago go first when room ends.

@@ -34,10 +34,10 @@ void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
     if (const CPDFObj* pages = catalog ? catalog->get_item("Pages") : nullptr)
         visit(*pages, 0);
     // Of the pages that list one annotation, the first is kept.
-    std::sort(m_annotations.begin(), m_annotations.end(), [](const ANNOTATION& a, const ANNOTATION& b) {
+    std::sort(m_annotations.begin(), m_annotations.end(), [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
         return a.num != b.num ? a.num < b.num : a.page < b.page;
     });
-    const auto same = [](const ANNOTATION& a, const ANNOTATION& b) { return a.num == b.num; };
+    const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) { return a.num == b.num; };
     m_annotations.erase(std::unique(m_annotations.begin(), m_annotations.end(), same), m_annotations.end());
     m_xref = nullptr;
 }
@@ -107,7 +107,7 @@ int32_t CPDFPageMap::page_of(uint32_t num) const
 
 int32_t CPDFPageMap::page_of_annotation(uint32_t num) const
 {
-    const auto less = [](const ANNOTATION& a, uint32_t value) { return a.num < value; };
+    const auto less = [](const PDF_PAGE_ANNOTATION& a, uint32_t value) { return a.num < value; };
     const auto found = std::lower_bound(m_annotations.begin(), m_annotations.end(), num, less);
     return found == m_annotations.end() || found->num != num ? 0 : found->page;
 }

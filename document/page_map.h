@@ -10,6 +10,12 @@
 class CPDFArray;
 class CPDFDictionary;
 
+// An annotation that a page lists: its object number and the number of the page, which counts from 1.
+struct PDF_PAGE_ANNOTATION {
+    uint32_t num;
+    int32_t page;
+};
+
 // Numbers the pages from 1 and knows which page lists an annotation. It holds what the document says at the time of
 // load; the page contents and resources are not read.
 class CPDFPageMap {
@@ -30,12 +36,10 @@ public:
     // The number of the first page whose "Annots" list object `num`; 0 when none does.
     int32_t page_of_annotation(uint32_t num) const;
 
-private:
-    struct ANNOTATION {
-        uint32_t num;
-        int32_t page;
-    };
+    // Every annotation that is an object of its own, sorted by number, one each.
+    const std::vector<PDF_PAGE_ANNOTATION>& annotations() const { return m_annotations; }
 
+private:
     bool first_visit(uint32_t num) { return m_seen.emplace(num, 0).second; }
     void visit(const CPDFObj& entry, int depth);
     void visit_kids(const CPDFObj& entry, int depth);
@@ -45,6 +49,6 @@ private:
     CPDFXRefTable* m_xref = nullptr;  // borrowed from the caller of load, while it runs
     int64_t m_entries_left = 0;
     std::vector<PDF_REF> m_pages;
-    std::vector<ANNOTATION> m_annotations;         // sorted by number, one each
+    std::vector<PDF_PAGE_ANNOTATION> m_annotations;  // sorted by number, one each
     std::unordered_map<uint32_t, int32_t> m_seen;  // objects visited; the page number of those that are pages
 };

@@ -32,7 +32,9 @@ private:
     {
         m_decoded.reserve(m_len);
         for (size_t i = 0; i < m_len; ++i) {
-            const bool escaped = m_text[i] == '#' && i + 2 < m_len && digit(i + 1) >= 0 && digit(i + 2) >= 0;
+            const bool coded = m_text[i] == '#' && i + 2 < m_len && digit(i + 1) >= 0 && digit(i + 2) >= 0;
+            // A name holds no byte 0.
+            const bool escaped = coded && digit(i + 1) + digit(i + 2) > 0;
             m_decoded += escaped ? static_cast<char>(digit(i + 1) * 16 + digit(i + 2)) : m_text[i];
             i += escaped ? 2 : 0;
         }
@@ -109,7 +111,7 @@ bool CPDFParser::parse(CPDFObj& out, const CPDFKeySet* keys)
 bool CPDFParser::parse_value(CPDFObj& out)
 {
     m_lexer.skip_space();
-    if (++m_values > LIMIT_OBJECT_VALUES || m_depth > LIMIT_OBJECT_DEPTH)
+    if (++m_values > LIMIT_OBJECT_VALUES)
         m_over_limit = true;
     if (m_lexer.done() || m_over_limit)
         return false;
@@ -140,6 +142,10 @@ bool CPDFParser::parse_value(CPDFObj& out)
 
 void CPDFParser::parse_dict(CPDFObj& out, const CPDFKeySet* keys)
 {
+    if (m_depth >= LIMIT_OBJECT_DEPTH) {
+        m_over_limit = true;
+        return;
+    }
     const uint8_t* begin = m_lexer.at();
     m_lexer.move_to(begin + 2);
     CPDFDictionary* dict = out.set_dict();
@@ -180,7 +186,7 @@ void CPDFParser::parse_entry(CPDFDictionary& dict, const CPDFKeySet* keys)
     m_lexer.move_to(m_lexer.at() + 1);
     const RawName key(m_lexer);
     if (keys && !keys->contains(key.text(), key.len())) {
-        m_lexer.skip_dict_value();
+        m_over_limit = !m_lexer.skip_dict_value();
         return;
     }
     CPDFObj value;
@@ -193,6 +199,10 @@ void CPDFParser::parse_entry(CPDFDictionary& dict, const CPDFKeySet* keys)
 
 void CPDFParser::parse_array(CPDFObj& out)
 {
+    if (m_depth >= LIMIT_OBJECT_DEPTH) {
+        m_over_limit = true;
+        return;
+    }
     m_lexer.move_to(m_lexer.at() + 1);
     CPDFArray* array = out.set_array();
     ++m_depth;
@@ -281,6 +291,7 @@ void CPDFParser::parse_hex(CPDFObj& out)
 
 bool CPDFParser::accept_reference(CPDFObj& out, uint32_t num)
 {
+    constexpr uint32_t LARGEST_GENERATION = 65535;
     const uint8_t* back = m_lexer.at();
     uint32_t gen = 0;
     if (is_space(m_lexer.peek())) {
@@ -289,7 +300,7 @@ bool CPDFParser::accept_reference(CPDFObj& out, uint32_t num)
             m_lexer.skip_space();
             if (m_lexer.peek() == 'R' && !is_regular(m_lexer.left() > 1 ? m_lexer.peek(1) : ' ')) {
                 m_lexer.move_to(m_lexer.at() + 1);
-                out.set_ref({num, gen});
+                out.set_ref({num, std::min(gen, LARGEST_GENERATION)});
                 return true;
             }
         }

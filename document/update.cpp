@@ -54,14 +54,15 @@ private:
         for (const PDF_CHANGED_OBJ* record : order) {
             m_places.push_back({record->ref.num, record->ref.gen, position()});
             m_out += std::to_string(record->ref.num) + ' ' + std::to_string(record->ref.gen) + " obj\n";
-            write_object(m_out, record->obj);
             if (record->obj.type == PDF_OBJ_STREAM)
-                write_data(*record->obj.stream);
+                write_stream(*record->obj.stream);
+            else
+                write_object(m_out, record->obj);
             m_out += "\nendobj\n";
         }
     }
 
-    void write_data(const CPDFStreamRec& rec)
+    void write_stream(const CPDFStreamRec& rec)
     {
         const char* bytes = nullptr;
         size_t size = 0;
@@ -72,6 +73,10 @@ private:
             bytes = reinterpret_cast<const char*>(m_data) + rec.handle;
             size = rec.data_len;
         }
+        CPDFDictionary dict;
+        dict.copy_from(&rec.dict);
+        dict.set_item_int(CPDFDictionary::sm_tag_length, static_cast<int>(size));
+        write_dictionary(m_out, dict);
         m_out += "\nstream\n";
         m_out.append(bytes ? bytes : "", size);
         m_out += "\nendstream";

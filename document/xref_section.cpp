@@ -74,7 +74,7 @@ int64_t number_of(const CPDFDictionary& dict, const char* key)
 
 CPDFStatus CPDFFileReader::start(CPDFXRefTable& xref)
 {
-    const void* header = memmem(m_data, std::min(m_size, HEADER_WINDOW), "%PDF-", 5);
+    const void* header = m_size ? memmem(m_data, std::min(m_size, HEADER_WINDOW), "%PDF-", 5) : nullptr;
     m_shift = header ? static_cast<size_t>(static_cast<const uint8_t*>(header) - m_data) : 0;
     uint32_t pos = 0;
     const bool has_start = find_start(pos);
@@ -101,14 +101,18 @@ bool CPDFFileReader::find_start(uint32_t& pos) const
     return lexer.read_u32(pos);
 }
 
-bool CPDFFileReader::section_at(size_t at) const
+bool CPDFFileReader::table_at(size_t at) const
 {
-    CPDFLexer lexer(m_data + at, m_data + m_size);
-    if (lexer.left() >= 4 && std::memcmp(lexer.at(), "xref", 4) == 0)
-        return at == 0 || m_data[at - 1] != 't';
-    uint32_t number = 0;
-    if (at > 0 && is_digit(m_data[at - 1]))
+    return at < m_size && m_size - at >= 4 && std::memcmp(m_data + at, "xref", 4) == 0 && (at == 0 || m_data[at - 1] != 't');
+}
+
+bool CPDFFileReader::object_at(size_t at) const
+{
+    constexpr size_t LONGEST_START = 64;
+    if (at >= m_size || (at > 0 && is_digit(m_data[at - 1])))
         return false;
+    CPDFLexer lexer(m_data + at, m_data + at + std::min(LONGEST_START, m_size - at));
+    uint32_t number = 0;
     if (!lexer.read_u32(number))
         return false;
     lexer.skip_space();
@@ -118,24 +122,37 @@ bool CPDFFileReader::section_at(size_t at) const
     return lexer.left() >= 3 && std::memcmp(lexer.at(), "obj", 3) == 0;
 }
 
-// Finds the section that file position `pos` means: exactly there, counted from the header, behind white space, or a few
-// bytes off, as hand-edited files have it.
-bool CPDFFileReader::place_section(uint32_t pos, size_t& at)
+// A section some bytes before or behind `base`, as hand-edited files have it. Tables go first: an object so near is mostly
+// an ordinary one.
+bool CPDFFileReader::section_near(size_t base, size_t& at) const
 {
     constexpr size_t NEAR = 32;
-    const size_t counted = size_t{pos} + m_shift;
-    for (const size_t base : {counted, size_t{pos}}) {
-        if (base >= m_size)
-            continue;
-        for (size_t off = 0; off <= NEAR; ++off) {
-            at = base + off;
-            if (at < m_size && section_at(at)) {
-                m_shift = base == counted ? m_shift : 0;
-                return true;
+    for (const bool tables : {true, false}) {
+        for (size_t off = 1; off <= NEAR; ++off) {
+            for (const size_t place : {base + off, base - off}) {
+                at = place;
+                if (tables ? table_at(place) : object_at(place))
+                    return true;
             }
-            at = base - off;
-            if (off <= base && section_at(at))
-                return true;
+        }
+    }
+    return false;
+}
+
+// Finds the section that file position `pos` means. The first one decides whether positions count from the header or from
+// byte 0.
+bool CPDFFileReader::place_section(uint32_t pos, size_t& at)
+{
+    const bool decided = !m_sections.empty();
+    for (const bool exactly : {true, false}) {
+        for (const size_t shift : {m_shift, size_t{0}}) {
+            at = pos + shift;
+            if (!(exactly ? table_at(at) || object_at(at) : section_near(pos + shift, at)))
+                continue;
+            if (decided && shift != m_shift)
+                continue;
+            m_shift = shift;
+            return true;
         }
     }
     return false;
@@ -151,6 +168,8 @@ int CPDFFileReader::read_section(CPDFXRefTable& xref, uint32_t pos)
 bool CPDFFileReader::read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION_KIND& kind)
 {
     m_sections.insert(at);
+    if (m_budget == 0)
+        return false;
     CPDFLexer lexer(m_data + at, m_data + m_size);
     if (std::memcmp(lexer.at(), "xref", std::min<size_t>(4, lexer.left())) != 0) {
         kind = PDF_SECTION_KIND::STREAM;
@@ -158,7 +177,8 @@ bool CPDFFileReader::read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION
     }
     kind = PDF_SECTION_KIND::TABLE;
     lexer.move_to(lexer.at() + 4);
-    return read_table(xref, lexer);
+    const bool found = read_table(xref, lexer);
+    return spend(static_cast<size_t>(lexer.at() - (m_data + at))) && found;
 }
 
 uint32_t CPDFFileReader::largest_number() const
@@ -203,7 +223,9 @@ bool CPDFFileReader::read_table(CPDFXRefTable& xref, CPDFLexer& lexer)
     }
     CPDFParser parser(lexer.at(), lexer.end(), m_data);
     CPDFObj trailer;
-    if (!parser.parse(trailer, nullptr) || !trailer.dictionary())
+    const bool found = parser.parse(trailer, nullptr);
+    lexer.move_to(parser.lexer().at());
+    if (!found || !trailer.dictionary())
         return false;
     keep_trailer(*trailer.dict);
     read_hidden(xref, *trailer.dict, freed);
@@ -220,8 +242,10 @@ void CPDFFileReader::read_hidden(CPDFXRefTable& xref, const CPDFDictionary& trai
     if (hidden < 0 || hidden >= UINT32_MAX || !place_section(static_cast<uint32_t>(hidden), at) ||
         std::memcmp(m_data + at, "xref", std::min<size_t>(4, m_size - at)) == 0 || !m_sections.insert(at).second)
         return;
-    for (const uint32_t num : freed)
-        *xref.reserve_entry(num) = {PDF_XREF_FREE, 0, PDF_XREF_NO_GEN};
+    for (const uint32_t num : freed) {
+        if (PDF_XREF_ENTRY* entry = xref.reserve_entry(num))
+            *entry = {PDF_XREF_FREE, 0, PDF_XREF_NO_GEN};
+    }
     read_xref_stream(xref, at);
     for (const uint32_t num : freed)
         set_entry(xref, num, PDF_XREF_FREE, 0, 0);
@@ -284,7 +308,8 @@ bool CPDFFileReader::read_xref_stream(CPDFXRefTable& xref, size_t at)
         return false;
     const CPDFStreamRec& rec = *section.stream;
     CPDFBytes bytes;
-    if (!rec.dict.get_item("W") || !decode_stream(nullptr, rec.dict, m_data + rec.handle, rec.data_len, bytes))
+    if (!rec.dict.get_item("W") || !decode_stream(nullptr, rec.dict, m_data + rec.handle, rec.data_len, bytes) ||
+        !spend_decoded(bytes.size()))
         return false;
     read_stream_entries(xref, rec.dict, bytes);
     keep_trailer(rec.dict);

@@ -49,11 +49,13 @@ CPDFField::~CPDFField()
 
 void CPDFField::store_entry(const char* key, const CPDFObj& value)
 {
+    const VXFailureCheck check;
     CPDFObj own;
     m_xref->get_entity(own, m_ref);
     CPDFDictionary* dict = own.dictionary();
     if (!dict)
         return;
     dict->set_item(key, &value);
-    m_xref->store_changed(m_ref, own);
+    if (!check.failed())
+        m_xref->store_changed(m_ref, own);
 }

@@ -68,6 +68,17 @@ public:
     // Returns 1, or 0 when `ref` names no dictionary. Kids that don't load are left out.
     int load(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref);
 
+    // The same without the subtree: the field loads with no kids and no widgets, for a caller who adds a kid by
+    // adopt_kid.
+    int load_alone(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref);
+
+    // Takes `kid`, loaded with this field as its parent, as the only kid of a field of load_alone, in slot 0 of m_kids.
+    // Returns 1, or 0 with the kid deleted when memory runs out.
+    int adopt_kid(CPDFField* kid);
+
+    // Reads the value, the default value and the selection again from the newest version of the dictionary.
+    void reload_value();
+
     // Lookup. `name` is a dotted path of partial names in XML text, index suffixes ("[n]") removed; the first field of
     // this subtree that it designates, or null. Fields whose name does not match the head of the path are passed over.
     CPDFField* get(const char* name);
@@ -87,12 +98,56 @@ public:
     // Replaces the partial name "T"; null gives an empty one. The memory changes even when the dictionary is gone.
     void set_name(const wchar_t* name);
 
-    // Text fields only: makes `value`, not null, the value "V". Neither "MaxLen" nor the read-only flag nor the widgets are
-    // looked at. The memory changes even when the dictionary is gone.
+    // Writes the field's own value as UTF-8 text into `size` bytes, terminator included, cut at a whole character: numbers in
+    // decimal, names as they are, a one-element array as its string, empty for any other kind.
+    void get_vaue(char* buf, int size);
+    // Sets or clears the read-only bit and writes the whole flags word, inherited bits included, into the field's own
+    // dictionary. Nothing changes when the dictionary is gone.
+    void set_read_only(int on);
+
+    // Text fields only: makes `value`, not null, the value "V" or the default appearance "DA". Neither "MaxLen" nor the
+    // read-only flag nor the widgets are looked at. The memory changes even when the dictionary is gone.
     void set_edit_value(const PDF_String* value);
+    void set_edit_appearnce(const PDF_String* da);
     // Text fields only: the value of the field or of the nearest text field above it that has a string; null when there
     // is none. Borrowed from the field that holds it, until its value changes.
     PDF_String* get_edit_value();
+    // Text and choice fields: the field's own default appearance, or null. Borrowed until it changes.
+    PDF_String* get_edit_apperance();
+
+    // Check boxes only: makes the name `state`, not null, the value. When the field takes its kind from its parent and the
+    // state is not "Off", the widgets of all fields beside it are unchecked; its own is left to the caller. Nothing
+    // changes when the dictionary is gone.
+    void set_check_value(const char* state);
+    // 1 when the value of this button is a name other than "Off".
+    int get_check_value();
+    // Radio groups: turns the widgets of the kids off and `widget`, borrowed, on, and makes its on state the value. The memory
+    // and the widgets change even when the dictionary is gone.
+    void set_radio(CPDFAnnotWidget* widget);
+    // 1 when the state of `widget` is the value of this button, or of its parent when it has no name of its own.
+    int get_radio_value(CPDFAnnotWidget* widget);
+
+    // Whether this signature field is signed, and whether any field of this subtree is.
+    int is_signed();
+    int has_sign();
+
+    // Choice fields. Options and selection are those of the holder: the field, or the nearest choice field above it that
+    // has options. Indices are zero-based.
+    // The text shown for an option, or null. Borrowed until the options change.
+    PDF_String* get_choice_opt(int index);
+    int get_choice_opt_cnt();
+    // The first selected index, or -1.
+    int get_choice_sel();
+    // Selects one option: "V" becomes its export value, "I" the index. An index without an option changes the memory only.
+    void set_choice_sel(int index);
+    // Selects `count` options in the given order: "V" becomes the array of the shown texts, "I" the indices; m_value stays.
+    // An index without an option leaves the document as it is.
+    void set_choice_sels(const int* sels, int count);
+    // Inserts an option before `index`, or appends it; null or empty `text` makes it a single string. The selection keeps
+    // naming the same options. Returns 1, or 0 for a wrong kind or index and when memory runs out.
+    int insert_choice_opt(int index, PDF_String* val, PDF_String* text);
+    // Removes an option and its selection; the first option is selected when none remains. Returns 1, or 0 as above.
+    int remove_choice_opt(int index);
 
     CPDFXRefTable* m_xref;          // borrowed from the document
     int32_t m_type;                 // PDF_FIELD_TYPE
@@ -124,6 +179,9 @@ private:
 
     int load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFVisitSet& visits);
     void load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict, CPDFVisitSet& visits);
+    void load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, const CPDFDictionary& dict);
+    void load_tail(CPDFDictionary& dict);
+    void load_name(CPDFDictionary& dict);
     void load_kind(const CPDFDictionary& dict);
     void load_signature(const CPDFDictionary& dict);
     void load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits);
@@ -132,5 +190,10 @@ private:
     void load_sels(const CPDFDictionary& dict);
     void load_values(CPDFDictionary& dict);
     int full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, int len));
+    CPDFField* choice_holder();
+    bool resize_sels(int count);
+    bool unselect(int index);
+    int insert_own_opt(int index, const PDF_String* val, const PDF_String* text);
+    int remove_own_opt(int index);
     void store_entry(const char* key, const CPDFObj& value);
 };

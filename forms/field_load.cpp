@@ -1,4 +1,5 @@
 #include <cstring>
+#include <memory>
 
 #include "core/alloc.h"
 #include "core/array.h"
@@ -57,6 +58,14 @@ int CPDFField::load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& 
 void CPDFField::load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict,
                              CPDFVisitSet& visits)
 {
+    load_head(parent, xref, ref, dict);
+    load_kids(dict, visits);
+    load_tail(dict);
+}
+
+// What the kids take over comes before them, the rest behind.
+void CPDFField::load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, const CPDFDictionary& dict)
+{
     m_xref = xref;
     m_parent = parent;
     m_ref = ref;
@@ -66,10 +75,51 @@ void CPDFField::load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_R
         m_max_len = resolve_integer(xref, dict.get_item("MaxLen"));
     if (m_type == FIELD_SIGNATURE)
         load_signature(dict);
-    load_kids(dict, visits);
+}
+
+void CPDFField::load_tail(CPDFDictionary& dict)
+{
     load_opts(dict);
     load_sels(dict);
+    load_name(dict);
     load_values(dict);
+}
+
+int CPDFField::load_alone(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref)
+{
+    CPDFObj own;
+    xref->get_entity(own, ref, &FIELD_KEY_SET);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return 0;
+    load_head(parent, xref, ref, *dict);
+    load_tail(*dict);
+    return 1;
+}
+
+int CPDFField::adopt_kid(CPDFField* kid)
+{
+    std::unique_ptr<CPDFField> owned(kid);
+    m_kids = vx_alloc_array<CPDFField*>(1);
+    if (!m_kids)
+        return 0;
+    m_kids[0] = owned.release();
+    m_kid_cnt = 1;
+    return 1;
+}
+
+void CPDFField::reload_value()
+{
+    CPDFObj own;
+    m_xref->get_entity(own, m_ref, &FIELD_KEY_SET);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return;
+    VXFree(m_sels);
+    m_sels = nullptr;
+    m_sel_cnt = 0;
+    load_sels(*dict);
+    load_values(*dict);
 }
 
 void CPDFField::load_kind(const CPDFDictionary& dict)
@@ -125,6 +175,8 @@ void CPDFField::load_kid(const PDF_REF& ref, CPDFVisitSet& visits)
         m_widgets[m_widget_cnt++] = ref;
         return;
     }
+    if (visits.has(ref.num))
+        return;
     CPDFObj fetched;
     m_xref->get_entity(fetched, ref, &FIELD_KEY_SET);
     CPDFDictionary* dict = fetched.dictionary();
@@ -190,12 +242,16 @@ void CPDFField::load_sels(const CPDFDictionary& dict)
         m_sels[i] = resolve_integer(m_xref, &sels->items[i]);
 }
 
-void CPDFField::load_values(CPDFDictionary& dict)
+void CPDFField::load_name(CPDFDictionary& dict)
 {
     CPDFObj name;
     take_obj(m_xref, dict.get_item("T"), name);
     if (name.type == PDF_OBJ_STRING)
         m_name.take(name.str);
+}
+
+void CPDFField::load_values(CPDFDictionary& dict)
+{
     take_obj(m_xref, dict.get_item("V"), m_value);
     take_obj(m_xref, dict.get_item("DV"), m_def_value);
     take_obj(m_xref, dict.get_item("DA"), m_da);

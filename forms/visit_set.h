@@ -20,6 +20,8 @@ public:
         return true;
     }
 
+    bool has(uint32_t num) const { return num / 64 < m_bits.size() && (m_bits[num / 64] >> (num % 64) & 1); }
+
     int depth = 0;
 
 private:

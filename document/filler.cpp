@@ -1,0 +1,99 @@
+#include "document/filler.h"
+
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+#include "document/field_text.h"
+#include "document/filler_internal.h"
+#include "forms/field.h"
+#include "forms/field_kind.h"
+
+CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string& why)
+{
+    return CPDFStatus::failed(code, "field \"" + full_name(field) + "\" " + why);
+}
+
+std::string quoted_list(const std::vector<std::string>& words)
+{
+    constexpr size_t MOST = 12;
+    std::string list;
+    for (size_t i = 0; i < words.size() && i < MOST; ++i) {
+        const bool last = i + 1 == words.size();
+        list += i == 0 ? "" : last ? " or " : ", ";
+        list += '"' + words[i] + '"';
+    }
+    return words.size() > MOST ? list + " or one of " + std::to_string(words.size() - MOST) + " more" : list;
+}
+
+CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
+                     PDF_FILL_PLAN& plan)
+{
+    plan = PDF_FILL_PLAN();
+    plan.field = &field;
+    if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
+        return refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
+    switch (field.m_type) {
+    case FIELD_TEXT:
+        return plan_text(value, plan);
+    case FIELD_CHOICE:
+        return plan_choice(value, plan);
+    case FIELD_BUTTON:
+        if (!(field.m_flags & FIELD_PUSH_BUTTON) || (field.m_flags & FIELD_RADIO))
+            return plan_button(value, widgets, plan);
+        return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a push button, which has no value");
+    case FIELD_SIGNATURE:
+        return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a signature field, which can't be filled");
+    default:
+        return refuse_fill(PDF_CODE::WRONG_KIND, field, "only groups other fields and has no value");
+    }
+}
+
+void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
+                std::vector<CPDFField*>& changed)
+{
+    FILL_TARGET target = {xref, changed};
+    switch (plan.action) {
+    case PDF_FILL_PLAN::SET_TEXT:
+        apply_text(target, plan);
+        break;
+    case PDF_FILL_PLAN::SET_BUTTON:
+        apply_button(target, plan, widgets);
+        break;
+    case PDF_FILL_PLAN::SET_OPTIONS:
+        apply_choice(target, plan);
+        break;
+    }
+}
+
+namespace {
+
+// Kids without a name show the value of the field; one that carries a value of its own would contradict it.
+void drop_kid_values(FILL_TARGET& target, CPDFField& field)
+{
+    for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
+        CPDFField* kid = field.m_kids[i];
+        if (!kid || kid->m_name.len > 0 || kid->m_value.type == PDF_OBJ_NULL)
+            continue;
+        CPDFObj nothing;
+        store_value(target, *kid, nothing, nullptr);
+    }
+}
+
+}  // namespace
+
+void store_value(FILL_TARGET& target, CPDFField& field, CPDFObj& value, const CPDFArray* indices)
+{
+    CPDFObj own;
+    target.xref.get_entity(own, field.m_ref);
+    if (CPDFDictionary* dict = own.dictionary()) {
+        dict->set_item("V", &value);
+        dict->remove_item("RV");
+        if (indices)
+            dict->set_item_arr("I", indices);
+        else
+            dict->remove_item("I");
+        target.xref.store_changed(field.m_ref, own);
+    }
+    field.m_value.take(value);
+    target.changed.push_back(&field);
+    drop_kid_values(target, field);
+}

@@ -1,0 +1,27 @@
+// What the kinds of fields share while they are filled.
+#pragma once
+
+#include "document/filler.h"
+
+// Where a plan is carried out: the store, and the list of the fields changed.
+struct FILL_TARGET {
+    CPDFXRefTable& xref;
+    std::vector<CPDFField*>& changed;
+};
+
+CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string& why);
+
+// "one", "two" or "three": a list for a sentence, cut when it is long.
+std::string quoted_list(const std::vector<std::string>& words);
+
+CPDFStatus plan_text(const CPDFValue& value, PDF_FILL_PLAN& plan);
+CPDFStatus plan_button(const CPDFValue& value, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan);
+CPDFStatus plan_choice(const CPDFValue& value, PDF_FILL_PLAN& plan);
+
+void apply_text(FILL_TARGET& target, const PDF_FILL_PLAN& plan);
+void apply_button(FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets);
+void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan);
+
+// Makes `value` the value of `field`, in memory and as "V" of its dictionary; a null value removes "V". "RV" goes with
+// the old value, and with `indices` null so does "I".
+void store_value(FILL_TARGET& target, CPDFField& field, CPDFObj& value, const CPDFArray* indices);

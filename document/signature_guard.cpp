@@ -1,0 +1,131 @@
+#include "document/signature_guard.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+#include "document/document.h"
+#include "document/field_text.h"
+#include "forms/field.h"
+#include "forms/field_walk.h"
+
+namespace {
+
+// Certification that allows nothing to change (ISO 32000-2, table 257, "P").
+constexpr int32_t NO_CHANGES = 1;
+
+// A signature's digest skips its own bytes, so it and its byte range stand in the file as plain text.
+bool holds_signature(const CPDFDocument& document)
+{
+    return memmem(document.data(), document.size(), "/ByteRange", 10) != nullptr;
+}
+
+// Calls `visit(const CPDFObj&)` with each element, resolved, of the array `key`.
+template <typename Visit>
+void for_each_element(CPDFXRefTable& xref, const CPDFDictionary& dict, const char* key, Visit&& visit)
+{
+    CPDFObj scratch;
+    const CPDFArray* array = view_obj(&xref, dict.get_item(key), scratch)->array();
+    for (int32_t i = 0; array && i < array->count; ++i) {
+        CPDFObj element;
+        visit(*view_obj(&xref, &array->items[i], element));
+    }
+}
+
+bool is_under(const std::string& name, const std::string& top)
+{
+    return name.compare(0, top.size(), top) == 0 && (name.size() == top.size() || name[top.size()] == '.');
+}
+
+}  // namespace
+
+CPDFSignatureGuard::CPDFSignatureGuard(CPDFDocument& document)
+{
+    if (!holds_signature(document))
+        return;
+    CPDFXRefTable& xref = document.xref();
+    for_each_field(document.form(), [&](CPDFField& field) {
+        if (field.is_signed())
+            add_signature(xref, field);
+    });
+    read_permissions(xref, *document.root().dict);
+}
+
+// A signature locks what its own reference says; a lock that its field asks for counts once it is signed.
+void CPDFSignatureGuard::add_signature(CPDFXRefTable& xref, CPDFField& field)
+{
+    m_signed = true;
+    const std::string name = full_name(field);
+    if (const CPDFDictionary* signature = field.m_value.dictionary())
+        read_references(xref, *signature, name);
+    CPDFObj own;
+    xref.get_entity(own, field.m_ref);
+    const CPDFDictionary* dict = own.dictionary();
+    CPDFObj scratch;
+    const CPDFObj* lock = view_obj(&xref, dict ? dict->get_item("Lock") : nullptr, scratch);
+    if (lock->dictionary())
+        add_lock(xref, *lock->dict, name);
+}
+
+void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictionary& signature, const std::string& name)
+{
+    for_each_element(xref, signature, "Reference", [&](const CPDFObj& reference) {
+        const CPDFDictionary* dict = reference.dictionary();
+        CPDFObj method_scratch;
+        CPDFObj parameters_scratch;
+        const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, method_scratch);
+        const CPDFObj* parameters = view_obj(&xref, dict ? dict->get_item("TransformParams") : nullptr, parameters_scratch);
+        if (!parameters->dictionary())
+            return;
+        if (method->is_name("FieldMDP"))
+            add_lock(xref, *parameters->dict, name);
+        else if (method->is_name("DocMDP"))
+            m_no_changes = m_no_changes || resolve_integer(&xref, parameters->dict->get_item("P")) == NO_CHANGES;
+    });
+}
+
+void CPDFSignatureGuard::add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature)
+{
+    CPDFObj scratch;
+    const CPDFObj* action = view_obj(&xref, parameters.get_item("Action"), scratch);
+    LOCK lock = {signature, !action->is_name("Include"), {}};
+    if (!action->is_name("All")) {
+        for_each_element(xref, parameters, "Fields", [&lock](const CPDFObj& name) {
+            if (name.type == PDF_OBJ_STRING)
+                lock.fields.push_back(utf8_of(name.str));
+        });
+    }
+    m_locks.push_back(std::move(lock));
+}
+
+// The certifying signature need not belong to a field of the form.
+void CPDFSignatureGuard::read_permissions(CPDFXRefTable& xref, const CPDFDictionary& root)
+{
+    CPDFObj scratch;
+    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
+    CPDFObj signature_scratch;
+    const CPDFObj* signature =
+        view_obj(&xref, permissions ? permissions->get_item("DocMDP") : nullptr, signature_scratch);
+    if (!signature->dictionary())
+        return;
+    m_signed = true;
+    read_references(xref, *signature->dict, "");
+}
+
+CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
+{
+    if (m_no_changes)
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + full_name(field) +
+                                                           "\" can't be filled: the document is certified against any change");
+    const std::string name = m_locks.empty() ? std::string() : full_name(field);
+    for (const LOCK& lock : m_locks) {
+        const auto covers = [&name](const std::string& top) { return is_under(name, top); };
+        const bool named = std::any_of(lock.fields.begin(), lock.fields.end(), covers);
+        if (named != lock.all_but)
+            return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + name + "\" is locked by the signature \"" +
+                                                               lock.signature + "\"");
+    }
+    return {};
+}

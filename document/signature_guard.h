@@ -1,0 +1,42 @@
+// What signatures allow to be changed (ISO 32000-2, 12.8.2 and 12.7.5.5).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "document/status.h"
+
+class CPDFDictionary;
+class CPDFDocument;
+class CPDFField;
+class CPDFXRefTable;
+
+// Reads the signatures of a document once: the permissions of a certifying signature (DocMDP), the fields that signatures
+// lock (FieldMDP and "Lock"). Nothing is verified.
+class CPDFSignatureGuard {
+public:
+    // Loads the document's form when its bytes hold a signature.
+    explicit CPDFSignatureGuard(CPDFDocument& document);
+
+    // Whether some field of the form is signed, or the document certified.
+    bool is_signed() const { return m_signed; }
+
+    // Refuses, naming the field and the signature, to fill a field where that would break a signature.
+    CPDFStatus check_fill(const CPDFField& field) const;
+
+private:
+    struct LOCK {
+        std::string signature;            // full name of the signature field
+        bool all_but;                     // whether the fields named are those that stay open
+        std::vector<std::string> fields;  // full names; a field under one of them counts
+    };
+
+    void add_signature(CPDFXRefTable& xref, CPDFField& field);
+    void add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature);
+    void read_permissions(CPDFXRefTable& xref, const CPDFDictionary& root);
+    void read_references(CPDFXRefTable& xref, const CPDFDictionary& signature, const std::string& name);
+
+    bool m_signed = false;
+    bool m_no_changes = false;  // a certifying signature allows none
+    std::vector<LOCK> m_locks;
+};

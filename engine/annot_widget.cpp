@@ -1,0 +1,102 @@
+#include "engine/annot_widget.h"
+
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+
+namespace {
+
+constexpr const char* OFF = "Off";
+constexpr const char* DEFAULT_ON = "Yes";
+
+constexpr const char* STATE_KEYS[] = {"AP", "AS"};
+constexpr CPDFKeySet STATE_KEY_SET(STATE_KEYS);
+
+char* copy_text(const char* text)
+{
+    const size_t size = std::strlen(text) + 1;
+    auto* copy = static_cast<char*>(VXAlloc(size));
+    if (copy)
+        std::memcpy(copy, text, size);
+    return copy;
+}
+
+// The first state under "N" other than "Off"; null when the normal appearance is a single stream or missing.
+const char* on_state_of(const CPDFDictionary* states)
+{
+    for (int32_t i = 0; states && i < states->count; ++i) {
+        if (std::strcmp(states->items[i]->key(), OFF) != 0)
+            return states->items[i]->key();
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+CPDFAnnotWidget::~CPDFAnnotWidget()
+{
+    VXFree(m_on_state);
+    VXFree(m_alt_state);
+}
+
+int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
+{
+    CPDFObj own;
+    xref->get_entity(own, ref, &STATE_KEY_SET);
+    const CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return 0;
+    m_xref = xref;
+    m_ref = ref;
+    CPDFObj ap_scratch;
+    const CPDFDictionary* ap = view_obj(xref, dict->get_item("AP"), ap_scratch)->dictionary();
+    CPDFObj n_scratch;
+    const CPDFDictionary* normal = ap ? view_obj(xref, ap->get_item("N"), n_scratch)->dictionary() : nullptr;
+    const char* on = on_state_of(normal);
+    VXFree(m_on_state);
+    m_on_state = on ? copy_text(on) : nullptr;
+
+    CPDFObj as_scratch;
+    const char* shown = view_obj(xref, dict->get_item("AS"), as_scratch)->name_text();
+    VXFree(m_alt_state);
+    if (shown && (on || std::strcmp(shown, OFF) != 0))
+        m_alt_state = copy_text(shown);
+    else
+        m_alt_state = on ? nullptr : copy_text(DEFAULT_ON);
+    return 1;
+}
+
+bool CPDFAnnotWidget::has_state(const char* state) const
+{
+    return !m_on_state || std::strcmp(state, OFF) == 0 || std::strcmp(state, m_on_state) == 0;
+}
+
+void CPDFAnnotWidget::set_check_value(int on)
+{
+    if (!on)
+        show(OFF);
+    else if (m_on_state)
+        show(m_on_state);
+    else
+        show(m_alt_state && std::strcmp(m_alt_state, OFF) != 0 ? m_alt_state : DEFAULT_ON);
+}
+
+void CPDFAnnotWidget::set_radio_value(int on)
+{
+    set_check_value(on);
+}
+
+void CPDFAnnotWidget::show(const char* state)
+{
+    if (!m_xref)
+        return;
+    CPDFObj own;
+    m_xref->get_entity(own, m_ref);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return;
+    dict->set_item_name("AS", state);
+    m_xref->store_changed(m_ref, own);
+}

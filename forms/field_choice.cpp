@@ -1,0 +1,219 @@
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+#include "forms/field.h"
+
+namespace {
+
+PDF_String* shown_text(PDF_FIELD_OPT& opt)
+{
+    return opt.text.buf ? &opt.text : &opt.val;
+}
+
+// Hands a private copy of the field's dictionary to `edit(CPDFDictionary&)` and stores it. Nothing happens without the
+// dictionary, nothing is stored when memory runs out.
+template <typename Edit>
+void edit_entries(const CPDFField& field, Edit&& edit)
+{
+    const VXFailureCheck check;
+    CPDFObj own;
+    field.m_xref->get_entity(own, field.m_ref);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return;
+    edit(*dict);
+    if (!check.failed())
+        field.m_xref->store_changed(field.m_ref, own);
+}
+
+// "I" and "V" from the selection; an index without an option leaves both as they are.
+void put_sels(CPDFDictionary& dict, const CPDFField& holder)
+{
+    CPDFArray texts;
+    CPDFArray indices;
+    for (int32_t i = 0; i < holder.m_sel_cnt; ++i) {
+        const int32_t index = holder.m_sels[i];
+        if (index < 0 || index >= holder.m_opt_cnt)
+            return;
+        const PDF_String* text = shown_text(holder.m_opts[index]);
+        texts.append_str(text->buf, text->len);
+        indices.append_int(index);
+    }
+    dict.set_item_arr("I", &indices);
+    dict.set_item_arr("V", &texts);
+}
+
+void put_opts(CPDFDictionary& dict, const CPDFField& holder)
+{
+    CPDFArray opts;
+    for (int32_t i = 0; i < holder.m_opt_cnt; ++i) {
+        const PDF_FIELD_OPT& opt = holder.m_opts[i];
+        if (opt.text.len == 0) {
+            opts.append_str(opt.val.buf, opt.val.len);
+            continue;
+        }
+        CPDFArray pair;
+        pair.append_str(opt.val.buf, opt.val.len);
+        pair.append_str(opt.text.buf, opt.text.len);
+        opts.append_arr(&pair);
+    }
+    dict.set_item_arr("Opt", &opts);
+}
+
+}  // namespace
+
+// Readers end at the field that has options, or at the topmost one.
+CPDFField* CPDFField::choice_holder()
+{
+    if (m_type != FIELD_CHOICE)
+        return nullptr;
+    CPDFField* holder = this;
+    while (holder->m_opt_cnt <= 0 && holder->m_parent) {
+        holder = holder->m_parent;
+        if (holder->m_type != FIELD_CHOICE)
+            return nullptr;
+    }
+    return holder;
+}
+
+PDF_String* CPDFField::get_choice_opt(int index)
+{
+    const CPDFField* holder = choice_holder();
+    return holder && index >= 0 && index < holder->m_opt_cnt ? shown_text(holder->m_opts[index]) : nullptr;
+}
+
+int CPDFField::get_choice_opt_cnt()
+{
+    const CPDFField* holder = choice_holder();
+    return holder ? holder->m_opt_cnt : 0;
+}
+
+int CPDFField::get_choice_sel()
+{
+    const CPDFField* holder = choice_holder();
+    return holder && holder->m_sels && holder->m_sel_cnt > 0 ? holder->m_sels[0] : -1;
+}
+
+void CPDFField::set_choice_sel(int index)
+{
+    CPDFField* holder = choice_holder();
+    if (!holder)
+        return;
+    // A selection that is there may have no room for an entry.
+    if (holder->m_sel_cnt < 1 && !holder->resize_sels(1))
+        return;
+    holder->m_sels[0] = index;
+    holder->m_sel_cnt = 1;
+    if (index < 0 || index >= holder->m_opt_cnt)
+        return;
+    edit_entries(*holder, [holder, index](CPDFDictionary& dict) {
+        const PDF_String& val = holder->m_opts[index].val;
+        holder->m_value.set_string(val.buf, val.len);
+        CPDFArray indices;
+        indices.append_int(index);
+        dict.set_item("V", &holder->m_value);
+        dict.set_item_arr("I", &indices);
+    });
+}
+
+// False, with the selection as it was, when memory runs out.
+bool CPDFField::resize_sels(int count)
+{
+    void* grown = VXRealloc(m_sels, static_cast<size_t>(count) * sizeof(int32_t));
+    if (!grown)
+        return false;
+    m_sels = static_cast<int32_t*>(grown);
+    return true;
+}
+
+void CPDFField::set_choice_sels(const int* sels, int count)
+{
+    CPDFField* holder = choice_holder();
+    const bool own_sels = holder && sels == holder->m_sels;
+    if (!holder || count < 0 || !holder->resize_sels(count))
+        return;
+    holder->m_sel_cnt = count;
+    if (count > 0 && !own_sels)
+        std::memcpy(holder->m_sels, sels, static_cast<size_t>(count) * sizeof(int32_t));
+    edit_entries(*holder, [holder](CPDFDictionary& dict) { put_sels(dict, *holder); });
+}
+
+int CPDFField::insert_choice_opt(int index, PDF_String* val, PDF_String* text)
+{
+    CPDFField* holder = choice_holder();
+    return holder ? holder->insert_own_opt(index, val, text) : 0;
+}
+
+int CPDFField::insert_own_opt(int index, const PDF_String* val, const PDF_String* text)
+{
+    if (index < 0 || index > m_opt_cnt)
+        return 0;
+    // Copied first: they may be strings of an option.
+    const VXFailureCheck check;
+    CPDFObj own_val;
+    CPDFObj own_text;
+    own_val.set_string(val ? val->buf : nullptr, val ? val->len : 0);
+    own_text.set_string(text ? text->buf : nullptr, text ? text->len : 0);
+    const size_t size = (static_cast<size_t>(m_opt_cnt) + 1) * sizeof(PDF_FIELD_OPT);
+    void* grown = check.failed() ? nullptr : VXRealloc(m_opts, size);
+    if (!grown)
+        return 0;
+    m_opts = static_cast<PDF_FIELD_OPT*>(grown);
+    std::memmove(m_opts + index + 1, m_opts + index, static_cast<size_t>(m_opt_cnt - index) * sizeof(PDF_FIELD_OPT));
+    m_opts[index].val.take(own_val.str);
+    m_opts[index].text.take(own_text.str);
+    ++m_opt_cnt;
+    for (int32_t i = 0; i < m_sel_cnt; ++i)
+        m_sels[i] += m_sels[i] >= index;
+    edit_entries(*this, [this](CPDFDictionary& dict) {
+        put_sels(dict, *this);
+        put_opts(dict, *this);
+    });
+    return 1;
+}
+
+int CPDFField::remove_choice_opt(int index)
+{
+    CPDFField* holder = choice_holder();
+    return holder ? holder->remove_own_opt(index) : 0;
+}
+
+int CPDFField::remove_own_opt(int index)
+{
+    if (index < 0 || index >= m_opt_cnt)
+        return 0;
+    const bool was_selected = unselect(index);
+    m_opts[index].val.release();
+    m_opts[index].text.release();
+    std::memmove(m_opts + index, m_opts + index + 1, static_cast<size_t>(m_opt_cnt - index - 1) * sizeof(PDF_FIELD_OPT));
+    --m_opt_cnt;
+    edit_entries(*this, [this, was_selected](CPDFDictionary& dict) {
+        if (was_selected)
+            put_sels(dict, *this);
+        put_opts(dict, *this);
+    });
+    return 1;
+}
+
+// Adjusts the selection to the removal of option `index`; whether that option was selected. Behind its entry every
+// later one is lowered, and a selection that becomes empty falls back to the first option.
+bool CPDFField::unselect(int index)
+{
+    int32_t at = 0;
+    while (at < m_sel_cnt && m_sels[at] != index) {
+        m_sels[at] -= m_sels[at] > index;
+        ++at;
+    }
+    if (at == m_sel_cnt)
+        return false;
+    for (; at + 1 < m_sel_cnt; ++at)
+        m_sels[at] = m_sels[at + 1] - 1;
+    if (--m_sel_cnt == 0) {
+        m_sels[0] = 0;
+        m_sel_cnt = 1;
+    }
+    return true;
+}

@@ -1,0 +1,96 @@
+#include <cstdio>
+#include <cstring>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/text.h"
+#include "core/xref_table.h"
+#include "forms/field.h"
+
+namespace {
+
+// Copies `text` into `size` bytes, cut at a whole UTF-8 character.
+void put_text(const char* text, char* buf, int size)
+{
+    size_t len = std::strlen(text);
+    const auto room = static_cast<size_t>(size) - 1;
+    if (len > room) {
+        len = room;
+        while (len > 0 && (static_cast<unsigned char>(text[len]) & 0xC0) == 0x80)
+            --len;
+    }
+    std::memcpy(buf, text, len);
+    buf[len] = 0;
+}
+
+void put_string(const PDF_String& text, char* buf, int size)
+{
+    const VXBlock<wchar_t> wide(vx_alloc_array<wchar_t>(static_cast<size_t>(size) + 1));
+    buf[0] = 0;
+    if (!wide)
+        return;
+    cvt_text_to_ucs(&text, wide.get(), size);
+    cvt_utol(wide.get(), buf, size - 1);
+}
+
+void put_real(VXFIX value, char* buf, int size)
+{
+    constexpr float UNIT = 1.0F / static_cast<float>(VXFIX_ONE);
+    char digits[64];
+    std::snprintf(digits, sizeof digits, "%f", static_cast<double>(static_cast<float>(value) * UNIT));
+    ansi_repc(digits, ',', '.');
+    put_text(digits, buf, size);
+}
+
+}  // namespace
+
+void CPDFField::get_vaue(char* buf, int size)
+{
+    if (!buf || size <= 0)
+        return;
+    buf[0] = 0;
+    char digits[16];
+    switch (m_value.type) {
+    case PDF_OBJ_BOOL:
+        put_text(m_value.ival ? "true" : "false", buf, size);
+        break;
+    case PDF_OBJ_INT:
+        std::snprintf(digits, sizeof digits, "%d", m_value.ival);
+        put_text(digits, buf, size);
+        break;
+    case PDF_OBJ_REAL:
+        put_real(m_value.fval, buf, size);
+        break;
+    case PDF_OBJ_STRING:
+        put_string(m_value.str, buf, size);
+        break;
+    case PDF_OBJ_NAME:
+        put_text(m_value.name ? m_value.name : "", buf, size);
+        break;
+    case PDF_OBJ_ARRAY:
+        if (m_value.arr->count == 1) {
+            CPDFObj scratch;
+            const CPDFObj* only = view_obj(m_xref, &m_value.arr->items[0], scratch);
+            if (only->type == PDF_OBJ_STRING)
+                put_string(only->str, buf, size);
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void CPDFField::set_read_only(int on)
+{
+    const VXFailureCheck check;
+    CPDFObj own;
+    m_xref->get_entity(own, m_ref);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return;
+    m_flags = on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY);
+    dict->set_item_int("Ff", static_cast<int>(m_flags));
+    if (!check.failed())
+        m_xref->store_changed(m_ref, own);
+}

@@ -1,0 +1,179 @@
+#include "core/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace std::string_literals;
+
+namespace {
+
+PDF_String view_of(const std::string& bytes)
+{
+    return {static_cast<int32_t>(bytes.size()), reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()))};
+}
+
+// What `convert` writes for a limit, which it must not exceed and must report.
+template <typename Char, typename Convert>
+std::basic_string<Char> within(int max, const Convert& convert)
+{
+    constexpr Char GUARD = 0x7E;
+    std::vector<Char> out(static_cast<size_t>(max) + 2, GUARD);
+    const int written = convert(out.data(), max);
+    EXPECT_LE(written, max);
+    EXPECT_TRUE(out[static_cast<size_t>(written)] == 0 && out.back() == GUARD);
+    return {out.data(), static_cast<size_t>(written)};
+}
+
+using Encoder = int (*)(const wchar_t*, char*, int);
+
+std::string encode(Encoder encoder, const std::wstring& text, int max)
+{
+    return within<char>(max, [&](char* out, int limit) { return encoder(text.c_str(), out, limit); });
+}
+
+}  // namespace
+
+TEST(PdfStringTest, InitWritesUtf16)
+{
+    const struct {
+        const wchar_t* text;
+        int with_bom;
+        std::string expected;
+    } cases[] = {
+        {L"AB", 1, "\xFE\xFF\0A\0B"s},
+        {L"AB", 0, "\0A\0B"s},
+        {L"", 1, "\xFE\xFF"},
+        {L"", 0, ""},
+        {nullptr, 1, "\xFE\xFF"},
+        {nullptr, 0, ""},
+        {L"\xFFFF\U00010000\U0010FFFF", 0, "\xFF\xFF\xD8\0\xDC\0\xDB\xFF\xDF\xFF"s},
+        {L"\U0001F600!", 1, "\xFE\xFF\xD8\x3D\xDE\0\0!"s},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.expected);
+        PDF_String s;
+        s.init(c.text, c.with_bom);
+        ASSERT_NE(s.buf, nullptr);
+        EXPECT_EQ(std::string(s.buf, s.buf + s.len), c.expected);
+        EXPECT_EQ(s.buf[s.len], 0);
+        s.release();
+    }
+}
+
+TEST(TextTest, Decodes)
+{
+    const struct {
+        const char* label;
+        std::string bytes;
+        int max;
+        std::wstring expected;
+    } cases[] = {
+        {"empty", "", 5, L""},
+        {"Latin-1 part", "A\xE9\xFF~\n\xAD\xA1", 9, L"A\u00E9\u00FF~\n\u00AD\u00A1"},
+        {"18 to 1F", "\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F", 9, L"\u02D8\u02C7\u02C6\u02D9\u02DD\u02DB\u02DA\u02DC"},
+        {"80 to 8F", "\x80\x81\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8D\x8E\x8F", 20, L"•†‡…—–ƒ⁄‹›−‰„“”‘"},
+        {"90 to A0", "\x90\x91\x92\x93\x94\x95\x96\x97\x98\x99\x9A\x9B\x9C\x9D\x9E\xA0", 20, L"’‚™ﬁﬂŁŒŠŸŽıłœšž€"},
+        {"FE alone is 8-bit", "\xFE", 5, L"\u00FE"},
+        {"UTF-16, odd byte behind", "\xFE\xFF\0A\x04\x16\0"s, 9, L"AЖ"},
+        {"surrogate pair", "\xFE\xFF\xD8\x3D\xDE\x01!!", 9, L"\U0001F601\u2121"},
+        {"pair at the limit", "\xFE\xFF\0A\xD8\x3D\xDE\x01\0B"s, 2, L"A\U0001F601"},
+        {"pair behind the limit", "\xFE\xFF\0A\xD8\x3D\xDE\x01"s, 1, L"A"},
+        {"lone high surrogate keeps its neighbour", "\xFE\xFF\xD8\x3D\0A"s, 9,
+         L"\xD83D"
+         L"A"},
+        {"cut pair", "\xFE\xFF\xD8\x3D\xDE", 9, L"\xD83D"},
+        {"language escape",
+         "\xFE\xFF\0\x1B"
+         "en\0\x1B\0H\0\x1B"
+         "deCH\0\x1B\0i"s,
+         2, L"Hi"},
+        {"UTF-8",
+         "\xEF\xBB\xBF"
+         "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
+         9, L"aé€\U0001F600"},
+        {"UTF-8 at the limit", "\xEF\xBB\xBF\xE2\x82\xAC\xF0\x9F\x98\x80", 1, L"€"},
+        {"bad UTF-8", "\xEF\xBB\xBF\xC0\xAF\xED\xA0\x80x\xF4\x90\x80\x80\xE2\x82", 20,
+         L"\xFFFD\xFFFD\xFFFD\xFFFD\xFFFDx\xFFFD\xFFFD\xFFFD\xFFFD\xFFFD\xFFFD"},
+        {"only a mark", "\xFE\xFF", 5, L""},
+        {"no room", "abc", 0, L""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        const PDF_String s = view_of(c.bytes);
+        EXPECT_EQ(within<wchar_t>(c.max, [&](wchar_t* out, int max) { return cvt_text_to_ucs(&s, out, max); }),
+                  c.expected);
+    }
+    EXPECT_EQ(within<wchar_t>(5, [](wchar_t* out, int max) { return cvt_text_to_ucs(nullptr, out, max); }), L"");
+}
+
+TEST(TextTest, EncodesForXmlUrlAndLocal)
+{
+    const struct {
+        const char* label;
+        std::wstring text;
+        std::string xml, url, local;
+    } cases[] = {
+        {"markup", L"<a b='\"&\">", "&lt;a b=&apos;&quot;&amp;&quot;&gt;", "%3Ca+b%3D%27%22%26%22%3E", "<a b='\"&\">"},
+        {"literals", L"Az09-._~[]#", "Az09-._~[]#", "Az09-._~[]#", "Az09-._~[]#"},
+        {"delimiters", L"+/%=;?@\x7F", "+/%=;?@\x7F", "%2B%2F%25%3D%3B%3F%40%7F", "+/%=;?@\x7F"},
+        {"line ends", L"\t\r\n", "\t\r\n", "%09%0D%0A", "\t\r\n"},
+        {"forbidden in XML", L"a\x1\x1F\xFFFE\xFFFF\xD800z", "az", "a%01%1F\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBDz",
+         "a\x1\x1F\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBDz"},
+        {"any script", L"é€\U0001F600", "é€\U0001F600", "é€\U0001F600", "é€\U0001F600"},
+        {"beyond Unicode", L"\x110000", "", "\xEF\xBF\xBD", "\xEF\xBF\xBD"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        const std::pair<Encoder, const std::string&> forms[] = {
+            {cvt_utoxml, c.xml}, {cvt_utourl, c.url}, {cvt_utol, c.local}};
+        for (const auto& [encoder, whole] : forms) {
+            EXPECT_EQ(encode(encoder, c.text, 100), whole);
+            // A smaller limit gives the pieces of the first characters that fit whole.
+            for (int max = 0; max < static_cast<int>(whole.size()); ++max) {
+                std::string fitting;
+                for (size_t n = 1; n <= c.text.size(); ++n) {
+                    const std::string longer = encode(encoder, c.text.substr(0, n), 100);
+                    if (longer.size() > static_cast<size_t>(max))
+                        break;
+                    fitting = longer;
+                }
+                EXPECT_EQ(encode(encoder, c.text, max), fitting) << max;
+            }
+        }
+    }
+}
+
+TEST(TextTest, ShortTextRule)
+{
+    const std::string long_value(600, '&');
+    const PDF_String s = view_of(long_value);
+    char out[4096];
+    cvt_str2xml(s, out, sizeof out);
+    EXPECT_EQ(std::string(out).size(), 127u * 5);
+    cvt_str2url(s, out, sizeof out);
+    EXPECT_EQ(std::string(out).size(), 127u * 3);
+    cvt_str2l(s, out, sizeof out);
+    EXPECT_EQ(std::string(out).size(), 511u);
+    // `size` counts the terminator.
+    cvt_str2xml(s, out, 11);
+    EXPECT_STREQ(out, "&amp;&amp;");
+    cvt_str2xml(s, out, 10);
+    EXPECT_STREQ(out, "&amp;");
+    cvt_str2l(s, out, 1);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(TextTest, SmallHelpers)
+{
+    char out[11];
+    for (const unsigned number : {0u, 10u, 4294967295u}) {
+        EXPECT_EQ(ansi_from_u32(out, number), static_cast<int>(std::to_string(number).size()));
+        EXPECT_EQ(out, std::to_string(number));
+    }
+    char text[] = "1,5,";
+    ansi_repc(text, ',', '.');
+    EXPECT_STREQ(text, "1.5.");
+    EXPECT_TRUE(ucs_cmp(L"", L"") == 0 && ucs_cmp(L"a", L"") != 0 && ucs_cmp(L"a", L"ab") != 0);
+}

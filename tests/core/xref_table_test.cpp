@@ -1,0 +1,172 @@
+#include "core/xref_table.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "tests/support/memory_document.h"
+
+namespace {
+
+void store(MemoryDocument& doc, const PDF_REF& ref, const std::string& text)
+{
+    CPDFObj obj;
+    ASSERT_TRUE(parse_object(text, obj));
+    doc.xref.store_changed(ref, obj);
+}
+
+}  // namespace
+
+TEST(XRefTableTest, EntriesGrowInSteps)
+{
+    constexpr int MOST = LIMIT_OBJECT_NUMBER;
+    const std::pair<int, uint32_t> cases[] = {{0, 256}, {255, 256}, {256, 512}, {511, 512}, {MOST, MOST + 1}};
+    for (const auto& [num, expected] : cases) {
+        CPDFXRefTable xref;
+        ASSERT_NE(xref.get_xref2(num, 0), nullptr);
+        EXPECT_EQ(xref.entry_count(), expected) << num;
+    }
+    CPDFXRefTable xref;
+    xref.get_xref2(3, 0);
+    for (const int num : {MOST + 1, -1, INT32_MIN})
+        EXPECT_EQ(xref.get_xref2(num, 0), nullptr) << num;
+    EXPECT_EQ(xref.entry_count(), 256u);
+}
+
+TEST(XRefTableTest, OneRecordPerObject)
+{
+    CPDFXRefTable xref;
+    for (int num = 0; num < 32; ++num)
+        xref.get_xref2(num, 7)->obj.set_int(num);
+    EXPECT_EQ(xref.get_xref2(5, 9), &xref.changed()[5]);
+    EXPECT_TRUE(xref.changed_count() == 32 && xref.changed_capacity() == 32 && xref.entries()[5].gen == 7);
+    const PDF_CHANGED_OBJ* added = xref.get_xref2(900, 0);
+    EXPECT_EQ(xref.changed_capacity(), 64);
+    EXPECT_TRUE(added->ref.num == 0 && added->obj.type == PDF_OBJ_NULL);
+    EXPECT_EQ(xref.get_xref2(31, 0)->obj.ival, 31);
+}
+
+TEST(XRefTableTest, ReadersSeeTheNewestVersion)
+{
+    MemoryDocument doc("/T (old) /V 1");
+    EXPECT_EQ(doc.show(1), "<< /T (old) /V 1 >>");
+    store(doc, {1, 3}, "<< /T (new) /V 2 >>");
+    store(doc, {1, 0}, "<< /T (newest) /V 3 >>");
+    EXPECT_TRUE(doc.xref.changed_count() == 1 && doc.xref.changed()[0].ref.gen == 0);
+    CPDFObj copy;
+    doc.xref.get_entity(copy, {1, 77});
+    copy.dict->set_item_int("V", 4);
+    EXPECT_EQ(doc.show(1), "<< /T (newest) /V 3 >>");
+
+    static constexpr const char* KEYS[] = {"V"};
+    static constexpr CPDFKeySet KEY_SET(KEYS);
+    CPDFObj part;
+    doc.xref.get_entity(part, {1, 0}, &KEY_SET);
+    EXPECT_EQ(show_object(part), "<< /V 3 >>");
+}
+
+TEST(XRefTableTest, MissingObjectsAreNull)
+{
+    MemoryDocument doc("1");
+    doc.put_free(4);
+    doc.xref.get_xref2(6, 0);
+    doc.xref.reserve_entry(7)->type = PDF_XREF_CHANGED;
+    for (const uint32_t num : {0u, 4u, 5u, 6u, 7u, 255u, 256u, 0xFFFFFFFFu})
+        EXPECT_EQ(doc.show(num), "null") << num;
+    store(doc, {7, 0}, "70");  // a changed entry without a record gets one
+    EXPECT_EQ(doc.show(7), "70");
+}
+
+TEST(XRefTableTest, ReferenceChainsEnd)
+{
+    MemoryDocument doc("1 0 R; 3 0 R; 2 0 R; 9 0 R; 99 0 R");
+    store(doc, {9, 0}, "(end)");
+    EXPECT_EQ(doc.show(4), "(end)");
+    for (const uint32_t num : {1u, 2u, 5u})
+        EXPECT_EQ(doc.show(num), "null") << num;
+    for (uint32_t num = 100; num < 200; ++num)
+        doc.put(num, std::to_string(num + 1) + " 0 R");
+    doc.put(200, "/Far");
+    EXPECT_EQ(doc.show(200 - LIMIT_REF_CHAIN + 1), "/Far");
+    EXPECT_EQ(doc.show(200 - LIMIT_REF_CHAIN - 1), "null");
+}
+
+TEST(XRefTableTest, OlderSectionsAreReadWhenNeeded)
+{
+    MemoryDocument doc("(newest)");
+    doc.put_free(2);
+    doc.put_older(1000, 1, "(old)");
+    doc.put_older(1000, 2, "(deleted)");
+    doc.put_older(1000, 3, "(three)");
+    doc.put_older(500, 3, "(older)");
+    doc.put_older(500, 40, "(forty)");
+    doc.link(1000, 500);
+    doc.xref.push_pending(1000);
+    EXPECT_EQ(doc.show(1) + doc.show(2), "(newest)null");
+    EXPECT_TRUE(doc.sections_read.empty());
+    EXPECT_EQ(doc.show(3), "(three)");
+    EXPECT_EQ(doc.sections_read, (std::vector<uint32_t>{1000}));
+    EXPECT_EQ(doc.xref.new_obj_num(), 41u);
+    EXPECT_EQ(doc.sections_read, (std::vector<uint32_t>{1000, 500}));
+    EXPECT_EQ(doc.xref.new_obj_num(), 42u);
+    store(doc, {60, 0}, "1");
+    EXPECT_EQ(doc.xref.new_obj_num(), 61u);
+}
+
+TEST(XRefTableTest, NewNumberStopsAtAnUnreadableSection)
+{
+    MemoryDocument doc("1");
+    doc.put_older(10, 30, "30");
+    doc.xref.push_pending(10);
+    for (uint32_t pos = 20; pos < 40; ++pos)
+        doc.xref.push_pending(pos);
+    EXPECT_EQ(doc.xref.new_obj_num(), 2u);
+    EXPECT_EQ(doc.sections_read, (std::vector<uint32_t>{39}));
+    EXPECT_EQ(doc.show(30), "30");
+}
+
+TEST(XRefTableTest, ReadsStringsAndNames)
+{
+    MemoryDocument doc("(text); /Name; 12");
+    const std::pair<const char*, const char*> cases[] = {{"(abc)", "abc"},  {"/abc", "abc"}, {"1 0 R", "text"},
+                                                         {"2 0 R", "Name"}, {"3 0 R", ""},   {"17", ""},
+                                                         {"[(a)]", ""},     {"()", ""}};
+    for (const auto& [text, expected] : cases) {
+        CPDFObj entry;
+        parse_object(text, entry);
+        for (CPDFXRefTable* table : {&doc.xref, static_cast<CPDFXRefTable*>(nullptr)}) {
+            PDF_String out;
+            CPDFXRefTable::read_obj_string(table, out, &entry);
+            EXPECT_TRUE(out.equals(table || entry.type != PDF_OBJ_REF ? expected : "")) << text;
+            EXPECT_TRUE(!out.buf || out.buf[out.len] == 0);
+            out.release();
+        }
+    }
+}
+
+TEST(XRefTableTest, StreamsInMemory)
+{
+    MemoryDocument doc;
+    const auto set = [&](uint32_t num, const char* data) {
+        const int len = static_cast<int>(std::strlen(data));
+        int out_len = 0;
+        return doc.xref.set_mem_stream({num, 0}, doc.xref.compress_data(data, len, out_len), len);
+    };
+    set(5, "first");
+    const uint64_t other = set(6, "other");
+    CPDFStreamRec rec;
+    rec.in_memory = 1;
+    rec.handle = set(5, "second");
+    const std::unique_ptr<CPDFStream> reader(doc.xref.make_stream(&rec));
+    int len = 0;
+    const VXBlock<unsigned char> data(reader->buffer_load(100, len));
+    EXPECT_STREQ(reinterpret_cast<char*>(data.get()), "second");
+    for (const uint64_t handle : {uint64_t{0}, other + 1, ~uint64_t{0}}) {
+        rec.handle = handle;
+        EXPECT_EQ(doc.xref.make_stream(&rec), nullptr) << handle;
+    }
+}

@@ -1,0 +1,110 @@
+#include "document/page_map.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/memory_document.h"
+
+namespace {
+
+// The page numbers of the annotations 50, 51, 52, 53 and the number of pages, for a catalog that names object 1 as the
+// page tree.
+std::vector<int32_t> pages_of(MemoryDocument& document)
+{
+    CPDFObj root;
+    EXPECT_TRUE(parse_object("<< /Pages 1 0 R >>", root));
+    CPDFPageMap map;
+    map.load(document.xref, root);
+    std::vector<int32_t> numbers;
+    for (uint32_t num = 50; num < 54; ++num)
+        numbers.push_back(map.page_of_annotation(num));
+    numbers.push_back(map.page_count());
+    return numbers;
+}
+
+TEST(PageMapTest, TreesOfEveryShape)
+{
+    const struct {
+        const char* label;
+        std::initializer_list<std::pair<uint32_t, std::string>> objects;
+        std::vector<int32_t> expected;
+    } cases[] = {
+        {"nested nodes, wrong counts, annotations by reference and out of order",
+         {{1, "<< /Type /Pages /Count 99 /Kids [2 0 R 5 0 R] >>"},
+          {2, "<< /Type /Pages /Count -1 /Kids 9 0 R >>"},
+          {3, "<< /Type /Page /Annots [53 0 R 50 0 R] >>"},
+          {4, "<< /Type /Page >>"},
+          {5, "<< /Type /Page /Annots 6 0 R >>"},
+          {6, "[51 0 R]"},
+          {9, "[3 0 R 4 0 R]"}},
+         {1, 3, 0, 1, 3}},
+        {"one annotation on two pages stays with the first, however the pages share the list",
+         {{1, "<< /Kids [2 0 R 3 0 R 4 0 R] >>"},
+          {2, "<< /Annots [51 0 R] >>"},
+          {3, "<< /Annots 6 0 R >>"},
+          {4, "<< /Annots 6 0 R >>"},
+          {6, "[50 0 R 51 0 R]"}},
+         {2, 1, 0, 0, 3}},
+        {"direct, null, missing and repeated kids",
+         {{1, "<< /Kids [<< /Type /Page /Annots [50 0 R] >> null 8 0 R 7 2 0 R 2 0 R] >>"},
+          {2, "<< /Type /Page /Annots [51 0 R] >>"}},
+         {1, 2, 0, 0, 3}},
+        {"cycles",
+         {{1, "<< /Kids [1 0 R 2 0 R] >>"}, {2, "<< /Kids [1 0 R 3 0 R 2 0 R] >>"}, {3, "<< /Annots [50 0 R] >>"}},
+         {1, 0, 0, 0, 1}},
+        {"a page with kids, an empty node",
+         {{1, "<< /Kids [2 0 R 3 0 R] >>"},
+          {2, "<< /Type /Pages >>"},
+          {3, "<< /Type /Page /Kids [2 0 R] /Annots [52 0 R] >>"}},
+         {0, 0, 1, 0, 1}},
+        {"the tree is a page", {{1, "<< /Type /Page /Annots [50 0 R] >>"}}, {1, 0, 0, 0, 1}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        MemoryDocument document;
+        for (const auto& [num, text] : c.objects)
+            document.put(num, text);
+        EXPECT_EQ(pages_of(document), c.expected);
+    }
+}
+
+TEST(PageMapTest, TooDeepPagesAreLeftOut)
+{
+    MemoryDocument document;
+    for (uint32_t num = 1; num < 1000; ++num)
+        document.put(num + 99, "<< /Kids [" + std::to_string(num + 100) + " 0 R] >>");
+    document.put(1, "<< /Kids [100 0 R 2 0 R] >>");
+    document.put(2, "<< /Annots [50 0 R] >>");
+    EXPECT_EQ(pages_of(document), (std::vector<int32_t>{1, 0, 0, 0, 1}));
+}
+
+// Counts how often object 3 is read.
+class CountingDocument : public MemoryDocument {
+public:
+    void read_object(CPDFXRefTable& table, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                     const CPDFKeySet* keys) override
+    {
+        reads += num == 3;
+        MemoryDocument::read_object(table, out, num, entry, keys);
+    }
+
+    int reads = 0;
+};
+
+TEST(PageMapTest, OneLongListBehindManyReferencesIsNotReadForEach)
+{
+    constexpr uint32_t PAGES = 2000;
+    CountingDocument document;
+    std::string kids, annotations;
+    for (uint32_t num = 1000; num < 1000 + 2 * PAGES; num += 2) {
+        kids += std::to_string(num) + " 0 R ";
+        annotations += "50 0 R ";
+        document.put(num, "<< /Annots " + std::to_string(num + 1) + " 0 R >>");
+        document.put(num + 1, "3 0 R");
+    }
+    document.put(1, "<< /Kids [" + kids + "] >>");
+    document.put(3, "[" + annotations + "]");
+    EXPECT_EQ(pages_of(document), (std::vector<int32_t>{1, 0, 0, 0, PAGES}));
+    EXPECT_LT(document.reads, 10);
+}
+
+}  // namespace

@@ -1,0 +1,102 @@
+#include "engine/annot_widget.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/alloc_walk.h"
+#include "tests/support/memory_document.h"
+
+namespace {
+
+std::string word(const char* text)
+{
+    return text ? text : "-";
+}
+
+}  // namespace
+
+TEST(AnnotWidgetTest, StatesOfEveryShape)
+{
+    const struct {
+        const char* label;
+        const char* entries;
+        const char* states;  // m_on_state and m_alt_state
+        const char* on;      // "AS" when turned on
+    } cases[] = {
+        {"two states", "/AP << /N << /Off 2 0 R /Yes 2 0 R >> >> /AS /Off", "Yes Off", "/Yes"},
+        {"on", "/AP << /N << /Off 2 0 R /Yes 2 0 R >> >> /AS /Yes", "Yes Yes", "/Yes"},
+        {"no state shown", "/AP << /N << /Yes 2 0 R >> >>", "Yes -", "/Yes"},
+        {"state shown that is not there", "/AP << /N << /1 2 0 R >> >> /AS /Yes", "1 Yes", "/1"},
+        {"appearances elsewhere", "/AP 3 0 R /AS 6 0 R", "On Far", "/On"},
+        {"normal one elsewhere", "/AP << /N 4 0 R >>", "On -", "/On"},
+        {"Off only", "/AP << /N << /Off 2 0 R >> >> /AS /Off", "- Yes", "/Yes"},
+        {"no appearances", "", "- Yes", "/Yes"},
+        {"state without appearances", "/AS /Custom", "- Custom", "/Custom"},
+        {"off without appearances", "/AS /Off", "- Yes", "/Yes"},
+        {"one picture for all states", "/AP << /N 5 0 R >> /AS /Off", "- Yes", "/Yes"},
+        {"wrong kinds", "/AP [1] /AS (Yes)", "- Yes", "/Yes"},
+        {"gone", "/AP 99 0 R /AS 99 0 R", "- Yes", "/Yes"},
+        {"bytes beyond ASCII", "/AP << /N << /J\xFC 2 0 R >> >>", "J\xFC -", "/J\xFC"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        MemoryDocument doc("/Rect [] " + std::string(c.entries) + "; null; /N 4 0 R; /Off 2 0 R /On 2 0 R; null; /Far");
+        doc.put_stream(5, "picture");
+        CPDFAnnotWidget widget;
+        ASSERT_EQ(widget.load(&doc.xref, {1, 0}), 1);
+        EXPECT_EQ(word(widget.m_on_state) + " " + word(widget.m_alt_state), c.states);
+        EXPECT_EQ(doc.xref.changed_count(), 0);
+        EXPECT_TRUE(widget.has_state("Off") && widget.has_state(c.on + 1));
+        EXPECT_EQ(widget.has_state("other"), !widget.m_on_state);
+        const auto shows = [&doc](const std::string& state) {
+            return doc.show(1).find("/AS " + state + " ") != std::string::npos;
+        };
+        for (int i = 0; i < 2; ++i) {  // again and again
+            widget.set_check_value(0);
+            EXPECT_TRUE(shows("/Off")) << doc.show(1);
+            widget.set_radio_value(1);
+            EXPECT_TRUE(shows(c.on)) << doc.show(1);
+            widget.set_radio_value(0);
+            EXPECT_TRUE(shows("/Off")) << doc.show(1);
+            widget.set_check_value(1);
+            EXPECT_TRUE(shows(c.on)) << doc.show(1);
+        }
+        ASSERT_EQ(widget.load(&doc.xref, {1, 0}), 1);
+        EXPECT_EQ(word(widget.m_on_state ? widget.m_on_state : widget.m_alt_state), c.on + 1) << "loaded again";
+    }
+}
+
+TEST(AnnotWidgetTest, WithoutADictionaryNothingChanges)
+{
+    MemoryDocument doc("[1]; /AP << /N << /On 1 0 R >> >> /AS /Off");
+    CPDFAnnotWidget widget;
+    for (const uint32_t num : {0u, 1u, 9u})
+        EXPECT_EQ(widget.load(&doc.xref, {num, 0}), 0);
+    widget.set_check_value(1);
+    ASSERT_EQ(widget.load(&doc.xref, {2, 0}), 1);
+    EXPECT_EQ(widget.load(&doc.xref, {1, 0}), 0);
+    EXPECT_STREQ(widget.m_on_state, "On") << "a failed load keeps what it has";
+    doc.put_free(2);
+    widget.set_radio_value(1);
+    EXPECT_EQ(doc.xref.changed_count(), 0);
+}
+
+#ifdef FORMWORK_ALLOC_HOOK
+
+TEST(AnnotWidgetTest, AllocationFailures)
+{
+    each_failed_allocation([](const auto& arm) {
+        MemoryDocument doc("/AP << /N << /On 1 0 R >> >> /AS /Off /T (t)");
+        CPDFAnnotWidget widget;
+        const bool failed = arm([&] {
+            widget.load(&doc.xref, {1, 0});
+            widget.set_check_value(1);
+        });
+        const std::string now = doc.show(1);
+        EXPECT_TRUE(now == "<< /AP << /N << /On 1 0 R >> >> /AS /On /T (t) >>" ||
+                    (failed && (now == "<< /AP << /N << /On 1 0 R >> >> /AS /Off /T (t) >>" ||
+                                now == "<< /AP << /N << /On 1 0 R >> >> /AS /Yes /T (t) >>")))
+            << now;
+    });
+}
+
+#endif

@@ -1,0 +1,79 @@
+// An in-memory document for tests: every object is a line of PDF-like text, parsed when the store asks for it.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/object_source.h"
+#include "core/stream.h"
+#include "core/xref_table.h"
+
+// Makes `out` the object that `text` spells: << /Kids [5 0 R] /T (a) /X <FEFF> /F 1.5 /B true /N null >>. Keys may come
+// in any order; literal strings have no escapes. False, with `out` null, when memory ran out; wrong text ends the test
+// program.
+bool parse_object(const std::string& text, CPDFObj& out);
+
+// The object as text in the same form, keys sorted, strings with unprintable bytes in hexadecimal.
+std::string show_object(const CPDFObj& obj);
+
+// A reader over bytes in memory. It notes the size of every read.
+class MemoryStream : public CPDFStream {
+public:
+    MemoryStream(std::string data, int32_t data_len);
+    void rewind() override { m_at = 0; }
+    bool at_end() override { return m_at == m_data.size(); }
+    int read_data(void* buf, int size) override;
+
+    std::vector<int> reads;
+
+private:
+    std::string m_data;
+    size_t m_at = 0;
+};
+
+// The objects and the store that reads them. A read is all or nothing: without memory the object is absent.
+class MemoryDocument : public CPDFObjectSource {
+public:
+    // Objects 1, 2, 3, ... separated by ';'. One like "/T (a)" is a dictionary without its brackets.
+    explicit MemoryDocument(const std::string& objects = "") : xref(this) { put_all(1, objects); }
+    void put_all(uint32_t num, const std::string& objects);
+
+    // Puts an object, or a stream with these data, into the newest section; put_free marks its number as free there.
+    void put(uint32_t num, std::string text);
+    void put_stream(uint32_t num, const std::string& data) { put(num, STREAM_MARK + data); }
+    void put_free(uint32_t num) { *xref.reserve_entry(num) = {PDF_XREF_FREE, 0, 1}; }
+
+    // Puts an object into the section at file position `pos`, which is read only when xref.push_pending(pos) was called
+    // and the store needs it; link makes the section name an older one.
+    void put_older(uint32_t pos, uint32_t num, std::string text);
+    void link(uint32_t pos, uint32_t older) { m_sections[pos].older = older; }
+
+    // The newest version of the object as text, "null" when there is none.
+    std::string show(uint32_t num);
+
+    void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                     const CPDFKeySet* keys) override;
+    int read_section(CPDFXRefTable& xref, uint32_t pos) override;
+    CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
+                            uint32_t size) override;
+    unsigned char* compress(const void* data, int len, int& out_len) override;
+
+    std::vector<uint32_t> sections_read;
+    CPDFXRefTable xref;
+
+private:
+    static constexpr const char* STREAM_MARK = "stream ";
+
+    struct Section {
+        std::vector<std::pair<uint32_t, uint32_t>> entries;  // object number and place in m_objects
+        uint32_t older = 0;
+    };
+
+    uint32_t add(std::string text);
+
+    std::vector<std::string> m_objects;
+    std::map<uint32_t, Section> m_sections;
+};
