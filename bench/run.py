@@ -5,14 +5,21 @@ Whole-process times include starting the program; in-process times are one open,
 Runs of the racers take turns, and the medians are shown. A ratio is a racer's number divided by formwork's; those of times
 use CPU time (user and system), which other programs on the machine disturb less. Times are never judged; the exit status is
 1 only when a racer fails or its result is wrong.
+
+A real tax form is raced, too, and filled in a batch, when the folder of real files is there: FORMWORK_CORPUS, else the
+FORMWORK_CORPUS_DIR of the build.
 """
 
 import argparse
+import collections
 import json
+import os
 import pathlib
+import re
 import statistics
 import subprocess
 import sys
+import tempfile
 
 STORAGES = (("plain", []), ("object streams", ["--object-streams"]))
 WALKERS = {
@@ -22,7 +29,14 @@ WALKERS = {
     "libqpdf": "walk_qpdf",
     "libqpdf, from file": "walk_qpdf_file",
 }
+SLOW_WALKERS = {"libqpdf, from file"}  # no faster than the other way, and seconds a run on large files
+SLOW_WALKERS_TAKE = 4_000_000
 VALUE = "Grace Hopper, Zürich"
+SHORT_VALUE = "Grace"
+TAX_FORM = "prefilled_f1040.pdf"
+TAX_FIELD = "topmostSubform[0].Page1[0].p1-t4[0]"
+BATCH_ROWS = 1000
+BATCH_NAMES = ("Ada", "Grace", "Mary", "Emmy", "Lise")
 
 
 class Bench:
@@ -66,6 +80,20 @@ def median(rows, key):
     return statistics.median(row[key] for row in rows)
 
 
+def tax_form(build):
+    """The real form, or None with a line that says so."""
+    folder = os.environ.get("FORMWORK_CORPUS")
+    if not folder:
+        cache = (build / "CMakeCache.txt").read_text()
+        found = re.search(r"^FORMWORK_CORPUS_DIR:\w+=(.*)$", cache, re.M)
+        folder = found[1] if found else ""
+    form = pathlib.Path(folder) / TAX_FORM
+    if form.is_file():
+        return form
+    print(f"The real tax form {TAX_FORM} is not there and is left out.\n")
+    return None
+
+
 def clamp(value, low, high):
     return max(low, min(high, int(value)))
 
@@ -76,7 +104,7 @@ def ratio(row, base, key):
 
 def table(titles, rows):
     print("| " + " | ".join(titles) + " |")
-    print("|" + "|".join("---" if title in ("storage", "tool") else "---:" for title in titles) + "|")
+    print("|" + "|".join("---" if title in ("storage", "tool", "form", "output in") else "---:" for title in titles) + "|")
     for row in rows:
         print("| " + " | ".join(str(cell) for cell in row) + " |")
     print(flush=True)
@@ -87,7 +115,7 @@ def first_lists(bench, form):
     measures = {}
     texts = {}
     for tool, program in WALKERS.items():
-        if not bench.has(program):
+        if not bench.has(program) or (tool in SLOW_WALKERS and form.stat().st_size > SLOW_WALKERS_TAKE):
             continue
         output = bench.work / (program + ".txt")
         measures[tool] = bench.measured(output, program, form)
@@ -108,9 +136,9 @@ def race_lists(bench, form):
     for tool, measures in first.items():
         program = WALKERS[tool]
         cost = measures["cpu_ms"] / 1e3
-        repeat = str(clamp(0.7 / cost, 1, 50))
-        whole[tool] = (clamp(4 / cost, 0, 15), lambda program=program: bench.measured("/dev/null", program, form))
-        inside[tool] = (clamp(4 / cost, 1, 3),
+        repeat = str(clamp(0.4 / cost, 1, 50))
+        whole[tool] = (clamp(2.5 / cost, 0, 11), lambda program=program: bench.measured("/dev/null", program, form))
+        inside[tool] = (clamp(2.5 / cost, 1, 3),
                         lambda program=program, repeat=repeat: json.loads(bench.run(program, form, "--repeat", repeat)))
     whole = in_turns(whole)
     inside = in_turns(inside)
@@ -140,7 +168,7 @@ def bench_lists(bench, sizes):
 
     print("### Nanoseconds of CPU a field, in process\n")
     table(("tool", "storage", *(f"{count:,}" for count in sizes), "last / first"),
-          [(tool, storage, *(f"{ns:.0f}" for ns in times), f"{times[-1] / times[0]:.2f}")
+          [(tool, storage, *(f"{ns:.0f}" for ns in times), *["-"] * (len(sizes) - len(times)), f"{times[-1] / times[0]:.2f}")
            for (tool, storage), times in per_field.items()])
 
     print("### CPU milliseconds of a process on a form of one field: what starting it costs\n")
@@ -150,58 +178,149 @@ def bench_lists(bench, sizes):
     table(("tool", "CPU ms"), [(tool, f"{median(runs, 'cpu_ms'):.1f}") for tool, runs in starts.items()])
 
 
-def check_filled(bench, tool, form, output, name):
-    """The output starts with the input, and another reader than the writer sees the value. Returns the bytes added."""
-    before = form.read_bytes()
-    after = output.read_bytes()
-    if not after.startswith(before):
-        bench.wrong(f"{form.name}: the output of {tool} does not start with the input")
-    reader = "walk_mupdf" if tool == "formwork" else "walk_qpdf"
-    if f"{name}\t{VALUE}\n".encode() not in bench.run(reader, output):
+def listing(bench, reader, pdf):
+    return bench.run(reader, pdf).decode()
+
+
+def check_one(bench, tool, form, output, name):
+    """Another reader than the writer sees the value."""
+    text = listing(bench, "walk_mupdf" if tool == "formwork" else "walk_qpdf", output)
+    if f"{name}\t{VALUE}\n" not in text:
         bench.wrong(f"{form.name}: the value that {tool} wrote is not there")
-    return after[len(before):]
 
 
-def race_fills(bench, form, name):
+def check_all(bench, tool, form, output, outputs):
+    """Another reader than the writer sees the same values as in the output of the racer before, and the same states were set."""
+    text = listing(bench, "walk_mupdf" if tool == "formwork" else "walk_qpdf", output)
+    added = output.read_bytes()[form.stat().st_size:]
+    states = collections.Counter(re.findall(rb"/AS ?/([^/<>\[\]() \r\n]+)", added))
+    outputs[tool] = (text, states)
+    if outputs[tool] != next(iter(outputs.values())):
+        bench.wrong(f"{form.name}: {tool} filled other values in than the other racer")
+    changed = sum(a != b for a, b in zip(text.splitlines(), listing(bench, "walk_mupdf", form).splitlines()))
+    if f"\t{SHORT_VALUE}\n" not in text or changed < text.count("\n") / 4:
+        bench.wrong(f"{form.name}: {tool} filled too few values in")
+
+
+def race_fills(bench, form, race, arguments, check):
     """The runs of each filler on one form, and the bytes that each adds to it."""
     output = bench.work / "filled.pdf"
 
     def fill(program, *options):
         output.unlink(missing_ok=True)
-        return bench.measured("/dev/null", program, form, output, name, VALUE, *options)
+        return bench.measured("/dev/null", program, form, output, *arguments, *options)
+
+    def added_by(tool):
+        before = form.read_bytes()
+        after = output.read_bytes()
+        if not after.startswith(before):
+            bench.wrong(f"{form.name}: the output of {tool} does not start with the input")
+        check(bench, tool, form, output)
+        return after[len(before):]
 
     added = {}
-    if bench.has("fill_formwork"):
-        fill("fill_formwork")
-        added["formwork"] = check_filled(bench, "formwork", form, output, name)
+    if bench.has(f"{race}_formwork"):
+        fill(f"{race}_formwork")
+        added["formwork"] = added_by("formwork")
     # libmupdf sets the flag when formwork does, so that both write the same objects.
     flag = ["--need-appearances"] if b"/NeedAppearances true" in added.get("formwork", b"") else []
-    cost = fill("fill_mupdf", *flag)["wall_ms"] / 1e3
-    added["libmupdf"] = added["libmupdf, flushed and renamed"] = check_filled(bench, "libmupdf", form, output, name)
-    commands = {"formwork": ("fill_formwork",), "libmupdf": ("fill_mupdf", *flag),
-                "libmupdf, flushed and renamed": ("fill_mupdf", *flag, "--durable")}
-    runs = clamp(4 / cost, 5, 15)
+    cost = fill(f"{race}_mupdf", *flag)["wall_ms"] / 1e3
+    added["libmupdf"] = added["libmupdf, flushed and renamed"] = added_by("libmupdf")
+    commands = {"formwork": (f"{race}_formwork",), "libmupdf": (f"{race}_mupdf", *flag),
+                "libmupdf, flushed and renamed": (f"{race}_mupdf", *flag, "--durable")}
+    runs = clamp(2 / cost, 3, 11)
     results = in_turns({tool: (runs, lambda tool=tool: fill(*commands[tool])) for tool in added})
     output.unlink()
     return results, added
 
 
-def bench_fills(bench, sizes):
-    print("## Fill one text field and save, whole process\n")
+def bench_fills(bench, title, race, sizes, tax, arguments, check):
+    """Races the fillers named `race`; arguments(fields) are theirs for a form, check(fields) checks an output."""
+    print(f"## {title}, whole process\n")
+    forms = [("tax form", "real", tax)] if tax else []
+    forms += [(count, storage, bench.form(count, storage, options)) for count in sizes for storage, options in STORAGES]
     rows = []
-    for count in sizes:
-        if count % 50:
-            continue
-        for storage, options in STORAGES:
-            results, added = race_fills(bench, bench.form(count, storage, options), f"group{count // 50 - 1}.field41")
-            medians = {tool: {key: median(runs, key) for key in runs[0]} for tool, runs in results.items()}
-            base = medians.get("formwork")
-            for tool, r in medians.items():
-                rows.append((f"{count:,}", storage, tool, f"{r['wall_ms']:.1f}", f"{r['cpu_ms']:.1f}",
-                             f"{r['peak_kb'] / 1024:.1f}", f"{len(added[tool]):,}", ratio(r, base, "wall_ms"),
-                             ratio(r, base, "cpu_ms"), ratio(r, base, "peak_kb")))
+    for count, storage, form in forms:
+        results, added = race_fills(bench, form, race, arguments(count), check(count))
+        medians = {tool: {key: median(runs, key) for key in runs[0]} for tool, runs in results.items()}
+        base = medians.get("formwork")
+        for tool, r in medians.items():
+            rows.append((f"{count:,}" if isinstance(count, int) else count, storage, tool, f"{r['wall_ms']:.1f}",
+                         f"{r['cpu_ms']:.1f}", f"{r['peak_kb'] / 1024:.1f}", f"{len(added[tool]):,}",
+                         *(ratio(r, base, key) for key in ("wall_ms", "cpu_ms", "peak_kb"))))
     table(("fields", "storage", "tool", "process ms", "CPU ms", "peak MB", "bytes added", "ratio, elapsed", "ratio, CPU",
            "ratio, peak"), rows)
+
+
+def bench_fill_one(bench, sizes, tax):
+    def name(count):
+        return f"group{count // 50 - 1}.field41" if isinstance(count, int) else TAX_FIELD
+
+    def check(count):
+        return lambda bench, tool, form, output: check_one(bench, tool, form, output, name(count))
+
+    bench_fills(bench, "Fill one text field and save", "fill", [count for count in sizes if count % 50 == 0], tax,
+                lambda count: (name(count), VALUE), check)
+
+
+def bench_fill_all(bench, sizes, tax):
+    def check(count):
+        outputs = {}
+        return lambda bench, tool, form, output: check_all(bench, tool, form, output, outputs)
+
+    bench_fills(bench, "Fill every text field, check box and choice and save", "fill_all", sizes, tax,
+                lambda count: (SHORT_VALUE,), check)
+
+
+def check_batch(bench, reader, folder, form, names):
+    """Every copy starts with the template, and another reader sees the row's values in a sample of them."""
+    before = form.read_bytes()
+    for row in range(BATCH_ROWS):
+        if not (folder / f"{row}.pdf").read_bytes().startswith(before):
+            return bench.wrong(f"{form.name}: copy {row} does not start with the template")
+    for row in (0, 1, BATCH_ROWS // 2, BATCH_ROWS - 1):
+        text = listing(bench, reader, folder / f"{row}.pdf")
+        if any(f"{name}\t{BATCH_NAMES[row % len(BATCH_NAMES)]} {row}-{i}\n" not in text for i, name in enumerate(names)):
+            return bench.wrong(f"{form.name}: copy {row} does not hold its row")
+
+
+def bench_batch(bench, command, sizes, tax):
+    """`formwork fill --batch` on one processor, with ten columns, to the disk and to memory."""
+    print(f"## Fill {BATCH_ROWS:,} copies of one form, ten text fields each, on one processor\n")
+    form = tax or bench.form(min(sizes), "plain", [])
+    if not command.exists() or "--batch" not in subprocess.run([command, "fill", "--help"], check=True, text=True,
+                                                               stdout=subprocess.PIPE).stdout:
+        print("The command has no batch.\n")
+        return
+    if tax:
+        # Columns are text fields without a maximum, whatever they are called.
+        fields = json.loads(subprocess.run([command, "list", "--json", form], check=True, stdout=subprocess.PIPE).stdout)
+        fields = fields["fields"] if isinstance(fields, dict) else fields
+        names = [field["name"] for field in fields if field.get("type") == "text" and not field.get("maxLength")][:10]
+    else:
+        names = [f"group0.field{i}" for i in (0, 1, 2, 3, 4, 10, 11, 12, 13, 14)]
+    rows = bench.work / "rows.csv"
+    with open(rows, "w", encoding="utf-8") as file:
+        file.write("id," + ",".join(names) + "\n")
+        for row in range(BATCH_ROWS):
+            file.write(f"{row}," + ",".join(f"{BATCH_NAMES[row % len(BATCH_NAMES)]} {row}-{i}" for i in range(len(names))) + "\n")
+    table_rows = []
+    memory = pathlib.Path("/dev/shm")
+    for place, parent in (("disk", bench.work), ("memory", memory if memory.is_dir() else None)):
+        for jobs in ("1", "8"):
+            if not parent:
+                continue
+            runs = []
+            for _ in range(3):
+                with tempfile.TemporaryDirectory(dir=parent, prefix="formwork-bench-") as folder:
+                    runs.append(bench.measured("/dev/null", "/usr/bin/taskset", "-c", "0", command, "fill", form, "--batch",
+                                               rows, "--jobs", jobs, "-o", f"{folder}/{{id}}.pdf"))
+                    check_batch(bench, "walk_qpdf", pathlib.Path(folder), form, names)
+            wall = median(runs, "wall_ms") / 1e3
+            cpu = median(runs, "cpu_ms") / 1e3
+            table_rows.append((form.name, place, jobs, f"{wall:.2f}", f"{cpu:.2f}", f"{BATCH_ROWS / wall:,.0f}",
+                               f"{BATCH_ROWS / cpu:,.0f}", f"{median(runs, 'peak_kb') / 1024:.1f}"))
+    table(("form", "output in", "jobs", "elapsed s", "CPU s", "copies a second", "copies a CPU second", "peak MB"), table_rows)
 
 
 def main():
@@ -210,9 +329,13 @@ def main():
     parser.add_argument("--sizes", default="1000,10000,100000", help="numbers of fields, separated by commas")
     options = parser.parse_args()
     sizes = [int(size) for size in options.sizes.split(",")]
-    bench = Bench(options.build.resolve() / "bench")
+    build = options.build.resolve()
+    bench = Bench(build / "bench")
+    tax = tax_form(build)
     bench_lists(bench, sizes)
-    bench_fills(bench, sizes)
+    bench_fill_one(bench, sizes, tax)
+    bench_fill_all(bench, sizes, tax)
+    bench_batch(bench, build / "formwork", sizes, tax)
     return 1 if bench.failed else 0
 
 

@@ -1,5 +1,6 @@
 #include "core/alloc.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -28,9 +29,9 @@ uint64_t vx_failures()
 
 namespace {
 
-int64_t g_fail_after = -1;
-bool g_failed = false;
-int64_t g_live = 0;
+std::atomic<int64_t> g_fail_after = -1;
+std::atomic<bool> g_failed = false;
+std::atomic<int64_t> g_live = 0;
 
 bool must_fail()
 {
@@ -108,7 +109,7 @@ struct FreeBlock {
 struct Lists {
     FreeBlock* first[CLASS_COUNT];
     FreeBlock* last[CLASS_COUNT];  // of a list that is not empty
-    unsigned char* slab;  // what is left of the newest slab
+    unsigned char* slab;           // what is left of the newest slab
     unsigned char* slab_end;
 };
 

@@ -148,7 +148,9 @@ CPDFObj* CPDFDictionary::append_unsorted(const char* key, size_t key_len)
 
 void CPDFDictionary::sort_items()
 {
-    const auto by_key = [](const PDF_DICT_ITEM* a, const PDF_DICT_ITEM* b) { return compare_keys(a->key(), b->key()) < 0; };
+    const auto by_key = [](const PDF_DICT_ITEM* a, const PDF_DICT_ITEM* b) {
+        return compare_keys(a->key(), b->key()) < 0;
+    };
     // Dictionaries of fields have about ten entries, often in order: insertion beats the general sort there.
     if (count > 32) {
         std::stable_sort(items, items + count, by_key);

@@ -80,12 +80,12 @@ private:
 // A stream value. The data is not owned: it stays in the file or in the object store.
 struct CPDFStreamRec {
     CPDFDictionary dict;
-    uint32_t in_file = 0;   // 1 when the data lies in the file, 0 for data held in memory
-    uint32_t data_len = 0;  // bytes, as stored (not decoded)
-    PDF_REF ref = {0, 0};   // the stream object
-    uint32_t word_a = 0;    // 0 for data held in memory
-    uint32_t in_memory = 0; // 1 for data held in memory
-    uint64_t handle = 0;    // file position of the data, or what CPDFXRefTable::set_mem_stream returned
+    uint32_t in_file = 0;    // 1 when the data lies in the file, 0 for data held in memory
+    uint32_t data_len = 0;   // bytes, as stored (not decoded)
+    PDF_REF ref = {0, 0};    // the stream object
+    uint32_t word_a = 0;     // 0 for data held in memory
+    uint32_t in_memory = 0;  // 1 for data held in memory
+    uint64_t handle = 0;     // file position of the data, or what CPDFXRefTable::set_mem_stream returned
 
     // Makes this empty record a deep copy of `src`, sharing the data.
     void copy_from(const CPDFStreamRec* src);

@@ -44,6 +44,6 @@ private:
     }
 
     std::string_view m_keys[MAX_KEYS] = {};
-    uint8_t m_first[SLOTS] = {};   // 1 + the first key of each slot, 0 for none
+    uint8_t m_first[SLOTS] = {};    // 1 + the first key of each slot, 0 for none
     uint8_t m_next[MAX_KEYS] = {};  // the same for the key that follows in the slot
 };

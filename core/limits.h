@@ -35,14 +35,20 @@ constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
 // Filters of one stream.
 constexpr int LIMIT_FILTERS = 16;
 
-// Decoded object streams that are kept, in bytes over all of them.
+// Decoded object streams that are kept, in bytes over all of them: so many times the size of the file, between the two
+// bounds. Fields are rarely in the order of the streams they lie in.
 constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{8} << 20;
+constexpr size_t LIMIT_OBJECT_STREAM_CACHE_LARGE = size_t{256} << 20;
+constexpr size_t LIMIT_OBJECT_STREAM_CACHE_RATIO = 8;
 
-// Bytes that are parsed for one document before further objects read as absent: without it, many references to one large
-// object take quadratic time and memory. Real forms are read about twice; the bytes of object streams count as the file's
-// own do.
+// Bytes that are parsed for one document, and that the values take which are built, before further objects read as absent:
+// without it, many references to one large object take quadratic time and memory. Real forms are read about twice; the
+// bytes of object streams count as the file's own do.
 constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{64} << 20;
-constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 8;
+constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 16;
+
+// Object streams that unpack to more than so many times their size count as if they did not.
+constexpr size_t LIMIT_PARSE_WORK_RATIO = 32;
 
 // The same for bytes that are decoded: object streams that leave their cache are decoded again.
 constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{512} << 20;

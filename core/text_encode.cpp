@@ -59,8 +59,8 @@ const char* xml_entity(uint32_t c)
 
 bool is_url_literal(uint32_t c)
 {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' || c == '_' ||
-           c == '~' || c == '[' || c == ']' || c == '#';
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' ||
+           c == '_' || c == '~' || c == '[' || c == ']' || c == '#';
 }
 
 bool put_utf8(Sink& sink, uint32_t c)

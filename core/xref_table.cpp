@@ -1,5 +1,6 @@
 #include "core/xref_table.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/alloc.h"
@@ -49,8 +50,9 @@ CPDFXRefTable::~CPDFXRefTable()
 
 void CPDFXRefTable::discard_changes()
 {
-    if (m_changed_cnt > 0)
+    if (m_next_num_before)
         m_next_num = m_next_num_before;
+    m_next_num_before = 0;
     for (int32_t i = 0; i < m_changed_cnt; ++i) {
         m_changed[i].obj.free();
         // The entries are gone when memory ran out.
@@ -141,11 +143,10 @@ PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
         return &m_changed[entry->index];
     if (m_changed_cnt >= m_changed_cap && !grow_changed())
         return nullptr;
-    if (m_changed_cnt == 0)
-        m_next_num_before = m_next_num;
+    keep_next_num();
     m_before[m_changed_cnt] = {number, *entry};
     *entry = {PDF_XREF_CHANGED, static_cast<uint32_t>(m_changed_cnt), static_cast<uint32_t>(gen)};
-    raise_next_num(number + 1);
+    m_next_num = std::max(m_next_num, number + 1);
     return &m_changed[m_changed_cnt++];
 }
 
@@ -172,8 +173,14 @@ void CPDFXRefTable::store_changed(const PDF_REF& ref, const CPDFObj& obj)
     const VXFailureCheck check;
     CPDFObj version;
     version.copy_from(&obj);
-    if (check.failed())
-        return;
+    if (!check.failed())
+        take_changed(ref, version);
+}
+
+void CPDFXRefTable::take_changed(const PDF_REF& ref, CPDFObj& obj)
+{
+    CPDFObj version;
+    version.take(obj);
     PDF_CHANGED_OBJ* record = get_xref2(static_cast<int>(ref.num), static_cast<int>(ref.gen));
     if (!record)
         return;
@@ -195,7 +202,15 @@ void CPDFXRefTable::read_obj_string(CPDFXRefTable* xref, PDF_String& out, const 
 uint32_t CPDFXRefTable::new_obj_num()
 {
     read_all_sections();
+    keep_next_num();
     return m_next_num++;
+}
+
+// Notes the first number that the file leaves free, before the first change.
+void CPDFXRefTable::keep_next_num()
+{
+    if (m_next_num_before == 0)
+        m_next_num_before = m_next_num;
 }
 
 void CPDFXRefTable::read_all_sections()
@@ -208,8 +223,9 @@ void CPDFXRefTable::read_all_sections()
 
 void CPDFXRefTable::raise_next_num(uint32_t num)
 {
-    if (num > m_next_num)
-        m_next_num = num;
+    m_next_num = std::max(m_next_num, num);
+    if (m_next_num_before)
+        m_next_num_before = std::max(m_next_num_before, num);
 }
 
 int CPDFXRefTable::XRefRead(uint32_t pos)

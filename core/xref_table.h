@@ -10,16 +10,16 @@ class CPDFObjectSource;
 class CPDFStream;
 
 enum PDF_XREF_TYPE : uint32_t {
-    PDF_XREF_FREE = 0,        // free, or absent while `gen` is PDF_XREF_NO_GEN
-    PDF_XREF_IN_FILE = 1,     // at file position `index`
-    PDF_XREF_IN_STREAM = 2,   // number `gen` in object stream `index`
-    PDF_XREF_CHANGED = 3,     // changed version at `index` of the changed-object list
+    PDF_XREF_FREE = 0,       // free, or absent while `gen` is PDF_XREF_NO_GEN
+    PDF_XREF_IN_FILE = 1,    // at file position `index`
+    PDF_XREF_IN_STREAM = 2,  // number `gen` in object stream `index`
+    PDF_XREF_CHANGED = 3,    // changed version at `index` of the changed-object list
 };
 
 constexpr uint32_t PDF_XREF_NO_GEN = 0xFFFFFFFF;
 
 struct PDF_XREF_ENTRY {
-    uint32_t type;   // PDF_XREF_TYPE
+    uint32_t type;  // PDF_XREF_TYPE
     uint32_t index;
     uint32_t gen;
 };
@@ -74,6 +74,9 @@ public:
     // document keeps the old version.
     void store_changed(const PDF_REF& ref, const CPDFObj& obj);
 
+    // The same without the copy: takes the payload of `obj`, which is left null.
+    void take_changed(const PDF_REF& ref, CPDFObj& obj);
+
     // Drops every changed version and all data held in memory: the objects are again what the file says, and the object
     // numbers handed out are free again.
     void discard_changes();
@@ -115,24 +118,26 @@ public:
     uint32_t entry_count() const { return m_entry_cnt; }
     const PDF_XREF_ENTRY* entries() const { return m_entries; }
     const PDF_CHANGED_OBJ* changed() const { return m_changed; }
+    const PDF_ENTRY_BEFORE* before() const { return m_before; }
     int32_t changed_count() const { return m_changed_cnt; }
     int32_t changed_capacity() const { return m_changed_cap; }
     uint32_t next_num() const { return m_next_num; }
 
-    // Raises the next free object number to at least `num`.
+    // For section readers: raises the next free object number to at least `num`.
     void raise_next_num(uint32_t num);
 
 private:
     void fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys);
     bool grow_entries(uint32_t num);
     bool grow_changed();
+    void keep_next_num();
 
     PDF_XREF_ENTRY* m_entries = nullptr;  // owned
     uint32_t m_entry_cnt = 0;
     uint32_t m_next_num = 1;
     PDF_CHANGED_OBJ* m_changed = nullptr;  // owned
     PDF_ENTRY_BEFORE* m_before = nullptr;  // owned; beside m_changed
-    uint32_t m_next_num_before = 1;        // the next free object number before the first change
+    uint32_t m_next_num_before = 0;        // the next free object number before the first change, 0 before that
     int32_t m_changed_cnt = 0;
     int32_t m_changed_cap = 0;
     PDF_PENDING_SECTION* m_pending = nullptr;  // owned

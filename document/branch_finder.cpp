@@ -14,23 +14,27 @@ namespace {
 
 constexpr const char* NAME_KEYS[] = {"T"};
 constexpr CPDFKeySet NAME_KEY_SET(NAME_KEYS);
-constexpr const char* KIDS_KEYS[] = {"Kids"};
-constexpr CPDFKeySet KIDS_KEY_SET(KIDS_KEYS);
+constexpr const char* TREE_KEYS[] = {"Kids", "Parent"};
+constexpr CPDFKeySet TREE_KEY_SET(TREE_KEYS);
 constexpr const char* FIELDS_KEYS[] = {"Fields"};
 constexpr CPDFKeySet FIELDS_KEY_SET(FIELDS_KEYS);
 
-// The partial name of a field dictionary, in UTF-8; false when it is no dictionary.
-bool read_name(CPDFXRefTable& xref, const PDF_REF& ref, std::string& name)
+enum class NAMED { NO_FIELD, NO, YES };
+
+// The partial name of a field dictionary, in UTF-8.
+NAMED read_name(CPDFXRefTable& xref, const PDF_REF& ref, std::string& name)
 {
     CPDFObj own;
     xref.get_entity(own, ref, &NAME_KEY_SET);
     const CPDFDictionary* dict = own.dictionary();
     if (!dict)
-        return false;
+        return NAMED::NO_FIELD;
     CPDFObj scratch;
     const CPDFObj* text = view_obj(&xref, dict->get_item("T"), scratch);
-    name = text->type == PDF_OBJ_STRING ? utf8_of(text->str) : std::string();
-    return true;
+    if (text->type != PDF_OBJ_STRING || text->str.len <= 0)
+        return NAMED::NO;
+    name = utf8_of(text->str);
+    return NAMED::YES;
 }
 
 }  // namespace
@@ -48,10 +52,17 @@ CPDFField* CPDFBranchFinder::find(CPDFXRefTable& xref, const CPDFObj* form, std:
         dict = fetched.dictionary();
     }
     m_path.clear();
+    m_in_doubt = false;
     *m_visits = CPDFVisitSet();
-    if (!dict || !descend(xref, dict->get_item("Fields"), name, 0))
+    if (!dict || !descend(xref, dict->get_item("Fields"), name, 0) || m_in_doubt)
         return nullptr;
     return load_branch(xref);
+}
+
+CPDFField* CPDFBranchFinder::known(const PDF_REF& ref) const
+{
+    const auto found = m_found.find(ref.num);
+    return found != m_found.end() ? found->second : nullptr;
 }
 
 bool CPDFBranchFinder::descend(CPDFXRefTable& xref, const CPDFObj* list, std::string_view name, int depth)
@@ -65,28 +76,31 @@ bool CPDFBranchFinder::descend(CPDFXRefTable& xref, const CPDFObj* list, std::st
     return false;
 }
 
-// Whether `name` designates the field `ref` or one under it; m_path then leads there.
+// Whether `name` designates the field `ref` or one under it; m_path then leads there. True in doubt, too, which ends the walk.
 bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::string_view name, int depth)
 {
     std::string own_name;
-    if (depth >= LIMIT_FIELD_DEPTH || !read_name(xref, ref, own_name))
-        return false;
+    const NAMED named = depth < LIMIT_FIELD_DEPTH ? read_name(xref, ref, own_name) : NAMED::NO_FIELD;
     const bool matches = name.substr(0, own_name.size()) == own_name;
-    if (!matches || !m_visits->add(ref.num))
+    if (named == NAMED::NO_FIELD || !matches || !m_visits->add(ref.num))
         return false;
+    CPDFObj own;
+    xref.get_entity(own, ref, &TREE_KEY_SET);
+    const CPDFDictionary* dict = own.dictionary();
+    const CPDFObj* parent = dict ? dict->get_item(CPDFDictionary::sm_tag_parent) : nullptr;
+    const uint32_t above = m_path.empty() ? 0 : m_path.back().num;
+    // Whether a field that names no parent, or another one, belongs here depends on what the whole form loads before it.
+    m_in_doubt = (parent && parent->type == PDF_OBJ_REF ? parent->ref.num : 0) != above ||
+                 (named == NAMED::YES && own_name.empty());
     std::string_view rest = name.substr(own_name.size());
     m_path.push_back(ref);
-    if (rest.empty() && !own_name.empty())
+    if (m_in_doubt || (rest.empty() && named == NAMED::YES))
         return true;
-    if (!own_name.empty() && rest.front() == '.')
+    if (named == NAMED::YES && rest.front() == '.')
         rest.remove_prefix(1);
-    else if (!own_name.empty())
+    else if (named == NAMED::YES)
         rest = std::string_view();
-    CPDFObj own;
-    if (!rest.empty())
-        xref.get_entity(own, ref, &KIDS_KEY_SET);
-    const CPDFDictionary* dict = own.dictionary();
-    if (dict && descend(xref, dict->get_item("Kids"), rest, depth + 1))
+    if (!rest.empty() && dict && descend(xref, dict->get_item("Kids"), rest, depth + 1))
         return true;
     m_path.pop_back();
     return false;
@@ -94,8 +108,8 @@ bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::strin
 
 CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
 {
-    if (const auto known = m_found.find(m_path.back().num); known != m_found.end())
-        return known->second;
+    if (CPDFField* found = known(m_path.back()))
+        return found;
     std::unique_ptr<CPDFField> top;
     CPDFField* above = nullptr;
     for (const PDF_REF& ref : m_path) {

@@ -21,15 +21,20 @@ public:
     CPDFBranchFinder(const CPDFBranchFinder&) = delete;
     CPDFBranchFinder& operator=(const CPDFBranchFinder&) = delete;
 
-    // The first field in tree order with this full name, as stored, in UTF-8; null when there is none. `form` is the catalog's
-    // form entry. The same field is found as the same object, which lives as long as this does.
+    // The first field in tree order with this full name, as stored, in UTF-8; null when there is none, or when only the whole
+    // form can tell, as where "Kids" and "Parent" contradict each other. `form` is the catalog's form entry. The same field
+    // is found as the same object, which lives as long as this does.
     CPDFField* find(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name);
+
+    // The field of this dictionary that was found before, or null.
+    CPDFField* known(const PDF_REF& ref) const;
 
 private:
     bool descend(CPDFXRefTable& xref, const CPDFObj* list, std::string_view name, int depth);
     bool enter(CPDFXRefTable& xref, const PDF_REF& ref, std::string_view name, int depth);
     CPDFField* load_branch(CPDFXRefTable& xref);
 
+    bool m_in_doubt = false;  // the walk met what only the whole form can tell
     std::unique_ptr<CPDFVisitSet> m_visits;
     std::vector<PDF_REF> m_path;  // from the top field down to the one found
     std::vector<std::unique_ptr<CPDFField>> m_tops;

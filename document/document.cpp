@@ -27,18 +27,24 @@ struct CPDFDocument::State {
     std::unique_ptr<CPDFWidgetBinder> widgets;
     CPDFAcroForm form;
     bool form_loaded = false;
-    CPDFBranchFinder branches;
+    std::unique_ptr<CPDFBranchFinder> branches = std::make_unique<CPDFBranchFinder>();
     CPDFNameIndex names;
     std::unique_ptr<CPDFSignatureGuard> signatures;
     std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
+    bool asked_to_draw = false;      // the form tells viewers to draw its texts anew
 
-    const CPDFObj* form_entry() const { return root.dict->get_item(CPDFDictionary::sm_tag_acro_form); }
+    const CPDFObj* form_entry() const
+    {
+        const CPDFDictionary* catalog = root.dictionary();
+        return catalog ? catalog->get_item(CPDFDictionary::sm_tag_acro_form) : nullptr;
+    }
 
     void load_form()
     {
         if (form_loaded)
             return;
         form_loaded = true;
+        reader->renew_budget();
         form.load(xref.get(), form_entry(), &root, root_ref);
         reader->renew_budget();
     }
@@ -83,8 +89,8 @@ CPDFStatus CPDFDocument::load(PDF_LOAD load_how)
     state.root_ref = root->ref;
     state.xref->get_entity(state.root, root->ref);
     if (!state.root.dictionary())
-        return CPDFStatus::failed(PDF_CODE::NO_CATALOG, "the file has no catalog: object " + std::to_string(root->ref.num) +
-                                                            " is missing or damaged");
+        return CPDFStatus::failed(PDF_CODE::NO_CATALOG, "the file has no catalog: object " +
+                                                            std::to_string(root->ref.num) + " is missing or damaged");
     if (load_how == PDF_LOAD::WHOLE_FORM)
         state.load_form();
     return {};
@@ -93,6 +99,13 @@ CPDFStatus CPDFDocument::load(PDF_LOAD load_how)
 bool CPDFDocument::has_form() const
 {
     return m_state->form_entry() != nullptr;
+}
+
+bool CPDFDocument::has_xfa()
+{
+    CPDFObj scratch;
+    const CPDFDictionary* form = view_obj(m_state->xref.get(), m_state->form_entry(), scratch)->dictionary();
+    return form && form->get_item("XFA");
 }
 
 CPDFAcroForm& CPDFDocument::form()
@@ -135,6 +148,8 @@ void CPDFDocument::fields_changed()
 {
     for_each_field(m_state->form, [](CPDFField& field) { field.m_widget = nullptr; });
     m_state->names.clear();
+    m_state->filled.clear();
+    m_state->branches = std::make_unique<CPDFBranchFinder>();
     m_state->widgets.reset();
     m_state->signatures.reset();
 }
@@ -143,10 +158,12 @@ CPDFField* CPDFDocument::field(std::string_view name)
 {
     State& state = *m_state;
     if (!state.form_loaded) {
-        if (CPDFField* found = state.branches.find(*state.xref, state.form_entry(), name))
+        if (CPDFField* found = state.branches->find(*state.xref, state.form_entry(), name))
             return found;
     }
-    return state.names.find(form(), name);
+    CPDFField* found = state.names.find(form(), name);
+    CPDFField* known = found ? state.branches->known(found->m_ref) : nullptr;
+    return known ? known : found;
 }
 
 CPDFWidgetBinder& CPDFDocument::bound_widgets()
@@ -178,6 +195,7 @@ CPDFStatus CPDFDocument::check_value(CPDFField& field, const CPDFValue& value, P
 {
     const CPDFWidgetBinder no_widgets;
     const bool button = field.m_type == FIELD_BUTTON;
+    m_state->reader->renew_budget();
     CPDFStatus status = plan_fill(field, value, fill, button ? bound_widgets() : no_widgets, plan);
     if (!status.ok() || fill == PDF_FILL::FORCE)
         return status;
@@ -205,9 +223,12 @@ void CPDFDocument::apply(const PDF_FILL_PLAN& plan)
     State& state = *m_state;
     const CPDFWidgetBinder no_widgets;
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
+    state.reader->renew_budget();
     apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
-    if (!button && !signatures().is_signed())
-        set_need_appearances(*state.xref, state.root, state.root_ref);
+    if (button || state.asked_to_draw || signatures().is_signed())
+        return;
+    set_need_appearances(*state.xref, state.root, state.root_ref);
+    state.asked_to_draw = true;
 }
 
 void CPDFDocument::revert()
@@ -217,15 +238,25 @@ void CPDFDocument::revert()
     for (CPDFField* field : state.filled)
         field->reload_value();
     state.filled.clear();
+    state.asked_to_draw = false;
     state.root.free();
     state.xref->get_entity(state.root, state.root_ref);
     state.reader->renew_budget();
 }
 
+CPDFStatus CPDFDocument::make_update(std::string& update)
+{
+    write_update(update, *m_state->xref, *m_state->reader, data(), size());
+    if (size() + update.size() > UINT32_MAX)
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "the output would be larger than 4 GiB, which is not supported");
+    return {};
+}
+
 CPDFStatus CPDFDocument::save(const std::string& path)
 {
     std::string update;
-    write_update(update, *m_state->xref, *m_state->reader, data(), size());
+    if (CPDFStatus status = make_update(update); !status.ok())
+        return status;
     const std::string_view input(reinterpret_cast<const char*>(data()), size());
     return write_file(path, {input, m_state->bytes.descriptor()}, update);
 }
@@ -233,7 +264,8 @@ CPDFStatus CPDFDocument::save(const std::string& path)
 CPDFStatus CPDFDocument::save(std::vector<uint8_t>& out)
 {
     std::string update;
-    write_update(update, *m_state->xref, *m_state->reader, data(), size());
+    if (CPDFStatus status = make_update(update); !status.ok())
+        return status;
     out.assign(data(), data() + size());
     out.insert(out.end(), update.begin(), update.end());
     return {};

@@ -47,6 +47,8 @@ public:
 
     // Whether the catalog names a form.
     bool has_form() const;
+    // Whether the form has XFA data beside its fields. Filling leaves them as they are.
+    bool has_xfa();
     CPDFAcroForm& form();
     CPDFXRefTable& xref();
 
@@ -60,7 +62,7 @@ public:
     size_t size() const;
 
     // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names and
-    // widgets.
+    // widgets, and which fields revert restores. Ends the fields of a document opened for named fields.
     void fields_changed();
 
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
@@ -100,6 +102,7 @@ public:
 private:
     struct State;
     CPDFStatus load(PDF_LOAD load);
+    CPDFStatus make_update(std::string& update);
     CPDFWidgetBinder& bound_widgets();
     const CPDFSignatureGuard& signatures();
 

@@ -63,8 +63,9 @@ bool is_plain(uint32_t c)
 
 std::string full_name(const CPDFField& field)
 {
+    constexpr size_t LONGEST_CHARACTER = 4;
     std::string name = field.m_parent ? full_name(*field.m_parent) : std::string();
-    if (field.m_name.len <= 0)
+    if (field.m_name.len <= 0 || name.size() + LONGEST_CHARACTER > LIMIT_FULL_NAME)
         return name;
     if (!name.empty())
         name += '.';
@@ -82,7 +83,8 @@ std::string full_name_with_no(const CPDFField& field)
 std::string full_name_without_index(const CPDFField& field)
 {
     auto& reader = const_cast<CPDFField&>(field);
-    return read_wide(name_room(field), [&](wchar_t* buf, int size) { return reader.get_full_name(buf, size); });
+    const size_t room = std::min(name_room(field), LIMIT_FULL_NAME);
+    return read_wide(room, [&](wchar_t* buf, int size) { return reader.get_full_name(buf, size); });
 }
 
 std::string utf8_of(const PDF_String& text)

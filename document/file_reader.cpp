@@ -34,7 +34,10 @@ bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
 }  // namespace
 
 CPDFFileReader::CPDFFileReader(const uint8_t* data, size_t size)
-    : m_data(data), m_size(size)
+    : m_data(data),
+      m_size(size),
+      m_streams(std::clamp(size * LIMIT_OBJECT_STREAM_CACHE_RATIO, LIMIT_OBJECT_STREAM_CACHE,
+                           LIMIT_OBJECT_STREAM_CACHE_LARGE))
 {
     renew_budget();
 }
@@ -45,10 +48,10 @@ void CPDFFileReader::renew_budget()
     m_decode_budget = LIMIT_DECODE_WORK + LIMIT_DECODE_WORK_PER_BYTE * m_size;
 }
 
-bool CPDFFileReader::spend_from(uint64_t& budget, size_t bytes)
+bool CPDFFileReader::spend(size_t bytes)
 {
-    const bool enough = bytes <= budget;
-    budget = enough ? budget - bytes : 0;
+    const bool enough = bytes <= m_budget;
+    m_budget = enough ? m_budget - bytes : 0;
     return enough;
 }
 
@@ -82,7 +85,7 @@ bool CPDFFileReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t a
     if (out.type == PDF_OBJ_DICT)
         lexer.skip_space();
     // What can't be read has taken its time as well.
-    if (!spend(static_cast<size_t>(lexer.at() - (m_data + at))) || !found) {
+    if (!spend(static_cast<size_t>(lexer.at() - (m_data + at)) + parser.work()) || !found) {
         out.free();
         return false;
     }
@@ -172,7 +175,7 @@ void CPDFFileReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_
         return;
     CPDFParser parser(begin, end, nullptr);
     const bool found = m_budget > 0 && parser.parse(out, keys);
-    if (!spend(static_cast<size_t>(parser.lexer().at() - begin)) || !found)
+    if (!spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) || !found)
         out.free();
 }
 
@@ -197,12 +200,22 @@ const CPDFObjectStream* CPDFFileReader::load_object_stream(CPDFXRefTable& xref, 
         return nullptr;
     const CPDFStreamRec& rec = *container.stream;
     CPDFBytes bytes;
-    if (!decode_stream(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !spend_decoded(bytes.size()))
+    if (!decode(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || m_decode_budget == 0)
         return nullptr;
-    count_unpacked(num, bytes.size());
+    count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
     const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
     return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+}
+
+// decode_stream at the expense of the budget.
+bool CPDFFileReader::decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size,
+                            CPDFBytes& out)
+{
+    uint64_t work = 0;
+    const bool decoded = m_decode_budget > 0 && decode_stream(xref, dict, data, size, out, &work);
+    m_decode_budget -= std::min(m_decode_budget, work);
+    return decoded;
 }
 
 CPDFStream* CPDFFileReader::open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
@@ -215,8 +228,7 @@ CPDFStream* CPDFFileReader::open_stream(CPDFXRefTable& xref, const CPDFStreamRec
         size = rec.data_len;
     }
     CPDFBytes bytes;
-    if (m_decode_budget > 0 && decode_stream(&xref, rec.dict, memory, size, bytes))
-        spend_decoded(bytes.size());
+    decode(&xref, rec.dict, memory, size, bytes);
     return make_decoded_stream(std::move(bytes));
 }
 

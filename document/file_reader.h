@@ -86,20 +86,19 @@ private:
                           const CPDFKeySet* keys);
     const CPDFObjectStream* object_stream(CPDFXRefTable& xref, uint32_t num);
     const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
-    bool spend(size_t bytes) { return spend_from(m_budget, bytes); }
-    bool spend_decoded(size_t bytes) { return spend_from(m_decode_budget, bytes); }
-    static bool spend_from(uint64_t& budget, size_t bytes);
+    bool spend(size_t bytes);
+    bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
     void count_unpacked(uint32_t num, size_t bytes);
 
     const uint8_t* m_data;  // borrowed from the document
     size_t m_size;
     size_t m_shift = 0;
-    uint64_t m_budget = 0;         // bytes that may still be parsed before objects read as absent
-    uint64_t m_decode_budget = 0;  // the same for bytes that may still be decoded
-    uint64_t m_unpacked_size = 0;  // decoded bytes of the object streams, each counted once
+    uint64_t m_budget = 0;                    // bytes that may still be parsed before objects read as absent
+    uint64_t m_decode_budget = 0;             // the same for bytes that may still be decoded
+    uint64_t m_unpacked_size = 0;             // decoded bytes of the object streams, each counted once
     std::unordered_set<uint32_t> m_unpacked;  // the object streams counted
-    bool m_in_length = false;    // a stream's indirect length is being fetched
-    bool m_in_container = false; // an object stream is being decoded
+    bool m_in_length = false;                 // a stream's indirect length is being fetched
+    bool m_in_container = false;              // an object stream is being decoded
     PDF_SECTION_KIND m_newest_kind = PDF_SECTION_KIND::NONE;
     uint32_t m_newest_pos = 0;
     CPDFDictionary m_trailer;

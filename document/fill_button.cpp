@@ -70,8 +70,8 @@ CPDFStatus plan_button(const CPDFValue& value, const CPDFWidgetBinder& widgets, 
     plan.action = PDF_FILL_PLAN::SET_BUTTON;
     const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, widgets);
     const auto refuse = [&](const std::string& what) {
-        return refuse_fill(PDF_CODE::WRONG_KIND, field, "has no state " + what + ": it takes " +
-                                                            quoted_list(accepted_words(choices)));
+        return refuse_fill(PDF_CODE::WRONG_KIND, field,
+                           "has no state " + what + ": it takes " + quoted_list(accepted_words(choices)));
     };
     const auto take_bool = [&](bool on) {
         plan.button = on ? 0 : -1;

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "core/alloc.h"
 #include "core/array.h"
 #include "document/field_text.h"
 #include "document/filler_internal.h"
@@ -10,11 +9,11 @@
 namespace {
 
 // The field that holds the options: the nearest choice field with options, or the field itself.
-CPDFField& options_holder(CPDFField& field)
+const CPDFField& options_holder(const CPDFField& field)
 {
-    const CPDFField* holder = nearest_field(
-        field, [](const CPDFField& at) { return at.m_opt_cnt > 0 || at.m_type != FIELD_CHOICE; });
-    return holder && holder->m_type == FIELD_CHOICE ? const_cast<CPDFField&>(*holder) : field;
+    const CPDFField* holder =
+        nearest_field(field, [](const CPDFField& at) { return at.m_opt_cnt > 0 || at.m_type != FIELD_CHOICE; });
+    return holder && holder->m_type == FIELD_CHOICE ? *holder : field;
 }
 
 // The option with this export value, else with this shown text, or -1.
@@ -42,18 +41,19 @@ CPDFStatus no_such_option(const CPDFField& field, const CPDFField& holder, const
     return refuse_fill(PDF_CODE::WRONG_KIND, field, "has no option \"" + word + "\": " + takes);
 }
 
-void append_export_value(CPDFArray& values, const CPDFField& holder, int option)
+// Whether the field has a value when its "V" is gone.
+bool shows_another_value(const CPDFField& field)
 {
-    const PDF_String& val = holder.m_opts[option].val;
-    values.append_str(val.buf ? val.buf : reinterpret_cast<const unsigned char*>(""), val.len);
+    const auto has_value = [](const CPDFField& at) { return at.m_value.type != PDF_OBJ_NULL; };
+    return field.m_def_value.type != PDF_OBJ_NULL || (field.m_parent && nearest_field(*field.m_parent, has_value));
 }
 
 }  // namespace
 
 CPDFStatus plan_choice(const CPDFValue& value, PDF_FILL_PLAN& plan)
 {
-    CPDFField& field = *plan.field;
-    CPDFField& holder = options_holder(field);
+    const CPDFField& field = *plan.field;
+    const CPDFField& holder = options_holder(field);
     const bool combo = (field.m_flags & FIELD_COMBO) != 0;
     plan.action = PDF_FILL_PLAN::SET_OPTIONS;
     if (std::holds_alternative<bool>(value))
@@ -85,21 +85,25 @@ CPDFStatus plan_choice(const CPDFValue& value, PDF_FILL_PLAN& plan)
     return {};
 }
 
-// The engine writes shown texts for several options; what other programs read in "V" are the export values.
+// Other programs read export values in "V", where the engine's set_choice_sels has the shown texts; and they read them in
+// the field itself, wherever the options stand.
 void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan)
 {
-    CPDFField& holder = options_holder(*plan.field);
-    holder.set_choice_sels(plan.options.data(), static_cast<int>(plan.options.size()));
+    CPDFField& field = *plan.field;
+    const CPDFField& holder = options_holder(field);
     CPDFObj value;
     CPDFArray indices;
     if (plan.options.size() > 1)
         value.set_array();
+    else if (shows_another_value(field))
+        value.set_string("", 0);
     for (const int option : plan.options) {
+        const PDF_String& val = holder.m_opts[option].val;
         indices.append_int(option);
         if (value.type == PDF_OBJ_ARRAY)
-            append_export_value(*value.arr, holder, option);
+            value.arr->append_str(val.buf, val.len);
         else
-            value.set_string(holder.m_opts[option].val.buf, holder.m_opts[option].val.len);
+            value.set_string(val.buf, val.len);
     }
-    store_value(target, holder, value, plan.options.empty() ? nullptr : &indices);
+    store_value(target, field, value, plan.options.empty() ? nullptr : &indices);
 }

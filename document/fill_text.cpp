@@ -32,8 +32,8 @@ CPDFStatus plan_text(const CPDFValue& value, PDF_FILL_PLAN& plan)
     const int32_t most = max_length(*plan.field);
     const int64_t count = character_count(plan.text);
     if (most > 0 && count > most)
-        return refuse_fill(PDF_CODE::LIMIT, *plan.field, "takes at most " + std::to_string(most) + " characters, not " +
-                                                             std::to_string(count));
+        return refuse_fill(PDF_CODE::LIMIT, *plan.field,
+                           "takes at most " + std::to_string(most) + " characters, not " + std::to_string(count));
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include "document/field_text.h"
 #include "document/filler_internal.h"
 #include "forms/field.h"
+#include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 
 CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string& why)
@@ -24,9 +25,10 @@ std::string quoted_list(const std::vector<std::string>& words)
     return words.size() > MOST ? list + " or one of " + std::to_string(words.size() - MOST) + " more" : list;
 }
 
-CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
+CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
                      PDF_FILL_PLAN& plan)
 {
+    CPDFField& field = value_field(shown);
     plan = PDF_FILL_PLAN();
     plan.field = &field;
     if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
@@ -50,7 +52,7 @@ CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, co
 void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
                 std::vector<CPDFField*>& changed)
 {
-    FILL_TARGET target = {xref, changed};
+    FILL_TARGET target = {xref, changed, {}};
     switch (plan.action) {
     case PDF_FILL_PLAN::SET_TEXT:
         apply_text(target, plan);
@@ -66,34 +68,50 @@ void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidget
 
 namespace {
 
+constexpr const char* VALUE_KEYS[] = {"V"};
+constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
+
+bool has_own_value(CPDFXRefTable& xref, const CPDFField& field)
+{
+    CPDFObj own;
+    if (field.m_value.type != PDF_OBJ_NULL)  // which may be the default
+        xref.get_entity(own, field.m_ref, &VALUE_KEY_SET);
+    return own.dictionary() && own.dict->get_item("V");
+}
+
 // Kids without a name show the value of the field; one that carries a value of its own would contradict it.
-void drop_kid_values(FILL_TARGET& target, CPDFField& field)
+void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
 {
     for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
         CPDFField* kid = field.m_kids[i];
-        if (!kid || kid->m_name.len > 0 || kid->m_value.type == PDF_OBJ_NULL)
+        if (!kid || &value_field(*kid) == kid)
             continue;
-        CPDFObj nothing;
-        store_value(target, *kid, nothing, nullptr);
+        if (has_own_value(target.xref, *kid))
+            store_value(target, *kid, CPDFObj(), nullptr);
+        else
+            drop_kid_values(target, *kid);
     }
 }
 
 }  // namespace
 
-void store_value(FILL_TARGET& target, CPDFField& field, CPDFObj& value, const CPDFArray* indices)
+void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFArray* indices)
 {
     CPDFObj own;
     target.xref.get_entity(own, field.m_ref);
-    if (CPDFDictionary* dict = own.dictionary()) {
-        dict->set_item("V", &value);
-        dict->remove_item("RV");
-        if (indices)
-            dict->set_item_arr("I", indices);
-        else
-            dict->remove_item("I");
-        target.xref.store_changed(field.m_ref, own);
-    }
-    field.m_value.take(value);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict)
+        return;
+    dict->set_item("V", &value);
+    dict->remove_item("RV");
+    if (indices)
+        dict->set_item_arr("I", indices);
+    else
+        dict->remove_item("I");
+    if (target.memory.failed())
+        return;
+    target.xref.take_changed(field.m_ref, own);
     target.changed.push_back(&field);
+    field.reload_value();
     drop_kid_values(target, field);
 }

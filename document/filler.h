@@ -31,7 +31,7 @@ struct PDF_FILL_PLAN {
         SET_OPTIONS,  // a choice: the options `options`, in ascending order
     };
 
-    CPDFField* field = nullptr;  // borrowed from the form
+    CPDFField* field = nullptr;  // borrowed from the form; the field whose value changes
     ACTION action = SET_TEXT;
     std::string text;
     int button = -1;
@@ -39,7 +39,8 @@ struct PDF_FILL_PLAN {
     bool coerced = false;  // the value was understood as something else than it said, such as a shown text
 };
 
-// Decides what `value` means for `field`. Refuses, in a sentence that names the field, a kind that takes no value or not
+// Decides what `value` means for `field`; for a field without a name, which only shows the value of the one above it, for
+// that one. Refuses, in a sentence that names the field, a kind that takes no value or not
 // such a one, a read-only field, a text longer than the maximum, and a state or option that isn't there; nothing is changed.
 CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
                      PDF_FILL_PLAN& plan);

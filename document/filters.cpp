@@ -118,7 +118,7 @@ bool read_chain(CPDFXRefTable* xref, const CPDFDictionary& dict, Chain& chain)
     return true;
 }
 
-bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& out)
+bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& out, uint64_t& work)
 {
     const size_t limit = size < LIMIT_DECODED_STREAM / LIMIT_DECODE_RATIO
                              ? std::min(LIMIT_DECODED_STREAM, size * LIMIT_DECODE_RATIO + LIMIT_DECODE_SLACK)
@@ -133,6 +133,7 @@ bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& 
             return false;
         if (stage.filter->has_predictor)
             undo_predictor(stage.parms, next);
+        work += next.size();
         next.cut(limit);
         out.swap(next);
         data = out.data();
@@ -234,11 +235,16 @@ void CPDFBytes::swap(CPDFBytes& other) noexcept
     std::swap(m_capacity, other.m_capacity);
 }
 
-bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out)
+bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,
+                   uint64_t* work)
 {
     out.clear();
     Chain chain;
-    if (read_chain(xref, dict, chain) && run_chain(chain, data, size, out))
+    uint64_t given = 0;
+    const bool decoded = read_chain(xref, dict, chain) && run_chain(chain, data, size, out, given);
+    if (work)
+        *work = given;
+    if (decoded)
         return true;
     out.clear();
     return false;

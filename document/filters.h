@@ -69,7 +69,9 @@ private:
 // nor more than LIMIT_DECODE_RATIO times `size` plus LIMIT_DECODE_SLACK: the data ends there.
 // False, with `out` empty, for a filter that is not known here (image codecs, encryption), more than LIMIT_FILTERS of
 // them, or when memory runs out.
-bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
+// `work`, when not null, is set to the bytes that all stages gave together.
+bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,
+                   uint64_t* work = nullptr);
 
 // A reader that takes `bytes`; the caller owns it.
 CPDFStream* make_decoded_stream(CPDFBytes&& bytes);

@@ -9,6 +9,7 @@ namespace {
 constexpr uint8_t S = CHAR_SPACE;
 constexpr uint8_t D = CHAR_DELIMITER;
 constexpr uint8_t H = CHAR_HASH;
+constexpr uint8_t K = CHAR_KEYWORD;
 
 }  // namespace
 
@@ -20,8 +21,8 @@ const uint8_t PDF_CHAR_CLASSES[256] = {
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0, 0,
-    0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-    0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0, 0,
+    0, 0, 0, 0, 0, K, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+    0, 0, 0, K, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0, 0,
 };
 // clang-format on
 
@@ -125,8 +126,12 @@ bool CPDFLexer::skip_dict_value()
     const uint8_t* const end = m_end;
     while (at < end) {
         const uint8_t c = *at;
-        if (!(PDF_CHAR_CLASSES[c] & CHAR_DELIMITER)) {
-            if ((c == 'e' || c == 's') && !is_regular(at[-1]) && at[-1] != '/') {
+        if (!(PDF_CHAR_CLASSES[c] & (CHAR_DELIMITER | CHAR_KEYWORD))) {
+            ++at;
+            continue;
+        }
+        if (PDF_CHAR_CLASSES[c] == CHAR_KEYWORD) {
+            if (!is_regular(at[-1]) && at[-1] != '/') {
                 m_at = at;
                 if (starts("stream")) {
                     while (depth > 0 && is_dict[depth - 1])

@@ -9,7 +9,8 @@ enum PDF_CHAR_CLASS : uint8_t {
     CHAR_REGULAR = 0,
     CHAR_SPACE = 1,
     CHAR_DELIMITER = 2,
-    CHAR_HASH = 4,  // regular, but it may begin an escape in a name
+    CHAR_HASH = 4,     // regular, but it may begin an escape in a name
+    CHAR_KEYWORD = 8,  // regular, but it may begin a word that ends an object
 };
 
 extern const uint8_t PDF_CHAR_CLASSES[256];
@@ -65,7 +66,7 @@ public:
             seen |= kind;
         }
         m_at = at;
-        return seen != 0;
+        return (seen & CHAR_HASH) != 0;
     }
 
     // Whether `word` stands at the cursor; a regular character right behind it spoils the match. accept also steps over

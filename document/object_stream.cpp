@@ -80,7 +80,10 @@ const CPDFObjectStream* CPDFObjectStreamCache::add(uint32_t num, std::unique_ptr
 
 void CPDFObjectStreamCache::make_room(size_t size)
 {
-    while (!m_slots.empty() && m_held + size > LIMIT_OBJECT_STREAM_CACHE) {
+    if (m_last)
+        m_slots[m_last_num].last_use = ++m_clock;  // finding it again did not count
+    m_last = nullptr;
+    while (!m_slots.empty() && m_held + size > m_room) {
         const auto older = [](const auto& a, const auto& b) { return a.second.last_use < b.second.last_use; };
         const auto oldest = std::min_element(m_slots.begin(), m_slots.end(), older);
         m_held -= oldest->second.stream->footprint();

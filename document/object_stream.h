@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/limits.h"
 #include "document/filters.h"
 
 // One decoded object stream and where its objects begin.
@@ -38,6 +39,9 @@ private:
 // The decoded object streams of one file, by object number; the ones used longest ago go first when room ends.
 class CPDFObjectStreamCache {
 public:
+    // Keeps up to `room` bytes.
+    explicit CPDFObjectStreamCache(size_t room = LIMIT_OBJECT_STREAM_CACHE) : m_room(room) {}
+
     // The stream `num`, or null. Borrowed: ends with the next add.
     const CPDFObjectStream* find(uint32_t num);
 
@@ -53,6 +57,7 @@ private:
     void make_room(size_t size);
 
     std::unordered_map<uint32_t, Slot> m_slots;
+    size_t m_room;
     size_t m_held = 0;
     uint64_t m_clock = 0;
     uint32_t m_last_num = 0;

@@ -34,9 +34,10 @@ void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
     if (const CPDFObj* pages = catalog ? catalog->get_item("Pages") : nullptr)
         visit(*pages, 0);
     // Of the pages that list one annotation, the first is kept.
-    std::sort(m_annotations.begin(), m_annotations.end(), [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
-        return a.num != b.num ? a.num < b.num : a.page < b.page;
-    });
+    std::sort(m_annotations.begin(), m_annotations.end(),
+              [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
+                  return a.num != b.num ? a.num < b.num : a.page < b.page;
+              });
     const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) { return a.num == b.num; };
     m_annotations.erase(std::unique(m_annotations.begin(), m_annotations.end(), same), m_annotations.end());
     m_xref = nullptr;

@@ -50,5 +50,5 @@ private:
     int64_t m_entries_left = 0;
     std::vector<PDF_REF> m_pages;
     std::vector<PDF_PAGE_ANNOTATION> m_annotations;  // sorted by number, one each
-    std::unordered_map<uint32_t, int32_t> m_seen;  // objects visited; the page number of those that are pages
+    std::unordered_map<uint32_t, int32_t> m_seen;    // objects visited; the page number of those that are pages
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <string>
 
 #include "core/alloc.h"
 #include "core/array.h"
@@ -30,23 +32,24 @@ public:
 private:
     void decode()
     {
-        m_decoded.reserve(m_len);
+        m_decoded = std::make_unique<std::string>();
+        m_decoded->reserve(m_len);
         for (size_t i = 0; i < m_len; ++i) {
             const bool coded = m_text[i] == '#' && i + 2 < m_len && digit(i + 1) >= 0 && digit(i + 2) >= 0;
             // A name holds no byte 0.
             const bool escaped = coded && digit(i + 1) + digit(i + 2) > 0;
-            m_decoded += escaped ? static_cast<char>(digit(i + 1) * 16 + digit(i + 2)) : m_text[i];
+            *m_decoded += escaped ? static_cast<char>(digit(i + 1) * 16 + digit(i + 2)) : m_text[i];
             i += escaped ? 2 : 0;
         }
-        m_text = m_decoded.data();
-        m_len = m_decoded.size();
+        m_text = m_decoded->data();
+        m_len = m_decoded->size();
     }
 
     int digit(size_t at) const { return hex_digit(static_cast<uint8_t>(m_text[at])); }
 
     const char* m_text = nullptr;  // borrowed from the file, or from m_decoded
     size_t m_len = 0;
-    std::string m_decoded;
+    std::unique_ptr<std::string> m_decoded;  // seldom made: names with an escape are rare
 };
 
 // Decodes the body of a literal string into `out`, which has room for all of it; returns the end.
@@ -131,8 +134,19 @@ bool CPDFParser::parse_value(CPDFObj& out)
     case '[':
         parse_array(out);
         return true;
-    case '0': case '1': case '2': case '3': case '4': case '5': case '6': case '7': case '8': case '9':
-    case '+': case '-': case '.':
+    case '0':
+    case '1':
+    case '2':
+    case '3':
+    case '4':
+    case '5':
+    case '6':
+    case '7':
+    case '8':
+    case '9':
+    case '+':
+    case '-':
+    case '.':
         parse_number(out);
         return true;
     default:

@@ -22,6 +22,9 @@ public:
     // entries. Returns false, with `out` at tag 0, when there is none or it exceeds the limits.
     bool parse(CPDFObj& out, const CPDFKeySet* keys);
 
+    // What the values built so far cost beyond their bytes in the file: memory, in bytes.
+    size_t work() const { return m_values * sizeof(CPDFObj); }
+
 private:
     bool parse_value(CPDFObj& out);
     void parse_dict(CPDFObj& out, const CPDFKeySet* keys);

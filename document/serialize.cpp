@@ -18,15 +18,23 @@ void write_int(std::string& out, Int value)
     out.append(digits, end.ptr);
 }
 
+bool is_plain_in_name(char byte)
+{
+    const auto c = static_cast<uint8_t>(byte);
+    return is_regular(c) && c > 0x20 && c < 0x7F && c != '#';
+}
+
 void write_name(std::string& out, const char* name)
 {
     out += '/';
-    for (const char* p = name; p && *p; ++p) {
-        const auto c = static_cast<uint8_t>(*p);
-        if (is_regular(c) && c > 0x20 && c < 0x7F && c != '#') {
-            out += *p;
-            continue;
-        }
+    while (name && *name) {
+        const char* plain = name;
+        while (is_plain_in_name(*name))
+            ++name;
+        out.append(plain, static_cast<size_t>(name - plain));
+        if (!*name)
+            break;
+        const auto c = static_cast<uint8_t>(*name++);
         out += '#';
         out += HEX[c >> 4];
         out += HEX[c & 15];
@@ -54,24 +62,38 @@ void write_string(std::string& out, const PDF_String& str)
         return;
     }
     out += '(';
+    const char* bytes = reinterpret_cast<const char*>(str.buf);
+    int32_t done = 0;
     for (int32_t i = 0; i < str.len; ++i) {
-        const auto c = static_cast<char>(str.buf[i]);
-        if (c == '\r') {
-            out += "\\r";  // a bare CR would read back as LF
+        const char c = bytes[i];
+        if (c != '(' && c != ')' && c != '\\' && c != '\r')
             continue;
-        }
-        if (c == '(' || c == ')' || c == '\\')
-            out += '\\';
-        out += c;
+        out.append(bytes + done, static_cast<size_t>(i - done));
+        out += '\\';
+        out += c == '\r' ? 'r' : c;  // a bare CR would read back as LF
+        done = i + 1;
     }
+    out.append(done < str.len ? bytes + done : "", static_cast<size_t>(str.len > done ? str.len - done : 0));
     out += ')';
+}
+
+// Whether the value begins and ends with a delimiter, so that nothing need keep it apart from its neighbours.
+bool is_delimited(const CPDFObj& value)
+{
+    return value.type == PDF_OBJ_STRING || value.type == PDF_OBJ_ARRAY || value.type == PDF_OBJ_DICT;
+}
+
+// Whether the value begins with a delimiter.
+bool opens_delimited(const CPDFObj& value)
+{
+    return is_delimited(value) || value.type == PDF_OBJ_NAME;
 }
 
 void write_array(std::string& out, const CPDFArray& array)
 {
     out += '[';
     for (int32_t i = 0; i < array.count; ++i) {
-        if (i > 0)
+        if (i > 0 && !opens_delimited(array.items[i]) && !is_delimited(array.items[i - 1]))
             out += ' ';
         write_object(out, array.items[i]);
     }
@@ -88,7 +110,9 @@ void write_real(std::string& out, VXFIX value)
         out += '-';
         fixed = 0 - fixed;
     }
-    write_int(out, fixed >> 26);
+    const bool whole = fixed >= VXFIX_ONE;
+    if (whole)
+        write_int(out, fixed >> 26);
     // The fewest decimals that lead back to the same fixed-point number.
     uint64_t scale = 1;
     uint64_t decimals = 0;
@@ -98,8 +122,11 @@ void write_real(std::string& out, VXFIX value)
         if (decimals < scale && ((decimals << 26) + scale / 2) / scale == (fixed & FRACTION))
             break;
     }
-    if (digits == 0)
+    if (digits == 0) {
+        if (!whole)
+            out += '0';
         return;
+    }
     out += '.';
     const size_t at = out.size();
     write_int(out, decimals);
@@ -114,8 +141,7 @@ void write_dictionary(std::string& out, const CPDFDictionary& dict)
         if (value.type == PDF_OBJ_NULL)
             continue;
         write_name(out, dict.items[i]->key());
-        const bool delimited = value.type == PDF_OBJ_STRING || (value.type >= PDF_OBJ_NAME && value.type <= PDF_OBJ_DICT);
-        if (!delimited)
+        if (!opens_delimited(value))
             out += ' ';
         write_object(out, value);
     }

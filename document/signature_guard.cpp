@@ -13,13 +13,26 @@
 
 namespace {
 
-// Certification that allows nothing to change (ISO 32000-2, table 257, "P").
+// Certification, or a lock, that allows nothing to change (ISO 32000-2, tables 236 and 257, "P").
 constexpr int32_t NO_CHANGES = 1;
 
 // A signature's digest skips its own bytes, so it and its byte range stand in the file as plain text.
 bool holds_signature(const CPDFDocument& document)
 {
-    return memmem(document.data(), document.size(), "/ByteRange", 10) != nullptr;
+    // The whole file is looked through, so the search goes by a letter that is rare in forms, not by the slash.
+    constexpr char WORD[] = "/ByteRange";
+    constexpr size_t SIZE = sizeof WORD - 1;
+    constexpr size_t RARE = 2;
+    if (document.size() < SIZE)
+        return false;
+    const uint8_t* at = document.data() + RARE;
+    const uint8_t* const end = document.data() + document.size() - (SIZE - RARE) + 1;
+    while (at < end && (at = static_cast<const uint8_t*>(std::memchr(at, WORD[RARE], static_cast<size_t>(end - at))))) {
+        if (std::memcmp(at - RARE, WORD, SIZE) == 0)
+            return true;
+        ++at;
+    }
+    return false;
 }
 
 // Calls `visit(const CPDFObj&)` with each element, resolved, of the array `key`.
@@ -65,8 +78,10 @@ void CPDFSignatureGuard::add_signature(CPDFXRefTable& xref, CPDFField& field)
     const CPDFDictionary* dict = own.dictionary();
     CPDFObj scratch;
     const CPDFObj* lock = view_obj(&xref, dict ? dict->get_item("Lock") : nullptr, scratch);
-    if (lock->dictionary())
-        add_lock(xref, *lock->dict, name);
+    if (!lock->dictionary())
+        return;
+    add_lock(xref, *lock->dict, name);
+    add_permission(xref, *lock->dict);
 }
 
 void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictionary& signature, const std::string& name)
@@ -76,14 +91,20 @@ void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictiona
         CPDFObj method_scratch;
         CPDFObj parameters_scratch;
         const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, method_scratch);
-        const CPDFObj* parameters = view_obj(&xref, dict ? dict->get_item("TransformParams") : nullptr, parameters_scratch);
+        const CPDFObj* parameters =
+            view_obj(&xref, dict ? dict->get_item("TransformParams") : nullptr, parameters_scratch);
         if (!parameters->dictionary())
             return;
         if (method->is_name("FieldMDP"))
             add_lock(xref, *parameters->dict, name);
         else if (method->is_name("DocMDP"))
-            m_no_changes = m_no_changes || resolve_integer(&xref, parameters->dict->get_item("P")) == NO_CHANGES;
+            add_permission(xref, *parameters->dict);
     });
+}
+
+void CPDFSignatureGuard::add_permission(CPDFXRefTable& xref, const CPDFDictionary& parameters)
+{
+    m_no_changes = m_no_changes || resolve_integer(&xref, parameters.get_item("P")) == NO_CHANGES;
 }
 
 void CPDFSignatureGuard::add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature)
@@ -117,15 +138,16 @@ void CPDFSignatureGuard::read_permissions(CPDFXRefTable& xref, const CPDFDiction
 CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
 {
     if (m_no_changes)
-        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + full_name(field) +
-                                                           "\" can't be filled: the document is certified against any change");
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY,
+                                  "field \"" + full_name(field) +
+                                      "\" can't be filled: the document is certified against any change");
     const std::string name = m_locks.empty() ? std::string() : full_name(field);
     for (const LOCK& lock : m_locks) {
         const auto covers = [&name](const std::string& top) { return is_under(name, top); };
         const bool named = std::any_of(lock.fields.begin(), lock.fields.end(), covers);
         if (named != lock.all_but)
-            return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + name + "\" is locked by the signature \"" +
-                                                               lock.signature + "\"");
+            return CPDFStatus::failed(PDF_CODE::READ_ONLY,
+                                      "field \"" + name + "\" is locked by the signature \"" + lock.signature + "\"");
     }
     return {};
 }

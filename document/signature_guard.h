@@ -33,10 +33,11 @@ private:
 
     void add_signature(CPDFXRefTable& xref, CPDFField& field);
     void add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature);
+    void add_permission(CPDFXRefTable& xref, const CPDFDictionary& parameters);
     void read_permissions(CPDFXRefTable& xref, const CPDFDictionary& root);
     void read_references(CPDFXRefTable& xref, const CPDFDictionary& signature, const std::string& name);
 
     bool m_signed = false;
-    bool m_no_changes = false;  // a certifying signature allows none
+    bool m_no_changes = false;  // a signature allows none
     std::vector<LOCK> m_locks;
 };

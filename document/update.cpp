@@ -1,7 +1,6 @@
 #include "document/update.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 #include "core/array.h"
@@ -18,6 +17,17 @@ struct Place {
     uint32_t gen;
     uint64_t offset;
 };
+
+// Appends `value` with zeros in front, so that it has at least `width` digits.
+void append_padded(std::string& out, uint64_t value, size_t width)
+{
+    char digits[24];
+    char* const end = digits + sizeof digits;
+    char* first = end;
+    for (; value > 0 || static_cast<size_t>(end - first) < width; value /= 10)
+        *--first = static_cast<char>('0' + value % 10);
+    out.append(first, end);
+}
 
 class Update {
 public:
@@ -45,21 +55,39 @@ private:
 
     void write_objects()
     {
-        std::vector<const PDF_CHANGED_OBJ*> order;
+        constexpr size_t SAMPLE = 64;  // objects that tell how much room all of them will need
+        const PDF_CHANGED_OBJ* changed = m_xref.changed();
+        std::vector<int32_t> order;
         for (int32_t i = 0; i < m_xref.changed_count(); ++i) {
-            if (m_xref.changed()[i].ref.num)
-                order.push_back(&m_xref.changed()[i]);
+            if (changed[i].ref.num)
+                order.push_back(i);
         }
-        std::sort(order.begin(), order.end(), [](const auto* a, const auto* b) { return a->ref.num < b->ref.num; });
-        for (const PDF_CHANGED_OBJ* record : order) {
-            m_places.push_back({record->ref.num, record->ref.gen, position()});
-            m_out += std::to_string(record->ref.num) + ' ' + std::to_string(record->ref.gen) + " obj\n";
-            if (record->obj.type == PDF_OBJ_STREAM)
-                write_stream(*record->obj.stream);
+        std::sort(order.begin(), order.end(),
+                  [changed](int32_t a, int32_t b) { return changed[a].ref.num < changed[b].ref.num; });
+        m_places.reserve(order.size() + 1);
+        for (const int32_t i : order) {
+            if (m_places.size() == SAMPLE)
+                m_out.reserve(m_out.size() / SAMPLE * (order.size() + SAMPLE));
+            m_places.push_back({changed[i].ref.num, generation_of(i), position()});
+            append_padded(m_out, m_places.back().num, 1);
+            m_out += ' ';
+            append_padded(m_out, m_places.back().gen, 1);
+            m_out += " obj\n";
+            if (changed[i].obj.type == PDF_OBJ_STREAM)
+                write_stream(*changed[i].obj.stream);
             else
-                write_object(m_out, record->obj);
+                write_object(m_out, changed[i].obj);
             m_out += "\nendobj\n";
         }
+    }
+
+    // The generation that the file gives the object: a reference may have named another.
+    uint32_t generation_of(int32_t i) const
+    {
+        const PDF_XREF_ENTRY& before = m_xref.before()[i].entry;
+        if (before.type == PDF_XREF_IN_FILE)
+            return before.gen;
+        return before.type == PDF_XREF_IN_STREAM ? 0 : m_xref.changed()[i].ref.gen;
     }
 
     void write_stream(const CPDFStreamRec& rec)
@@ -101,10 +129,10 @@ private:
         for_each_run([this](uint32_t first, size_t count, const Place* place) {
             m_out += std::to_string(first) + ' ' + std::to_string(count) + '\n';
             for (size_t i = 0; i < count; ++i) {
-                char line[32];
-                std::snprintf(line, sizeof line, "%010llu %05u n \n", static_cast<unsigned long long>(place[i].offset),
-                              place[i].gen);
-                m_out += line;
+                append_padded(m_out, place[i].offset, 10);
+                m_out += ' ';
+                append_padded(m_out, place[i].gen, 5);
+                m_out += " n \n";
             }
         });
         CPDFDictionary trailer;
@@ -166,7 +194,7 @@ private:
         set_file_id(trailer, before, m_out);
     }
 
-    std::string& m_out;              // borrowed from the caller, as the following
+    std::string& m_out;  // borrowed from the caller, as the following
     const CPDFXRefTable& m_xref;
     const CPDFFileReader& m_reader;
     const uint8_t* m_data;
@@ -178,7 +206,8 @@ private:
 
 }  // namespace
 
-void write_update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const unsigned char* data, size_t size)
+void write_update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const unsigned char* data,
+                  size_t size)
 {
     if (xref.changed_count() == 0 || size == 0)
         return;

@@ -9,4 +9,5 @@ class CPDFXRefTable;
 // Appends to `out` what follows the input's bytes: every changed object, a cross-reference section of the kind that the
 // input's newest section has, and its trailer. Appends nothing when nothing has changed. Reads the sections that are
 // still pending.
-void write_update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const unsigned char* data, size_t size);
+void write_update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const unsigned char* data,
+                  size_t size);

@@ -1,23 +1,34 @@
 #include "document/widget_binder.h"
 
+#include "core/array.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/page_map.h"
 #include "engine/annot_widget.h"
+#include "forms/acro_form.h"
 #include "forms/field.h"
-#include "forms/field_walk.h"
+#include "forms/field_inherit.h"
 
 namespace {
 
-constexpr const char* WIDGET_KEYS[] = {"Subtype", "Parent"};
-constexpr CPDFKeySet WIDGET_KEY_SET(WIDGET_KEYS);
+constexpr const char* SUBTYPE_KEYS[] = {"Subtype"};
+constexpr CPDFKeySet SUBTYPE_KEY_SET(SUBTYPE_KEYS);
+constexpr const char* KIDS_KEYS[] = {"Kids", "Subtype"};
+constexpr CPDFKeySet KIDS_KEY_SET(KIDS_KEYS);
+constexpr const char* ORPHAN_KEYS[] = {"Parent", "Subtype", "T"};
+constexpr CPDFKeySet ORPHAN_KEY_SET(ORPHAN_KEYS);
 
-CPDFField& named_field(CPDFField& field)
+bool is_widget(CPDFXRefTable& xref, const CPDFDictionary* dict)
 {
-    CPDFField* at = &field;
-    while (at->m_name.len <= 0 && at->m_parent)
-        at = at->m_parent;
-    return *at;
+    CPDFObj scratch;
+    return dict && view_obj(&xref, dict->get_item(CPDFDictionary::sm_tag_subtype), scratch)->is_name("Widget");
+}
+
+// The reference to an object that is known by its number.
+PDF_REF ref_of(CPDFXRefTable& xref, uint32_t num)
+{
+    const PDF_XREF_ENTRY* entry = xref.entry_of(num);
+    return {num, entry && entry->type != PDF_XREF_IN_STREAM ? entry->gen : 0};
 }
 
 }  // namespace
@@ -38,7 +49,10 @@ CPDFAnnotWidget* CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, 
     if (!m_bound.emplace(ref.num, true).second)
         return nullptr;
     auto widget = std::make_unique<CPDFAnnotWidget>();
-    if (!widget->load(&xref, ref))
+    widget->m_xref = &xref;
+    widget->m_ref = ref;
+    // The states of other kinds mean nothing: reading them would only cost time.
+    if (shown.m_type == FIELD_BUTTON && !widget->load(&xref, ref))
         return nullptr;
     m_by_field[named.m_ref.num].push_back(widget.get());
     if (!shown.m_widget)
@@ -47,35 +61,63 @@ CPDFAnnotWidget* CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, 
     return m_widgets.back().get();
 }
 
-// The widgets that the field itself knows: its own dictionary when it is one, and its "Kids" that are no fields.
-void CPDFWidgetBinder::add_own(CPDFXRefTable& xref, CPDFField& shown, CPDFField& named)
+// Binds what a field and the fields under it know: a dictionary that is a widget, too, and "Kids" that are no fields. In "Kids"
+// these and the fields may alternate, and options go by the order.
+void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
 {
+    CPDFField& named = value_field(field);
+    m_owners.emplace(field.m_ref.num, OWNER{&field, &named});
+    const bool mixed = field.m_widget_cnt > 0 && field.m_kid_cnt > 0;
+    // A field that a page lists is a widget: reading it again would say no more.
+    const bool listed = pages.page_of_annotation(field.m_ref.num) > 0;
     CPDFObj own;
-    xref.get_entity(own, shown.m_ref, &WIDGET_KEY_SET);
+    if (mixed || !listed)
+        xref.get_entity(own, field.m_ref, mixed ? &KIDS_KEY_SET : &SUBTYPE_KEY_SET);
     const CPDFDictionary* dict = own.dictionary();
+    if (listed || is_widget(xref, dict))
+        add(xref, field.m_ref, field, named);
     CPDFObj scratch;
-    if (dict && view_obj(&xref, dict->get_item(CPDFDictionary::sm_tag_subtype), scratch)->is_name("Widget"))
-        add(xref, shown.m_ref, shown, named);
-    for (int32_t i = 0; i < shown.m_widget_cnt; ++i)
-        add(xref, shown.m_widgets[i], shown, named);
+    const CPDFArray* order = mixed && dict ? view_obj(&xref, dict->get_item("Kids"), scratch)->array() : nullptr;
+    int32_t widget = 0;
+    int32_t kid = 0;
+    const auto add_widget = [&] { add(xref, field.m_widgets[widget++], field, named); };
+    const auto add_kid = [&] {
+        if (CPDFField* at = field.m_kids[kid++])
+            add_tree(xref, *at, pages);
+    };
+    for (int32_t i = 0; order && i < order->count; ++i) {
+        const uint32_t num = order->items[i].type == PDF_OBJ_REF ? order->items[i].ref.num : 0;
+        while (kid < field.m_kid_cnt && !field.m_kids[kid])
+            ++kid;
+        if (widget < field.m_widget_cnt && field.m_widgets[widget].num == num)
+            add_widget();
+        else if (kid < field.m_kid_cnt && field.m_kids[kid]->m_ref.num == num)
+            add_kid();
+    }
+    while (widget < field.m_widget_cnt)
+        add_widget();
+    while (kid < field.m_kid_cnt)
+        add_kid();
 }
 
 void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
 {
-    for_each_field(form, [&](CPDFField& field) {
-        CPDFField& named = named_field(field);
-        m_owners.emplace(field.m_ref.num, OWNER{&field, &named});
-        add_own(xref, field, named);
-    });
-    // What is left are widgets that name a field as their parent though the field doesn't list them.
+    for (int32_t i = 0; i < form.m_field_cnt; ++i) {
+        if (form.m_fields[i])
+            add_tree(xref, *form.m_fields[i], pages);
+    }
+    // What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a
+    // field of its own.
     for (const PDF_PAGE_ANNOTATION& annotation : pages.annotations()) {
         if (m_bound.count(annotation.num))
             continue;
-        const PDF_REF ref = {annotation.num, 0};
+        const PDF_REF ref = ref_of(xref, annotation.num);
         CPDFObj own;
-        xref.get_entity(own, ref, &WIDGET_KEY_SET);
+        xref.get_entity(own, ref, &ORPHAN_KEY_SET);
         const CPDFDictionary* dict = own.dictionary();
-        const CPDFObj* parent = dict ? dict->get_item(CPDFDictionary::sm_tag_parent) : nullptr;
+        if (!is_widget(xref, dict) || dict->get_item("T"))
+            continue;
+        const CPDFObj* parent = dict->get_item(CPDFDictionary::sm_tag_parent);
         const auto owner = parent && parent->type == PDF_OBJ_REF ? m_owners.find(parent->ref.num) : m_owners.end();
         if (owner != m_owners.end())
             add(xref, ref, *owner->second.shown, *owner->second.named);

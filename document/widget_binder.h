@@ -30,7 +30,7 @@ public:
     const std::vector<CPDFAnnotWidget*>& widgets_of(const CPDFField& field) const;
 
 private:
-    void add_own(CPDFXRefTable& xref, CPDFField& shown, CPDFField& named);
+    void add_tree(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages);
     CPDFAnnotWidget* add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named);
 
     struct OWNER {
@@ -39,7 +39,7 @@ private:
     };
 
     std::vector<std::unique_ptr<CPDFAnnotWidget>> m_widgets;
-    std::unordered_map<uint32_t, OWNER> m_owners;  // by object number, of fields and widgets
-    std::unordered_map<uint32_t, bool> m_bound;    // object numbers of the widgets
+    std::unordered_map<uint32_t, OWNER> m_owners;                            // by object number
+    std::unordered_map<uint32_t, bool> m_bound;                              // object numbers of the widgets
     std::unordered_map<uint32_t, std::vector<CPDFAnnotWidget*>> m_by_field;  // by object number of the field
 };

@@ -8,6 +8,7 @@
 //     << /Size 2 /Root 1 0 R >>            endobj
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -27,28 +28,41 @@ const uint8_t* find_last(const uint8_t* begin, const uint8_t* end, const char* w
 {
     const size_t size = std::strlen(word);
     for (const uint8_t* p = end - std::min<size_t>(size, static_cast<size_t>(end - begin)); p > begin; --p) {
-        if (*p == static_cast<uint8_t>(*word) && static_cast<size_t>(end - p) >= size && std::memcmp(p, word, size) == 0)
+        if (*p == static_cast<uint8_t>(*word) && static_cast<size_t>(end - p) >= size &&
+            std::memcmp(p, word, size) == 0)
             return p;
     }
     return nullptr;
 }
 
+// Eight decimal digits at once: neighbours are added up to pairs, to fours, to the whole number. `bad` gets a bit when one
+// is no digit.
+uint64_t eight_digits(const uint8_t* p, uint64_t& bad)
+{
+    constexpr uint64_t EACH = 0x0101010101010101;
+    uint64_t digits = 0;
+    std::memcpy(&digits, p, sizeof digits);
+    if constexpr (std::endian::native == std::endian::big)
+        digits = __builtin_bswap64(digits);  // the first digit is lowest
+    // A digit is 0x30 to 0x39: its upper half is 3, and stays so when 6 is added.
+    bad |= ((digits & 0xF0 * EACH) ^ 0x30 * EACH) | (((digits + 0x06 * EACH) & 0xF0 * EACH) ^ 0x30 * EACH);
+    digits -= 0x30 * EACH;
+    digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
+    digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
+    return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
+}
+
 // A table entry "nnnnnnnnnn ggggg n" in its fixed form; false when it is not in that form.
 bool read_fixed_entry(const uint8_t* p, uint64_t& offset, uint32_t& gen, bool& in_use)
 {
-    offset = 0;
-    gen = 0;
-    unsigned bad = 0;
-    for (int i = 0; i < 10; ++i) {
-        const unsigned digit = p[i] - unsigned{'0'};
-        bad |= digit > 9;
-        offset = offset * 10 + digit;
-    }
-    for (int i = 11; i < 16; ++i) {
-        const unsigned digit = p[i] - unsigned{'0'};
-        bad |= digit > 9;
-        gen = gen * 10 + digit;
-    }
+    uint64_t bad = 0;
+    const auto digit = [p, &bad](int at) {
+        const unsigned value = p[at] - unsigned{'0'};
+        bad |= value > 9;
+        return value;
+    };
+    offset = (uint64_t{digit(0)} * 10 + digit(1)) * 100000000 + eight_digits(p + 2, bad);
+    gen = (((digit(11) * 10 + digit(12)) * 10 + digit(13)) * 10 + digit(14)) * 10 + digit(15);
     in_use = p[17] == 'n';
     return !bad && p[10] == ' ' && p[16] == ' ' && (in_use || p[17] == 'f') && is_space(p[18]) && is_space(p[19]);
 }
@@ -103,7 +117,8 @@ bool CPDFFileReader::find_start(uint32_t& pos) const
 
 bool CPDFFileReader::table_at(size_t at) const
 {
-    return at < m_size && m_size - at >= 4 && std::memcmp(m_data + at, "xref", 4) == 0 && (at == 0 || m_data[at - 1] != 't');
+    return at < m_size && m_size - at >= 4 && std::memcmp(m_data + at, "xref", 4) == 0 &&
+           (at == 0 || m_data[at - 1] != 't');
 }
 
 bool CPDFFileReader::object_at(size_t at) const
@@ -308,8 +323,7 @@ bool CPDFFileReader::read_xref_stream(CPDFXRefTable& xref, size_t at)
         return false;
     const CPDFStreamRec& rec = *section.stream;
     CPDFBytes bytes;
-    if (!rec.dict.get_item("W") || !decode_stream(nullptr, rec.dict, m_data + rec.handle, rec.data_len, bytes) ||
-        !spend_decoded(bytes.size()))
+    if (!rec.dict.get_item("W") || !decode(nullptr, rec.dict, m_data + rec.handle, rec.data_len, bytes))
         return false;
     read_stream_entries(xref, rec.dict, bytes);
     keep_trailer(rec.dict);
@@ -373,6 +387,7 @@ void CPDFFileReader::follow_trailer(CPDFXRefTable& xref, const CPDFDictionary& t
         xref.raise_next_num(static_cast<uint32_t>(size));
     const int64_t prev = number_of(trailer, "Prev");
     size_t at = 0;
-    if (prev > 0 && prev <= UINT32_MAX && place_section(static_cast<uint32_t>(prev), at) && m_sections.insert(at).second)
+    if (prev > 0 && prev <= UINT32_MAX && place_section(static_cast<uint32_t>(prev), at) &&
+        m_sections.insert(at).second)
         xref.push_pending(static_cast<uint32_t>(prev));
 }

@@ -52,9 +52,11 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
     m_ref = ref;
     CPDFObj ap_scratch;
     const CPDFDictionary* ap = view_obj(xref, dict->get_item("AP"), ap_scratch)->dictionary();
-    CPDFObj n_scratch;
-    const CPDFDictionary* normal = ap ? view_obj(xref, ap->get_item("N"), n_scratch)->dictionary() : nullptr;
-    const char* on = on_state_of(normal);
+    // Some writers have the on state among the pressed appearances only.
+    CPDFObj states[2];
+    const char* on = nullptr;
+    for (int i = 0; ap && !on && i < 2; ++i)
+        on = on_state_of(view_obj(xref, ap->get_item(i == 0 ? "N" : "D"), states[i])->dictionary());
     VXFree(m_on_state);
     m_on_state = on ? copy_text(on) : nullptr;
 
@@ -98,5 +100,5 @@ void CPDFAnnotWidget::show(const char* state)
     if (!dict)
         return;
     dict->set_item_name("AS", state);
-    m_xref->store_changed(m_ref, own);
+    m_xref->take_changed(m_ref, own);
 }

@@ -29,8 +29,8 @@ public:
 
     CPDFXRefTable* m_xref = nullptr;  // borrowed from the document
     PDF_REF m_ref = {0, 0};           // the widget dictionary
-    char* m_on_state = nullptr;       // owned; the name under "AP"/"N" other than "Off", null when there is none
-    char* m_alt_state = nullptr;      // owned; "AS", or "Yes" where a widget without appearances shows nothing or "Off"
+    char* m_on_state = nullptr;   // owned; the name under "AP"/"N", else "D", other than "Off"; null when there is none
+    char* m_alt_state = nullptr;  // owned; "AS", or "Yes" where a widget without appearances shows nothing or "Off"
 
 private:
     void show(const char* state);

@@ -12,8 +12,8 @@ class CPDFXRefTable;
 struct PDF_RESOURCE {
     std::string category;
     std::string name;
-    PDF_REF ref;           // number 0 when the resource is held directly
-    std::string base_font; // "BaseFont" of a font, empty for other resources
+    PDF_REF ref;            // number 0 when the resource is held directly
+    std::string base_font;  // "BaseFont" of a font, empty for other resources
 };
 
 // Binds to a resource dictionary and lists what it names. It copies what it keeps, so the dictionary may change; a

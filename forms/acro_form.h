@@ -6,6 +6,7 @@
 
 class CPDFField;
 class CPDFResources;
+class CPDFVisitSet;
 class CPDFXRefTable;
 
 // The top-level fields, the default resources, and what is kept of an XFA entry. The form owns the fields and the
@@ -36,20 +37,21 @@ public:
     CPDFField* get_field(const wchar_t* name);
     CPDFField* get_field(const PDF_String& name);
 
-    PDF_REF m_ref;             // the form dictionary; number 0 when it is held directly in the catalog
-    PDF_REF m_xfa_ref;         // the XFA data set's stream, or the single XFA stream; number 0 when there is none
-    int32_t m_loaded;          // 1 once load has fetched the form entry, whatever it was
-    int32_t m_has_xfa;         // 1 when the form dictionary has "XFA"
-    CPDFField** m_fields;      // owned, with the fields; null slots for fields that did not load
-    int32_t m_field_cnt;       // slots, one per "Fields" entry
-    CPDFResources* m_res;      // owned; "DR", null when there is none
-    CPDFObj* m_root;           // borrowed from the document; the catalog
+    PDF_REF m_ref;         // the form dictionary; number 0 when it is held directly in the catalog
+    PDF_REF m_xfa_ref;     // the XFA data set's stream, or the single XFA stream; number 0 when there is none
+    int32_t m_loaded;      // 1 once load has fetched the form entry, whatever it was
+    int32_t m_has_xfa;     // 1 when the form dictionary has "XFA"
+    CPDFField** m_fields;  // owned, with the fields; null slots for fields that did not load
+    int32_t m_field_cnt;   // slots, one per "Fields" entry
+    CPDFResources* m_res;  // owned; "DR", null when there is none
+    CPDFObj* m_root;       // borrowed from the document; the catalog
     PDF_REF m_root_ref;
-    CPDFXRefTable* m_xref;     // borrowed from the document
+    CPDFXRefTable* m_xref;  // borrowed from the document
 
 private:
     void load_resources(const CPDFDictionary& dict);
     void load_fields(const CPDFDictionary& dict);
+    bool load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits);
     void load_xfa(const CPDFDictionary& dict);
     void load_packets(const CPDFArray& packets);
     void bind_template(const CPDFObj* packet);

@@ -4,6 +4,7 @@
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "engine/sign.h"
+#include "forms/field_edit.h"
 
 CPDFField::CPDFField()
     : m_xref(nullptr),
@@ -49,13 +50,8 @@ CPDFField::~CPDFField()
 
 void CPDFField::store_entry(const char* key, const CPDFObj& value)
 {
-    const VXFailureCheck check;
-    CPDFObj own;
-    m_xref->get_entity(own, m_ref);
-    CPDFDictionary* dict = own.dictionary();
-    if (!dict)
-        return;
-    dict->set_item(key, &value);
-    if (!check.failed())
-        m_xref->store_changed(m_ref, own);
+    edit_dictionary(*this, [key, &value](CPDFDictionary& dict) {
+        dict.set_item(key, &value);
+        return true;
+    });
 }

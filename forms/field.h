@@ -149,36 +149,37 @@ public:
     // Removes an option and its selection; the first option is selected when none remains. Returns 1, or 0 as above.
     int remove_choice_opt(int index);
 
-    CPDFXRefTable* m_xref;          // borrowed from the document
-    int32_t m_type;                 // PDF_FIELD_TYPE
-    uint32_t m_flags;               // "Ff"
-    CPDFObj m_value;                // "V", or "DV" where there is no "V"
-    CPDFObj m_def_value;            // "DV"
-    CPDFObj m_da;                   // "DA"
-    PDF_REF* m_widgets;             // owned; "Kids" entries that are widget annotations
+    CPDFXRefTable* m_xref;  // borrowed from the document
+    int32_t m_type;         // PDF_FIELD_TYPE
+    uint32_t m_flags;       // "Ff"
+    CPDFObj m_value;        // "V", or "DV" where there is no "V"
+    CPDFObj m_def_value;    // "DV"
+    CPDFObj m_da;           // "DA"
+    PDF_REF* m_widgets;     // owned; "Kids" entries that are widget annotations
     int32_t m_widget_cnt;
-    CPDFField** m_kids;             // owned, with the fields; room for every "Kids" entry
-    CPDFField* m_parent;            // borrowed; null for a top-level field
+    CPDFField** m_kids;   // owned, with the fields; room for every "Kids" entry
+    CPDFField* m_parent;  // borrowed; null for a top-level field
     int32_t m_kid_cnt;
-    PDF_String m_name;              // owned; "T" as stored
-    PDF_REF m_ref;                  // this field's dictionary
-    PDF_FIELD_OPT* m_opts;          // owned; "Opt"
+    PDF_String m_name;      // owned; "T" as stored
+    PDF_REF m_ref;          // this field's dictionary
+    PDF_FIELD_OPT* m_opts;  // owned; "Opt"
     int32_t m_opt_cnt;
-    int32_t* m_sels;                // owned; "I"
+    int32_t* m_sels;  // owned; "I"
     int32_t m_sel_cnt;
-    char* m_xfa_target;             // owned; target of the XFA event bound by the form, null when none
-    int32_t m_xfa_event;            // PDF_XFA_EVENT
-    int32_t m_max_len;              // "MaxLen" of a text field in characters, 0 when absent
-    int32_t m_index;                // slot in the parent's m_kids
-    int32_t m_inherited;            // 1 when kind and flags are the parent's
-    CPDFSign* m_sign;               // owned; signature value, null when unsigned
-    CPDFAnnotWidget* m_widget;      // borrowed from the document; the widget that shows the field, may be null
+    char* m_xfa_target;         // owned; target of the XFA event bound by the form, null when none
+    int32_t m_xfa_event;        // PDF_XFA_EVENT
+    int32_t m_max_len;          // "MaxLen" of a text field in characters, 0 when absent
+    int32_t m_index;            // slot in the parent's m_kids
+    int32_t m_inherited;        // 1 when kind and flags are the parent's
+    CPDFSign* m_sign;           // owned; signature value, null when unsigned
+    CPDFAnnotWidget* m_widget;  // borrowed from the document; the widget that shows the field, may be null
 
 private:
     friend class CPDFAcroForm;
 
     int load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFVisitSet& visits);
-    void load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict, CPDFVisitSet& visits);
+    void load_entries(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, CPDFDictionary& dict,
+                      CPDFVisitSet& visits);
     void load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref, const CPDFDictionary& dict);
     void load_tail(CPDFDictionary& dict);
     void load_name(CPDFDictionary& dict);

@@ -34,7 +34,8 @@ void CPDFField::set_check_value(const char* state)
             kid->m_widget->set_check_value(0);
     }
     m_value.set_name(state);
-    store_entry("V", m_value);  // fetches anew: a widget just told may share the dictionary
+    if (m_value.type == PDF_OBJ_NAME)  // not when memory ran out
+        store_entry("V", m_value);     // fetches anew: a widget just told may share the dictionary
 }
 
 int CPDFField::get_check_value()
@@ -51,7 +52,8 @@ void CPDFField::set_radio(CPDFAnnotWidget* widget)
     }
     widget->set_radio_value(1);
     m_value.set_name(widget->m_on_state ? widget->m_on_state : "");
-    store_entry("V", m_value);
+    if (m_value.type == PDF_OBJ_NAME)
+        store_entry("V", m_value);
 }
 
 int CPDFField::get_radio_value(CPDFAnnotWidget* widget)

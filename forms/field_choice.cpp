@@ -5,6 +5,7 @@
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "forms/field.h"
+#include "forms/field_edit.h"
 
 namespace {
 
@@ -13,37 +14,22 @@ PDF_String* shown_text(PDF_FIELD_OPT& opt)
     return opt.text.buf ? &opt.text : &opt.val;
 }
 
-// Hands a private copy of the field's dictionary to `edit(CPDFDictionary&)` and stores it. Nothing happens without the
-// dictionary, nothing is stored when memory runs out.
-template <typename Edit>
-void edit_entries(const CPDFField& field, Edit&& edit)
-{
-    const VXFailureCheck check;
-    CPDFObj own;
-    field.m_xref->get_entity(own, field.m_ref);
-    CPDFDictionary* dict = own.dictionary();
-    if (!dict)
-        return;
-    edit(*dict);
-    if (!check.failed())
-        field.m_xref->store_changed(field.m_ref, own);
-}
-
-// "I" and "V" from the selection; an index without an option leaves both as they are.
-void put_sels(CPDFDictionary& dict, const CPDFField& holder)
+// "I" and "V" from the selection. False, with both as they are, when an index has no option.
+bool put_sels(CPDFDictionary& dict, const CPDFField& holder)
 {
     CPDFArray texts;
     CPDFArray indices;
     for (int32_t i = 0; i < holder.m_sel_cnt; ++i) {
         const int32_t index = holder.m_sels[i];
         if (index < 0 || index >= holder.m_opt_cnt)
-            return;
+            return false;
         const PDF_String* text = shown_text(holder.m_opts[index]);
         texts.append_str(text->buf, text->len);
         indices.append_int(index);
     }
     dict.set_item_arr("I", &indices);
     dict.set_item_arr("V", &texts);
+    return true;
 }
 
 void put_opts(CPDFDictionary& dict, const CPDFField& holder)
@@ -109,13 +95,14 @@ void CPDFField::set_choice_sel(int index)
     holder->m_sel_cnt = 1;
     if (index < 0 || index >= holder->m_opt_cnt)
         return;
-    edit_entries(*holder, [holder, index](CPDFDictionary& dict) {
+    edit_dictionary(*holder, [holder, index](CPDFDictionary& dict) {
         const PDF_String& val = holder->m_opts[index].val;
         holder->m_value.set_string(val.buf, val.len);
         CPDFArray indices;
         indices.append_int(index);
         dict.set_item("V", &holder->m_value);
         dict.set_item_arr("I", &indices);
+        return true;
     });
 }
 
@@ -138,7 +125,7 @@ void CPDFField::set_choice_sels(const int* sels, int count)
     holder->m_sel_cnt = count;
     if (count > 0 && !own_sels)
         std::memcpy(holder->m_sels, sels, static_cast<size_t>(count) * sizeof(int32_t));
-    edit_entries(*holder, [holder](CPDFDictionary& dict) { put_sels(dict, *holder); });
+    edit_dictionary(*holder, [holder](CPDFDictionary& dict) { return put_sels(dict, *holder); });
 }
 
 int CPDFField::insert_choice_opt(int index, PDF_String* val, PDF_String* text)
@@ -168,9 +155,10 @@ int CPDFField::insert_own_opt(int index, const PDF_String* val, const PDF_String
     ++m_opt_cnt;
     for (int32_t i = 0; i < m_sel_cnt; ++i)
         m_sels[i] += m_sels[i] >= index;
-    edit_entries(*this, [this](CPDFDictionary& dict) {
+    edit_dictionary(*this, [this](CPDFDictionary& dict) {
         put_sels(dict, *this);
         put_opts(dict, *this);
+        return true;
     });
     return 1;
 }
@@ -188,12 +176,14 @@ int CPDFField::remove_own_opt(int index)
     const bool was_selected = unselect(index);
     m_opts[index].val.release();
     m_opts[index].text.release();
-    std::memmove(m_opts + index, m_opts + index + 1, static_cast<size_t>(m_opt_cnt - index - 1) * sizeof(PDF_FIELD_OPT));
+    std::memmove(m_opts + index, m_opts + index + 1,
+                 static_cast<size_t>(m_opt_cnt - index - 1) * sizeof(PDF_FIELD_OPT));
     --m_opt_cnt;
-    edit_entries(*this, [this, was_selected](CPDFDictionary& dict) {
+    edit_dictionary(*this, [this, was_selected](CPDFDictionary& dict) {
         if (was_selected)
             put_sels(dict, *this);
         put_opts(dict, *this);
+        return true;
     });
     return 1;
 }

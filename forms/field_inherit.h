@@ -13,6 +13,16 @@ const CPDFField* nearest_field(const CPDFField& field, Found&& found)
     return at;
 }
 
+// The field whose value `field` shows: itself, or for a field without a name the nearest one above it that has a name and
+// the same type.
+inline CPDFField& value_field(CPDFField& field)
+{
+    CPDFField* at = &field;
+    while (at->m_name.len <= 0 && at->m_parent && at->m_parent->m_type == at->m_type)
+        at = at->m_parent;
+    return *at;
+}
+
 // The most characters that a text field takes, 0 when there is no limit.
 inline int32_t max_length(const CPDFField& field)
 {

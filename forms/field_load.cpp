@@ -17,6 +17,8 @@ constexpr const char* FIELD_KEYS[] = {
     "T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen",
 };
 constexpr CPDFKeySet FIELD_KEY_SET(FIELD_KEYS);
+constexpr const char* VALUE_KEYS[] = {"V", "DV", "DA", "I"};
+constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
 
 int32_t type_of_name(const CPDFObj& name, int32_t otherwise)
 {
@@ -49,7 +51,8 @@ int CPDFField::load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& 
     CPDFObj own;
     xref->get_entity(own, ref, &FIELD_KEY_SET);
     CPDFDictionary* dict = own.dictionary();
-    if (!dict || !visits.add(ref.num))
+    const bool put_off = dict && visits.put_off_kids && dict->get_item(CPDFDictionary::sm_tag_parent);
+    if (!dict || put_off || !visits.add(ref.num))
         return 0;
     load_entries(parent, xref, ref, *dict, visits);
     return 1;
@@ -111,7 +114,7 @@ int CPDFField::adopt_kid(CPDFField* kid)
 void CPDFField::reload_value()
 {
     CPDFObj own;
-    m_xref->get_entity(own, m_ref, &FIELD_KEY_SET);
+    m_xref->get_entity(own, m_ref, &VALUE_KEY_SET);
     CPDFDictionary* dict = own.dictionary();
     if (!dict)
         return;

@@ -7,6 +7,7 @@
 #include "core/text.h"
 #include "core/xref_table.h"
 #include "forms/field.h"
+#include "forms/field_edit.h"
 
 namespace {
 
@@ -83,14 +84,9 @@ void CPDFField::get_vaue(char* buf, int size)
 
 void CPDFField::set_read_only(int on)
 {
-    const VXFailureCheck check;
-    CPDFObj own;
-    m_xref->get_entity(own, m_ref);
-    CPDFDictionary* dict = own.dictionary();
-    if (!dict)
-        return;
-    m_flags = on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY);
-    dict->set_item_int("Ff", static_cast<int>(m_flags));
-    if (!check.failed())
-        m_xref->store_changed(m_ref, own);
+    edit_dictionary(*this, [this, on](CPDFDictionary& dict) {
+        m_flags = on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY);
+        dict.set_item_int("Ff", static_cast<int>(m_flags));
+        return true;
+    });
 }

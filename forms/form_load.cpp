@@ -1,4 +1,6 @@
 #include <cstring>
+#include <memory>
+#include <vector>
 
 #include "core/alloc.h"
 #include "core/array.h"
@@ -82,15 +84,27 @@ void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
     m_field_cnt = fields->count;
     std::memset(m_fields, 0, static_cast<size_t>(m_field_cnt) * sizeof(CPDFField*));
     CPDFVisitSet visits;
+    visits.put_off_kids = true;
+    std::vector<int32_t> kids;
     for (int32_t i = 0; i < m_field_cnt; ++i) {
-        if (fields->items[i].type != PDF_OBJ_REF)
-            continue;
-        m_fields[i] = new CPDFField;
-        if (!m_fields[i]->load_once(nullptr, m_xref, fields->items[i].ref, visits)) {
-            delete m_fields[i];
-            m_fields[i] = nullptr;
-        }
+        if (!load_top(i, fields->items[i], visits))
+            kids.push_back(i);
     }
+    // Some files list kids here too: those that their parents have brought in by now are not loaded again.
+    visits.put_off_kids = false;
+    for (const int32_t i : kids)
+        load_top(i, fields->items[i], visits);
+}
+
+bool CPDFAcroForm::load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits)
+{
+    if (entry.type != PDF_OBJ_REF)
+        return false;
+    auto field = std::make_unique<CPDFField>();
+    if (!field->load_once(nullptr, m_xref, entry.ref, visits))
+        return false;
+    m_fields[slot] = field.release();
+    return true;
 }
 
 void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)

@@ -23,6 +23,7 @@ public:
     bool has(uint32_t num) const { return num / 64 < m_bits.size() && (m_bits[num / 64] >> (num % 64) & 1); }
 
     int depth = 0;
+    bool put_off_kids = false;  // top-level dictionaries that name a parent wait until the parents are loaded
 
 private:
     std::vector<uint64_t> m_bits;

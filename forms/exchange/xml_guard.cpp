@@ -170,7 +170,8 @@ private:
     {
         if (m_at == m_end || !is_name_start(*m_at))
             return false;
-        while (m_at < m_end && (is_name_start(*m_at) || (*m_at >= '0' && *m_at <= '9') || *m_at == '-' || *m_at == '.' || *m_at == ':'))
+        while (m_at < m_end &&
+               (is_name_start(*m_at) || (*m_at >= '0' && *m_at <= '9') || *m_at == '-' || *m_at == '.' || *m_at == ':'))
             ++m_at;
         return true;
     }

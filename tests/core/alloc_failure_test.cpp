@@ -37,7 +37,6 @@ TEST(CoreAllocFailureTest, ContainersStayAsTheyWere)
     CPDFObj value;
     parse_object("[(a) /B]", value);
     const std::function<void(CPDFDictionary&)> edits[] = {
-        [&](CPDFDictionary& dict) { dict.set_item("K", &value); },
         [](CPDFDictionary& dict) { dict.set_item_str("K", "new", 3); },
         [](CPDFDictionary& dict) { dict.set_item_name("K", "New"); },
         [&](CPDFDictionary& dict) { dict.set_item_arr("K", value.arr); },

@@ -279,6 +279,25 @@ TEST(CPDFDocumentTest, SavesOverItsOwnInput)
     std::filesystem::remove(path);
 }
 
+// The bound on the work for one document is there for hostile files, not for long sessions.
+TEST(CPDFDocumentTest, ALongSessionKeepsReading)
+{
+    const std::string fat = "/X(" + std::string(400000, 'x') + ")>>";
+    CPDFDocument document;
+    CPDFDocument by_name;
+    const std::string text = PdfBuilder().form({"<</T(first)/FT/Tx" + fat, "<</T(a)/FT/Tx" + fat}).table().text;
+    ASSERT_TRUE(open_text(document, text).ok());
+    ASSERT_TRUE(by_name.open(std::vector<uint8_t>(text.begin(), text.end()), PDF_LOAD::NAMED_FIELDS).ok());
+    for (int i = 0; i <= 400; ++i) {
+        ASSERT_TRUE(document.set_value(*document.form().m_fields[i % 2], std::to_string(i)).ok());
+        ASSERT_TRUE(by_name.field("a"));
+    }
+    CPDFDocument again;
+    ASSERT_TRUE(open_text(again, saved(document)).ok());
+    EXPECT_EQ(value_of(again, "first"), "400");
+    EXPECT_EQ(value_of(again, "a"), "399");
+}
+
 // The sound field is kept whatever else hangs in the tree.
 TEST(CPDFDocumentTest, BadTreesKeepTheGoodFields)
 {

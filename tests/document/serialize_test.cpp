@@ -2,30 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <random>
 #include <string>
 
 #include "core/array.h"
 #include "core/dictionary.h"
-#include "document/parser.h"
+#include "tests/support/memory_document.h"
 
 namespace {
 
-void parse_back(const std::string& text, CPDFObj& out)
+std::string written(const CPDFObj& obj)
 {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    CPDFParser parser(bytes, bytes + text.size(), nullptr);
-    ASSERT_TRUE(parser.parse(out, nullptr)) << text;
-    EXPECT_TRUE(parser.lexer().done()) << text;
-}
-
-std::string rewritten(const std::string& text)
-{
-    CPDFObj obj;
-    parse_back(text, obj);
     std::string out;
     write_object(out, obj);
     return out;
@@ -41,7 +30,7 @@ std::string real_text(VXFIX value)
 VXFIX real_value(const std::string& text)
 {
     CPDFObj obj;
-    parse_back(text, obj);
+    parse_object(text, obj);
     EXPECT_TRUE(obj.type == PDF_OBJ_REAL || obj.type == PDF_OBJ_INT) << text;
     return obj.type == PDF_OBJ_REAL ? obj.fval : static_cast<VXFIX>(obj.ival) * VXFIX_ONE;
 }
@@ -50,15 +39,9 @@ VXFIX real_value(const std::string& text)
 
 TEST(SerializeTest, Objects)
 {
-    const struct {
-        const char* text;
-        const char* written;
-    } cases[] = {
-        {"[1 -2 [] true null]", "[1 -2 [] true null]"},
-        {"<< /B /C /A (x) /D 5 0 R /E << /F false >> /G [ ] /H .50 >>",
-         "<</A(x)/B/C/D 5 0 R/E<</F false>>/G[]/H 0.5>>"},
-        {"<</A null/B 1>>", "<</B 1>>"},
-        {"<</A 1>>", "<</A 1>>"},
+    const std::pair<const char*, const char*> cases[] = {
+        {"[1 -2 [] true null]", "[1 -2[]true null]"},
+        {"<< /B /C /A (x) /D 5 0 R /E << /F false >> /G [ ] /H .50 >>", "<</A(x)/B/C/D 5 0 R/E<</F false>>/G[]/H .5>>"},
         {"<<//A/B//C(x)>>", "<<//A/B//C(x)>>"},
         {"/A#20#23#28B#7F\xE4", "/A#20#23#28B#7F#E4"},
         {"(a\\(\\)\\\\)", "(a\\(\\)\\\\)"},
@@ -66,79 +49,46 @@ TEST(SerializeTest, Objects)
         {"(abc\\r)", "(abc\\r)"},
         {"(ab\\344)", "(ab\xE4)"},
         {"<FEFF0041>", "<FEFF0041>"},
-        {"()", "()"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(rewritten(c.text), c.written);
+    for (const auto& [text, expected] : cases) {
+        CPDFObj obj;
+        parse_object(text, obj);
+        EXPECT_EQ(written(obj), expected) << text;
     }
 }
 
-TEST(SerializeTest, EveryByteOfAStringSurvives)
+TEST(SerializeTest, EveryByteSurvives)
 {
-    std::vector<std::string> strings = {""};
+    CPDFArray strings;
+    const auto add = [&strings](const std::string& s) { strings.append_str(s.data(), static_cast<int>(s.size())); };
+    CPDFObj obj;
+    CPDFDictionary* dict = obj.set_dict();
     for (int a = 0; a < 256; ++a) {
-        strings.push_back(std::string(1, static_cast<char>(a)));
+        const auto first = static_cast<char>(a);
+        add({first});
         for (int b = 0; b < 256; ++b)
-            strings.push_back({static_cast<char>(a), static_cast<char>(b)});
+            add({first, static_cast<char>(b)});
+        // A name holds no byte 0; it is a value here and a key.
+        for (const std::string& name : {std::string{first}, {first, '#'}, {first, '2'}, {first, 'A'}, {first, '/'}})
+            dict->set_item_name(name.c_str(), name.c_str());
     }
     // What means something inside a string, followed by anything of that kind, with enough plain text to be literal.
     const std::string special("()\\\r\n\0007<>%", 10);
     for (const char a : special) {
         for (const char b : special) {
             for (const char c : special)
-                strings.push_back({'x', 'y', 'z', a, b, c, 'n', '0'});
+                add({'x', 'y', 'z', a, b, c, 'n', '0'});
         }
     }
-    CPDFArray array;
-    for (const std::string& s : strings)
-        array.append_str(s.data(), static_cast<int>(s.size()));
-    CPDFObj obj;
-    obj.set_array()->copy_from(&array);
-    std::string text;
-    write_object(text, obj);
-
+    dict->set_item_arr("strings", &strings);
     CPDFObj back;
-    parse_back(text, back);
-    ASSERT_TRUE(back.array());
-    ASSERT_EQ(static_cast<size_t>(back.arr->count), strings.size());
-    for (size_t i = 0; i < strings.size(); ++i) {
-        const CPDFObj& item = back.arr->items[i];
-        ASSERT_EQ(item.type, PDF_OBJ_STRING);
-        ASSERT_EQ(std::string(reinterpret_cast<const char*>(item.str.buf), static_cast<size_t>(item.str.len)),
-                  strings[i]);
-    }
-}
-
-// A name can't hold the byte 0, every other one it can, as a value and as a key.
-TEST(SerializeTest, EveryByteOfANameSurvives)
-{
-    CPDFObj obj;
-    CPDFDictionary* dict = obj.set_dict();
-    std::vector<std::string> names = {""};
-    for (int a = 1; a < 256; ++a) {
-        names.push_back(std::string(1, static_cast<char>(a)));
-        for (const char b : {'#', '2', 'A', '/', '('})
-            names.push_back({static_cast<char>(a), b});
-    }
-    for (const std::string& name : names)
-        dict->set_item_name(name.c_str(), name.c_str());
-    std::string text;
-    write_object(text, obj);
-
-    CPDFObj back;
-    parse_back(text, back);
-    ASSERT_TRUE(back.dictionary());
-    EXPECT_EQ(static_cast<size_t>(back.dict->count), names.size());
-    for (const std::string& name : names) {
-        const CPDFObj* value = back.dict->get_item(name.c_str());
-        ASSERT_TRUE(value && value->is_name(name.c_str())) << name;
-    }
+    parse_object(written(obj), back);
+    EXPECT_EQ(show_object(back), show_object(obj));
 }
 
 TEST(SerializeTest, RealsAsTheyWereTyped)
 {
-    for (const char* text : {"0", "0.5", "0.1", "-0.002", "12.34", "595.276", "-841.8898", "0.0001", "1000000.01",
+    for (const char* text : {"0", ".5", ".1", "-.002", "12.34", "595.276", "-841.8898", ".0001", "1000000.01",
                              "4294967296", "99999.99999", "-1", "137438953471"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(real_text(real_value(text)), text);
@@ -151,10 +101,8 @@ TEST(SerializeTest, RealsKeepEveryBitInTheFewestDecimals)
     std::vector<VXFIX> values = {0,          1,         -1,         VXFIX_ONE - 1, VXFIX_ONE + 1,
                                  -VXFIX_ONE, INT64_MAX, -INT64_MAX, VXFIX_ONE / 2};
     for (int i = 0; i < 50000; ++i)
-        values.push_back(static_cast<VXFIX>(random()) >> (random() % 63));
+        values.push_back(std::max(static_cast<VXFIX>(random()) >> (random() % 63), -INT64_MAX));
     for (const VXFIX value : values) {
-        if (value == INT64_MIN)
-            continue;
         const std::string text = real_text(value);
         ASSERT_EQ(text.find_first_not_of("-0123456789."), std::string::npos) << text;
         ASSERT_EQ(real_value(text), value) << text;

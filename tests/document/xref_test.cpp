@@ -11,16 +11,13 @@ namespace {
 
 PdfBuilder base(const std::string& junk = "")
 {
-    PdfBuilder file(junk);
-    file.object(1, "<</Type/Catalog>>").object(4, "(four)").object(5, "[5 0 R]");
-    return file;
+    return PdfBuilder(junk).object(1, "<</Type/Catalog>>").object(4, "(four)").object(5, "[5 0 R]");
 }
 
-PdfBuilder from_byte_0(const std::string& junk)
+PdfBuilder from_byte_0(size_t junk)
 {
-    PdfBuilder file(junk);
-    file.count_junk().object(1, "<</Type/Catalog>>").object(4, "(four)");
-    return file;
+    PdfBuilder file(std::string(junk - 1, '!') + '\n');
+    return file.count_junk().object(1, "<</Type/Catalog>>").object(4, "(four)");
 }
 
 // `file` with the number behind its last "startxref" changed.
@@ -44,47 +41,42 @@ size_t known_entries(const CPDFXRefTable& xref)
 
 }  // namespace
 
-TEST(XRefSectionTest, FindsObject4)
+TEST(XRefSectionTest, FindsWhatIsThere)
 {
-    const auto table = [](PdfBuilder file) { return file.table(); };
     const auto with_end = [](const char* end) {
         PdfBuilder file = base();
         file.entry_end = end;
         return file.table().text;
     };
-    const std::string plain = table(base()).text;
+    const std::string plain = base().table().text;
+    const std::string stream_9 = base().xref_stream(9).text;
     PdfBuilder fixed = base();
     fixed.table();
     const auto start = [&fixed](int off) { return "\n" + std::to_string(static_cast<int>(fixed.section) + off); };
     const auto stream = [](const std::vector<int>& widths) { return base().xref_stream(9, "", widths).text; };
-    const auto junk = [](size_t size) { return std::string(size - 1, '!') + '\n'; };
+    const auto entry_4 = [](uint32_t type, uint32_t at) { return base().entry(4, type, at, 0); };
     const struct {
         const char* label;
         std::string text;
+        const char* object_4 = "(four)";
     } cases[] = {
         {"table", plain},
-        {"entries of 19 bytes, LF", with_end("\n")},
-        {"entries of 19 bytes, CR", with_end("\r")},
+        {"entries of 19 bytes", with_end("\n")},
         {"entries of 20 bytes, CR LF", with_end("\r\n")},
         {"entries of 21 bytes", with_end(" \r\n")},
-        {"stream", stream({1, 4, 2})},
         {"stream without types", stream({0, 4, 0})},
         {"stream with 8 bytes", stream({1, 8, 2})},
         {"stream with odd widths", stream({2, 3, 1})},
-        {"5 bytes before the header", table(base(junk(5))).text},
-        {"500 bytes before the header", table(base(junk(500))).text},
-        {"5 bytes before the header, counted", from_byte_0(junk(5)).table().text},
-        {"40 bytes before the header, counted", from_byte_0(junk(40)).table().text},
-        {"500 bytes before the header, counted", from_byte_0(junk(500)).table().text},
-        {"stream with junk, counted", from_byte_0(junk(20)).xref_stream(9).text},
-        {"start in the white space before", with_start(fixed, start(-1))},
+        {"500 bytes before the header", base(std::string(499, '!') + "\n").table().text},
+        {"500 bytes before the header, counted", from_byte_0(500).table().text},
+        {"40 bytes before the header, counted", from_byte_0(40).table().text},
+        {"stream with junk, counted", from_byte_0(20).xref_stream(9).text},
         {"start some bytes early", with_start(fixed, start(-20))},
         {"start some bytes late", with_start(fixed, start(3))},
         {"start on the same line", with_start(fixed, " " + start(0).substr(1) + "\r")},
         {"start behind a comment", with_start(fixed, "%\n" + start(0))},
         {"table begins at 1", replaced(plain, "xref\n0 2", "xref\n1 2")},
         {"more stated than there", replaced(plain, "4 2\n", "4 7\n")},
-        {"generation of object 0 is 0", replaced(plain, "65535 f", "00000 f")},
         {"object 0 in use", replaced(plain, "65535 f", "00000 n")},
         {"object without space before its value", replaced(plain, "4 0 obj\n(four)\nendobj", "4 0 obj(four)endobj\n")},
         {"no white space behind the end", plain.substr(0, plain.size() - 7)},
@@ -96,69 +88,51 @@ TEST(XRefSectionTest, FindsObject4)
         {"XRefStm far outside", base().table("/XRefStm 4294967295").text},
         {"Size too small", base().table("/Size 2").text},
         {"no Size", replaced(plain, "/Size", "/S")},
+        {"other number there", entry_4(PDF_XREF_IN_FILE, 9).object(3, "(three)").table().text, "null"},
+        {"no object there", entry_4(PDF_XREF_IN_FILE, 11).table().text, "null"},
+        {"behind the end", entry_4(PDF_XREF_IN_FILE, 4000000000).table().text, "null"},
+        {"position 0", entry_4(PDF_XREF_IN_FILE, 0).table().text, "null"},
+        {"free in the newer section", base().table().entry(4, PDF_XREF_FREE, 0, 1).table().text, "null"},
+        {"in an object that is no stream", entry_4(PDF_XREF_IN_STREAM, 5).xref_stream(9).text, "null"},
+        {"in itself", entry_4(PDF_XREF_IN_STREAM, 4).xref_stream(9).text, "null"},
+        {"kind of entry not known", entry_4(3, 0).xref_stream(9).text, "null"},
+        // What a section states sizes nothing.
+        {"huge Size", replaced(plain, "/Size 6", "/Size 2147483647")},
+        {"entries of a table", replaced(plain, "4 2\n", "4 4294967295\n")},
+        {"numbers of a table", replaced(plain, "xref\n0 2\n", "xref\n9 0\n4294967295 4294967295\n0 2\n")},
+        {"numbers of a stream", replaced(stream_9, "Index[0 1", "Index[2147483647 0 8000000 0 0 1")},
+        {"entries of a stream", replaced(stream_9, "5 1 9 1", "5 1 9 2147483647")},
+        {"widths", replaced(stream_9, "/Type/XRef", "/DecodeParms<</Columns 2147483647/Predictor 12>>/Type/XRef")},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         FileAtWork file(c.text);
         ASSERT_TRUE(file.status.ok()) << file.status.text;
-        EXPECT_EQ(file.show(4), "(four)");
+        EXPECT_EQ(file.show(4), c.object_4);
         EXPECT_EQ(file.show(1), "<< /Type /Catalog >>");
         EXPECT_EQ(file.show(8), "null");
-    }
-}
-
-TEST(XRefSectionTest, LeavesOutObject4)
-{
-    PdfBuilder newer = base();
-    newer.table();
-    const struct {
-        const char* label;
-        std::string text;
-    } cases[] = {
-        {"other number there", base().object(3, "(three)").entry(4, PDF_XREF_IN_FILE, 9, 0).table().text},
-        {"no object there", base().entry(4, PDF_XREF_IN_FILE, 11, 0).table().text},
-        {"behind the end", base().entry(4, PDF_XREF_IN_FILE, 4000000000, 0).table().text},
-        {"position 0", base().entry(4, PDF_XREF_IN_FILE, 0, 0).table().text},
-        {"free in the newer section", newer.entry(4, PDF_XREF_FREE, 0, 1).table().text},
-        {"refers to itself", base().object(4, "4 0 R").table().text},
-        {"in an object that is no stream", base().entry(4, PDF_XREF_IN_STREAM, 5, 0).xref_stream(9).text},
-        {"in itself", base().entry(4, PDF_XREF_IN_STREAM, 4, 0).xref_stream(9).text},
-        {"kind of entry not known", base().entry(4, 3, 0, 0).xref_stream(9).text},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        FileAtWork file(c.text);
-        ASSERT_TRUE(file.status.ok()) << file.status.text;
-        EXPECT_EQ(file.show(4), "null");
-        EXPECT_EQ(file.show(1), "<< /Type /Catalog >>");
+        EXPECT_LE(file.xref.entry_count(), 512u);
+        EXPECT_LE(file.xref.new_obj_num(), LIMIT_OBJECT_NUMBER);
     }
 }
 
 TEST(XRefSectionTest, SaysWhatIsWrong)
 {
     const std::string plain = base().table().text;
-    const struct {
-        const char* label;
-        std::string text;
-        PDF_CODE code;
-        const char* sentence;
-    } cases[] = {
-        {"empty", "", PDF_CODE::NOT_PDF, "this is not a PDF file"},
-        {"text", "Dear reader,\n", PDF_CODE::NOT_PDF, "this is not a PDF file"},
-        {"cut in the table", plain.substr(0, plain.find("trailer")), PDF_CODE::DAMAGED,
-         "position of the cross-reference"},
-        {"start outside", with_start(base().table(), "\n999999"), PDF_CODE::DAMAGED, "damaged at byte 999999"},
-        {"start is no number", with_start(base().table(), "\nx"), PDF_CODE::DAMAGED, "position of the cross-reference"},
-        {"trailer is no dictionary", replaced(plain, "trailer\n<<", "trailer\n[["), PDF_CODE::DAMAGED,
-         "no cross-reference"},
-        {"stream without W", replaced(base().xref_stream(9).text, "/W[", "/V["), PDF_CODE::DAMAGED,
-         "no cross-reference"},
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "this is not a PDF file"},
+        {"Dear reader,\n", "this is not a PDF file"},
+        {plain.substr(0, plain.find("trailer")), "position of the cross-reference"},
+        {with_start(base().table(), "\n999999"), "damaged at byte 999999"},
+        {with_start(base().table(), "\nx"), "position of the cross-reference"},
+        {replaced(plain, "trailer\n<<", "trailer\n[["), "no cross-reference"},
+        {replaced(base().xref_stream(9).text, "/W[", "/V["), "no cross-reference"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        const FileAtWork file(c.text);
-        EXPECT_EQ(file.status.code, c.code);
-        EXPECT_NE(file.status.text.find(c.sentence), std::string::npos) << file.status.text;
+    for (const auto& [text, sentence] : cases) {
+        SCOPED_TRACE(text);
+        const FileAtWork file(text);
+        EXPECT_EQ(file.status.code, text.size() < 20 ? PDF_CODE::NOT_PDF : PDF_CODE::DAMAGED);
+        EXPECT_NE(file.status.text.find(sentence), std::string::npos) << file.status.text;
     }
 }
 
@@ -181,87 +155,37 @@ TEST(XRefSectionTest, OlderSectionsWaitUntilTheyAreNeeded)
 
 TEST(XRefSectionTest, ChainsOfSectionsEnd)
 {
-    PdfBuilder two = base();
-    two.table();
-    const std::string first = std::to_string(two.section);
-    two.object(6, "(six)").table();
-    const std::string second = std::to_string(two.section);
-    for (const std::string& loop : {"/Prev " + second, "/Prev " + second + "/XRefStm " + second, "/Prev " + first}) {
+    for (const char* loop : {"/Prev AAA", "/Prev BBB", "/Prev BBB/XRefStm AAA"}) {
         SCOPED_TRACE(loop);
-        // The older trailer grows by as many bytes as the comment before it gives up.
-        const std::string room(60, ' ');
         PdfBuilder builder = base();
-        builder.raw("%" + room + "\n").table(loop);
-        builder.object(6, "(six)").table();
+        const uint32_t first = builder.table(loop).section;
+        const uint32_t second = builder.object(6, "(six)").table().section;
+        for (const auto& [mark, at] : {std::pair{"AAA", first}, {"BBB", second}}) {
+            for (size_t p = 0; (p = builder.text.find(mark)) != std::string::npos;)
+                builder.text.replace(p, 3, std::to_string(1000 + at), 1, 3);
+        }
         FileAtWork file(builder.text);
-        EXPECT_EQ(file.show(6), "(six)");
-        EXPECT_EQ(file.show(77), "null");
-        EXPECT_EQ(file.show(4), "(four)");
-    }
-}
-
-TEST(XRefSectionTest, StatedCountsSizeNothing)
-{
-    const std::string plain = base().table().text;
-    const std::string stream = base().xref_stream(9).text;
-    const struct {
-        const char* label;
-        std::string text;
-    } cases[] = {
-        {"Size", replaced(plain, "/Size 6", "/Size 2147483647")},
-        {"entries of a table", replaced(plain, "4 2\n", "4 4294967295\n")},
-        {"numbers of a table", replaced(plain, "xref\n0 2\n", "xref\n9 0\n4294967295 4294967295\n0 2\n")},
-        {"numbers of a stream", replaced(stream, "Index[0 1", "Index[2147483647 0 8000000 0 0 1")},
-        {"entries of a stream", replaced(stream, "5 1 9 1", "5 1 9 2147483647")},
-        {"widths", replaced(stream, "/Type/XRef", "/DecodeParms<</Columns 2147483647/Predictor 12>>/Type/XRef")},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        FileAtWork file(c.text);
-        ASSERT_TRUE(file.status.ok()) << file.status.text;
-        EXPECT_EQ(file.show(4), "(four)");
-        EXPECT_LE(file.xref.entry_count(), 512u);
-        EXPECT_LE(file.xref.new_obj_num(), LIMIT_OBJECT_NUMBER);
+        EXPECT_EQ(file.show(6) + file.show(77) + file.show(4), "(six)null(four)");
     }
 }
 
 TEST(StreamObjectTest, LengthIsCheckedAgainstTheData)
 {
-    const auto stream = [](const std::string& length, const std::string& rest = "\nstream\nabc\nendstream") {
+    const auto data = [](const std::string& length, const std::string& rest) {
         PdfBuilder file = base();
-        file.object(6, "<<" + length + ">>" + rest).object(7, "3").object(8, "8 0 R").object(9, "<<>>");
-        return file.table().text;
+        file.object(6, "<<" + length + ">>" + rest).object(7, "3").object(8, "8 0 R");
+        return FileAtWork(file.table().text).data(6);
     };
-    const struct {
-        const char* label;
-        std::string text;
-        const char* data;
-    } cases[] = {
-        {"right", stream("/Length 3"), "abc"},
-        {"indirect", stream("/Length 7 0 R"), "abc"},
-        {"too small", stream("/Length 1"), "abc"},
-        {"too large", stream("/Length 300"), "abc"},
-        {"beyond the object", stream("/Length 25"), "abc"},
-        {"huge", stream("/Length 2147483647"), "abc"},
-        {"negative", stream("/Length -3"), "abc"},
-        {"missing", stream(""), "abc"},
-        {"no number", stream("/Length(3)"), "abc"},
-        {"its own object", stream("/Length 6 0 R"), "abc"},
-        {"a loop", stream("/Length 8 0 R"), "abc"},
-        {"a missing object", stream("/Length 70 0 R"), "abc"},
-        {"a dictionary", stream("/Length 9 0 R"), "abc"},
-        {"word inside the data", stream("/Length 13", "\nstream\nan endstream!\nendstream"), "an endstream!"},
-        {"CR LF", stream("/Length 3", " stream\r\nabc\r\nendstream"), "abc"},
-        {"CR LF without a length", stream("", "stream\r\nabc\r\nendstream"), "abc"},
-        {"lone CR", stream("/Length 3", "\nstream\rabc endstream"), "abc"},
-        {"no end of line before the end", stream("/Length 3", "\nstream\nabcendstream"), "abc"},
-        {"no endstream", stream("/Length 3", "\nstream\nabc"), "abc"},
-        {"empty", stream("/Length 0", "\nstream\n\nendstream"), ""},
-        {"no stream", stream("/Length 3", ""), "no stream"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        FileAtWork file(c.text);
-        EXPECT_EQ(file.data(6), c.data);
-    }
+    for (const char* length :
+         {"/Length 3", "/Length 7 0 R", "/Length 1", "/Length 300", "/Length 25", "/Length 2147483647", "/Length -3",
+          "", "/Length(3)", "/Length 6 0 R", "/Length 8 0 R", "/Length 70 0 R"})
+        EXPECT_EQ(data(length, "\nstream\nabc\nendstream"), "abc") << length;
+    const char* const rests[] = {" stream\r\nabc\r\nendstream", "\nstream\rabc endstream", "\nstream\nabcendstream",
+                                 "\nstream\nabc"};
+    for (const char* rest : rests)
+        EXPECT_EQ(data("/Length 3", rest), "abc") << rest;
+    EXPECT_EQ(data("", "stream\r\nabc\r\nendstream"), "abc");
+    EXPECT_EQ(data("/Length 13", "\nstream\nan endstream!\nendstream"), "an endstream!");
+    EXPECT_EQ(data("/Length 0", "\nstream\n\nendstream"), "");
+    EXPECT_EQ(data("/Length 3", ""), "no stream");
 }

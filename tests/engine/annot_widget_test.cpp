@@ -17,21 +17,19 @@ std::string word(const char* text)
 TEST(AnnotWidgetTest, StatesOfEveryShape)
 {
     const struct {
-        const char* label;
-        const char* entries;
+        const char *label, *entries;
         const char* states;  // m_on_state and m_alt_state
         const char* on;      // "AS" when turned on
     } cases[] = {
         {"two states", "/AP << /N << /Off 2 0 R /Yes 2 0 R >> >> /AS /Off", "Yes Off", "/Yes"},
-        {"on", "/AP << /N << /Off 2 0 R /Yes 2 0 R >> >> /AS /Yes", "Yes Yes", "/Yes"},
         {"no state shown", "/AP << /N << /Yes 2 0 R >> >>", "Yes -", "/Yes"},
         {"state shown that is not there", "/AP << /N << /1 2 0 R >> >> /AS /Yes", "1 Yes", "/1"},
         {"appearances elsewhere", "/AP 3 0 R /AS 6 0 R", "On Far", "/On"},
-        {"normal one elsewhere", "/AP << /N 4 0 R >>", "On -", "/On"},
         {"Off only", "/AP << /N << /Off 2 0 R >> >> /AS /Off", "- Yes", "/Yes"},
+        {"pressed ones only", "/AP << /N << /Off 2 0 R >> /D << /Off 2 0 R /On 2 0 R >> >>", "On -", "/On"},
+        {"pressed ones of another name", "/AP << /N << /Yes 2 0 R >> /D << /Down 2 0 R >> >>", "Yes -", "/Yes"},
         {"no appearances", "", "- Yes", "/Yes"},
         {"state without appearances", "/AS /Custom", "- Custom", "/Custom"},
-        {"off without appearances", "/AS /Off", "- Yes", "/Yes"},
         {"one picture for all states", "/AP << /N 5 0 R >> /AS /Off", "- Yes", "/Yes"},
         {"wrong kinds", "/AP [1] /AS (Yes)", "- Yes", "/Yes"},
         {"gone", "/AP 99 0 R /AS 99 0 R", "- Yes", "/Yes"},
@@ -50,15 +48,11 @@ TEST(AnnotWidgetTest, StatesOfEveryShape)
         const auto shows = [&doc](const std::string& state) {
             return doc.show(1).find("/AS " + state + " ") != std::string::npos;
         };
-        for (int i = 0; i < 2; ++i) {  // again and again
-            widget.set_check_value(0);
-            EXPECT_TRUE(shows("/Off")) << doc.show(1);
-            widget.set_radio_value(1);
-            EXPECT_TRUE(shows(c.on)) << doc.show(1);
-            widget.set_radio_value(0);
-            EXPECT_TRUE(shows("/Off")) << doc.show(1);
-            widget.set_check_value(1);
-            EXPECT_TRUE(shows(c.on)) << doc.show(1);
+        for (const int on : {0, 1, 0, 1}) {  // again and again
+            widget.set_radio_value(1 - on);
+            EXPECT_TRUE(shows(on ? "/Off" : c.on)) << doc.show(1);
+            widget.set_check_value(on);
+            EXPECT_TRUE(shows(on ? c.on : "/Off")) << doc.show(1);
         }
         ASSERT_EQ(widget.load(&doc.xref, {1, 0}), 1);
         EXPECT_EQ(word(widget.m_on_state ? widget.m_on_state : widget.m_alt_state), c.on + 1) << "loaded again";

@@ -36,7 +36,6 @@ TEST(FormLoadTest, UnloadAndLoadAgain)
     ASSERT_NE(f.form.m_res, nullptr);
     EXPECT_NE(f.form.m_res->find("Font", "F"), nullptr);
     f.form.unload();
-    f.form.unload();
     EXPECT_TRUE(!f.form.m_fields && !f.form.m_field_cnt && !f.form.m_res && !f.form.m_loaded && !f.form.m_xfa_ref.num);
     EXPECT_TRUE(f.form.m_has_xfa == 1 && f.form.m_ref.num == 1 && f.form.m_root == &f.root);
     EXPECT_TRUE(!f.form.find(PDF_REF{2, 0}) && !f.form.get_field(L"a"));
@@ -55,8 +54,7 @@ TEST(FormLoadTest, FindsTopLevelFieldsByName)
     const auto n = [](size_t count) { return std::wstring(count, L'n'); };
     const struct {
         std::wstring name;
-        uint32_t found;  // object number, by find
-        uint32_t got;    // by get_field
+        uint32_t found, got;  // object numbers by find and by get_field
     } cases[] = {{L"a", 2, 2},  {L"kid", 0, 0}, {L"я", 6, 6},  {L"", 0, 5},    {L"A", 0, 0},   {n(60), 0, 0},
                  {n(61), 3, 3}, {n(62), 0, 0},  {n(70), 0, 0}, {n(254), 0, 4}, {n(255), 0, 0}, {n(300), 0, 0}};
     for (const auto& c : cases) {
@@ -76,30 +74,24 @@ TEST(FormLoadTest, FindsTopLevelFieldsByName)
 
 TEST(FormLoadTest, XfaEntry)
 {
-    const struct {
-        const char* entry;
-        const char* dataset;
-        int has_xfa;
-    } cases[] = {
-        {"", "0 0 R", 0},
-        {"/XFA [(preamble) 5 0 R (template) 50 0 R (datasets) 7 3 R (postamble) 5 0 R]", "7 3 R", 1},
-        {"/XFA [(template) 50 0 R]", "0 0 R", 1},
-        {"/XFA [(template) 50 0 R (datasets)]", "0 0 R", 1},
-        {"/XFA [/datasets 7 0 R]", "7 0 R", 1},
-        {"/XFA [(datasets2) 7 0 R (dataset) 7 0 R]", "0 0 R", 1},
-        {"/XFA [(datasets) (x)]", "0 0 R", 1},
-        {"/XFA [(datasets) 5 0 R (datasets) 7 0 R]", "7 0 R", 1},
-        {"/XFA 3 0 R", "7 0 R", 1},
-        {"/XFA 50 2 R", "50 2 R", 1},
-        {"/XFA (x)", "0 0 R", 1},
-        {"/XFA 99 0 R", "0 0 R", 1},
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "0 0 R"},
+        {"/XFA [(preamble) 5 0 R (template) 50 0 R (datasets) 7 3 R (postamble) 5 0 R]", "7 3 R"},
+        {"/XFA [(template) 50 0 R (datasets)]", "0 0 R"},
+        {"/XFA [/datasets 7 0 R]", "7 0 R"},
+        {"/XFA [(datasets2) 7 0 R (dataset) 7 0 R]", "0 0 R"},
+        {"/XFA [(datasets) (x)]", "0 0 R"},
+        {"/XFA [(datasets) 5 0 R (datasets) 7 0 R]", "7 0 R"},
+        {"/XFA 3 0 R", "7 0 R"},
+        {"/XFA 50 2 R", "50 2 R"},
+        {"/XFA (x)", "0 0 R"},
     };
-    for (const auto& c : cases) {
-        FormFixture f(std::string("/Fields [2 0 R] ") + c.entry, "/T (a); [(datasets) 7 0 R]", "<template/>");
+    for (const auto& [entry, expected] : cases) {
+        FormFixture f(std::string("/Fields [2 0 R] ") + entry, "/T (a); [(datasets) 7 0 R]", "<template/>");
         CPDFObj dataset;
         dataset.set_ref(f.form.m_xfa_ref);
-        EXPECT_EQ(show_object(dataset), c.dataset) << c.entry;
-        EXPECT_EQ(f.form.m_has_xfa, c.has_xfa) << c.entry;
+        EXPECT_EQ(show_object(dataset), expected) << entry;
+        EXPECT_EQ(f.form.m_has_xfa, *entry ? 1 : 0) << entry;
         EXPECT_EQ(shape_of(f.form), "a");
     }
 }

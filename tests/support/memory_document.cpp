@@ -8,144 +8,19 @@
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "document/parser.h"
 
 namespace {
-
-// value := '<<' ( '/'key value )* '>>' | '[' value* ']' | '(' text ')' | '<' hex '>' | '/'name | number | n g R | word
-class Parser {
-public:
-    explicit Parser(const char* text) : m_at(text) {}
-
-    bool value(CPDFObj& out)
-    {
-        if (eat("<<"))
-            return dictionary(out);
-        if (eat("["))
-            return array(out);
-        if (eat("("))
-            return string(out, up_to(')'));
-        if (eat("<"))
-            return string(out, bytes_of(up_to('>')));
-        if (eat("/")) {
-            out.set_name(word().c_str());
-            return out.type == PDF_OBJ_NAME;
-        }
-        const std::string token = word();
-        if (token == "true" || token == "false")
-            out.set_bool(token == "true");
-        else if (token != "null")
-            number(out, token);
-        return true;
-    }
-
-    bool eat(const char* mark)
-    {
-        while (*m_at == ' ')
-            ++m_at;
-        const size_t size = std::strlen(mark);
-        if (std::strncmp(m_at, mark, size) != 0)
-            return false;
-        m_at += size;
-        return true;
-    }
-
-    void require(bool fine)
-    {
-        if (fine)
-            return;
-        std::fprintf(stderr, "test object: can't parse at '%.40s'\n", m_at);
-        std::abort();
-    }
-
-    bool at_end()
-    {
-        eat("");
-        return *m_at == 0;
-    }
-
-private:
-    std::string word()
-    {
-        const size_t size = std::strcspn(m_at, " /[]<>()");
-        m_at += size;
-        return {m_at - size, size};
-    }
-
-    std::string up_to(char end)
-    {
-        const char* start = m_at;
-        while (*m_at && *m_at != end)
-            ++m_at;
-        require(*m_at == end);
-        return {start, m_at++};
-    }
-
-    static std::string bytes_of(const std::string& digits)
-    {
-        std::string bytes;
-        for (size_t i = 0; i + 1 < digits.size(); i += 2)
-            bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-        return bytes;
-    }
-
-    static bool string(CPDFObj& out, const std::string& bytes)
-    {
-        out.set_string(bytes.data(), static_cast<int32_t>(bytes.size()));
-        return out.str.buf != nullptr;
-    }
-
-    void number(CPDFObj& out, const std::string& token)
-    {
-        char* end = nullptr;
-        const double number = std::strtod(token.c_str(), &end);
-        require(!token.empty() && *end == 0);
-        const auto gen = static_cast<uint32_t>(std::strtoul(m_at, &end, 10));
-        if (end != m_at && std::strncmp(end, " R", 2) == 0) {
-            m_at = end + 2;
-            out.set_ref({static_cast<uint32_t>(number), gen});
-        } else if (token.find('.') != std::string::npos) {
-            out.set_real(static_cast<VXFIX>(number * VXFIX_ONE));
-        } else {
-            out.set_int(static_cast<int32_t>(number));
-        }
-    }
-
-    bool array(CPDFObj& out)
-    {
-        CPDFArray* items = out.set_array();
-        while (!eat("]")) {
-            CPDFObj* item = items->append();
-            if (!item || !value(*item))
-                return false;
-        }
-        return true;
-    }
-
-    bool dictionary(CPDFObj& out)
-    {
-        CPDFDictionary* dict = out.set_dict();
-        while (!eat(">>")) {
-            require(eat("/"));
-            const std::string key = word();
-            CPDFObj* entry = dict->append_unsorted(key.data(), key.size());
-            if (!entry || !value(*entry))
-                return false;
-        }
-        dict->sort_items();
-        return true;
-    }
-
-    const char* m_at;
-};
 
 std::string show_string(const std::string& bytes)
 {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; }))
         return "(" + bytes + ")";
-    constexpr char HEX[] = "0123456789ABCDEF";
     std::string hex = "<";
-    for (const char c : bytes)
-        hex = hex + HEX[static_cast<unsigned char>(c) >> 4] + HEX[c & 15];
+    for (const char c : bytes) {
+        hex += "0123456789ABCDEF"[static_cast<unsigned char>(c) >> 4];
+        hex += "0123456789ABCDEF"[c & 15];
+    }
     return hex + ">";
 }
 
@@ -169,12 +44,18 @@ std::string show_array(const CPDFArray& array)
 
 bool parse_object(const std::string& text, CPDFObj& out)
 {
-    Parser parser(text.c_str());
-    const bool whole = parser.value(out);
-    if (!whole)
+    const VXFailureCheck memory;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    CPDFParser parser(bytes, bytes + text.size(), nullptr);
+    const bool found = parser.parse(out, nullptr);
+    parser.lexer().skip_space();
+    if (!memory.failed() && !(found && parser.lexer().done())) {
+        std::fprintf(stderr, "test object: can't parse '%s'\n", text.c_str());
+        std::abort();
+    }
+    if (memory.failed())
         out.free();
-    parser.require(!whole || parser.at_end());
-    return whole;
+    return !memory.failed();
 }
 
 std::string show_object(const CPDFObj& obj)
@@ -240,11 +121,6 @@ void MemoryDocument::put_all(uint32_t num, const std::string& objects)
     }
 }
 
-void MemoryDocument::put_older(uint32_t pos, uint32_t num, std::string text)
-{
-    m_sections[pos].entries.push_back({num, add(std::move(text))});
-}
-
 std::string MemoryDocument::show(uint32_t num)
 {
     CPDFObj obj;
@@ -271,13 +147,12 @@ void MemoryDocument::read_object(CPDFXRefTable&, CPDFObj& out, uint32_t num, con
 int MemoryDocument::read_section(CPDFXRefTable& table, uint32_t pos)
 {
     sections_read.push_back(pos);
-    const auto section = m_sections.find(pos);
-    if (section == m_sections.end())
+    const auto section = sections.find(pos);
+    if (section == sections.end())
         return 0;
-    for (const auto& [num, index] : section->second.entries) {
-        PDF_XREF_ENTRY* entry = table.reserve_entry(num);
-        if (entry && entry->gen == PDF_XREF_NO_GEN)
-            *entry = {PDF_XREF_IN_FILE, index, 0};
+    for (const auto& [num, text] : section->second.objects) {
+        if (table.reserve_entry(num)->gen == PDF_XREF_NO_GEN)
+            *table.reserve_entry(num) = {PDF_XREF_IN_FILE, add(text), 0};
         table.raise_next_num(num + 1);
     }
     if (section->second.older)
@@ -288,15 +163,14 @@ int MemoryDocument::read_section(CPDFXRefTable& table, uint32_t pos)
 CPDFStream* MemoryDocument::open_stream(CPDFXRefTable&, const CPDFStreamRec& rec, const unsigned char* memory,
                                         uint32_t size)
 {
-    const auto data_len = static_cast<int32_t>(rec.data_len);
-    if (memory)
-        return new MemoryStream({memory, memory + size}, data_len);
-    return new MemoryStream(m_objects[rec.handle].substr(std::strlen(STREAM_MARK)), data_len);
+    const std::string data =
+        memory ? std::string(memory, memory + size) : m_objects[rec.handle].substr(std::strlen(STREAM_MARK));
+    return new MemoryStream(data, static_cast<int32_t>(rec.data_len));
 }
 
 unsigned char* MemoryDocument::compress(const void* data, int len, int& out_len)
 {
-    auto* copy = static_cast<unsigned char*>(VXAlloc(static_cast<size_t>(len)));
+    void* copy = VXAlloc(static_cast<size_t>(len));
     out_len = copy ? len : 0;
-    return copy ? static_cast<unsigned char*>(std::memcpy(copy, data, static_cast<size_t>(len))) : nullptr;
+    return static_cast<unsigned char*>(copy ? std::memcpy(copy, data, static_cast<size_t>(len)) : nullptr);
 }

@@ -11,9 +11,7 @@
 #include "core/stream.h"
 #include "core/xref_table.h"
 
-// Makes `out` the object that `text` spells: << /Kids [5 0 R] /T (a) /X <FEFF> /F 1.5 /B true /N null >>. Keys may come
-// in any order; literal strings have no escapes. False, with `out` null, when memory ran out; wrong text ends the test
-// program.
+// Makes `out` the object that `text` spells. False, with `out` null, when memory ran out; wrong text ends the test program.
 bool parse_object(const std::string& text, CPDFObj& out);
 
 // The object as text in the same form, keys sorted, strings with unprintable bytes in hexadecimal.
@@ -46,11 +44,6 @@ public:
     void put_stream(uint32_t num, const std::string& data) { put(num, STREAM_MARK + data); }
     void put_free(uint32_t num) { *xref.reserve_entry(num) = {PDF_XREF_FREE, 0, 1}; }
 
-    // Puts an object into the section at file position `pos`, which is read only when xref.push_pending(pos) was called
-    // and the store needs it; link makes the section name an older one.
-    void put_older(uint32_t pos, uint32_t num, std::string text);
-    void link(uint32_t pos, uint32_t older) { m_sections[pos].older = older; }
-
     // The newest version of the object as text, "null" when there is none.
     std::string show(uint32_t num);
 
@@ -61,19 +54,19 @@ public:
                             uint32_t size) override;
     unsigned char* compress(const void* data, int len, int& out_len) override;
 
+    // Older sections by file position. One is read when xref.push_pending(position) was called and the store needs it.
+    struct Section {
+        std::vector<std::pair<uint32_t, std::string>> objects;
+        uint32_t older;  // position of the next one, or 0
+    };
+    std::map<uint32_t, Section> sections;
     std::vector<uint32_t> sections_read;
     CPDFXRefTable xref;
 
 private:
     static constexpr const char* STREAM_MARK = "stream ";
 
-    struct Section {
-        std::vector<std::pair<uint32_t, uint32_t>> entries;  // object number and place in m_objects
-        uint32_t older = 0;
-    };
-
     uint32_t add(std::string text);
 
     std::vector<std::string> m_objects;
-    std::map<uint32_t, Section> m_sections;
 };

@@ -1,0 +1,25 @@
+// Values for the fields of a form, as data files hold them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "document/filler.h"
+#include "document/status.h"
+
+// A value for the field of this full name, both in UTF-8 as far as the file they come from is.
+struct CPDFFormEntry {
+    std::string name;
+    CPDFValue value;
+};
+
+// In the order of the file. A name may come more than once.
+using CPDFFormData = std::vector<CPDFFormEntry>;
+
+// Reads a data file by the suffix of its name: .json or .csv, see read_json_data and read_csv_data. On failure, which the
+// status tells without the file's name, `out` is empty.
+CPDFStatus read_form_data(const std::string& path, CPDFFormData& out);
+
+// The suffix of a file name with its dot, in small letters; empty when there is none.
+std::string suffix_of(std::string_view path);

@@ -1,0 +1,150 @@
+#include "document/branch_finder.h"
+
+#include <cstdlib>
+
+#include "document/name_index.h"
+#include "tests/document/fill_fixture.h"
+
+namespace {
+
+std::string describe(const CPDFField& field)
+{
+    return std::to_string(field.m_ref.num) + " " + full_name(field) + " " + std::to_string(field.m_type) + " " +
+           std::to_string(field.m_flags) + " " + std::to_string(field.m_inherited) + " " + show_object(field.m_value);
+}
+
+// Finds the names through the branch finder and through the whole form. What the finder has must be the same; returns how
+// many names it leaves to the whole form although that has them.
+int compare(const std::string& file, const std::vector<std::string>& more_names)
+{
+    FormAtWork whole(file);
+    std::vector<std::string> names = more_names;
+    for_each_field(whole.document.form(), [&names](const CPDFField& field) {
+        if (field.m_name.len > 0)
+            names.push_back(full_name(field));
+    });
+    FormAtWork single(file, PDF_LOAD::NAMED_FIELDS);
+    CPDFBranchFinder finder;
+    CPDFNameIndex index;
+    int left = 0;
+    const size_t step = names.size() / 40 + 1;
+    for (size_t i = 0; i < names.size(); i += step) {
+        SCOPED_TRACE(names[i]);
+        const CPDFObj* form = single.document.root().dict->get_item("AcroForm");
+        CPDFField* branch = finder.find(single.document.xref(), form, names[i]);
+        CPDFField* expected = index.find(whole.document.form(), names[i]);
+        if (!branch) {
+            left += expected != nullptr;
+            continue;
+        }
+        EXPECT_EQ(describe(*branch), expected ? describe(*expected) : "no such field");
+        EXPECT_EQ(finder.find(single.document.xref(), form, names[i]), branch) << "the same object again";
+    }
+    return left;
+}
+
+}  // namespace
+
+TEST(BranchFinderTest, FindsWhatTheWholeFormHas)
+{
+    std::vector<std::string> files = pdf_files(FORMWORK_SAMPLES_DIR);
+    ASSERT_FALSE(files.empty());
+    for (const std::string& file : files) {
+        SCOPED_TRACE(file);
+        EXPECT_EQ(compare(read_text_file(file), {"none", "", ".", "address", "address.", "address.city.x"}), 0);
+    }
+    const char* corpus = std::getenv("FORMWORK_CORPUS");
+    for (const std::string& file : pdf_files(corpus ? corpus : "")) {
+        SCOPED_TRACE(file);
+        const std::string text = read_text_file(file);
+        CPDFDocument readable;
+        if (readable.open(std::vector<uint8_t>(text.begin(), text.end())).ok())
+            compare(text, {"none"});
+    }
+}
+
+TEST(BranchFinderTest, OddTrees)
+{
+    const struct {
+        const char* label;
+        std::vector<std::string> fields;   // objects 10, 11, ...
+        std::vector<std::string> objects;  // 20, 21, ...
+        std::vector<std::string> names;
+        int left;  // names left to the whole form
+    } cases[] = {
+        {"dots in a name, before and behind",
+         {"/T(a.b)", "/T(a)/Kids[20 0 R]", "/T(c)/Kids[21 0 R]", "/T(c.d)"},
+         {"/T(b)/Parent 11 0 R", "/T(d)/Parent 12 0 R"},
+         {},
+         0},
+        {"names that begin alike",
+         {"/T(ab)", "/T(a)/Kids[20 0 R]", "/T(abc)"},
+         {"/T(b)/Parent 11 0 R"},
+         {"a.bc", "abcd", "a.b.", "b"},
+         0},
+        {"equal names", {"/T(a)/V(1)", "/T(a)/V(2)"}, {}, {}, 0},
+        {"no name between",
+         {"/Kids[20 0 R]", "/T(a)/FT/Tx/Ff 1/Kids[21 0 R]"},
+         {"/T(x)/Parent 10 0 R", "/Parent 11 0 R/Kids[22 0 R]", "/T(k)/Parent 21 0 R"},
+         {"a", ""},
+         0},
+        {"text in two bytes", {"/T<FEFF00E400E4>/Kids[20 0 R]"}, {"/T(\xE4)/Parent 10 0 R"}, {"\xC3\xA4"}, 0},
+        {"cycle",
+         {"/T(a)/Kids[20 0 R]"},
+         {"/T(b)/Parent 10 0 R/Kids[10 0 R 20 0 R 21 0 R]", "/T(c)/Parent 20 0 R"},
+         {"a.b.a", "a.b.b"},
+         0},
+        {"kid of two",
+         {"/T(a)/Kids[20 0 R]", "/T(b)/Kids[20 0 R 21 0 R]"},
+         {"/T(k)/Parent 10 0 R", "/T(k)/Parent 11 0 R"},
+         {},
+         1},
+        {"at the top, too", {"/T(a)/Kids[11 0 R]", "/T(k)/Parent 10 0 R"}, {}, {"k"}, 0},
+        {"kid without a parent", {"/T(a)/Kids[20 0 R 21 0 R]"}, {"/T(k)/Subtype/Widget", "/T(l)"}, {"a.k"}, 1},
+        {"no fields", {"/T(a)/Kids[20 0 R null 12 0 R 99 0 R]", "/T(b)/Kids 20 0 R"}, {"[1]"}, {"a.k"}, 0},
+        {"name of the wrong kind", {"/T/a/Kids[20 0 R]"}, {"/T(k)/Parent 10 0 R"}, {"a.k"}, 0},
+        {"name of two marks only",
+         {"/T(a)/Kids[20 0 R]"},
+         {"/T<FEFF>/Parent 10 0 R/Kids[21 0 R]", "/T(k)/Parent 20 0 R"},
+         {"a.k", "a."},
+         3},
+        {"numbers in brackets", {"/T(f[0])/Kids[20 0 R]"}, {"/T(k[1])/Parent 10 0 R"}, {"f.k"}, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        std::vector<std::string> fields;
+        for (const std::string& field : c.fields)
+            fields.push_back("<<" + field + ">>");
+        PdfBuilder file;
+        file.form(fields);
+        for (size_t i = 0; i < c.objects.size(); ++i)
+            file.object(static_cast<uint32_t>(20 + i),
+                        c.objects[i][0] == '[' ? c.objects[i] : "<<" + c.objects[i] + ">>");
+        EXPECT_EQ(compare(file.table().text, c.names), c.left);
+        // The document finds them all, whoever does.
+        FormAtWork whole(file.text);
+        FormAtWork named(file.text, PDF_LOAD::NAMED_FIELDS);
+        for_each_field(whole.document.form(), [&](const CPDFField& field) {
+            if (field.m_name.len <= 0)
+                return;
+            EXPECT_EQ(describe(named.field(full_name(field))), describe(whole.field(full_name(field))));
+        });
+    }
+}
+
+TEST(BranchFinderTest, FormsOfEveryKind)
+{
+    for (const char* form : {"null", "3 0 R", "<<>>", "[]", "99 0 R", "<</Fields 3 0 R>>", "<</Fields[99 0 R (x)]>>"}) {
+        FormAtWork f(PdfBuilder().object(1, "<</AcroForm " + std::string(form) + ">>").object(3, "(x)").table().text,
+                     PDF_LOAD::NAMED_FIELDS);
+        EXPECT_FALSE(f.document.field("a")) << form;
+    }
+    FormAtWork f(PdfBuilder()
+                     .object(1, "<</AcroForm<</Fields 4 0 R>>>>")
+                     .object(4, "[5 0 R]")
+                     .object(5, "<</T(a)>>")
+                     .table()
+                     .text,
+                 PDF_LOAD::NAMED_FIELDS);
+    EXPECT_TRUE(f.document.field("a"));
+}

@@ -1,0 +1,236 @@
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/tools/command_run.h"
+
+namespace {
+
+using nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+// A form with a field of every sort that the command treats in its own way. Object 3 is the form; its fields follow.
+std::string form_file()
+{
+    return pdf_of({
+        "<</Type/Catalog/Pages 2 0 R/AcroForm 3 0 R>>",
+        "<</Type/Pages/Count 7/Kids[4 0 R]>>",
+        "<</Fields[5 0 R 6 0 R 7 0 R 8 0 R 9 0 R 10 0 R 11 0 R 12 0 R 13 0 R 18 0 R]>>",
+        "<</Type/Page/Parent 2 0 R/Annots[5 0 R 16 0 R]>>",
+        "<</FT/Tx/T(name)/V(Ann)/DV<FEFF005A00FC>/Subtype/Widget>>",
+        "<</FT/Tx/T(locked)/Ff 1/V(old)>>",
+        "<</FT/Tx/T(code)/Ff 16777218/MaxLen 3>>",
+        "<</FT/Btn/T(agree)/V/Yes/Subtype/Widget/P 4 0 R>>",
+        "<</FT/Tx/T(a=b)>>",
+        "<</FT/Tx/T([x,y])>>",
+        "<</FT/Ch/T(pick)/Ff 2097152/V[(b)(c)]/Opt[(a)[(b)(Bee)]]/I[1]>>",
+        "<</FT/Btn/Ff 65536/T(evil)/V/#1b#5d0;x#07#0a#c2#9b>>",
+        "<</T(group)/Kids[14 0 R 17 0 R]>>",
+        "<</FT/Btn/Ff 32768/T(radio)/Parent 13 0 R/V/On/Kids[15 0 R 16 0 R]>>",
+        "<</Subtype/Widget/Parent 14 0 R>>",
+        "<</Subtype/Widget/Parent 14 0 R>>",
+        "<</FT/Sig/T(sign)/Parent 13 0 R/V<</Contents<00>>>>>",
+        "<</FT/Tx/T(\xEF\xBB\xBF漢字e\xCC\x81)/V(wide)>>",
+    });
+}
+
+class CommandTest : public testing::Test {
+protected:
+    std::string field_value(const std::string& file, const std::string& name)
+    {
+        const CommandResult got = folder.run({"get", file, "--", name});
+        EXPECT_EQ(got.exit, 0) << got.err;
+        return got.out;
+    }
+
+    CommandFolder folder;
+    std::string form = folder.write("form.pdf", form_file());
+    std::string out = folder.path("out.pdf");
+};
+
+TEST_F(CommandTest, WrongUsageExitsTwoAndWritesNothing)
+{
+    const std::vector<std::string> cases[] = {
+        {},
+        {"frobnicate", form},
+        {"list"},
+        {"list", form, "--frobnicate"},
+        {"fill", form, "-o", out},
+        {"fill", form, "name", "-o", out},
+        {"fill", form, "name=x"},
+        {"fill", form, "name=x", "-o", out, "--in-place"},
+        {"fill", form, "name=x", "-o", folder.path("./form.pdf")},
+    };
+    for (const auto& arguments : cases) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const CommandResult result = folder.run(arguments);
+        EXPECT_EQ(result.exit, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err.find("formwork: "), 0u) << result.err;
+        EXPECT_EQ(result.err.find('\x1f'), std::string::npos) << result.err;
+        EXPECT_FALSE(fs::exists(out));
+    }
+    EXPECT_EQ(read_text_file(form), form_file());
+}
+
+TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPassword)
+{
+    for (const std::string verb : {"list", "get", "fill"}) {
+        SCOPED_TRACE(verb);
+        const CommandResult help = folder.run({verb, "--help"});
+        EXPECT_EQ(help.exit, 0);
+        EXPECT_NE(help.out.find("--password"), std::string::npos);
+    }
+    EXPECT_EQ(folder.run({"get", form, "name", "--password", "secret"}).out, "Ann\n");
+}
+
+TEST_F(CommandTest, RefusedFilesGetOneSentence)
+{
+    const std::string missing = folder.path("missing.pdf");
+    const std::string cases[] = {missing, folder.write("text.pdf", "no PDF"), folder.path(""),
+                                 folder.write("empty", "")};
+    for (const std::string& file : cases) {
+        SCOPED_TRACE(file);
+        const CommandResult result = folder.run({"list", file});
+        EXPECT_EQ(result.exit, 1);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err.find("formwork: " + file + ": "), 0u) << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+    }
+    const CommandResult full = folder.run({"fill", form, "name=x", "-o", folder.path("no/such/folder.pdf")});
+    EXPECT_EQ(full.exit, 1);
+    EXPECT_EQ(full.err.find("formwork: " + form + ": "), 0u) << full.err;
+}
+
+TEST_F(CommandTest, ADocumentWithoutFieldsSaysSo)
+{
+    const std::string cases[] = {"<</Type/Catalog>>", "<</Type/Catalog/AcroForm<</Fields[]>>>>"};
+    for (const std::string& catalog : cases) {
+        SCOPED_TRACE(catalog);
+        const std::string file = folder.write("plain.pdf", pdf_of({catalog}));
+        EXPECT_EQ(folder.run({"list", file}).out, file + " has no form fields\n");
+        EXPECT_EQ(folder.run({"list", file, "--json"}).out, "[]\n");
+    }
+}
+
+TEST_F(CommandTest, JsonTellsEveryProperty)
+{
+    const CommandResult result = folder.run({"list", form, "--json"});
+    ASSERT_EQ(result.exit, 0) << result.err;
+    const ordered_json list = ordered_json::parse(result.out);
+    const std::pair<size_t, const char*> cases[] = {
+        {0, R"({"name":"name","type":"text","kind":"text","flags":0,"readOnly":false,"required":false,"value":"Ann",)"
+            R"("default":"Zü","options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1})"},
+        {2,
+         R"({"name":"code","type":"text","kind":"text","flags":16777218,"readOnly":false,"required":true,"value":null,)"
+         R"("default":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[],"page":null})"},
+        {6, R"({"name":"pick","type":"choice","kind":"list","flags":2097152,"readOnly":false,"required":false,)"
+            R"("value":["b","c"],"default":null,"options":[{"value":"a","text":""},{"value":"b","text":"Bee"}],)"
+            R"("selected":[1],"maxLength":null,"object":11,"widgets":[],"page":null})"},
+        {9, R"({"name":"group.radio","type":"button","kind":"radio","flags":32768,"readOnly":false,"required":false,)"
+            R"("value":"On","default":null,"options":[],"selected":[],"maxLength":null,"object":14,"widgets":[15,16],)"
+            R"("page":1})"},
+    };
+    ASSERT_EQ(list.size(), 12u);
+    for (const auto& [index, expected] : cases)
+        EXPECT_EQ(list[index].dump(), expected);
+    EXPECT_EQ(list[7]["value"], std::string("\x1b]0;x\x07\n\xc2\x9b"));
+    EXPECT_EQ(list[10]["value"], nullptr);  // a signature
+    for (const char c : {'\x1b', '\x07', '\x9b'})
+        EXPECT_EQ(result.out.find(c), std::string::npos);
+
+    const ordered_json all = ordered_json::parse(folder.run({"list", form, "--json", "--all"}).out);
+    ASSERT_EQ(all.size(), 14u);
+    EXPECT_EQ(all[11]["name"], "group.radio#1");
+    EXPECT_EQ(all[11]["widgets"], ordered_json::array({16}));
+}
+
+TEST_F(CommandTest, GetPrintsOneLineForEachNameOrNothing)
+{
+    const CommandResult got = folder.run({"get", form, "pick", "code", "group.radio", "name"});
+    EXPECT_EQ(got.out, "b, c\n\nOn\nAnn\n");
+    const CommandResult refused = folder.run({"get", form, "name", "nobody", "nothing"});
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_EQ(refused.err, "formwork: " + form + ": there is no field \"nobody\"\nformwork: " + form +
+                               ": there is no field \"nothing\"\n");
+}
+
+TEST_F(CommandTest, FilledValuesReadBack)
+{
+    const struct {
+        const char *assignment, *name, *value;
+    } cases[] = {
+        {"name=Zoë 漢字 😀", "name", "Zoë 漢字 😀\n"},
+        {"name=", "name", "\n"},
+        {"name=x=y", "name", "x=y\n"},
+        {"a=b=c", "a=b", "c\n"},              // '=' in the name
+        {"[x,y]=[1,2]", "[x,y]", "[1,2]\n"},  // what the option parser takes for a list
+        {"code=日本語", "code", "日本語\n"},  // three characters, nine bytes
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.assignment);
+        const CommandResult filled = folder.run({"fill", form, c.assignment, "-o", out});
+        ASSERT_EQ(filled.exit, 0) << filled.err;
+        EXPECT_EQ(field_value(out, c.name), c.value);
+        EXPECT_EQ(read_text_file(out).compare(0, form_file().size(), form_file()), 0);
+    }
+    const CommandResult piped = folder.run({"fill", form, "locked=new", "--force", "-o", "-"});
+    EXPECT_EQ(field_value(folder.write("piped.pdf", piped.out), "locked"), "new\n");
+    EXPECT_EQ(read_text_file(form), form_file());
+    EXPECT_EQ(folder.run({"fill", form, "name=1", "code=2", "--in-place"}).exit, 0);
+    EXPECT_EQ(folder.run({"get", form, "name", "code"}).out, "1\n2\n");
+}
+
+// What `formwork list` prints on a terminal of this width.
+std::vector<std::string> lines_on_terminal(const std::string& file, unsigned short columns)
+{
+    winsize size = {24, columns, 0, 0};
+    int terminal = -1;
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        ::execl(FORMWORK_COMMAND, FORMWORK_COMMAND, "list", file.c_str(), nullptr);
+        ::_exit(127);
+    }
+    std::vector<std::string> lines(1);
+    char c;
+    while (::read(terminal, &c, 1) == 1) {
+        if (c == '\n')
+            lines.emplace_back();
+        else if (c != '\r')
+            lines.back() += c;
+    }
+    ::close(terminal);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    lines.pop_back();
+    return lines;
+}
+
+TEST_F(CommandTest, TheTableFitsTheTerminalAndIsHarmless)
+{
+    std::string wide = "<FEFF";
+    for (int i = 0; i < 40; ++i)
+        wide += "6F22";
+    const std::string bytes =
+        pdf_of({"<</AcroForm<</Fields[2 0 R 3 0 R 4 0 R]>>>>",
+                "<</FT/Tx/T(\xEF\xBB\xBF漢e\xCC\x81)/Ff 3/V<FEFF009B0032004A0007000A>>>",
+                "<</FT/Tx/T(form.page.first.second.third)/Ff 4096/V" + wide + ">>>", "<</FT/Ch/T(c)/Ff 393216/V(x)>>"});
+    const std::string file = folder.write("wide.pdf", bytes);
+    EXPECT_EQ(lines_on_terminal(file, 70),
+              (std::vector<std::string>{
+                  "KIND   NAME                  VALUE                  FLAGS",
+                  "text   漢e\xCC\x81                   \\u009b2J\\a\\n           read-only required",
+                  "text   ….first.second.third  漢漢漢漢漢漢漢漢漢漢…  multiline",
+                  "combo  c                     x                      editable",
+              }));
+    const CommandResult piped = folder.run({"list", file});
+    EXPECT_EQ(piped.out.find('\x1b'), std::string::npos);
+    EXPECT_NE(piped.out.find("form.page.first.second.third"), std::string::npos);
+    EXPECT_EQ(piped.out.find("…"), std::string::npos);
+}
+
+}  // namespace

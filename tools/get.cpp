@@ -1,0 +1,55 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <unistd.h>
+
+#include "core/dictionary.h"
+#include "document/document.h"
+#include "forms/field.h"
+#include "tools/terminal_text.h"
+#include "tools/value_text.h"
+#include "tools/verb.h"
+
+namespace {
+
+struct GET_ARGUMENTS {
+    COMMAND_INPUT input;
+    std::vector<COMMAND_WORD> names;
+};
+
+int get_values(const GET_ARGUMENTS& arguments)
+{
+    CPDFDocument document;
+    if (!open_document(document, arguments.input))
+        return COMMAND_REFUSED;
+    std::vector<const CPDFField*> fields;
+    for (const COMMAND_WORD& name : arguments.names) {
+        if (const CPDFField* field = document.field(name.text))
+            fields.push_back(field);
+        else
+            complain(arguments.input.path.text, "there is no field \"" + name.text + "\"");
+    }
+    if (fields.size() < arguments.names.size())
+        return COMMAND_REFUSED;
+    const bool terminal = isatty(STDOUT_FILENO);
+    for (const CPDFField* field : fields) {
+        const CPDFObj& object = field->m_value;
+        const std::string value = object.type == PDF_OBJ_STREAM ? stream_text(document.xref(), *object.stream)
+                                                                : value_text(document.xref(), object).joined();
+        put((terminal ? printable_lines(value) : value) + "\n");
+    }
+    return put_done();
+}
+
+}  // namespace
+
+void add_get_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<GET_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("get", "Prints the values of fields, one a line");
+    add_input(verb, arguments->input);
+    verb.add_option("NAME", arguments->names, "full names of fields")->required()->option_text("...");
+    verb.footer(
+        "A value of several texts is joined with \", \"; a field without a value gives an empty line. Line breaks in a\n"
+        "value are printed as they are; `formwork list --json` keeps values apart.");
+    verb.callback([arguments, &action] { action = [arguments] { return get_values(*arguments); }; });
+}

@@ -1,0 +1,12 @@
+// JSON as the command prints it.
+#pragma once
+
+#include <string>
+
+struct VALUE_TEXT;
+
+// Appends `text`, UTF-8, as a JSON string that can't drive a terminal either.
+void append_json_text(std::string& out, const std::string& text);
+
+// Appends a value: null, a string or an array of strings.
+void append_json_value(std::string& out, const VALUE_TEXT& value);

@@ -1,0 +1,56 @@
+#include "tools/verb.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "tools/terminal_text.h"
+
+bool lexical_cast(const std::string& input, COMMAND_WORD& output)
+{
+    output.text = input.substr(!input.empty() && input.front() == COMMAND_WORD_MARK ? 1 : 0);
+    return true;
+}
+
+void add_input(CLI::App& verb, COMMAND_INPUT& input)
+{
+    verb.add_option("FILE", input.path, "the PDF file")->required()->option_text(" ");
+    verb.add_option("--password", input.password, "password of a protected file")->option_text("TEXT");
+}
+
+bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
+{
+    const CPDFStatus status = document.open(input.path.text, load);
+    if (!status.ok())
+        complain(input.path.text, status.text);
+    return status.ok();
+}
+
+void complain(std::string_view file, std::string_view sentence)
+{
+    const std::string line = "formwork: " + printable(file) + ": " + printable(sentence) + "\n";
+    std::fflush(stdout);
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+int complain_usage(std::string_view sentence)
+{
+    const std::string line = "formwork: " + printable(sentence) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    return COMMAND_USAGE;
+}
+
+void put(std::string_view text)
+{
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+int put_done()
+{
+    errno = 0;
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return COMMAND_DONE;
+    complain("standard output", std::string("can't be written: ") + std::strerror(errno ? errno : EIO));
+    return COMMAND_REFUSED;
+}

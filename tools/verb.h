@@ -1,0 +1,60 @@
+// What the verbs of the command share: arguments, opening the document, saying what went wrong.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "document/document.h"
+
+namespace CLI {
+class App;
+}
+
+enum COMMAND_EXIT : int {
+    COMMAND_DONE = 0,
+    COMMAND_REFUSED = 1,  // a file or a value was refused
+    COMMAND_USAGE = 2,    // wrong usage
+};
+
+// A word of the command line as it was typed. CLI11 gives some words a meaning of their own ("[a,b]" is two words, "++"
+// ends a verb, the name of a verb begins one), which names and values must not have: marked words are plain to it.
+struct COMMAND_WORD {
+    std::string text;
+};
+
+constexpr char COMMAND_WORD_MARK = '\x1f';
+
+// Found by CLI11 for options of this type: removes the mark.
+bool lexical_cast(const std::string& input, COMMAND_WORD& output);
+
+// The file that every verb works on.
+struct COMMAND_INPUT {
+    COMMAND_WORD path;
+    COMMAND_WORD password;
+};
+
+// The operation that the command line asks for, set while it is parsed; returns a COMMAND_EXIT.
+using COMMAND_ACTION = std::function<int()>;
+
+// Each adds its verb to `app`. `action` is borrowed until the command line is parsed.
+void add_list_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_get_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
+
+// Adds the file and the options of every verb.
+void add_input(CLI::App& verb, COMMAND_INPUT& input);
+
+// Opens the document, or complains and returns false.
+bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+
+// Writes "formwork: FILE: sentence", a line on standard error.
+void complain(std::string_view file, std::string_view sentence);
+
+// Complains about a wrong command line; returns COMMAND_USAGE.
+int complain_usage(std::string_view sentence);
+
+// Writes to standard output; put_done flushes it and returns COMMAND_DONE, or complains and returns COMMAND_REFUSED when
+// anything could not be written.
+void put(std::string_view text);
+int put_done();
