@@ -82,12 +82,23 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     if (arguments.dry_run)
         return put_done();
+    note_xfa(document, arguments);
     const CPDFStatus status = save_to(document, arguments.in_place ? arguments.input.path.text : arguments.output.text);
     if (status.ok())
         return put_done();
     complain(arguments.input.path.text, status.text);
     return COMMAND_REFUSED;
 }
+
+}  // namespace
+
+void note_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
+{
+    if (document.has_xfa())
+        complain(arguments.input.path.text, "note: the form also has XFA data, which stay as they are");
+}
+
+namespace {
 
 bool read_jobs(FILL_ARGUMENTS& arguments)
 {
@@ -142,7 +153,7 @@ constexpr const char* FOOTER =
     R"(A field takes, whatever the value comes from:
   text field    a text, no longer than its maximum
   check box     true, false, or the name of a state
-  radio group   an export value or the name of a state; Off for none
+  radio group   the name of a state or an export value; Off for none
   combo box     an export value or a shown text; any text when it is editable
   list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
 Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.

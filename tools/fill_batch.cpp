@@ -111,6 +111,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
         if (!open_document(*documents.back(), arguments.input))
             return COMMAND_REFUSED;
     }
+    note_xfa(*documents.front(), arguments);
     BatchOutput output(arguments.batch.text, rows.count());
     std::vector<BatchJob> jobs;
     jobs.reserve(documents.size());

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "core/limits.h"
 #include "fuzz/open_form_check.h"
 #include "tests/support/pdf_builder.h"
 
@@ -100,6 +101,65 @@ void open_damaged(const std::string& path)
 }
 
 }  // namespace
+
+// Many references to one thing that takes long, or much memory, to read: the work for all of them has a bound.
+TEST(DamageTest, SharedThingsTakeNoTime)
+{
+    constexpr uint32_t FIRST = 100;
+    constexpr uint32_t COUNT = 20000;
+    const auto repeated = [](const std::string& piece, size_t times) {
+        std::string out;
+        for (size_t i = 0; i < times; ++i)
+            out += piece;
+        return out;
+    };
+    std::string kids;
+    for (uint32_t num = FIRST; num < FIRST + COUNT; ++num)
+        kids += std::to_string(num) + " 0 R ";
+    // A form whose kids are all at `here`, or the objects that `kid` spells.
+    const auto form = [&kids](PdfBuilder file, uint32_t here, const std::string& kid = "") {
+        file.form({"<</T(group)/Kids[" + kids + "]>>"});
+        for (uint32_t num = FIRST; num < FIRST + COUNT; ++num)
+            kid.empty() ? file.entry(num, PDF_XREF_IN_FILE, here, 0) : file.object(num, kid);
+        return file;
+    };
+    PdfBuilder large;
+    const uint32_t here = large.here();
+    const std::string zeros = repeated("0 ", LIMIT_OBJECT_VALUES);
+    PdfBuilder packed = form(large, here);
+    for (uint32_t num = FIRST; num < FIRST + COUNT; ++num)
+        packed.entry(num, PDF_XREF_IN_STREAM, 7, 0);
+    PdfBuilder nested;
+    nested.object(1, "<</Type/Catalog>>").table();
+    std::string trailers;
+    for (size_t i = 1; i < 60000; ++i) {
+        const std::string next =
+            "xref\n0 0\ntrailer<</Root 1 0 R/Prev " + std::to_string(nested.here() + i * 64) + "/A(";
+        trailers += next + std::string(64 - next.size(), ' ');
+    }
+    const std::string start = "startxref\n" + std::to_string(nested.here()) + "\n%%EOF\n";
+    const std::pair<const char*, std::string> cases[] = {
+        {"white space", form(PdfBuilder().raw(std::string(4000000, ' ')), here).table().text},
+        {"an object over the limits", form(PdfBuilder().raw("100 0 obj[" + zeros + "0]"), here).table().text},
+        {"a value",
+         form(PdfBuilder().object(8, "[" + zeros.substr(0, 600000) + "]"), 0, "<</FT/Ch/T(a)/V 8 0 R>>").table().text},
+        {"options", form(PdfBuilder().object(8, "[" + repeated("(o)", 300000) + "]"), 0, "<</FT/Ch/T(a)/Opt 8 0 R>>")
+                        .table()
+                        .text},
+        {"the end of streams", form(large, 0, "<<>>stream").raw(std::string(4000000, ' ')).table().text},
+        {"an object stream",
+         packed.stream(7, "/N 99999999/First 8000000", repeated("1 0 ", 2000000)).xref_stream(9).text},
+        {"the end of trailers", nested.text + trailers + repeated(")", 60000) + ">>\n" + start},
+    };
+    watch();
+    for (const auto& [label, text] : cases) {
+        std::snprintf(g_variant, sizeof g_variant, "while opening a file that shares %s\n", label);
+        ::alarm(SECONDS);
+        CPDFDocument document;
+        EXPECT_TRUE(document.open(std::vector<uint8_t>(text.begin(), text.end())).ok()) << label;
+        ::alarm(0);
+    }
+}
 
 TEST(DamageTest, Samples)
 {
