@@ -67,60 +67,37 @@ TEST(BranchFinderTest, OddTrees)
 {
     const struct {
         const char* label;
-        std::vector<std::string> fields;   // objects 10, 11, ...
-        std::vector<std::string> objects;  // 20, 21, ...
-        std::vector<std::string> names;
+        const char* fields;   // objects 10, 11, ...
+        const char* objects;  // 20, 21, ...
+        const char* names;
         int left;  // names left to the whole form
     } cases[] = {
-        {"dots in a name, before and behind",
-         {"/T(a.b)", "/T(a)/Kids[20 0 R]", "/T(c)/Kids[21 0 R]", "/T(c.d)"},
-         {"/T(b)/Parent 11 0 R", "/T(d)/Parent 12 0 R"},
-         {},
+        {"dots in a name, behind", "/T(a.b);/T(a)/Kids[20 0 R]", "/T(b)/Parent 11 0 R", "", 0},
+        {"dots in a name, before", "/T(a)/Kids[20 0 R];/T(a.b)", "/T(b)/Parent 10 0 R", "", 0},
+        {"names that begin alike", "/T(ab);/T(a)/Kids[20 0 R];/T(abc)", "/T(b)/Parent 11 0 R", "a.bc,abcd,a.b.,b", 0},
+        {"equal names", "/T(a)/V(1);/T(a)/V(2)", "", "", 0},
+        {"no name at the top", "/Kids[20 0 R];/T(b)", "/T(x)/Parent 10 0 R", "a,", 0},
+        {"no name between", "/T(a)/FT/Tx/Ff 1/Kids[20 0 R]", "/Parent 10 0 R/Kids[21 0 R];/T(k)/Parent 20 0 R", "a.",
          0},
-        {"names that begin alike",
-         {"/T(ab)", "/T(a)/Kids[20 0 R]", "/T(abc)"},
-         {"/T(b)/Parent 11 0 R"},
-         {"a.bc", "abcd", "a.b.", "b"},
-         0},
-        {"equal names", {"/T(a)/V(1)", "/T(a)/V(2)"}, {}, {}, 0},
-        {"no name between",
-         {"/Kids[20 0 R]", "/T(a)/FT/Tx/Ff 1/Kids[21 0 R]"},
-         {"/T(x)/Parent 10 0 R", "/Parent 11 0 R/Kids[22 0 R]", "/T(k)/Parent 21 0 R"},
-         {"a", ""},
-         0},
-        {"text in two bytes", {"/T<FEFF00E400E4>/Kids[20 0 R]"}, {"/T(\xE4)/Parent 10 0 R"}, {"\xC3\xA4"}, 0},
-        {"cycle",
-         {"/T(a)/Kids[20 0 R]"},
-         {"/T(b)/Parent 10 0 R/Kids[10 0 R 20 0 R 21 0 R]", "/T(c)/Parent 20 0 R"},
-         {"a.b.a", "a.b.b"},
-         0},
-        {"kid of two",
-         {"/T(a)/Kids[20 0 R]", "/T(b)/Kids[20 0 R 21 0 R]"},
-         {"/T(k)/Parent 10 0 R", "/T(k)/Parent 11 0 R"},
-         {},
+        {"text in two bytes", "/T<FEFF00E400E4>/Kids[20 0 R]", "/T(\xE4)/Parent 10 0 R", "\xC3\xA4", 0},
+        {"cycle", "/T(a)/Kids[20 0 R]", "/T(b)/Parent 10 0 R/Kids[10 0 R 20 0 R 21 0 R];/T(c)/Parent 20 0 R",
+         "a.b.a,a.b.b", 0},
+        {"kid of two", "/T(a)/Kids[20 0 R];/T(b)/Kids[20 0 R 21 0 R]", "/T(k)/Parent 10 0 R;/T(k)/Parent 11 0 R", "",
          1},
-        {"at the top, too", {"/T(a)/Kids[11 0 R]", "/T(k)/Parent 10 0 R"}, {}, {"k"}, 0},
-        {"kid without a parent", {"/T(a)/Kids[20 0 R 21 0 R]"}, {"/T(k)/Subtype/Widget", "/T(l)"}, {"a.k"}, 1},
-        {"no fields", {"/T(a)/Kids[20 0 R null 12 0 R 99 0 R]", "/T(b)/Kids 20 0 R"}, {"[1]"}, {"a.k"}, 0},
-        {"name of the wrong kind", {"/T/a/Kids[20 0 R]"}, {"/T(k)/Parent 10 0 R"}, {"a.k"}, 0},
-        {"name of two marks only",
-         {"/T(a)/Kids[20 0 R]"},
-         {"/T<FEFF>/Parent 10 0 R/Kids[21 0 R]", "/T(k)/Parent 20 0 R"},
-         {"a.k", "a."},
-         3},
-        {"numbers in brackets", {"/T(f[0])/Kids[20 0 R]"}, {"/T(k[1])/Parent 10 0 R"}, {"f.k"}, 1},
+        {"at the top, too", "/T(a)/Kids[11 0 R];/T(k)/Parent 10 0 R", "", "k", 0},
+        {"kid without a parent", "/T(a)/Kids[20 0 R 21 0 R]", "/T(k)/Subtype/Widget;/T(l)", "a.k", 1},
+        {"no fields", "/T(a)/Kids[20 0 R null 12 0 R 99 0 R];/T(b)/Kids 20 0 R", "[1]", "a.k", 0},
+        {"name of the wrong kind", "/T/a/Kids[20 0 R]", "/T(k)/Parent 10 0 R", "a.k", 0},
+        {"name of marks only", "/T(a)/Kids[20 0 R]", "/T<FEFF>/Parent 10 0 R/Kids[21 0 R];/T(k)/Parent 20 0 R",
+         "a.k,a.", 3},
+        {"numbers in brackets", "/T(f[0])/Kids[20 0 R]", "/T(k[1])/Parent 10 0 R", "f.k", 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
-        std::vector<std::string> fields;
-        for (const std::string& field : c.fields)
-            fields.push_back("<<" + field + ">>");
         PdfBuilder file;
-        file.form(fields);
-        for (size_t i = 0; i < c.objects.size(); ++i)
-            file.object(static_cast<uint32_t>(20 + i),
-                        c.objects[i][0] == '[' ? c.objects[i] : "<<" + c.objects[i] + ">>");
-        EXPECT_EQ(compare(file.table().text, c.names), c.left);
+        put_objects(file.form({split(c.fields, ';').size(), "null"}), 10, c.fields);
+        put_objects(file, 20, c.objects);
+        EXPECT_EQ(compare(file.table().text, split(c.names, ',')), c.left);
         // The document finds them all, whoever does.
         FormAtWork whole(file.text);
         FormAtWork named(file.text, PDF_LOAD::NAMED_FIELDS);
@@ -139,12 +116,7 @@ TEST(BranchFinderTest, FormsOfEveryKind)
                      PDF_LOAD::NAMED_FIELDS);
         EXPECT_FALSE(f.document.field("a")) << form;
     }
-    FormAtWork f(PdfBuilder()
-                     .object(1, "<</AcroForm<</Fields 4 0 R>>>>")
-                     .object(4, "[5 0 R]")
-                     .object(5, "<</T(a)>>")
-                     .table()
-                     .text,
-                 PDF_LOAD::NAMED_FIELDS);
-    EXPECT_TRUE(f.document.field("a"));
+    PdfBuilder file;
+    put_objects(file, 1, "/AcroForm<</Fields 2 0 R>>;[3 0 R];/T(a)");
+    EXPECT_TRUE(FormAtWork(file.table().text, PDF_LOAD::NAMED_FIELDS).document.field("a"));
 }

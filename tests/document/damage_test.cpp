@@ -127,29 +127,31 @@ TEST(DamageTest, SharedThingsTakeNoTime)
     const uint32_t here = large.here();
     const std::string zeros = repeated("0 ", LIMIT_OBJECT_VALUES);
     PdfBuilder packed = form(large, here);
-    for (uint32_t num = FIRST; num < FIRST + COUNT; ++num)
-        packed.entry(num, PDF_XREF_IN_STREAM, 7, 0);
+    std::string places;
+    for (uint32_t num = FIRST; num < FIRST + COUNT; ++num) {
+        packed.entry(num, PDF_XREF_IN_STREAM, 7, num - FIRST);
+        places += std::to_string(num) + " 0 ";
+    }
+    PdfBuilder searched = packed;
+    const std::string first = "/N 99999999/First " + std::to_string(places.size());
     PdfBuilder nested;
-    nested.object(1, "<</Type/Catalog>>").table();
     std::string trailers;
     for (size_t i = 1; i < 60000; ++i) {
-        const std::string next =
-            "xref\n0 0\ntrailer<</Root 1 0 R/Prev " + std::to_string(nested.here() + i * 64) + "/A(";
+        const std::string next = "xref\n0 0\ntrailer<</Prev " + std::to_string(here + i * 64) + "/A(";
         trailers += next + std::string(64 - next.size(), ' ');
     }
-    const std::string start = "startxref\n" + std::to_string(nested.here()) + "\n%%EOF\n";
+    nested.raw(trailers + repeated(")", 60000) + ">>\n").object(1, "<</AcroForm 77 0 R>>");
     const std::pair<const char*, std::string> cases[] = {
         {"white space", form(PdfBuilder().raw(std::string(4000000, ' ')), here).table().text},
-        {"an object over the limits", form(PdfBuilder().raw("100 0 obj[" + zeros + "0]"), here).table().text},
+        {"an object over the limits", packed.stream(7, first, places + "[" + zeros + "0]").xref_stream(9).text},
         {"a value",
          form(PdfBuilder().object(8, "[" + zeros.substr(0, 600000) + "]"), 0, "<</FT/Ch/T(a)/V 8 0 R>>").table().text},
         {"options", form(PdfBuilder().object(8, "[" + repeated("(o)", 300000) + "]"), 0, "<</FT/Ch/T(a)/Opt 8 0 R>>")
                         .table()
                         .text},
-        {"the end of streams", form(large, 0, "<<>>stream").raw(std::string(4000000, ' ')).table().text},
-        {"an object stream",
-         packed.stream(7, "/N 99999999/First 8000000", repeated("1 0 ", 2000000)).xref_stream(9).text},
-        {"the end of trailers", nested.text + trailers + repeated(")", 60000) + ">>\n" + start},
+        {"the end of streams", form(large, 0, "<<>>stream").raw(std::string(8000000, ' ')).table().text},
+        {"an object stream", searched.stream(7, first, repeated("1 0 ", 2000000) + places).xref_stream(9).text},
+        {"the end of trailers", nested.table("/Prev " + std::to_string(here)).text},
     };
     watch();
     for (const auto& [label, text] : cases) {

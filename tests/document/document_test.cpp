@@ -8,7 +8,6 @@
 #include <string>
 
 #include "core/dictionary.h"
-#include "core/object_source.h"
 #include "document/field_text.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
@@ -44,31 +43,16 @@ std::string text_form(const std::string& more = "")
     return PdfBuilder().form({"<</FT/Tx/T(a)/V(old)" + more + ">>"}).table().text;
 }
 
-// Reads through another source and counts.
-class CountingSource : public CPDFObjectSource {
+class CountingReader : public CPDFFileReader {
 public:
-    explicit CountingSource(CPDFObjectSource& source) : m_source(source) {}
+    using CPDFFileReader::CPDFFileReader;
     void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                      const CPDFKeySet* keys) override
     {
         ++reads;
-        m_source.read_object(xref, out, num, entry, keys);
+        CPDFFileReader::read_object(xref, out, num, entry, keys);
     }
-    int read_section(CPDFXRefTable& xref, uint32_t pos) override { return m_source.read_section(xref, pos); }
-    CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
-                            uint32_t size) override
-    {
-        return m_source.open_stream(xref, rec, memory, size);
-    }
-    unsigned char* compress(const void* data, int len, int& out_len) override
-    {
-        return m_source.compress(data, len, out_len);
-    }
-
     size_t reads = 0;
-
-private:
-    CPDFObjectSource& m_source;  // borrowed
 };
 
 }  // namespace
@@ -355,9 +339,8 @@ TEST(CPDFDocumentTest, ObjectsReadStayInProportionToTheFields)
             groups.push_back("<</T(g" + std::to_string(groups.size()) + ")/Kids[" + kids + "]>>");
         }
         const std::string& text = builder.form(groups).table().text;
-        CPDFFileReader reader(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-        CountingSource source(reader);
-        CPDFXRefTable xref(&source);
+        CountingReader reader(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+        CPDFXRefTable xref(&reader);
         ASSERT_TRUE(reader.start(xref).ok());
         CPDFObj root;
         xref.get_entity(root, {1, 0});
@@ -366,6 +349,6 @@ TEST(CPDFDocumentTest, ObjectsReadStayInProportionToTheFields)
         size_t loaded = 0;
         for_each_field(form, [&loaded](CPDFField& field) { loaded += field.m_type == FIELD_TEXT; });
         EXPECT_EQ(loaded, count);
-        EXPECT_LE(source.reads, count + groups.size() + 8);
+        EXPECT_LE(reader.reads, count + groups.size() + 8);
     }
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -22,6 +23,26 @@
 inline std::string widget_states(const std::string& on)
 {
     return "/Subtype/Widget/AS/Off/AP<</N<</" + on + " 4 0 R/Off 4 0 R>>>>";
+}
+
+// The texts between the marks.
+inline std::vector<std::string> split(const std::string& text, char mark)
+{
+    std::vector<std::string> parts;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find(mark, begin), text.size());
+        parts.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+// Objects from `num` on, separated by ';'. What begins with '/' is a dictionary without its brackets.
+inline PdfBuilder& put_objects(PdfBuilder& file, uint32_t num, const std::string& objects, uint32_t gen = 0)
+{
+    for (const std::string& text : split(objects, ';'))
+        file.object(num++, text[0] == '/' ? "<<" + text + ">>" : text, gen);
+    return file;
 }
 
 class FormAtWork {

@@ -1,7 +1,5 @@
 #include "document/widget_binder.h"
 
-#include <map>
-
 #include "tests/document/fill_fixture.h"
 
 namespace {
@@ -15,16 +13,15 @@ std::string widgets_of(FormAtWork& f, const CPDFField& field)
     return text;
 }
 
-// A document with the page objects 5 and 6, whose annotations are given, and the fields from object 10 on.
-std::string with_pages(const std::string& first, const std::string& second, const std::vector<std::string>& fields,
-                       const std::map<uint32_t, std::string>& objects, uint32_t gen = 0)
+// A document with the field, object 10, two pages, whose annotations are separated by ';', and objects from 20 on.
+std::string with_pages(const std::string& field, const std::string& pages, const std::string& objects, uint32_t gen = 0)
 {
+    const std::vector<std::string> annotations = split(pages + "; ", ';');
     PdfBuilder file;
-    file.form(fields).object(2, "<</Type/Pages/Kids[5 0 R 6 0 R]>>");
-    file.object(5, "<</Type/Page/Annots[" + first + "]>>").object(6, "<</Type/Page/Annots[" + second + "]>>");
-    for (const auto& [num, text] : objects)
-        file.object(num, text[0] == '[' ? text : "<<" + text + ">>", gen);
-    return file.table().text;
+    file.form({"<<" + field + ">>"}).object(2, "<</Type/Pages/Kids[5 0 R 6 0 R]>>");
+    file.object(5, "<</Type/Page/Annots[" + annotations[0] + "]>>")
+        .object(6, "<</Type/Page/Annots[" + annotations[1] + "]>>");
+    return put_objects(file, 20, objects, gen).table().text;
 }
 
 }  // namespace
@@ -32,77 +29,39 @@ std::string with_pages(const std::string& first, const std::string& second, cons
 TEST(WidgetBinderTest, WidgetsInTheOrderOfKids)
 {
     const std::string a = widget_states("a");
-    const std::string named = a + "/Parent 10 0 R";
     const struct {
         const char* label;
-        std::string field;  // object 10, a radio group; its widgets stand for (0) (1) (2) in their order
-        std::map<uint32_t, std::string> objects;
-        const char* first;
-        const char* second;
-        const char* expected;  // widgets of the group, then those bound as m_widget of objects 10, 20 to 23
+        std::string field;    // object 10
+        std::string objects;  // 20, 21, ...; "w" is a widget, "p" one that names the field as its parent
+        const char* pages;
+        const char* expected;  // widgets of the field, then those bound as m_widget of objects 10, 20 to 23
     } cases[] = {
-        {"merged", a, {}, "10 0 R", "", "10 ;10 - - - -"},
-        {"kids with a parent",
-         "/Kids[21 0 R 20 0 R]",
-         {{20, named}, {21, named}},
-         "20 0 R 21 0 R",
-         "",
-         "21 20 ;- 20 21 - -"},
-        {"kids without", "/Kids[21 0 R 20 0 R]", {{20, a}, {21, a}}, "20 0 R", "21 0 R", "21 20 ;21 21 21 - -"},
-        {"mixed",
-         "/Kids[20 0 R 21 0 R 22 0 R]",
-         {{20, named}, {21, a}, {22, named}},
-         "",
-         "",
-         "20 21 22 ;21 20 21 22 -"},
-        {"mixed, odd entries",
-         "/Kids[20 0 R null 22 0 R 9 0 R 21 0 R 22 0 R 20 0 R]",
-         {{20, named}, {21, a}, {22, named}},
-         "",
-         "",
+        {"merged", a, "", "10 0 R", "10 ;10 - - - -"},
+        {"kids with a parent", "/Kids[21 0 R 20 0 R]", "p;p", "20 0 R 21 0 R", "21 20 ;- 20 21 - -"},
+        {"kids without", "/Kids[21 0 R 20 0 R]", "w;w", "20 0 R;21 0 R", "21 20 ;21 21 21 - -"},
+        {"mixed", "/Kids[20 0 R 21 0 R 22 0 R]", "p;w;p", "", "20 21 22 ;21 20 21 22 -"},
+        {"mixed, odd entries", "/Kids[20 0 R null 22 0 R 9 0 R 21 0 R 22 0 R 20 0 R]", "p;w;p", "",
          "20 22 21 ;21 20 21 22 -"},
-        {"mixed, list elsewhere",
-         "/Kids 30 0 R",
-         {{20, named}, {21, a}, {22, a}, {30, "[21 0 R 20 0 R 22 0 R]"}},
-         "",
-         "",
-         "21 20 22 ;21 20 21 21 -"},
-        {"merged and kids", a + "/Kids[10 0 R 20 0 R]", {{20, named}}, "", "", "10 20 ;10 20 - - -"},
-        {"kids of kids",
-         "/Kids[20 0 R 23 0 R]",
-         {{20, "/Parent 10 0 R/Kids[21 0 R 22 0 R]"}, {21, a + "/Parent 20 0 R"}, {22, a}, {23, a}},
-         "",
-         "",
+        {"mixed, elsewhere", "/Kids 23 0 R", "p;w;w;[21 0 R 20 0 R 22 0 R]", "", "21 20 22 ;21 20 21 21 -"},
+        {"merged and kids", a + "/Kids[10 0 R 20 0 R]", "p", "", "10 20 ;10 20 - - -"},
+        {"kids of kids", "/Kids[20 0 R 23 0 R]", "/Parent 10 0 R/Kids[21 0 R 22 0 R];/Parent 20 0 R" + a + ";w;w", "",
          "21 22 23 ;23 22 21 22 23"},
-        {"on no page", "/Kids[20 0 R]", {{20, named}}, "", "", "20 ;- 20 - - -"},
-        {"on two pages", "/Kids[20 0 R]", {{20, named}}, "20 0 R 20 0 R", "20 0 R", "20 ;- 20 - - -"},
-        {"known to the page only",
-         "/Kids[20 0 R]",
-         {{20, named}, {21, named}, {22, a}},
-         "22 0 R 21 0 R",
-         "20 0 R",
-         "20 21 ;21 20 - - -"},
-        {"all known to the page only", "", {{20, named}, {21, named}}, "21 0 R", "20 0 R", "20 21 ;20 - - - -"},
-        {"no widgets of it",
-         "/Kids[20 0 R]",
-         {{20, named},
-          {21, "/Subtype/Link/Parent 10 0 R"},
-          {22, a + "/T(own)/Parent 10 0 R"},
-          {23, a + "/Parent 9 0 R"}},
-         "21 0 R 22 0 R 23 0 R 99 0 R",
-         "",
-         "20 ;- 20 - - -"},
-        {"kids that are no widgets",
-         "/Kids[20 0 R 21 0 R]",
-         {{20, "/Parent 10 0 R"}, {21, named + "/T(k)"}},
-         "",
-         "",
+        {"on no page", "/Kids[20 0 R]", "p", "", "20 ;- 20 - - -"},
+        {"on two pages", "/Kids[20 0 R]", "p", "20 0 R 20 0 R;20 0 R", "20 ;- 20 - - -"},
+        {"known to the page only", "/Kids[20 0 R]", "p;p;w", "22 0 R 21 0 R;20 0 R", "20 21 ;21 20 - - -"},
+        {"all known to the page only", "", "p;p", "21 0 R;20 0 R", "20 21 ;20 - - - -"},
+        {"no widgets of it", "/Kids[20 0 R]",
+         "p;/Subtype/Link/Parent 10 0 R;/T(own)/Parent 10 0 R" + a + ";/Parent 9 0 R" + a,
+         "21 0 R 22 0 R 23 0 R 99 0 R", "20 ;- 20 - - -"},
+        {"kids that are no widgets", "/Kids[20 0 R 21 0 R]", "/Parent 10 0 R;/T(k)/Parent 10 0 R" + a, "",
          ";- - 21 - -"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
-        const std::string field = "<</FT/Btn/Ff 32768/T(f)/Opt[(0)(1)(2)]" + c.field + ">>";
-        FormAtWork f(with_pages(c.first, c.second, {field}, c.objects));
+        std::string objects;
+        for (const std::string& object : split(c.objects, ';'))
+            objects += (object == "w" ? a : object == "p" ? a + "/Parent 10 0 R" : object) + ";";
+        FormAtWork f(with_pages("/FT/Btn/Ff 32768/T(f)" + c.field, c.pages, objects));
         std::string result = widgets_of(f, f.field("f")) + ";";
         for (const uint32_t num : {10, 20, 21, 22, 23}) {
             const CPDFField* at = f.document.form().find(PDF_REF{num, 0});
@@ -119,8 +78,7 @@ TEST(WidgetBinderTest, WidgetsInTheOrderOfKids)
 TEST(WidgetBinderTest, EveryWidgetFollowsAndKeepsItsGeneration)
 {
     const std::string on = widget_states("on");
-    const std::string text =
-        with_pages("21 3 R", "", {"<</FT/Btn/T(f)/Kids[20 3 R]>>"}, {{20, on}, {21, on + "/Parent 10 0 R"}}, 3);
+    const std::string text = with_pages("/FT/Btn/T(f)/Kids[20 3 R]", "21 3 R", on + ";" + on + "/Parent 10 0 R", 3);
     FormAtWork f(text);
     ASSERT_TRUE(f.set("f", "on").ok());
     const std::string update = f.saved().substr(text.size());
@@ -134,14 +92,14 @@ TEST(WidgetBinderTest, ManyWidgets)
 {
     constexpr uint32_t COUNT = 20000;
     std::string kids;
-    std::map<uint32_t, std::string> objects;
-    for (uint32_t num = 100; num < 100 + COUNT; ++num) {
+    std::string objects;
+    for (uint32_t num = 20; num < 20 + COUNT; ++num) {
         kids += std::to_string(num) + " 0 R ";
-        objects[num] = "/Subtype/Widget/AS/Off" + std::string(num % 2 ? "/Parent 10 0 R" : "");
+        objects += num % 2 ? "/Subtype/Widget/Parent 10 0 R;" : "/Subtype/Widget;";
     }
-    FormAtWork f(with_pages(kids, kids, {"<</FT/Btn/T(f)/Kids[" + kids + "]>>"}, objects));
+    FormAtWork f(with_pages("/FT/Btn/T(f)/Kids[" + kids + "]", kids + ";" + kids, objects));
     ASSERT_EQ(f.document.widgets_of(f.field("f")).size(), COUNT);
-    uint32_t num = 100;
+    uint32_t num = 20;
     for (const CPDFAnnotWidget* widget : f.document.widgets_of(f.field("f")))
         ASSERT_EQ(widget->m_ref.num, num++);
 }

@@ -1,3 +1,6 @@
+#include <iterator>
+#include <sstream>
+
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "tests/forms/form_fixture.h"
@@ -35,12 +38,35 @@ std::string state(FormFixture& f, CPDFField& field)
     return out;
 }
 
-using Operation = int (*)(CPDFField&);
-
-int select(CPDFField& field, std::vector<int> sels)
+// Runs operations like "sel 1, sels 2 0, ins 0 val text, del 3" and returns the last result. "sels" alone selects nothing,
+// "same" hands the field its own selection, "copy 2" inserts option 2 again in front.
+int run(CPDFField& field, const std::string& operations)
 {
-    field.set_choice_sels(sels.data(), static_cast<int>(sels.size()));
-    return 1;
+    int result = 1;
+    std::istringstream all(operations);
+    for (std::string operation; std::getline(all, operation, ',');) {
+        std::istringstream in(operation);
+        std::string verb, val, shown;
+        int index = -1;
+        in >> verb;
+        if (verb == "sels") {
+            const std::vector<int> sels{std::istream_iterator<int>(in), {}};
+            field.set_choice_sels(sels.data(), static_cast<int>(sels.size()));
+            continue;
+        }
+        in >> index >> val >> shown;
+        if (verb == "sel")
+            field.set_choice_sel(index);
+        else if (verb == "same")
+            field.set_choice_sels(field.m_sels, field.m_sel_cnt);
+        else if (verb == "copy")
+            result = field.insert_choice_opt(0, &field.m_opts[index].val, &field.m_opts[index].text);
+        else if (verb == "ins")
+            result = field.insert_choice_opt(index, text(val.c_str()), shown.empty() ? nullptr : text(shown.c_str()));
+        else
+            result = field.remove_choice_opt(index);
+    }
+    return result;
 }
 
 }  // namespace
@@ -49,108 +75,53 @@ TEST(FieldChoiceTest, Operations)
 {
     const std::string opt = " [[(a) (Apple)] (b) [(c) (Cherry)]]";
     const struct {
-        const char* label;
         const char* entries;
-        Operation run;
+        const char* operations;
         int result;
         std::string expected;
     } cases[] = {
-        {"one", "/I [0 2] /V (x)",
-         [](CPDFField& f) {
-             f.set_choice_sel(1);
-             return 1;
-         },
-         1, "1 | [1] (b)" + opt},
-        {"one, export value", "",
-         [](CPDFField& f) {
-             f.set_choice_sel(2);
-             return 1;
-         },
-         1, "2 | [2] (c)" + opt},
-        {"one, empty selection", "/I []",
-         [](CPDFField& f) {
-             f.set_choice_sel(0);
-             return 1;
-         },
-         1, "0 | [0] (a)" + opt},
-        {"one, too large", "/I [0] /V (x)",
-         [](CPDFField& f) {
-             f.set_choice_sel(3);
-             return 1;
-         },
-         1, "3 | [0] (x)" + opt},
-        {"one, negative", "/V (x)",
-         [](CPDFField& f) {
-             f.set_choice_sel(-1);
-             return 1;
-         },
-         1, "-1 | - (x)" + opt},
-        {"several, in the order given", "/V (x)",
-         [](CPDFField& f) {
-             return select(f, {2, 0});
-         },
-         1, "2 0 | [2 0] [(Cherry) (Apple)],(x)" + opt},
-        {"several, single", "", [](CPDFField& f) { return select(f, {1}); }, 1, "1 | [1] [(b)],null" + opt},
-        {"several, none", "/I [1] /V (x)", [](CPDFField& f) { return select(f, {}); }, 1, "| [] [],(x)" + opt},
-        {"several, one too large", "/I [1] /V (x)",
-         [](CPDFField& f) {
-             return select(f, {0, 5});
-         },
-         1, "0 5 | [1] (x)" + opt},
-        {"several, its own selection", "/I [1 2]",
-         [](CPDFField& f) {
-             f.set_choice_sels(f.m_sels, 2);
-             return 1;
-         },
-         1, "1 2 | [1 2] [(b) (Cherry)],null" + opt},
-        {"insert in front", "/I [0 2] /V (x)",
-         [](CPDFField& f) { return f.insert_choice_opt(0, text("n"), text("New")); }, 1,
+        {"/I [0 2] /V (x)", "sel 1", 1, "1 | [1] (b)" + opt},
+        {"", "sel 2", 1, "2 | [2] (c)" + opt},
+        {"/I []", "sel 0", 1, "0 | [0] (a)" + opt},
+        {"", "sels, sel 0", 1, "0 | [0] (a)" + opt},
+        {"/I [0] /V (x)", "sel 3", 1, "3 | [0] (x)" + opt},
+        {"/V (x)", "sel -1", 1, "-1 | - (x)" + opt},
+        {"/V (x)", "sels 2 0", 1, "2 0 | [2 0] [(Cherry) (Apple)],(x)" + opt},
+        {"", "sels 1", 1, "1 | [1] [(b)],null" + opt},
+        {"/I [1] /V (x)", "sels", 1, "| [] [],(x)" + opt},
+        {"/I [1] /V (x)", "sels 0 5", 1, "0 5 | [1] (x)" + opt},
+        {"/I [1 2]", "same", 1, "1 2 | [1 2] [(b) (Cherry)],null" + opt},
+        {"/I [0 2] /V (x)", "ins 0 n New", 1,
          "1 3 | [1 3] [(Apple) (Cherry)],(x) [[(n) (New)] [(a) (Apple)] (b) [(c) (Cherry)]]"},
-        {"insert at the end", "/I [2]", [](CPDFField& f) { return f.insert_choice_opt(3, text("n"), nullptr); }, 1,
-         "2 | [2] [(Cherry)],null [[(a) (Apple)] (b) [(c) (Cherry)] (n)]"},
-        {"insert before the last", "/I [2]", [](CPDFField& f) { return f.insert_choice_opt(2, text("n"), text("")); },
-         1, "3 | [3] [(Cherry)],null [[(a) (Apple)] (b) (n) [(c) (Cherry)]]"},
-        {"insert, nothing selected", "", [](CPDFField& f) { return f.insert_choice_opt(1, nullptr, nullptr); }, 1,
-         "| [] [],null [[(a) (Apple)] () (b) [(c) (Cherry)]]"},
-        {"insert, selection outside", "/I [7]", [](CPDFField& f) { return f.insert_choice_opt(3, text("n"), nullptr); },
-         1, "8 | [7] - [[(a) (Apple)] (b) [(c) (Cherry)] (n)]"},
-        {"insert a copy of an option", "",
-         [](CPDFField& f) { return f.insert_choice_opt(0, &f.m_opts[2].val, &f.m_opts[2].text); }, 1,
-         "| [] [],null [[(c) (Cherry)] [(a) (Apple)] (b) [(c) (Cherry)]]"},
-        {"insert too far", "/I [0]", [](CPDFField& f) { return f.insert_choice_opt(4, text("n"), nullptr); }, 0,
-         "0 | [0] -" + opt},
-        {"insert, negative", "/I [0]", [](CPDFField& f) { return f.insert_choice_opt(-1, text("n"), nullptr); }, 0,
-         "0 | [0] -" + opt},
-        {"remove between", "/I [0 2]", [](CPDFField& f) { return f.remove_choice_opt(1); }, 1,
-         "0 1 | [0 2] - [[(a) (Apple)] [(c) (Cherry)]]"},
-        {"remove the first selected", "/I [1 2]", [](CPDFField& f) { return f.remove_choice_opt(1); }, 1,
-         "1 | [1] [(Cherry)],null [[(a) (Apple)] [(c) (Cherry)]]"},
-        {"remove the only selected", "/I [1]", [](CPDFField& f) { return f.remove_choice_opt(1); }, 1,
-         "0 | [0] [(Apple)],null [[(a) (Apple)] [(c) (Cherry)]]"},
-        {"remove, selection out of order", "/I [2 1 0]", [](CPDFField& f) { return f.remove_choice_opt(1); }, 1,
-         "1 -1 | [2 1 0] - [[(a) (Apple)] [(c) (Cherry)]]"},
-        {"remove all", "/I [0]",
-         [](CPDFField& f) { return f.remove_choice_opt(0) + f.remove_choice_opt(0) + f.remove_choice_opt(0); }, 3,
-         "0 | [0] [(Cherry)],null []"},
-        {"remove and insert", "",
-         [](CPDFField& f) { return f.insert_choice_opt(1, text("n"), nullptr) + f.remove_choice_opt(0); }, 2,
-         "| [] [],null [(n) (b) [(c) (Cherry)]]"},
-        {"remove too far", "/I [0]", [](CPDFField& f) { return f.remove_choice_opt(3); }, 0, "0 | [0] -" + opt},
+        {"/I [2]", "ins 3 n", 1, "2 | [2] [(Cherry)],null [[(a) (Apple)] (b) [(c) (Cherry)] (n)]"},
+        {"/I [2]", "ins 2 n", 1, "3 | [3] [(Cherry)],null [[(a) (Apple)] (b) (n) [(c) (Cherry)]]"},
+        {"", "ins 1", 1, "| [] [],null [[(a) (Apple)] () (b) [(c) (Cherry)]]"},
+        {"/I [7]", "ins 3 n", 1, "8 | [7] - [[(a) (Apple)] (b) [(c) (Cherry)] (n)]"},
+        {"", "copy 2", 1, "| [] [],null [[(c) (Cherry)] [(a) (Apple)] (b) [(c) (Cherry)]]"},
+        {"/I [0]", "ins 4 n", 0, "0 | [0] -" + opt},
+        {"/I [0]", "ins -1 n", 0, "0 | [0] -" + opt},
+        {"/I [0 2]", "del 1", 1, "0 1 | [0 2] - [[(a) (Apple)] [(c) (Cherry)]]"},
+        {"/I [1 2]", "del 1", 1, "1 | [1] [(Cherry)],null [[(a) (Apple)] [(c) (Cherry)]]"},
+        {"/I [1]", "del 1", 1, "0 | [0] [(Apple)],null [[(a) (Apple)] [(c) (Cherry)]]"},
+        {"/I [2 1 0]", "del 1", 1, "1 -1 | [2 1 0] - [[(a) (Apple)] [(c) (Cherry)]]"},
+        {"/I [0]", "del 0, del 0, del 0", 1, "0 | [0] [(Cherry)],null []"},
+        {"", "ins 1 n, del 0", 1, "| [] [],null [(n) (b) [(c) (Cherry)]]"},
+        {"/I [0]", "del 3", 0, "0 | [0] -" + opt},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
+        SCOPED_TRACE(std::string(c.operations) + " on " + c.entries);
         FormFixture f("/Fields [2 0 R]", THREE + std::string(c.entries));
-        EXPECT_EQ(c.run(f.field(2)), c.result);
+        EXPECT_EQ(run(f.field(2), c.operations), c.result);
         EXPECT_EQ(state(f, f.field(2)), c.expected);
         // Another kind, and a field whose dictionary is gone.
         FormFixture other("/Fields [2 0 R]", std::string(c.entries) + THREE + " /FT /Tx");
         const std::string before = state(other, other.field(2));
-        c.run(other.field(2));
+        run(other.field(2), c.operations);
         EXPECT_EQ(state(other, other.field(2)), before);
         FormFixture gone("/Fields [2 0 R]", THREE + std::string(c.entries));
         gone.doc.put_free(2);
         const std::string value = show_object(gone.field(2).m_value);
-        EXPECT_EQ(c.run(gone.field(2)), c.result);
+        EXPECT_EQ(run(gone.field(2), c.operations), c.result);
         EXPECT_EQ(gone.doc.xref.changed_count(), 0);
         EXPECT_EQ(show_object(gone.field(2).m_value), value);
         EXPECT_EQ(gone.field(2).get_choice_sel(), f.field(2).get_choice_sel());
@@ -201,50 +172,41 @@ TEST(FieldChoiceTest, OptionsAndSelectionAreTheHolders)
 
 #ifdef FORMWORK_ALLOC_HOOK
 
+std::string part(const std::string& text, const char* begin, const char* end)
+{
+    const size_t at = text.find(begin);
+    return at == std::string::npos ? "" : text.substr(at, text.find(end, at) - at);
+}
+
 // The document keeps whole versions, and refused insertions change nothing.
 TEST(FieldChoiceTest, AllocationFailures)
 {
-    const Operation operations[] = {
-        [](CPDFField& f) {
-            f.set_choice_sel(1);
-            return 1;
-        },
-        [](CPDFField& f) {
-            return select(f, {2, 0, 1});
-        },
-        [](CPDFField& f) { return f.insert_choice_opt(1, text("n"), text("New")); },
-        [](CPDFField& f) { return f.remove_choice_opt(1); },
-    };
-    for (const Operation& run : operations) {
+    for (const char* operation : {"sel 1", "sels 2 0 1", "ins 1 n New", "del 1"}) {
         for (const char* entries : {"/I [1 2] /V (x)", "/V (x)"}) {
-            SCOPED_TRACE(std::to_string(&run - operations) + entries);
+            SCOPED_TRACE(std::string(operation) + entries);
             FormFixture whole("/Fields [2 0 R]", THREE + std::string(entries));
             const std::string before = whole.doc.show(2);
             const std::string memory_before = state(whole, whole.field(2));
-            run(whole.field(2));
+            run(whole.field(2), operation);
             const std::string after = whole.doc.show(2);
             const int32_t count = whole.field(2).m_opt_cnt;
             each_failed_allocation([&](const auto& arm) {
                 FormFixture f("/Fields [2 0 R]", THREE + std::string(entries));
                 CPDFField& field = f.field(2);
                 int result = 0;
-                const bool failed = arm([&] { result = run(field); });
+                const bool failed = arm([&] { result = run(field, operation); });
                 if (!result)
                     EXPECT_EQ(state(f, field), memory_before);
                 else
                     EXPECT_EQ(field.m_opt_cnt, count);
                 const std::string now = f.doc.show(2);
                 EXPECT_TRUE(now == after || failed) << now;
-                // An option list is never short of an option, nor a selection short of an index.
-                const std::string opts[] = {before, after};
-                bool known = false;
-                for (const std::string& text : opts)
-                    known = known || now.substr(now.find("/Opt")).substr(0, now.find("/V") - now.find("/Opt")) ==
-                                         text.substr(text.find("/Opt")).substr(0, text.find("/V") - text.find("/Opt"));
-                EXPECT_TRUE(known) << now;
-                EXPECT_TRUE(now.substr(0, now.find("/Opt")) == before.substr(0, before.find("/Opt")) ||
-                            now.substr(0, now.find("/Opt")) == after.substr(0, after.find("/Opt")))
-                    << now;
+                // What an entry says is the old or the new: no option list is short of an option.
+                for (const auto& [begin, end] :
+                     {std::pair("<<", "/Opt"), std::pair("/Opt", "/V"), std::pair("/V", ">>")})
+                    EXPECT_TRUE(part(now, begin, end) == part(before, begin, end) ||
+                                part(now, begin, end) == part(after, begin, end))
+                        << now;
             });
         }
     }
