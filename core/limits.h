@@ -8,7 +8,7 @@
 constexpr int LIMIT_FIELD_DEPTH = 128;
 
 // Bytes of a full name in UTF-8; a longer one is cut. Names are repeated by every field under them.
-constexpr size_t LIMIT_FULL_NAME = 32767;
+constexpr size_t LIMIT_FULL_NAME = 4096;
 
 // Arrays and dictionaries inside one another while an object is parsed.
 constexpr int LIMIT_OBJECT_DEPTH = 256;
