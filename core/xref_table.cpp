@@ -154,7 +154,7 @@ bool CPDFXRefTable::grow_changed()
 {
     if (m_changed_cap > INT32_MAX - CHANGED_STEP)
         return false;
-    const auto capacity = static_cast<size_t>(m_changed_cap + CHANGED_STEP);
+    const auto capacity = static_cast<size_t>(m_changed_cap) + CHANGED_STEP;
     void* before = VXRealloc(m_before, capacity * sizeof(PDF_ENTRY_BEFORE));
     if (!before)
         return false;

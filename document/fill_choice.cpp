@@ -35,6 +35,7 @@ int find_option(const CPDFField& holder, const std::string& word, bool& coerced)
 CPDFStatus no_such_option(const CPDFField& field, const CPDFField& holder, const std::string& word)
 {
     std::vector<std::string> words;
+    words.reserve(static_cast<size_t>(holder.m_opt_cnt));
     for (int32_t i = 0; i < holder.m_opt_cnt; ++i)
         words.push_back(utf8_of(holder.m_opts[i].val));
     const std::string takes = words.empty() ? "it has no options" : "it takes " + quoted_list(words);

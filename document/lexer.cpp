@@ -166,9 +166,7 @@ bool CPDFLexer::skip_dict_value()
             if (depth == LIMIT_OBJECT_DEPTH - 1)
                 return false;
             is_dict[depth++] = c == '<';
-        } else if (c == '>') {
-            --depth;
-        } else if (c == ']' && depth > 0 && !is_dict[depth - 1]) {
+        } else if (c == '>' || (c == ']' && depth > 0 && !is_dict[depth - 1])) {
             --depth;
         }
         at += (c == '<' || c == '>') && twice ? 2 : 1;

@@ -342,7 +342,7 @@ void CPDFFileReader::read_stream_entries(CPDFXRefTable& xref, const CPDFDictiona
         if (width[i] < 0 || width[i] > 8)
             return;
     }
-    const auto row = static_cast<size_t>(width[0] + width[1] + width[2]);
+    const auto row = static_cast<size_t>(width[0]) + static_cast<size_t>(width[1]) + static_cast<size_t>(width[2]);
     if (row == 0)
         return;
     const CPDFObj* index = dict.get_item("Index");
