@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "core/entry_change.h"
 #include "core/key_set.h"
 #include "core/object.h"
 
@@ -28,6 +29,17 @@ public:
     // reader lives) or, when that is null, lie in the file. The caller owns it. Null when memory runs out.
     virtual CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
                                     uint32_t size) = 0;
+
+    // A changed dictionary as PDF text: what the source has as text need not be built to change a few of its entries. `out` is
+    // empty on entry; false, and `out` empty, where the way over the object is to be taken. The defaults always take it.
+    //
+    // The text of the object `num` that `entry` locates, with the changes.
+    virtual bool splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry,
+                               PDF_ENTRY_CHANGES changes, PDF_String& out);
+    // The same for a text that came from here.
+    virtual bool splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out);
+    // Reads such a text as read_object does.
+    virtual void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys);
 
     // Flate-compresses `len` bytes into a new VXAlloc buffer that the caller owns; null on failure.
     virtual unsigned char* compress(const void* data, int len, int& out_len) = 0;

@@ -36,6 +36,19 @@ void copy_wanted(CPDFObj& out, const CPDFObj& src, const CPDFKeySet* keys)
 
 CPDFObjectSource::~CPDFObjectSource() = default;
 
+bool CPDFObjectSource::splice_object(CPDFXRefTable& /*xref*/, uint32_t /*num*/, const PDF_XREF_ENTRY& /*entry*/,
+                                     PDF_ENTRY_CHANGES /*changes*/, PDF_String& /*out*/)
+{
+    return false;
+}
+
+bool CPDFObjectSource::splice_text(const PDF_String& /*text*/, PDF_ENTRY_CHANGES /*changes*/, PDF_String& /*out*/)
+{
+    return false;
+}
+
+void CPDFObjectSource::read_text(CPDFObj& /*out*/, const PDF_String& /*text*/, const CPDFKeySet* /*keys*/) {}
+
 CPDFXRefTable::CPDFXRefTable(CPDFObjectSource* source) : m_source(source) {}
 
 CPDFXRefTable::~CPDFXRefTable()
@@ -55,6 +68,7 @@ void CPDFXRefTable::discard_changes()
     m_next_num_before = 0;
     for (int32_t i = 0; i < m_changed_cnt; ++i) {
         m_changed[i].obj.free();
+        m_changed[i].text.release();
         // The entries are gone when memory ran out.
         if (m_before[i].num < m_entry_cnt)
             m_entries[m_before[i].num] = m_before[i].entry;
@@ -120,7 +134,7 @@ void CPDFXRefTable::fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* ke
             return;
         if (entry->type == PDF_XREF_CHANGED) {
             if (entry->index < static_cast<uint32_t>(m_changed_cnt))
-                copy_wanted(out, m_changed[entry->index].obj, keys);
+                read_version(out, m_changed[entry->index], keys);
         } else if (m_source) {
             const PDF_XREF_ENTRY place = *entry;  // reading may grow the entries
             m_source->read_object(*this, out, at.num, place, keys);
@@ -132,9 +146,31 @@ void CPDFXRefTable::fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* ke
     }
 }
 
+void CPDFXRefTable::read_version(CPDFObj& out, const PDF_CHANGED_OBJ& record, const CPDFKeySet* keys) const
+{
+    if (record.text.buf)
+        m_source->read_text(out, record.text, keys);
+    else
+        copy_wanted(out, record.obj, keys);
+}
+
 PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
 {
-    const auto number = static_cast<uint32_t>(num);
+    PDF_CHANGED_OBJ* record = record_of(static_cast<uint32_t>(num), static_cast<uint32_t>(gen));
+    if (!record || !record->text.buf)
+        return record;
+    const VXFailureCheck check;
+    CPDFObj obj;
+    read_version(obj, *record, nullptr);
+    if (check.failed())
+        return nullptr;
+    record->obj.take(obj);
+    record->text.release();
+    return record;
+}
+
+PDF_CHANGED_OBJ* CPDFXRefTable::record_of(uint32_t number, uint32_t gen)
+{
     entry_of(number);  // what the entry was before the change is kept, so it must be known
     PDF_XREF_ENTRY* entry = reserve_entry(number);
     if (!entry)
@@ -145,7 +181,7 @@ PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
         return nullptr;
     keep_next_num();
     m_before[m_changed_cnt] = {number, *entry};
-    *entry = {PDF_XREF_CHANGED, static_cast<uint32_t>(m_changed_cnt), static_cast<uint32_t>(gen)};
+    *entry = {PDF_XREF_CHANGED, static_cast<uint32_t>(m_changed_cnt), gen};
     m_next_num = std::max(m_next_num, number + 1);
     return &m_changed[m_changed_cnt++];
 }
@@ -181,11 +217,56 @@ void CPDFXRefTable::take_changed(const PDF_REF& ref, CPDFObj& obj)
 {
     CPDFObj version;
     version.take(obj);
-    PDF_CHANGED_OBJ* record = get_xref2(static_cast<int>(ref.num), static_cast<int>(ref.gen));
+    PDF_CHANGED_OBJ* record = record_of(ref.num, ref.gen);
     if (!record)
         return;
+    record->text.release();
     record->obj.take(version);
     record->ref = ref;
+}
+
+PDF_CHANGE_RESULT CPDFXRefTable::change_entries(const PDF_REF& ref, PDF_ENTRY_CHANGES changes)
+{
+    PDF_String text = {0, nullptr};
+    if (splice(ref, changes, text)) {
+        PDF_CHANGED_OBJ* record = record_of(ref.num, ref.gen);
+        if (!record) {
+            text.release();
+            return PDF_CHANGE_RESULT::NO_MEMORY;
+        }
+        record->obj.free();
+        record->text.release();
+        record->text.take(text);
+        record->ref = ref;
+        return PDF_CHANGE_RESULT::STORED;
+    }
+    const VXFailureCheck check;
+    CPDFObj own;
+    fetch(own, ref, nullptr);
+    CPDFDictionary* dict = own.dictionary();
+    for (const PDF_ENTRY_CHANGE& change : changes) {
+        if (dict)
+            dict->set_item(change.key, change.value);
+    }
+    if (!dict && !check.failed())
+        return PDF_CHANGE_RESULT::NO_DICTIONARY;
+    if (!check.failed())
+        take_changed(ref, own);
+    return check.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::STORED;
+}
+
+// The newest version as text with the changes; false where that can't be had.
+bool CPDFXRefTable::splice(const PDF_REF& ref, PDF_ENTRY_CHANGES changes, PDF_String& out)
+{
+    const PDF_XREF_ENTRY* entry = ref.num && m_source ? entry_of(ref.num) : nullptr;
+    if (!entry || entry->type == PDF_XREF_FREE)
+        return false;
+    if (entry->type == PDF_XREF_CHANGED) {
+        const PDF_CHANGED_OBJ& record = m_changed[entry->index];
+        return record.text.buf && m_source->splice_text(record.text, changes, out);
+    }
+    const PDF_XREF_ENTRY place = *entry;  // reading may grow the entries
+    return m_source->splice_object(*this, ref.num, place, changes, out);
 }
 
 void CPDFXRefTable::read_obj_string(CPDFXRefTable* xref, PDF_String& out, const CPDFObj* obj)

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "core/entry_change.h"
 #include "core/key_set.h"
 #include "core/object.h"
 
@@ -28,6 +29,8 @@ struct PDF_XREF_ENTRY {
 struct PDF_CHANGED_OBJ {
     PDF_REF ref;
     CPDFObj obj;
+    PDF_String
+        text;  // the version as PDF text, by change_entries; `obj` is null then. get_xref2 makes the object of it
 };
 
 // What the entry of a changed object was before.
@@ -76,6 +79,10 @@ public:
 
     // The same without the copy: takes the payload of `obj`, which is left null.
     void take_changed(const PDF_REF& ref, CPDFObj& obj);
+
+    // Stores a new version of a dictionary in which some entries are set or removed: the same as get_entity, set_item and
+    // store_changed, but where the source can, the version is text and nothing else of the dictionary is built.
+    PDF_CHANGE_RESULT change_entries(const PDF_REF& ref, PDF_ENTRY_CHANGES changes);
 
     // Drops every changed version and all data held in memory: the objects are again what the file says, and the object
     // numbers handed out are free again.
@@ -128,6 +135,9 @@ public:
 
 private:
     void fetch(CPDFObj& out, const PDF_REF& ref, const CPDFKeySet* keys);
+    void read_version(CPDFObj& out, const PDF_CHANGED_OBJ& record, const CPDFKeySet* keys) const;
+    bool splice(const PDF_REF& ref, PDF_ENTRY_CHANGES changes, PDF_String& out);
+    PDF_CHANGED_OBJ* record_of(uint32_t num, uint32_t gen);
     bool grow_entries(uint32_t num);
     bool grow_changed();
     void keep_next_num();

@@ -1,5 +1,7 @@
 #include "document/document.h"
 
+#include <unordered_map>
+
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/branch_finder.h"
@@ -30,8 +32,9 @@ struct CPDFDocument::State {
     std::unique_ptr<CPDFBranchFinder> branches = std::make_unique<CPDFBranchFinder>();
     CPDFNameIndex names;
     std::unique_ptr<CPDFSignatureGuard> signatures;
-    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
-    bool asked_to_draw = false;      // the form tells viewers to draw its texts anew
+    std::vector<CPDFField*> filled;                  // borrowed; the fields that were changed
+    bool asked_to_draw = false;                      // the form tells viewers to draw its texts anew
+    std::unordered_map<uint32_t, CPDFField*> twins;  // borrowed; the fields of the form that `branches` has, too
 
     const CPDFObj* form_entry() const
     {
@@ -39,14 +42,28 @@ struct CPDFDocument::State {
         return catalog ? catalog->get_item(CPDFDictionary::sm_tag_acro_form) : nullptr;
     }
 
-    void load_form()
+    // Returns whether the whole form could be read.
+    bool load_form()
     {
         if (form_loaded)
-            return;
+            return true;
         form_loaded = true;
         reader->renew_budget();
         form.load(xref.get(), form_entry(), &root, root_ref);
+        const bool whole = !reader->exhausted();
         reader->renew_budget();
+        for_each_field(form, [this](CPDFField& field) {
+            if (branches->known(field.m_ref))
+                twins[field.m_ref.num] = &field;
+        });
+        return whole;
+    }
+
+    void reload_twin(const CPDFField& field)
+    {
+        const auto twin = twins.find(field.m_ref.num);
+        if (twin != twins.end() && twin->second != &field)
+            twin->second->reload_value();
     }
 };
 
@@ -91,8 +108,8 @@ CPDFStatus CPDFDocument::load(PDF_LOAD load_how)
     if (!state.root.dictionary())
         return CPDFStatus::failed(PDF_CODE::NO_CATALOG, "the file has no catalog: object " +
                                                             std::to_string(root->ref.num) + " is missing or damaged");
-    if (load_how == PDF_LOAD::WHOLE_FORM)
-        state.load_form();
+    if (load_how == PDF_LOAD::WHOLE_FORM && !state.load_form())
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to read than its size justifies");
     return {};
 }
 
@@ -149,6 +166,7 @@ void CPDFDocument::fields_changed()
     for_each_field(m_state->form, [](CPDFField& field) { field.m_widget = nullptr; });
     m_state->names.clear();
     m_state->filled.clear();
+    m_state->twins.clear();
     m_state->branches = std::make_unique<CPDFBranchFinder>();
     m_state->widgets.reset();
     m_state->signatures.reset();
@@ -186,7 +204,7 @@ const CPDFSignatureGuard& CPDFDocument::signatures()
     return *m_state->signatures;
 }
 
-const std::vector<CPDFAnnotWidget*>& CPDFDocument::widgets_of(const CPDFField& field)
+std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& field)
 {
     return bound_widgets().widgets_of(field);
 }
@@ -206,9 +224,7 @@ CPDFStatus CPDFDocument::set_value(CPDFField& field, const CPDFValue& value, PDF
 {
     PDF_FILL_PLAN plan;
     CPDFStatus status = check_value(field, value, fill, plan);
-    if (status.ok())
-        apply(plan);
-    return status;
+    return status.ok() ? apply(plan) : status;
 }
 
 CPDFStatus CPDFDocument::set_text(CPDFField& field, std::string_view value, PDF_FILL fill)
@@ -218,25 +234,31 @@ CPDFStatus CPDFDocument::set_text(CPDFField& field, std::string_view value, PDF_
     return set_value(field, std::string(value), fill);
 }
 
-void CPDFDocument::apply(const PDF_FILL_PLAN& plan)
+CPDFStatus CPDFDocument::apply(const PDF_FILL_PLAN& plan)
 {
     State& state = *m_state;
     const CPDFWidgetBinder no_widgets;
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     state.reader->renew_budget();
-    apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
+    const size_t before = state.filled.size();
+    CPDFStatus status = apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
+    for (size_t i = before; i < state.filled.size(); ++i)
+        state.reload_twin(*state.filled[i]);
     if (button || state.asked_to_draw || signatures().is_signed())
-        return;
+        return status;
     set_need_appearances(*state.xref, state.root, state.root_ref);
     state.asked_to_draw = true;
+    return status;
 }
 
 void CPDFDocument::revert()
 {
     State& state = *m_state;
     state.xref->discard_changes();
-    for (CPDFField* field : state.filled)
+    for (CPDFField* field : state.filled) {
         field->reload_value();
+        state.reload_twin(*field);
+    }
     state.filled.clear();
     state.asked_to_draw = false;
     state.root.free();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,8 +41,8 @@ public:
     CPDFDocument(const CPDFDocument&) = delete;
     CPDFDocument& operator=(const CPDFDocument&) = delete;
 
-    // Opens a file, or takes its bytes, and loads the form. A document without a form opens with an empty one. After a
-    // failure, or before any call, the document is closed: every other operation needs a successful open.
+    // Opens a file, or takes its bytes, and loads the form; a form that takes more work than its size justifies is refused. A
+    // document without a form opens with an empty one. After a failure, or before any call, the document is closed: every other operation needs a successful open.
     CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
     CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
 
@@ -68,11 +69,11 @@ public:
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
     // suffixes; the first in tree order where several have it, null when none has.
     // Of a document opened for named fields it loads no more than the branch that leads to the field; such a field is a
-    // different object from the one that form() has of the same dictionary.
+    // different object from the one that form() has of the same dictionary, with the same value.
     CPDFField* field(std::string_view name);
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed.
-    const std::vector<CPDFAnnotWidget*>& widgets_of(const CPDFField& field);
+    std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field);
 
     // Decides what `value` means for `field` and whether the field takes it, see plan_fill; a field that a signature locks
     // is refused, too. Changes nothing.
@@ -85,8 +86,9 @@ public:
     // The same for text fields only.
     CPDFStatus set_text(CPDFField& field, std::string_view value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Carries out a plan of check_value.
-    void apply(const PDF_FILL_PLAN& plan);
+    // Carries out a plan of check_value. Fails, with a part of the plan perhaps carried out, where the field's dictionary is
+    // missing or memory runs out.
+    CPDFStatus apply(const PDF_FILL_PLAN& plan);
 
     // Drops every change: the document and the fields that set_value changed are as they were when the file was opened.
     void revert();

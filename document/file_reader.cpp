@@ -179,6 +179,46 @@ void CPDFFileReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_
         out.free();
 }
 
+bool CPDFFileReader::splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry,
+                                   PDF_ENTRY_CHANGES changes, PDF_String& out)
+{
+    const uint8_t* begin = nullptr;
+    const uint8_t* end = nullptr;
+    uint32_t gen = 0;
+    if (entry.type == PDF_XREF_IN_STREAM) {
+        const CPDFObjectStream* stream = object_stream(xref, entry.index);
+        if (!stream || !stream->find(num, entry.gen, begin, end))
+            return false;
+    } else if (entry.type == PDF_XREF_IN_FILE && entry.index < m_size) {
+        begin = m_data + entry.index;
+        end = m_data + m_size;
+    }
+    CPDFLexer text(begin, end);
+    if (m_budget == 0 || (entry.type == PDF_XREF_IN_FILE && !accept_object_start(text, num, gen)))
+        return false;
+    const bool spliced = m_splicer.splice(text, changes, out);
+    if (spliced)
+        text.skip_space();
+    if (spend(static_cast<size_t>(text.at() - begin)) && spliced && !text.starts("stream"))
+        return true;
+    out.release();
+    return false;
+}
+
+bool CPDFFileReader::splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out)
+{
+    CPDFLexer lexer(text.buf, text.buf + text.len);
+    return spend(static_cast<size_t>(text.len)) && m_splicer.splice(lexer, changes, out);
+}
+
+void CPDFFileReader::read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys)
+{
+    CPDFParser parser(text.buf, text.buf + text.len, nullptr);
+    const bool found = m_budget > 0 && parser.parse(out, keys);
+    if (!spend(static_cast<size_t>(text.len) + parser.work()) || !found)
+        out.free();
+}
+
 const CPDFObjectStream* CPDFFileReader::object_stream(CPDFXRefTable& xref, uint32_t num)
 {
     if (const CPDFObjectStream* known = m_streams.find(num))

@@ -9,6 +9,7 @@
 #include "core/object_source.h"
 #include "document/filters.h"
 #include "document/object_stream.h"
+#include "document/splice.h"
 #include "document/status.h"
 
 class CPDFLexer;
@@ -45,7 +46,14 @@ public:
     int read_section(CPDFXRefTable& xref, uint32_t pos) override;
     CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
                             uint32_t size) override;
+    bool splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry, PDF_ENTRY_CHANGES changes,
+                       PDF_String& out) override;
+    bool splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out) override;
+    void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys) override;
     unsigned char* compress(const void* data, int len, int& out_len) override;
+
+    // Whether the budget ended: what was read since then may be absent without being so.
+    bool exhausted() const { return m_budget == 0 || m_decode_budget == 0; }
 
     // Allows the reading of as many bytes again as at the start.
     void renew_budget();
@@ -104,4 +112,5 @@ private:
     CPDFDictionary m_trailer;
     std::unordered_set<size_t> m_sections;  // positions of the sections read or pending
     CPDFObjectStreamCache m_streams;
+    CPDFSplicer m_splicer;
 };

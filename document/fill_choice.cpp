@@ -93,14 +93,15 @@ void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan)
     CPDFField& field = *plan.field;
     const CPDFField& holder = options_holder(field);
     CPDFObj value;
-    CPDFArray indices;
+    CPDFObj indices;
+    indices.set_array();
     if (plan.options.size() > 1)
         value.set_array();
     else if (shows_another_value(field))
         value.set_string("", 0);
     for (const int option : plan.options) {
         const PDF_String& val = holder.m_opts[option].val;
-        indices.append_int(option);
+        indices.arr->append_int(option);
         if (value.type == PDF_OBJ_ARRAY)
             value.arr->append_str(val.buf, val.len);
         else

@@ -49,10 +49,10 @@ CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, co
     }
 }
 
-void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
-                std::vector<CPDFField*>& changed)
+CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
+                      std::vector<CPDFField*>& changed)
 {
-    FILL_TARGET target = {xref, changed, {}};
+    FILL_TARGET target = {xref, changed};
     switch (plan.action) {
     case PDF_FILL_PLAN::SET_TEXT:
         apply_text(target, plan);
@@ -64,6 +64,13 @@ void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidget
         apply_choice(target, plan);
         break;
     }
+    if (target.memory.failed())
+        return refuse_fill(PDF_CODE::NO_MEMORY, *plan.field, "can't be filled: memory ran out");
+    if (target.lost)
+        return refuse_fill(PDF_CODE::DAMAGED, *target.lost,
+                           "can't be filled: object " + std::to_string(target.lost->m_ref.num) +
+                               " is missing or damaged");
+    return {};
 }
 
 namespace {
@@ -95,23 +102,17 @@ void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
 
 }  // namespace
 
-void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFArray* indices)
+void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices)
 {
-    CPDFObj own;
-    target.xref.get_entity(own, field.m_ref);
-    CPDFDictionary* dict = own.dictionary();
-    if (!dict)
-        return;
-    dict->set_item("V", &value);
-    dict->remove_item("RV");
-    if (indices)
-        dict->set_item_arr("I", indices);
-    else
-        dict->remove_item("I");
     if (target.memory.failed())
         return;
-    target.xref.take_changed(field.m_ref, own);
+    const PDF_ENTRY_CHANGE changes[] = {{"V", &value}, {"RV", nullptr}, {"I", indices}};
+    const PDF_CHANGE_RESULT result = target.xref.change_entries(field.m_ref, changes);
+    if (result == PDF_CHANGE_RESULT::NO_DICTIONARY)
+        target.lost = &field;
+    if (result != PDF_CHANGE_RESULT::STORED)
+        return;
     target.changed.push_back(&field);
-    field.reload_value();
+    field.show_value(value, indices ? indices->array() : nullptr);
     drop_kid_values(target, field);
 }

@@ -46,9 +46,9 @@ CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, co
                      PDF_FILL_PLAN& plan);
 
 // Carries out a plan: the field's memory, its dictionary ("V", "I"; "RV" is dropped) and all its widgets' states. Appends
-// the fields whose values it changes to `changed`.
-void apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
-                std::vector<CPDFField*>& changed);
+// the fields whose values it changes to `changed`. Fails where the field's dictionary is missing or memory runs out.
+CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
+                      std::vector<CPDFField*>& changed);
 
 // What the widgets of a button field stand for, in their order.
 struct PDF_BUTTON_CHOICE {

@@ -4,11 +4,12 @@
 #include "core/alloc.h"
 #include "document/filler.h"
 
-// Where a plan is carried out: the store, the list of the fields changed, and whether memory lasted so far.
+// Where a plan is carried out, and how it goes.
 struct FILL_TARGET {
     CPDFXRefTable& xref;
     std::vector<CPDFField*>& changed;
-    VXFailureCheck memory;
+    const CPDFField* lost = nullptr;  // borrowed; a field whose dictionary is missing
+    VXFailureCheck memory = {};       // whether memory lasted so far
 };
 
 CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string& why);
@@ -25,5 +26,5 @@ void apply_button(FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidg
 void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan);
 
 // Makes `value` the value of `field`, in memory and as "V" of its dictionary; a null value removes "V". "RV" goes with
-// the old value, and with `indices` null so does "I". Nothing changes once memory ran out.
-void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFArray* indices);
+// the old value, and with `indices` null so does "I". Nothing changes once memory ran out, or without the dictionary.
+void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices);

@@ -10,6 +10,7 @@ constexpr uint8_t S = CHAR_SPACE;
 constexpr uint8_t D = CHAR_DELIMITER;
 constexpr uint8_t H = CHAR_HASH;
 constexpr uint8_t K = CHAR_KEYWORD;
+constexpr uint8_t P = CHAR_POINT;
 
 }  // namespace
 
@@ -17,7 +18,7 @@ constexpr uint8_t K = CHAR_KEYWORD;
 const uint8_t PDF_CHAR_CLASSES[256] = {
     S, 0, 0, 0, 0, 0, 0, 0, 0, S, S, 0, S, S, 0, 0,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-    S, 0, 0, H, 0, D, 0, 0, D, D, 0, 0, 0, 0, 0, D,
+    S, 0, 0, H, 0, D, 0, 0, D, D, 0, 0, 0, 0, P, D,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, D, 0, D, 0, 0,

@@ -11,6 +11,7 @@ enum PDF_CHAR_CLASS : uint8_t {
     CHAR_DELIMITER = 2,
     CHAR_HASH = 4,     // regular, but it may begin an escape in a name
     CHAR_KEYWORD = 8,  // regular, but it may begin a word that ends an object
+    CHAR_POINT = 16,   // regular; the decimal point
 };
 
 extern const uint8_t PDF_CHAR_CLASSES[256];

@@ -6,18 +6,14 @@
 namespace {
 
 constexpr const char* KEY = "NeedAppearances";
+constexpr const char* KEYS[] = {KEY};
+constexpr CPDFKeySet KEY_SET(KEYS);
 
-// False when the flag is set already.
-bool raise_flag(CPDFXRefTable& xref, CPDFDictionary& form)
+bool is_raised(CPDFXRefTable& xref, const CPDFDictionary& form)
 {
     CPDFObj scratch;
     const CPDFObj* flag = view_obj(&xref, form.get_item(KEY), scratch);
-    if (flag->type == PDF_OBJ_BOOL && flag->ival)
-        return false;
-    CPDFObj yes;
-    yes.set_bool(1);
-    form.set_item(KEY, &yes);
-    return true;
+    return flag->type == PDF_OBJ_BOOL && flag->ival;
 }
 
 }  // namespace
@@ -27,12 +23,16 @@ void set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& roo
     CPDFObj* entry = root.dict->get_item(CPDFDictionary::sm_tag_acro_form);
     if (!entry)
         return;
+    CPDFObj yes;
+    yes.set_bool(1);
     if (entry->type == PDF_OBJ_REF) {
         CPDFObj form;
-        xref.get_entity(form, entry->ref);
-        if (form.dictionary() && raise_flag(xref, *form.dict))
-            xref.store_changed(entry->ref, form);
-    } else if (entry->dictionary() && raise_flag(xref, *entry->dict)) {
+        xref.get_entity(form, entry->ref, &KEY_SET);
+        const PDF_ENTRY_CHANGE change[] = {{KEY, &yes}};
+        if (form.dictionary() && !is_raised(xref, *form.dict))
+            xref.change_entries(entry->ref, change);
+    } else if (entry->dictionary() && !is_raised(xref, *entry->dict)) {
+        entry->dict->set_item(KEY, &yes);
         xref.store_changed(root_ref, root);
     }
 }

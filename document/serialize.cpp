@@ -140,12 +140,17 @@ void write_dictionary(std::string& out, const CPDFDictionary& dict)
         const CPDFObj& value = dict.items[i]->value;
         if (value.type == PDF_OBJ_NULL)
             continue;
-        write_name(out, dict.items[i]->key());
-        if (!opens_delimited(value))
-            out += ' ';
-        write_object(out, value);
+        write_entry(out, dict.items[i]->key(), value);
     }
     out += ">>";
+}
+
+void write_entry(std::string& out, const char* key, const CPDFObj& value)
+{
+    write_name(out, key);
+    if (!opens_delimited(value))
+        out += ' ';
+    write_object(out, value);
 }
 
 void write_object(std::string& out, const CPDFObj& obj)

@@ -16,23 +16,40 @@ namespace {
 // Certification, or a lock, that allows nothing to change (ISO 32000-2, tables 236 and 257, "P").
 constexpr int32_t NO_CHANGES = 1;
 
-// A signature's digest skips its own bytes, so it and its byte range stand in the file as plain text.
-bool holds_signature(const CPDFDocument& document)
+// How many signatures the file holds, up to `most`. A signature's digest skips its own bytes, so it and its byte range stand in
+// the file as plain text.
+int count_signatures(const CPDFDocument& document, int most)
 {
     // The whole file is looked through, so the search goes by a letter that is rare in forms, not by the slash.
     constexpr char WORD[] = "/ByteRange";
     constexpr size_t SIZE = sizeof WORD - 1;
     constexpr size_t RARE = 2;
     if (document.size() < SIZE)
-        return false;
+        return 0;
+    int count = 0;
     const uint8_t* at = document.data() + RARE;
     const uint8_t* const end = document.data() + document.size() - (SIZE - RARE) + 1;
-    while (at < end && (at = static_cast<const uint8_t*>(std::memchr(at, WORD[RARE], static_cast<size_t>(end - at))))) {
-        if (std::memcmp(at - RARE, WORD, SIZE) == 0)
-            return true;
+    while (at < end && count < most &&
+           (at = static_cast<const uint8_t*>(std::memchr(at, WORD[RARE], static_cast<size_t>(end - at))))) {
+        count += std::memcmp(at - RARE, WORD, SIZE) == 0;
         ++at;
     }
-    return false;
+    return count;
+}
+
+// How many signatures belong to no field: those that gave a free viewer more rights.
+int count_usage_rights(CPDFXRefTable& xref, const CPDFDictionary& root)
+{
+    CPDFObj scratch;
+    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
+    int count = 0;
+    for (const char* key : {"UR", "UR3"}) {
+        CPDFObj signature;
+        const CPDFObj* entry = permissions ? permissions->get_item(key) : nullptr;
+        const CPDFDictionary* dict = view_obj(&xref, entry, signature)->dictionary();
+        count += dict && dict->get_item("ByteRange");
+    }
+    return count;
 }
 
 // Calls `visit(const CPDFObj&)` with each element, resolved, of the array `key`.
@@ -56,9 +73,10 @@ bool is_under(const std::string& name, const std::string& top)
 
 CPDFSignatureGuard::CPDFSignatureGuard(CPDFDocument& document)
 {
-    if (!holds_signature(document))
-        return;
     CPDFXRefTable& xref = document.xref();
+    const int elsewhere = count_usage_rights(xref, *document.root().dict);
+    if (count_signatures(document, elsewhere + 1) <= elsewhere)
+        return;
     for_each_field(document.form(), [&](CPDFField& field) {
         if (field.is_signed())
             add_signature(xref, field);

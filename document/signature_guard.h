@@ -15,7 +15,7 @@ class CPDFXRefTable;
 // lock (FieldMDP and "Lock"). Nothing is verified.
 class CPDFSignatureGuard {
 public:
-    // Loads the document's form when its bytes hold a signature.
+    // Loads the document's form when the file holds a signature, other than one that gave a viewer more rights (UR, UR3).
     explicit CPDFSignatureGuard(CPDFDocument& document);
 
     // Whether some field of the form is signed, or the document certified.

@@ -73,7 +73,10 @@ private:
             m_out += ' ';
             append_padded(m_out, m_places.back().gen, 1);
             m_out += " obj\n";
-            if (changed[i].obj.type == PDF_OBJ_STREAM)
+            if (changed[i].text.buf)
+                m_out.append(reinterpret_cast<const char*>(changed[i].text.buf),
+                             static_cast<size_t>(changed[i].text.len));
+            else if (changed[i].obj.type == PDF_OBJ_STREAM)
                 write_stream(*changed[i].obj.stream);
             else
                 write_object(m_out, changed[i].obj);

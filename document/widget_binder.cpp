@@ -1,13 +1,17 @@
 #include "document/widget_binder.h"
 
+#include <algorithm>
+#include <unordered_map>
+
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/page_map.h"
-#include "engine/annot_widget.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
+#include "forms/field_walk.h"
 
 namespace {
 
@@ -37,28 +41,43 @@ CPDFWidgetBinder::CPDFWidgetBinder() = default;
 
 CPDFWidgetBinder::~CPDFWidgetBinder() = default;
 
-const std::vector<CPDFAnnotWidget*>& CPDFWidgetBinder::widgets_of(const CPDFField& field) const
+std::span<CPDFAnnotWidget* const> CPDFWidgetBinder::widgets_of(const CPDFField& field) const
 {
-    static const std::vector<CPDFAnnotWidget*> NONE;
-    const auto found = m_by_field.find(field.m_ref.num);
-    return found != m_by_field.end() ? found->second : NONE;
+    const auto found = std::lower_bound(m_ranges.begin(), m_ranges.end(), field.m_ref.num,
+                                        [](const RANGE& range, uint32_t num) { return range.field < num; });
+    if (found == m_ranges.end() || found->field != field.m_ref.num)
+        return {};
+    return {m_sorted.data() + found->first, found->count};
 }
 
-CPDFAnnotWidget* CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named)
+// Notes that the annotation `num` is bound; false when it is already, or can't be an object.
+bool CPDFWidgetBinder::bind_first(uint32_t num)
 {
-    if (!m_bound.emplace(ref.num, true).second)
-        return nullptr;
-    auto widget = std::make_unique<CPDFAnnotWidget>();
-    widget->m_xref = &xref;
-    widget->m_ref = ref;
+    if (num > LIMIT_OBJECT_NUMBER)
+        return false;
+    if (num >= m_bound.size())
+        m_bound.resize(num + 1);
+    if (m_bound[num])
+        return false;
+    m_bound[num] = true;
+    return true;
+}
+
+void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named)
+{
+    if (!bind_first(ref.num))
+        return;
+    CPDFAnnotWidget& widget = m_widgets.emplace_back();
+    widget.m_xref = &xref;
+    widget.m_ref = ref;
     // The states of other kinds mean nothing: reading them would only cost time.
-    if (shown.m_type == FIELD_BUTTON && !widget->load(&xref, ref))
-        return nullptr;
-    m_by_field[named.m_ref.num].push_back(widget.get());
+    if (shown.m_type == FIELD_BUTTON && !widget.load(&xref, ref)) {
+        m_widgets.pop_back();
+        return;
+    }
+    m_links.push_back({named.m_ref.num, &widget});
     if (!shown.m_widget)
-        shown.m_widget = widget.get();
-    m_widgets.push_back(std::move(widget));
-    return m_widgets.back().get();
+        shown.m_widget = &widget;
 }
 
 // Binds what a field and the fields under it know: a dictionary that is a widget, too, and "Kids" that are no fields. In "Kids"
@@ -66,7 +85,6 @@ CPDFAnnotWidget* CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, 
 void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
 {
     CPDFField& named = value_field(field);
-    m_owners.emplace(field.m_ref.num, OWNER{&field, &named});
     const bool mixed = field.m_widget_cnt > 0 && field.m_kid_cnt > 0;
     // A field that a page lists is a widget: reading it again would say no more.
     const bool listed = pages.page_of_annotation(field.m_ref.num) > 0;
@@ -106,10 +124,17 @@ void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFP
         if (form.m_fields[i])
             add_tree(xref, *form.m_fields[i], pages);
     }
-    // What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a
-    // field of its own.
+    bind_orphans(xref, form, pages);
+    sort_links();
+}
+
+// What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a field
+// of its own.
+void CPDFWidgetBinder::bind_orphans(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
+{
+    std::unordered_map<uint32_t, CPDFField*> fields;  // by object number; made when it is needed
     for (const PDF_PAGE_ANNOTATION& annotation : pages.annotations()) {
-        if (m_bound.count(annotation.num))
+        if (annotation.num < m_bound.size() && m_bound[annotation.num])
             continue;
         const PDF_REF ref = ref_of(xref, annotation.num);
         CPDFObj own;
@@ -117,9 +142,27 @@ void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFP
         const CPDFDictionary* dict = own.dictionary();
         if (!is_widget(xref, dict) || dict->get_item("T"))
             continue;
+        if (fields.empty())
+            for_each_field(form, [&fields](CPDFField& field) { fields.emplace(field.m_ref.num, &field); });
         const CPDFObj* parent = dict->get_item(CPDFDictionary::sm_tag_parent);
-        const auto owner = parent && parent->type == PDF_OBJ_REF ? m_owners.find(parent->ref.num) : m_owners.end();
-        if (owner != m_owners.end())
-            add(xref, ref, *owner->second.shown, *owner->second.named);
+        const auto owner = parent && parent->type == PDF_OBJ_REF ? fields.find(parent->ref.num) : fields.end();
+        if (owner != fields.end())
+            add(xref, ref, *owner->second, value_field(*owner->second));
     }
+}
+
+// Brings the widgets of each field together, in the order of binding.
+void CPDFWidgetBinder::sort_links()
+{
+    const auto by_field = [](const LINK& a, const LINK& b) { return a.field < b.field; };
+    if (!std::is_sorted(m_links.begin(), m_links.end(), by_field))
+        std::stable_sort(m_links.begin(), m_links.end(), by_field);
+    m_sorted.reserve(m_links.size());
+    for (const LINK& link : m_links) {
+        if (m_ranges.empty() || m_ranges.back().field != link.field)
+            m_ranges.push_back({link.field, static_cast<uint32_t>(m_sorted.size()), 0});
+        ++m_ranges.back().count;
+        m_sorted.push_back(link.widget);
+    }
+    m_links = {};
 }

@@ -1,14 +1,15 @@
 // Which widget annotations show which field.
 #pragma once
 
-#include <memory>
-#include <unordered_map>
+#include <cstdint>
+#include <deque>
+#include <span>
 #include <vector>
 
 #include "core/object.h"
+#include "engine/annot_widget.h"
 
 class CPDFAcroForm;
-class CPDFAnnotWidget;
 class CPDFField;
 class CPDFPageMap;
 class CPDFXRefTable;
@@ -27,19 +28,31 @@ public:
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
     // The widgets of `field`, in the order of its "Kids", then those that only a page knows. Empty for a field without.
-    const std::vector<CPDFAnnotWidget*>& widgets_of(const CPDFField& field) const;
+    std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field) const;
 
 private:
+    bool bind_first(uint32_t num);
+    void bind_orphans(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
+    void sort_links();
     void add_tree(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages);
-    CPDFAnnotWidget* add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named);
+    void add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named);
 
-    struct OWNER {
-        CPDFField* shown;  // whose m_widget it can be
-        CPDFField* named;  // whose value it shows
+    // A widget and the object number of the field whose value it shows.
+    struct LINK {
+        uint32_t field;
+        CPDFAnnotWidget* widget;
     };
 
-    std::vector<std::unique_ptr<CPDFAnnotWidget>> m_widgets;
-    std::unordered_map<uint32_t, OWNER> m_owners;                            // by object number
-    std::unordered_map<uint32_t, bool> m_bound;                              // object numbers of the widgets
-    std::unordered_map<uint32_t, std::vector<CPDFAnnotWidget*>> m_by_field;  // by object number of the field
+    // The widgets of one field: `count` in m_sorted from `first` on.
+    struct RANGE {
+        uint32_t field;
+        uint32_t first;
+        uint32_t count;
+    };
+
+    std::deque<CPDFAnnotWidget> m_widgets;
+    std::vector<bool> m_bound;  // by object number
+    std::vector<LINK> m_links;  // while binding, in the order of binding
+    std::vector<CPDFAnnotWidget*> m_sorted;
+    std::vector<RANGE> m_ranges;  // by field
 };

@@ -94,11 +94,10 @@ void CPDFAnnotWidget::show(const char* state)
 {
     if (!m_xref)
         return;
-    CPDFObj own;
-    m_xref->get_entity(own, m_ref);
-    CPDFDictionary* dict = own.dictionary();
-    if (!dict)
-        return;
-    dict->set_item_name("AS", state);
-    m_xref->take_changed(m_ref, own);
+    const VXFailureCheck memory;
+    CPDFObj name;
+    name.set_name(state);
+    const PDF_ENTRY_CHANGE change[] = {{"AS", &name}};
+    if (!memory.failed())
+        m_xref->change_entries(m_ref, change);
 }

@@ -50,8 +50,5 @@ CPDFField::~CPDFField()
 
 void CPDFField::store_entry(const char* key, const CPDFObj& value)
 {
-    edit_dictionary(*this, [key, &value](CPDFDictionary& dict) {
-        dict.set_item(key, &value);
-        return true;
-    });
+    change_entries(*this, {{key, &value}});
 }

@@ -79,6 +79,10 @@ public:
     // Reads the value, the default value and the selection again from the newest version of the dictionary.
     void reload_value();
 
+    // The same without reading, where it is known what was stored: "V", null for none, and "I", an array of integers or
+    // null.
+    void show_value(const CPDFObj& value, const CPDFArray* sels);
+
     // Lookup. `name` is a dotted path of partial names in XML text, index suffixes ("[n]") removed; the first field of
     // this subtree that it designates, or null. Fields whose name does not match the head of the path are passed over.
     CPDFField* get(const char* name);
@@ -188,7 +192,8 @@ private:
     void load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits);
     void load_kid(const PDF_REF& ref, CPDFVisitSet& visits);
     void load_opts(CPDFDictionary& dict);
-    void load_sels(const CPDFDictionary& dict);
+    void load_sels(const CPDFObj* entry);
+    void take_sels(const CPDFArray* sels);
     void load_values(CPDFDictionary& dict);
     int full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, int len));
     CPDFField* choice_holder();

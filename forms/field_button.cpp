@@ -7,6 +7,9 @@
 
 namespace {
 
+constexpr const char* VALUE_KEYS[] = {"V"};
+constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
+
 bool is_off(const char* state)
 {
     return std::strcmp(state, "Off") == 0;
@@ -24,7 +27,7 @@ void CPDFField::set_check_value(const char* state)
     if (m_type != FIELD_BUTTON || (m_flags & (FIELD_RADIO | FIELD_PUSH_BUTTON)))
         return;
     CPDFObj own;
-    m_xref->get_entity(own, m_ref);
+    m_xref->get_entity(own, m_ref, &VALUE_KEY_SET);
     if (!own.dictionary())
         return;
     // The widget of this field is the caller's; those of its siblings go off with it.
@@ -35,7 +38,7 @@ void CPDFField::set_check_value(const char* state)
     }
     m_value.set_name(state);
     if (m_value.type == PDF_OBJ_NAME)  // not when memory ran out
-        store_entry("V", m_value);     // fetches anew: a widget just told may share the dictionary
+        store_entry("V", m_value);
 }
 
 int CPDFField::get_check_value()

@@ -14,39 +14,50 @@ PDF_String* shown_text(PDF_FIELD_OPT& opt)
     return opt.text.buf ? &opt.text : &opt.val;
 }
 
-// "I" and "V" from the selection. False, with both as they are, when an index has no option.
-bool put_sels(CPDFDictionary& dict, const CPDFField& holder)
+// The selection as "I" and "V". False when an index has no option.
+bool make_sels(const CPDFField& holder, CPDFObj& indices, CPDFObj& texts)
 {
-    CPDFArray texts;
-    CPDFArray indices;
+    indices.set_array();
+    texts.set_array();
     for (int32_t i = 0; i < holder.m_sel_cnt; ++i) {
         const int32_t index = holder.m_sels[i];
         if (index < 0 || index >= holder.m_opt_cnt)
             return false;
         const PDF_String* text = shown_text(holder.m_opts[index]);
-        texts.append_str(text->buf, text->len);
-        indices.append_int(index);
+        texts.arr->append_str(text->buf, text->len);
+        indices.arr->append_int(index);
     }
-    dict.set_item_arr("I", &indices);
-    dict.set_item_arr("V", &texts);
     return true;
 }
 
-void put_opts(CPDFDictionary& dict, const CPDFField& holder)
+void make_opts(const CPDFField& holder, CPDFObj& opts)
 {
-    CPDFArray opts;
+    opts.set_array();
     for (int32_t i = 0; i < holder.m_opt_cnt; ++i) {
         const PDF_FIELD_OPT& opt = holder.m_opts[i];
         if (opt.text.len == 0) {
-            opts.append_str(opt.val.buf, opt.val.len);
+            opts.arr->append_str(opt.val.buf, opt.val.len);
             continue;
         }
         CPDFArray pair;
         pair.append_str(opt.val.buf, opt.val.len);
         pair.append_str(opt.text.buf, opt.text.len);
-        opts.append_arr(&pair);
+        opts.arr->append_arr(&pair);
     }
-    dict.set_item_arr("Opt", &opts);
+}
+
+// Writes the options, and with them the selection, unless that is left as it is or has no options.
+void store_opts(const CPDFField& holder, bool with_sels)
+{
+    const VXFailureCheck memory;
+    CPDFObj opts;
+    CPDFObj indices;
+    CPDFObj texts;
+    make_opts(holder, opts);
+    if (with_sels && make_sels(holder, indices, texts))
+        change_entries(holder, {{"Opt", &opts}, {"I", &indices}, {"V", &texts}}, memory);
+    else
+        change_entries(holder, {{"Opt", &opts}}, memory);
 }
 
 }  // namespace
@@ -95,15 +106,14 @@ void CPDFField::set_choice_sel(int index)
     holder->m_sel_cnt = 1;
     if (index < 0 || index >= holder->m_opt_cnt)
         return;
-    edit_dictionary(*holder, [holder, index](CPDFDictionary& dict) {
-        const PDF_String& val = holder->m_opts[index].val;
-        holder->m_value.set_string(val.buf, val.len);
-        CPDFArray indices;
-        indices.append_int(index);
-        dict.set_item("V", &holder->m_value);
-        dict.set_item_arr("I", &indices);
-        return true;
-    });
+    const VXFailureCheck memory;
+    const PDF_String& val = holder->m_opts[index].val;
+    CPDFObj value;
+    CPDFObj indices;
+    value.set_string(val.buf, val.len);
+    indices.set_array()->append_int(index);
+    if (change_entries(*holder, {{"V", &value}, {"I", &indices}}, memory) != PDF_CHANGE_RESULT::NO_DICTIONARY)
+        holder->m_value.take(value);
 }
 
 // False, with the selection as it was, when memory runs out.
@@ -125,7 +135,11 @@ void CPDFField::set_choice_sels(const int* sels, int count)
     holder->m_sel_cnt = count;
     if (count > 0 && !own_sels)
         std::memcpy(holder->m_sels, sels, static_cast<size_t>(count) * sizeof(int32_t));
-    edit_dictionary(*holder, [holder](CPDFDictionary& dict) { return put_sels(dict, *holder); });
+    const VXFailureCheck memory;
+    CPDFObj indices;
+    CPDFObj texts;
+    if (make_sels(*holder, indices, texts))
+        change_entries(*holder, {{"I", &indices}, {"V", &texts}}, memory);
 }
 
 int CPDFField::insert_choice_opt(int index, PDF_String* val, PDF_String* text)
@@ -155,11 +169,7 @@ int CPDFField::insert_own_opt(int index, const PDF_String* val, const PDF_String
     ++m_opt_cnt;
     for (int32_t i = 0; i < m_sel_cnt; ++i)
         m_sels[i] += m_sels[i] >= index;
-    edit_dictionary(*this, [this](CPDFDictionary& dict) {
-        put_sels(dict, *this);
-        put_opts(dict, *this);
-        return true;
-    });
+    store_opts(*this, true);
     return 1;
 }
 
@@ -179,12 +189,7 @@ int CPDFField::remove_own_opt(int index)
     std::memmove(m_opts + index, m_opts + index + 1,
                  static_cast<size_t>(m_opt_cnt - index - 1) * sizeof(PDF_FIELD_OPT));
     --m_opt_cnt;
-    edit_dictionary(*this, [this, was_selected](CPDFDictionary& dict) {
-        if (was_selected)
-            put_sels(dict, *this);
-        put_opts(dict, *this);
-        return true;
-    });
+    store_opts(*this, was_selected);
     return 1;
 }
 

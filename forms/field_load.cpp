@@ -83,7 +83,7 @@ void CPDFField::load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF&
 void CPDFField::load_tail(CPDFDictionary& dict)
 {
     load_opts(dict);
-    load_sels(dict);
+    load_sels(dict.get_item("I"));
     load_name(dict);
     load_values(dict);
 }
@@ -118,11 +118,14 @@ void CPDFField::reload_value()
     CPDFDictionary* dict = own.dictionary();
     if (!dict)
         return;
-    VXFree(m_sels);
-    m_sels = nullptr;
-    m_sel_cnt = 0;
-    load_sels(*dict);
+    load_sels(dict->get_item("I"));
     load_values(*dict);
+}
+
+void CPDFField::show_value(const CPDFObj& value, const CPDFArray* sels)
+{
+    m_value.copy_from(value.type == PDF_OBJ_NULL ? &m_def_value : &value);
+    take_sels(sels);
 }
 
 void CPDFField::load_kind(const CPDFDictionary& dict)
@@ -228,21 +231,19 @@ void CPDFField::load_opts(CPDFDictionary& dict)
     }
 }
 
-void CPDFField::load_sels(const CPDFDictionary& dict)
+void CPDFField::load_sels(const CPDFObj* entry)
 {
-    const CPDFObj* entry = dict.get_item("I");
-    if (!entry)
-        return;
     CPDFObj scratch;
-    const CPDFArray* sels = view_obj(m_xref, entry, scratch)->array();
-    if (!sels)
-        return;
-    m_sels = vx_alloc_array<int32_t>(static_cast<size_t>(sels->count));
-    if (!m_sels)
-        return;
-    m_sel_cnt = sels->count;
-    for (int32_t i = 0; i < m_sel_cnt; ++i)
-        m_sels[i] = resolve_integer(m_xref, &sels->items[i]);
+    take_sels(view_obj(m_xref, entry, scratch)->array());
+}
+
+void CPDFField::take_sels(const CPDFArray* sels)
+{
+    VXFree(m_sels);
+    m_sel_cnt = 0;
+    m_sels = sels ? vx_alloc_array<int32_t>(static_cast<size_t>(sels->count)) : nullptr;
+    for (; m_sels && m_sel_cnt < sels->count; ++m_sel_cnt)
+        m_sels[m_sel_cnt] = resolve_integer(m_xref, &sels->items[m_sel_cnt]);
 }
 
 void CPDFField::load_name(CPDFDictionary& dict)

@@ -84,9 +84,9 @@ void CPDFField::get_vaue(char* buf, int size)
 
 void CPDFField::set_read_only(int on)
 {
-    edit_dictionary(*this, [this, on](CPDFDictionary& dict) {
-        m_flags = on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY);
-        dict.set_item_int("Ff", static_cast<int>(m_flags));
-        return true;
-    });
+    CPDFObj flags;
+    flags.set_int(
+        static_cast<int32_t>(on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY)));
+    if (change_entries(*this, {{"Ff", &flags}}) != PDF_CHANGE_RESULT::NO_DICTIONARY)
+        m_flags = static_cast<uint32_t>(flags.ival);
 }

@@ -75,7 +75,11 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         if (!item.refusal.empty())
             complain(arguments.input.path.text, item.refusal);
     }
-    apply_items(document, items);
+    CPDFStatus status = apply_items(document, items);
+    if (!status.ok()) {
+        complain(arguments.input.path.text, status.text);
+        return COMMAND_REFUSED;
+    }
     if (arguments.report)
         put_report(document, arguments, items);
     if (!all_accepted(items))
@@ -83,7 +87,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     if (arguments.dry_run)
         return put_done();
     note_xfa(document, arguments);
-    const CPDFStatus status = save_to(document, arguments.in_place ? arguments.input.path.text : arguments.output.text);
+    status = save_to(document, arguments.in_place ? arguments.input.path.text : arguments.output.text);
     if (status.ok())
         return put_done();
     complain(arguments.input.path.text, status.text);

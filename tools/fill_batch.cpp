@@ -42,11 +42,11 @@ private:
         }
         const bool is_written = refusal.empty() && !m_arguments.dry_run;
         if (is_written || m_arguments.report) {
-            apply_items(m_document, items);
+            const CPDFStatus applied = apply_items(m_document, items);
             if (m_arguments.report)
                 append_report(report, m_document, items, row.number);
             if (is_written)
-                refusal = m_document.save(row.output).text;
+                refusal = applied.ok() ? m_document.save(row.output).text : applied.text;
             m_document.revert();
         }
         return refusal;

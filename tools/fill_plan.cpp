@@ -96,12 +96,14 @@ bool all_accepted(const std::vector<FILL_ITEM>& items)
     return std::all_of(items.begin(), items.end(), [](const FILL_ITEM& item) { return item.refusal.empty(); });
 }
 
-void apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& items)
+CPDFStatus apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& items)
 {
+    CPDFStatus status;
     for (const FILL_ITEM& item : items) {
-        if (item.refusal.empty())
-            document.apply(item.plan);
+        if (status.ok() && item.refusal.empty())
+            status = document.apply(item.plan);
     }
+    return status;
 }
 
 std::string in_quotes(std::string_view text)

@@ -25,8 +25,8 @@ std::vector<FILL_ITEM> plan_items(CPDFDocument& document, const CPDFFormData& da
 // Whether every item was accepted.
 bool all_accepted(const std::vector<FILL_ITEM>& items);
 
-// Carries out the plans that were accepted.
-void apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& items);
+// Carries out the plans that were accepted, up to the first that fails.
+CPDFStatus apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& items);
 
 // `text` between quotes, for a sentence.
 std::string in_quotes(std::string_view text);
