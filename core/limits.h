@@ -60,6 +60,10 @@ constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;
 
+// Fields looked at while the paths of one selection are looked up: where many have one name, every path may have to try
+// them all.
+constexpr int64_t LIMIT_SELECT_VISITS = 20000000;
+
 // XML that is parsed recursively: levels, then elements and attributes in all, then attributes of one element
 // (looked up one by one, so many of them take quadratic time).
 constexpr int LIMIT_XML_DEPTH = 256;

@@ -32,6 +32,11 @@ void cvt_str2xml(const PDF_String& s, char* out, int size);
 void cvt_str2url(const PDF_String& s, char* out, int size);
 void cvt_str2l(const PDF_String& s, char* out, int size);
 
+// What goes over the wire of URL-encoded text: a copy in which #, [, ] and every byte outside 21 to 7E, which are the
+// bytes of UTF-8 and what was never encoded, are %XX. The caller owns it and releases it with VXFree; null when memory
+// runs out. `url` is not null.
+char* cvt_url_to_ascii(const char* url);
+
 // Writes the decimal digits of `v` and a terminating 0 (at most 11 bytes). Returns the number of digits.
 int ansi_from_u32(char* out, unsigned v);
 

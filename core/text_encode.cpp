@@ -1,9 +1,11 @@
 #include <cstring>
 
+#include "core/alloc.h"
 #include "core/text.h"
 
 namespace {
 
+constexpr char HEX[] = "0123456789ABCDEF";
 constexpr int SCRATCH_CHARS = 512;
 constexpr int SHORT_TEXT = 127;
 
@@ -71,13 +73,17 @@ bool put_utf8(Sink& sink, uint32_t c)
 
 bool put_url(Sink& sink, uint32_t c)
 {
-    constexpr char HEX[] = "0123456789ABCDEF";
     if (c >= 0x80 || is_url_literal(c))
         return put_utf8(sink, c);
     if (c == ' ')
         return sink.put("+", 1);
     const char escaped[3] = {'%', HEX[c >> 4], HEX[c & 15]};
     return sink.put(escaped, 3);
+}
+
+bool is_wire_char(unsigned char c)
+{
+    return c > ' ' && c < 0x7F && c != '#' && c != '[' && c != ']';
 }
 
 }  // namespace
@@ -164,6 +170,29 @@ void cvt_str2l(const PDF_String& s, char* out, int size)
     wchar_t scratch[SCRATCH_CHARS];
     cvt_text_to_ucs(&s, scratch, SCRATCH_CHARS - 1);
     cvt_utol(scratch, out, size - 1);
+}
+
+char* cvt_url_to_ascii(const char* url)
+{
+    size_t size = 1;
+    for (const char* p = url; *p; ++p)
+        size += is_wire_char(static_cast<unsigned char>(*p)) ? 1 : 3;
+    auto* out = static_cast<char*>(VXAlloc(size));
+    if (!out)
+        return nullptr;
+    char* at = out;
+    for (; *url; ++url) {
+        const auto c = static_cast<unsigned char>(*url);
+        if (is_wire_char(c)) {
+            *at++ = *url;
+            continue;
+        }
+        *at++ = '%';
+        *at++ = HEX[c >> 4];
+        *at++ = HEX[c & 15];
+    }
+    *at = 0;
+    return out;
 }
 
 int ansi_from_u32(char* out, unsigned v)

@@ -37,6 +37,15 @@ public:
     CPDFField* get_field(const wchar_t* name);
     CPDFField* get_field(const PDF_String& name);
 
+    // Data for a submit action (ISO 32000-2, 12.7.6.2), of the fields that `fields` and `flags` select as in
+    // forms/field_select.h. The caller owns the NUL-terminated text and releases it with VXFree.
+    // The URL-encoded pairs, joined by '&': of the selected fields alone, or of all fields. Null when no field gives
+    // anything or memory runs out. The text is not yet what goes over the wire: cvt_url_to_ascii.
+    char* get_url_para(const CPDFArray* fields, int flags);
+    // An XML document: the declaration, then the elements of the selected fields alone, or those of the whole tree, which
+    // <fields> encloses unless the form has "XFA". Null only when memory runs out.
+    char* get_url_xml(const CPDFArray* fields, int flags);
+
     PDF_REF m_ref;         // the form dictionary; number 0 when it is held directly in the catalog
     PDF_REF m_xfa_ref;     // the XFA data set's stream, or the single XFA stream; number 0 when there is none
     int32_t m_loaded;      // 1 once load has fetched the form entry, whatever it was

@@ -131,6 +131,9 @@ public:
     // 1 when the state of `widget` is the value of this button, or of its parent when it has no name of its own.
     int get_radio_value(CPDFAnnotWidget* widget);
 
+    // The slot of the first kid whose widget has the on state `state`, or -1.
+    int find_radio_kid(const char* state) const;
+
     // Whether this signature field is signed, and whether any field of this subtree is.
     int is_signed();
     int has_sign();
@@ -152,6 +155,22 @@ public:
     int insert_choice_opt(int index, PDF_String* val, PDF_String* text);
     // Removes an option and its selection; the first option is selected when none remains. Returns 1, or 0 as above.
     int remove_choice_opt(int index);
+
+    // Form data of this field as NUL-terminated text (ISO 32000-2, 12.7.6.2): values of this record under the field's own
+    // partial name, without its index suffix. Names and values are cut to 127 characters. The caller owns the text and
+    // releases it with VXFree; `len` is its length in bytes. Null, with `len` 0, also when memory runs out.
+    // URL-encoded, as cvt_utourl does it: the pair NAME=VALUE of this field alone. Null for a push button, a field without
+    // a type, and a name that is empty or begins with '#'.
+    char* get_form_url(int& len);
+    // The pairs of this field, when it has one, and of all fields under it, joined by '&'; empty when there are none. Push
+    // buttons, fields without a type, and names that are empty or begin with '%' give no pair.
+    char* get_form_url2(int& len);
+    // XML: the element of this field alone, its tag the name. A name that is empty or begins with '#' gives the value
+    // without tags. Null for a push button, a field without a type, and an empty text. List boxes have no value here.
+    char* get_form_xml(int& len);
+    // The element of this field with those of its kids inside, before its own value; list boxes have one <value> element
+    // for each selected option. Null for a push button and an empty text.
+    char* get_form_xml2(int& len);
 
     CPDFXRefTable* m_xref;  // borrowed from the document
     int32_t m_type;         // PDF_FIELD_TYPE

@@ -69,3 +69,13 @@ int CPDFField::get_radio_value(CPDFAnnotWidget* widget)
         return same_state(state, m_value.name);
     return m_parent && m_parent->m_value.type == PDF_OBJ_NAME && same_state(state, m_parent->m_value.name);
 }
+
+int CPDFField::find_radio_kid(const char* state) const
+{
+    for (int32_t i = 0; i < m_kid_cnt; ++i) {
+        const CPDFAnnotWidget* widget = m_kids[i] ? m_kids[i]->m_widget : nullptr;
+        if (widget && same_state(widget->m_on_state, state))
+            return i;
+    }
+    return -1;
+}

@@ -5,23 +5,9 @@
 #include "core/text.h"
 #include "core/xref_table.h"
 #include "forms/field.h"
+#include "forms/partial_name.h"
 
 namespace {
-
-constexpr int NAME_BUFFER = 256;
-
-// The index suffix rule: a text that ends in ']' is cut at its last '['; without one it is cut to nothing. Returns
-// the length that stays.
-template <typename Char>
-int without_index_suffix(const Char* text, int len)
-{
-    if (len == 0 || text[len - 1] != ']')
-        return len;
-    int at = len - 1;
-    while (at > 0 && text[at] != '[')
-        --at;
-    return at;
-}
 
 int keep_segment(wchar_t*, int len)
 {
@@ -63,11 +49,10 @@ int put_number(wchar_t* buf, int size, int32_t index)
 
 CPDFField* CPDFField::get(const char* name)
 {
-    char own[NAME_BUFFER];
-    cvt_str2xml(m_name, own, NAME_BUFFER - 1);
-    const auto len = static_cast<size_t>(without_index_suffix(own, static_cast<int>(std::strlen(own))));
+    char own[PARTIAL_NAME_SIZE];
+    const auto len = static_cast<size_t>(partial_name(*this, own));
     const char* rest = name;
-    if (len > 0 && own[0] != '#' && std::strncmp(name, own, len) == 0) {
+    if (is_named(own) && std::strncmp(name, own, len) == 0) {
         if (name[len] == 0)
             return this;
         if (name[len] != '.')

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/alloc.h"
+
 using namespace std::string_literals;
 
 namespace {
@@ -124,6 +126,13 @@ TEST(TextTest, EncodesForXmlUrlAndLocal)
             }
         }
     }
+}
+
+TEST(TextTest, UrlOnTheWireIsPlainAscii)
+{
+    const VXBlock<char> out(cvt_url_to_ascii("a[0]#=%5B+~&!\xC3\xA9\x7F \r\n\xFF"));
+    EXPECT_STREQ(out.get(), "a%5B0%5D%23=%5B+~&!%C3%A9%7F%20%0D%0A%FF");
+    EXPECT_STREQ(VXBlock<char>(cvt_url_to_ascii("")).get(), "");
 }
 
 TEST(TextTest, ShortTextRule)
