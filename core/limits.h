@@ -57,6 +57,12 @@ constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 64;
 // Bytes read of an XFA template packet.
 constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
 
+// Bytes of one XFA stream that holds all packets. A longer one is not rewritten.
+constexpr int LIMIT_XFA_STREAM = 64 << 20;
+
+// Bytes of default values that one reset puts into fields: a default above many fields is copied into each of them.
+constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{256} << 20;
+
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;
 

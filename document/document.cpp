@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "core/alloc.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/branch_finder.h"
@@ -12,6 +13,7 @@
 #include "document/need_appearances.h"
 #include "document/output_file.h"
 #include "document/page_map.h"
+#include "document/reset.h"
 #include "document/signature_guard.h"
 #include "document/update.h"
 #include "document/widget_binder.h"
@@ -244,11 +246,73 @@ CPDFStatus CPDFDocument::apply(const PDF_FILL_PLAN& plan)
     CPDFStatus status = apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
     for (size_t i = before; i < state.filled.size(); ++i)
         state.reload_twin(*state.filled[i]);
-    if (button || state.asked_to_draw || signatures().is_signed())
-        return status;
+    if (!button)
+        ask_to_draw();
+    return status;
+}
+
+void CPDFDocument::ask_to_draw()
+{
+    State& state = *m_state;
+    if (state.asked_to_draw || signatures().is_signed())
+        return;
     set_need_appearances(*state.xref, state.root, state.root_ref);
     state.asked_to_draw = true;
-    return status;
+}
+
+CPDFStatus CPDFDocument::reset(PDF_FILL fill)
+{
+    return reset_fields(nullptr, fill);
+}
+
+CPDFStatus CPDFDocument::reset(const std::vector<CPDFField*>& fields, PDF_FILL fill)
+{
+    return reset_fields(&fields, fill);
+}
+
+CPDFStatus CPDFDocument::reset_fields(const std::vector<CPDFField*>* fields, PDF_FILL fill)
+{
+    State& state = *m_state;
+    const CPDFWidgetBinder& widgets = bound_widgets();
+    PDF_RESET_PLAN plan;
+    CPDFStatus status = plan_reset(form(), fields, widgets, plan);
+    for (size_t i = 0; status.ok() && fill != PDF_FILL::FORCE && i < plan.fields.size(); ++i)
+        status = signatures().check_fill(*plan.fields[i]);
+    if (!status.ok())
+        return status;
+    const VXFailureCheck memory;
+    state.reader->renew_budget();
+    if (apply_reset(*state.xref, plan, widgets, state.filled))
+        ask_to_draw();
+    for (const CPDFField* field : plan.fields) {
+        CPDFField* known = state.branches->known(field->m_ref);
+        if (!known || known == field)
+            continue;
+        known->reload_value();
+        state.filled.push_back(known);
+    }
+    return memory.failed() ? CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to reset the form")
+                           : CPDFStatus();
+}
+
+CPDFStatus CPDFDocument::reset_xfa()
+{
+    if (!has_xfa())
+        return {};
+    State& state = *m_state;
+    state.reader->renew_budget();
+    const VXFailureCheck memory;
+    CPDFObj data_set;
+    state.xref->get_entity(data_set, form().m_xfa_ref);
+    if (data_set.type == PDF_OBJ_STREAM)
+        form().reset_XFA(state.xref.get());
+    data_set.free();
+    state.xref->get_entity(data_set, form().m_xfa_ref);
+    if (memory.failed())
+        return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to write the XFA data");
+    if (data_set.type == PDF_OBJ_STREAM && data_set.stream->in_memory)
+        return {};
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the XFA data have no data set that can be replaced");
 }
 
 void CPDFDocument::revert()

@@ -90,6 +90,17 @@ public:
     // missing or memory runs out.
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
 
+    // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and "I" of
+    // choices, in the field and all its widgets; without a default they end without a value. Push buttons and signatures stay
+    // as they are, read-only fields do not. Refuses, and changes nothing then, where a signature locks one of the fields,
+    // unless `fill` is FORCE. Viewers are asked to draw as set_value asks them.
+    CPDFStatus reset(PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
+    CPDFStatus reset(const std::vector<CPDFField*>& fields, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
+
+    // Writes the XFA data set, if the form has one, anew from the values of the fields. Refuses, and changes nothing then,
+    // where the XFA data have no data set that can be replaced.
+    CPDFStatus reset_xfa();
+
     // Drops every change: the document and the fields that set_value changed are as they were when the file was opened.
     void revert();
 
@@ -104,6 +115,8 @@ public:
 private:
     struct State;
     CPDFStatus load(PDF_LOAD load);
+    CPDFStatus reset_fields(const std::vector<CPDFField*>* fields, PDF_FILL fill);
+    void ask_to_draw();
     CPDFStatus make_update(std::string& update);
     CPDFWidgetBinder& bound_widgets();
     const CPDFSignatureGuard& signatures();

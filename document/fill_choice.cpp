@@ -8,14 +8,6 @@
 
 namespace {
 
-// The field that holds the options: the nearest choice field with options, or the field itself.
-const CPDFField& options_holder(const CPDFField& field)
-{
-    const CPDFField* holder =
-        nearest_field(field, [](const CPDFField& at) { return at.m_opt_cnt > 0 || at.m_type != FIELD_CHOICE; });
-    return holder && holder->m_type == FIELD_CHOICE ? *holder : field;
-}
-
 // The option with this export value, else with this shown text, or -1.
 int find_option(const CPDFField& holder, const std::string& word, bool& coerced)
 {
@@ -50,6 +42,13 @@ bool shows_another_value(const CPDFField& field)
 }
 
 }  // namespace
+
+const CPDFField& options_holder(const CPDFField& field)
+{
+    const CPDFField* holder =
+        nearest_field(field, [](const CPDFField& at) { return at.m_opt_cnt > 0 || at.m_type != FIELD_CHOICE; });
+    return holder && holder->m_type == FIELD_CHOICE ? *holder : field;
+}
 
 CPDFStatus plan_choice(const CPDFValue& value, PDF_FILL_PLAN& plan)
 {

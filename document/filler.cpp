@@ -86,7 +86,8 @@ bool has_own_value(CPDFXRefTable& xref, const CPDFField& field)
     return own.dictionary() && own.dict->get_item("V");
 }
 
-// Kids without a name show the value of the field; one that carries a value of its own would contradict it.
+}  // namespace
+
 void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
 {
     for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
@@ -99,8 +100,6 @@ void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
             drop_kid_values(target, *kid);
     }
 }
-
-}  // namespace
 
 void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices)
 {

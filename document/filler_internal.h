@@ -28,3 +28,9 @@ void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan);
 // Makes `value` the value of `field`, in memory and as "V" of its dictionary; a null value removes "V". "RV" goes with
 // the old value, and with `indices` null so does "I". Nothing changes once memory ran out, or without the dictionary.
 void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices);
+
+// Removes the values of the kids without a name, which show the value of `field` and would contradict it.
+void drop_kid_values(FILL_TARGET& target, const CPDFField& field);
+
+// The field that holds the options of a choice field: the nearest one with options, or the field itself.
+const CPDFField& options_holder(const CPDFField& field);

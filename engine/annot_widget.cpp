@@ -39,6 +39,7 @@ CPDFAnnotWidget::~CPDFAnnotWidget()
 {
     VXFree(m_on_state);
     VXFree(m_alt_state);
+    m_text.release();
 }
 
 int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
@@ -88,6 +89,26 @@ void CPDFAnnotWidget::set_check_value(int on)
 void CPDFAnnotWidget::set_radio_value(int on)
 {
     set_check_value(on);
+}
+
+void CPDFAnnotWidget::set_radio_value(const char* state)
+{
+    const char* on = m_on_state ? m_on_state : m_alt_state;
+    set_check_value(on && std::strcmp(on, state) == 0 && std::strcmp(on, OFF) != 0);
+}
+
+void CPDFAnnotWidget::set_edit_value(const PDF_String* value, const PDF_String*, int)
+{
+    PDF_String text = {0, nullptr};  // aside, for `value` may be m_text
+    if (value && value->buf && !text.assign(value->buf, value->len))
+        return;
+    m_text.release();
+    m_text.take(text);
+}
+
+void CPDFAnnotWidget::set_choice_sel(int index)
+{
+    m_choice = index;
 }
 
 void CPDFAnnotWidget::show(const char* state)

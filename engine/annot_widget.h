@@ -24,6 +24,17 @@ public:
     // The same for a radio button.
     void set_radio_value(int on);
 
+    // Tells a button of a radio group the state of the group: "AS" becomes `state`, not null, when that is this widget's on
+    // state (m_alt_state where it has no appearances), and "Off" otherwise.
+    void set_radio_value(const char* state);
+
+    // Notes what the widget of a text field is to show: a copy of `value`, where null means nothing. The other arguments
+    // have no meaning here. The dictionary does not change, nor does anything when memory runs out.
+    void set_edit_value(const PDF_String* value, const PDF_String* second, int third);
+
+    // Notes which option, zero-based, the widget of a choice field is to show. The dictionary does not change.
+    void set_choice_sel(int index);
+
     // Whether the widget has an appearance for `state`; "Off" needs none, and a widget without appearances takes any.
     bool has_state(const char* state) const;
 
@@ -31,6 +42,9 @@ public:
     PDF_REF m_ref = {0, 0};           // the widget dictionary
     char* m_on_state = nullptr;   // owned; the name under "AP"/"N", else "D", other than "Off"; null when there is none
     char* m_alt_state = nullptr;  // owned; "AS", or "Yes" where a widget without appearances shows nothing or "Off"
+    PDF_String m_text = {0,
+                         nullptr};  // owned; a PDF text string, see set_edit_value; null buffer before the first call
+    int32_t m_choice = -1;          // see set_choice_sel; -1 before the first call
 
 private:
     void show(const char* state);

@@ -46,6 +46,15 @@ public:
     // <fields> encloses unless the form has "XFA". Null only when memory runs out.
     char* get_url_xml(const CPDFArray* fields, int flags);
 
+    // Carries out a reset action (ISO 32000-2, 12.7.6.3): CPDFField::reset on every top-level field, or, when `fields` is
+    // not null nor empty and bit 0 of `flags` is clear, on the fields that its references and strings name.
+    void reset(const CPDFArray* fields, int flags);
+
+    // Writes the XFA data set anew from the values of the fields, as a compressed stream in memory: a new version of the
+    // data set's object, or of the one stream that holds all packets, of which the other packets stay byte for byte. Nothing
+    // changes without a data set, where it can't be found in the one stream, and when memory runs out.
+    void reset_XFA(CPDFXRefTable* xref);
+
     PDF_REF m_ref;         // the form dictionary; number 0 when it is held directly in the catalog
     PDF_REF m_xfa_ref;     // the XFA data set's stream, or the single XFA stream; number 0 when there is none
     int32_t m_loaded;      // 1 once load has fetched the form entry, whatever it was
@@ -56,6 +65,7 @@ public:
     CPDFObj* m_root;       // borrowed from the document; the catalog
     PDF_REF m_root_ref;
     CPDFXRefTable* m_xref;  // borrowed from the document
+    int32_t m_xfa_single;   // 1 when m_xfa_ref is one stream with all packets
 
 private:
     void load_resources(const CPDFDictionary& dict);

@@ -156,6 +156,15 @@ public:
     // Removes an option and its selection; the first option is selected when none remains. Returns 1, or 0 as above.
     int remove_choice_opt(int index);
 
+    // Returns this field and all under it to their defaults as a reset action does (ISO 32000-2, 12.7.6.3): the widgets of
+    // text fields, check boxes and combo boxes show it, where "V" stays the caller's; a radio group gets its default, or
+    // none, as "V" as well. Of a combo box only a default that is the text of an option is shown.
+    void reset();
+    // Takes `child` and the fields under it out of the subtree, out of "Kids" of the field above it, and deletes it.
+    // Returns 1 when it was found, 0 otherwise. The child stays when that field has no "Kids" in the document any more, or
+    // memory runs out.
+    int remove_child(CPDFField* child);
+
     // Form data of this field as NUL-terminated text (ISO 32000-2, 12.7.6.2): values of this record under the field's own
     // partial name, without its index suffix. Names and values are cut to 127 characters. The caller owns the text and
     // releases it with VXFree; `len` is its length in bytes. Null, with `len` 0, also when memory runs out.
@@ -218,6 +227,10 @@ private:
     CPDFField* choice_holder();
     bool resize_sels(int count);
     bool unselect(int index);
+    void reset_own();
+    void reset_radio();
+    void reset_combo();
+    int remove_kid(int32_t slot);
     int insert_own_opt(int index, const PDF_String* val, const PDF_String* text);
     int remove_own_opt(int index);
     void store_entry(const char* key, const CPDFObj& value);

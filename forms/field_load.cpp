@@ -124,7 +124,11 @@ void CPDFField::reload_value()
 
 void CPDFField::show_value(const CPDFObj& value, const CPDFArray* sels)
 {
-    m_value.copy_from(value.type == PDF_OBJ_NULL ? &m_def_value : &value);
+    m_value.free();
+    if (value.type == PDF_OBJ_NULL)
+        m_value.copy_from(&m_def_value);
+    else
+        resolve_obj(m_xref, &value, m_value);
     take_sels(sels);
 }
 

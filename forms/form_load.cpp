@@ -21,7 +21,8 @@ CPDFAcroForm::CPDFAcroForm()
       m_res(nullptr),
       m_root(nullptr),
       m_root_ref{0, 0},
-      m_xref(nullptr)
+      m_xref(nullptr),
+      m_xfa_single(0)
 {
 }
 
@@ -40,6 +41,7 @@ void CPDFAcroForm::unload()
     m_fields = nullptr;
     m_field_cnt = 0;
     m_xfa_ref = {0, 0};
+    m_xfa_single = 0;
     m_loaded = 0;
 }
 
@@ -115,10 +117,12 @@ void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
     m_has_xfa = 1;
     CPDFObj scratch;
     const CPDFObj* xfa = view_obj(m_xref, entry, scratch);
-    if (const CPDFArray* packets = xfa->array())
+    if (const CPDFArray* packets = xfa->array()) {
         load_packets(*packets);
-    else if (xfa->type == PDF_OBJ_STREAM && entry->type == PDF_OBJ_REF)
+    } else if (xfa->type == PDF_OBJ_STREAM && entry->type == PDF_OBJ_REF) {
         m_xfa_ref = entry->ref;
+        m_xfa_single = 1;
+    }
 }
 
 void CPDFAcroForm::load_packets(const CPDFArray& packets)

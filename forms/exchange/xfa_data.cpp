@@ -1,0 +1,150 @@
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/stream.h"
+#include "core/xref_table.h"
+#include "forms/acro_form.h"
+#include "forms/exchange/xfa_packet.h"
+#include "forms/field.h"
+
+namespace {
+
+constexpr std::string_view OPENING_HEAD = "<xfa:datasets xmlns:xfa=\"";
+constexpr std::string_view OPENING_TAIL = "\"><xfa:data>";
+constexpr std::string_view CLOSING = "</xfa:data></xfa:datasets>";
+static_assert(XFA_DATA_NAMESPACE.size() == 39);
+static_assert(OPENING_HEAD.size() + XFA_DATA_NAMESPACE.size() + OPENING_TAIL.size() == 76);
+static_assert(CLOSING.size() == 26);
+
+// Text in one block, which grows by at least its half so that many pieces take linear time. Once memory ran out, or the
+// text would be longer than the store takes, what is appended is dropped.
+class XfaText {
+public:
+    XfaText() = default;
+    ~XfaText() { VXFree(m_data); }
+    XfaText(const XfaText&) = delete;
+    XfaText& operator=(const XfaText&) = delete;
+
+    void append(std::string_view piece)
+    {
+        if (m_failed || !reserve(piece.size()) || !m_data)
+            return;
+        std::memcpy(m_data + m_len, piece.data(), piece.size());
+        m_len += piece.size();
+    }
+
+    bool failed() const { return m_failed; }
+    const char* data() const { return m_data; }
+    int size() const { return static_cast<int>(m_len); }
+
+private:
+    bool reserve(size_t more)
+    {
+        constexpr size_t STEP = 1024;
+        constexpr size_t MOST = INT32_MAX - STEP;
+        if (more <= m_capacity - m_len)
+            return true;
+        size_t capacity = m_capacity + m_capacity / 2;
+        if (more > MOST || m_len > MOST - more)
+            return fail();
+        if (capacity < m_len + more)
+            capacity = m_len + more;
+        capacity = (capacity + STEP - 1) / STEP * STEP;
+        void* grown = VXRealloc(m_data, capacity);
+        if (!grown)
+            return fail();
+        m_data = static_cast<char*>(grown);
+        m_capacity = capacity;
+        return true;
+    }
+
+    bool fail()
+    {
+        m_failed = true;
+        return false;
+    }
+
+    char* m_data = nullptr;  // owned
+    size_t m_len = 0;
+    size_t m_capacity = 0;
+    bool m_failed = false;
+};
+
+void append_data_set(XfaText& text, const CPDFAcroForm& form)
+{
+    text.append(OPENING_HEAD);
+    text.append(XFA_DATA_NAMESPACE);
+    text.append(OPENING_TAIL);
+    for (int32_t i = 0; i < form.m_field_cnt; ++i) {
+        int len = 0;
+        const VXBlock<char> piece(form.m_fields[i] ? form.m_fields[i]->get_form_xml2(len) : nullptr);
+        if (piece)
+            text.append({piece.get(), static_cast<size_t>(len)});
+    }
+    text.append(CLOSING);
+}
+
+// The stream with all packets, whose data set is replaced. False when it can't be read whole or has none.
+bool append_all_packets(XfaText& text, const CPDFAcroForm& form, CPDFXRefTable& xref)
+{
+    CPDFObj obj;
+    xref.get_entity(obj, form.m_xfa_ref);
+    const std::unique_ptr<CPDFStream> reader(obj.type == PDF_OBJ_STREAM ? xref.make_stream(obj.stream) : nullptr);
+    int len = 0;
+    const VXBlock<unsigned char> before(reader ? reader->buffer_load(LIMIT_XFA_STREAM, len) : nullptr);
+    if (!before || !reader->at_end())
+        return false;
+    const std::string_view packets(reinterpret_cast<const char*>(before.get()), static_cast<size_t>(len));
+    XFA_RANGE data_set;
+    if (!find_xfa_datasets(packets, data_set))
+        return false;
+    text.append(packets.substr(0, data_set.begin));
+    append_data_set(text, form);
+    text.append(packets.substr(data_set.end));
+    return true;
+}
+
+// Takes `data`, compressed, and makes it the new version of the stream object.
+void store_stream(CPDFXRefTable& xref, const PDF_REF& ref, unsigned char* data, int len)
+{
+    VXBlock<unsigned char> owned(data);
+    const VXFailureCheck check;
+    CPDFObj obj;
+    obj.stream = new CPDFStreamRec;
+    obj.type = PDF_OBJ_STREAM;
+    CPDFStreamRec& rec = *obj.stream;
+    rec.dict.set_item_name(CPDFDictionary::sm_tag_filter, CPDFDictionary::sm_tag_fdec);
+    rec.dict.set_item_int(CPDFDictionary::sm_tag_length, len);
+    if (check.failed())
+        return;
+    rec.data_len = static_cast<uint32_t>(len);
+    rec.ref = ref;
+    rec.in_memory = 1;
+    rec.handle = xref.set_mem_stream(ref, owned.release(), len);
+    if (rec.handle)
+        xref.take_changed(ref, obj);
+}
+
+}  // namespace
+
+void CPDFAcroForm::reset_XFA(CPDFXRefTable* xref)
+{
+    if (m_xfa_ref.num == 0)
+        return;
+    const VXFailureCheck check;  // a field that ran out of memory has no text
+    XfaText text;
+    if (!m_xfa_single)
+        append_data_set(text, *this);
+    else if (!append_all_packets(text, *this, *xref))
+        return;
+    if (text.failed() || check.failed())
+        return;
+    int packed_len = 0;
+    unsigned char* packed = xref->compress_data(text.data(), text.size(), packed_len);
+    if (packed)
+        store_stream(*xref, m_xfa_ref, packed, packed_len);
+}
