@@ -50,6 +50,10 @@ public:
     // not null nor empty and bit 0 of `flags` is clear, on the fields that its references and strings name.
     void reset(const CPDFArray* fields, int flags);
 
+    // The data set of an XFA form as the values of the fields make it, of `len` bytes and a terminating 0. The caller owns
+    // it and releases it with VXFree; null when memory runs out.
+    char* get_xfa_data(int& len);
+
     // Writes the XFA data set anew from the values of the fields, as a compressed stream in memory: a new version of the
     // data set's object, or of the one stream that holds all packets, of which the other packets stay byte for byte. Nothing
     // changes without a data set, where it can't be found in the one stream, and when memory runs out.

@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
-#include <filesystem>
 #include <memory>
 
 #include "document/document.h"
@@ -32,22 +31,12 @@ bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size
                          values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM);
 }
 
-CPDFStatus save_to(CPDFDocument& document, const std::string& path)
-{
-    if (path != "-")
-        return document.save(path);
-    std::vector<uint8_t> bytes;
-    CPDFStatus status = document.save(bytes);
-    put({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    return status;
-}
-
 // The report goes to standard output unless the filled file does.
 void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
 {
     std::string report;
     append_report(report, document, items);
-    if (arguments.output.text == "-" && !arguments.dry_run)
+    if (arguments.output.output.text == "-" && !arguments.dry_run)
         std::fwrite(report.data(), 1, report.size(), stderr);
     else
         put(report);
@@ -87,7 +76,9 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     if (arguments.dry_run)
         return put_done();
     note_xfa(document, arguments);
-    status = save_to(document, arguments.in_place ? arguments.input.path.text : arguments.output.text);
+    status = write_xfa(document, arguments);
+    if (status.ok())
+        status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
         return put_done();
     complain(arguments.input.path.text, status.text);
@@ -98,8 +89,13 @@ int fill_once(const FILL_ARGUMENTS& arguments)
 
 void note_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
 {
-    if (document.has_xfa())
-        complain(arguments.input.path.text, "note: the form also has XFA data, which stay as they are");
+    if (!arguments.xfa && document.has_xfa())
+        complain(arguments.input.path.text, "note: the form also has XFA data, which stay as they are without --xfa");
+}
+
+CPDFStatus write_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
+{
+    return arguments.xfa ? document.reset_xfa() : CPDFStatus();
 }
 
 namespace {
@@ -114,18 +110,15 @@ bool read_jobs(FILL_ARGUMENTS& arguments)
 }
 
 // What is wrong with where the result goes; empty when nothing is.
-std::string wrong_output(const FILL_ARGUMENTS& arguments)
+std::string wrong_place(const FILL_ARGUMENTS& arguments)
 {
-    const std::string& output = arguments.output.text;
-    if (output.empty() != arguments.in_place && !(arguments.dry_run && output.empty()))
-        return "give either -o OUT or --in-place";
-    if (!arguments.batch.text.empty())
-        return output == "-" || arguments.in_place ? "--batch writes many files: give -o a pattern such as out/{id}.pdf"
-                                                   : "";
-    std::error_code ignored;
-    if (!output.empty() && std::filesystem::equivalent(output, arguments.input.path.text, ignored))
-        return in_quotes(output) + " is the input itself; give --in-place instead of -o to replace it";
-    return {};
+    const std::string& output = arguments.output.output.text;
+    if (arguments.dry_run && output.empty() && !arguments.output.in_place)
+        return {};
+    const bool pattern = output != "-" && !arguments.output.in_place;
+    if (!arguments.batch.text.empty() && !pattern)
+        return "--batch writes many files: give -o a pattern such as out/{id}.pdf";
+    return wrong_output(arguments.input, arguments.output);
 }
 
 // What is wrong with the command line; empty when nothing is.
@@ -143,7 +136,7 @@ std::string wrong_usage(FILL_ARGUMENTS& arguments)
         return "--batch takes all values from its rows: give no NAME=VALUE and no --data with it";
     if (!read_jobs(arguments))
         return in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256";
-    return wrong_output(arguments);
+    return wrong_place(arguments);
 }
 
 int fill(FILL_ARGUMENTS& arguments)
@@ -168,7 +161,7 @@ Data files, in UTF-8:
 
 A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
-{id} is the value that the row has in the column id, and {{ a brace. A column that is used there need not be a field. Rows are
+-o is a pattern: {id} is the value that the row has in the column id, and {{ a brace. A column that is used there need not be a field. Rows are
 counted from 1 without the names. A row that is refused is told on standard error and not written; the others are. Several
 --jobs pay even on one processor, since each of them waits for the disk.
 
@@ -187,10 +180,8 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--data", arguments->data, "take values from a .json or .csv file")->option_text("DATA");
     verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
         ->option_text("ROWS");
-    verb.add_option("-o,--output", arguments->output,
-                    "where to save; - is standard output, and a batch needs a pattern")
-        ->option_text("OUT");
-    verb.add_flag("--in-place", arguments->in_place, "replace the input");
+    add_output(verb, arguments->output);
+    verb.add_flag("--xfa", arguments->xfa, "write the values into the XFA data of the form, too");
     verb.add_flag("--force", arguments->force, "fill read-only fields, and those that a signature locks, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");

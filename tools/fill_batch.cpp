@@ -42,11 +42,15 @@ private:
         }
         const bool is_written = refusal.empty() && !m_arguments.dry_run;
         if (is_written || m_arguments.report) {
-            const CPDFStatus applied = apply_items(m_document, items);
+            CPDFStatus written = apply_items(m_document, items);
             if (m_arguments.report)
                 append_report(report, m_document, items, row.number);
+            if (written.ok() && is_written)
+                written = write_xfa(m_document, m_arguments);
+            if (written.ok() && is_written)
+                written = m_document.save(row.output);
             if (is_written)
-                refusal = applied.ok() ? m_document.save(row.output).text : applied.text;
+                refusal = written.text;
             m_document.revert();
         }
         return refusal;
@@ -92,8 +96,8 @@ bool has_folder(const std::string& folder)
 int fill_batch(const FILL_ARGUMENTS& arguments)
 {
     OutputPattern pattern;
-    const bool has_output = !arguments.output.text.empty();
-    if (!pattern.parse(arguments.output.text))
+    const bool has_output = !arguments.output.output.text.empty();
+    if (!pattern.parse(arguments.output.output.text))
         return complain_usage("the output name has a brace that is none of a column: {{ stands for a brace itself");
     if (has_output && pattern.columns().empty())
         return complain_usage(

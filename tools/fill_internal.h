@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "document/filler.h"
+#include "tools/save_output.h"
 #include "tools/verb.h"
 
 struct FILL_ARGUMENTS {
@@ -12,10 +13,10 @@ struct FILL_ARGUMENTS {
     std::vector<COMMAND_WORD> assignments;
     COMMAND_WORD data;
     COMMAND_WORD batch;
-    COMMAND_WORD output;
+    OUTPUT_ARGUMENTS output;
     COMMAND_WORD jobs{"1"};
     int job_count = 1;
-    bool in_place = false;
+    bool xfa = false;
     bool force = false;
     bool dry_run = false;
     bool report = false;
@@ -25,6 +26,9 @@ struct FILL_ARGUMENTS {
 
 // Says on standard error what filling leaves undone: XFA data that the form keeps beside its fields.
 void note_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments);
+
+// Writes the XFA data anew when that is asked for.
+CPDFStatus write_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments);
 
 // Fills the template once for every row; returns a COMMAND_EXIT.
 int fill_batch(const FILL_ARGUMENTS& arguments);

@@ -21,14 +21,8 @@ int get_values(const GET_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
-    std::vector<const CPDFField*> fields;
-    for (const COMMAND_WORD& name : arguments.names) {
-        if (const CPDFField* field = document.field(name.text))
-            fields.push_back(field);
-        else
-            complain(arguments.input.path.text, "there is no field \"" + name.text + "\"");
-    }
-    if (fields.size() < arguments.names.size())
+    std::vector<CPDFField*> fields;
+    if (!find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
     const bool terminal = isatty(STDOUT_FILENO);
     for (const CPDFField* field : fields) {

@@ -27,6 +27,18 @@ bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD 
     return status.ok();
 }
 
+bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
+                 std::vector<CPDFField*>& fields)
+{
+    for (const COMMAND_WORD& name : names) {
+        if (CPDFField* field = document.field(name.text))
+            fields.push_back(field);
+        else
+            complain(input.path.text, "there is no field \"" + name.text + '"');
+    }
+    return fields.size() == names.size();
+}
+
 void complain(std::string_view file, std::string_view sentence)
 {
     const std::string line = "formwork: " + printable(file) + ": " + printable(sentence) + "\n";

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "document/document.h"
 
@@ -41,12 +42,18 @@ using COMMAND_ACTION = std::function<int()>;
 void add_list_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_get_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);
 
 // Opens the document, or complains and returns false.
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+
+// Finds the fields with these full names. Complains about every name that no field has, and returns false then.
+bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
+                 std::vector<CPDFField*>& fields);
 
 // Writes "formwork: FILE: sentence", a line on standard error.
 void complain(std::string_view file, std::string_view sentence);

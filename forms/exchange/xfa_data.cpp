@@ -1,4 +1,3 @@
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -8,6 +7,7 @@
 #include "core/stream.h"
 #include "core/xref_table.h"
 #include "forms/acro_form.h"
+#include "forms/exchange/data_buffer.h"
 #include "forms/exchange/xfa_packet.h"
 #include "forms/field.h"
 
@@ -20,76 +20,27 @@ static_assert(XFA_DATA_NAMESPACE.size() == 39);
 static_assert(OPENING_HEAD.size() + XFA_DATA_NAMESPACE.size() + OPENING_TAIL.size() == 76);
 static_assert(CLOSING.size() == 26);
 
-// Text in one block, which grows by at least its half so that many pieces take linear time. Once memory ran out, or the
-// text would be longer than the store takes, what is appended is dropped.
-class XfaText {
-public:
-    XfaText() = default;
-    ~XfaText() { VXFree(m_data); }
-    XfaText(const XfaText&) = delete;
-    XfaText& operator=(const XfaText&) = delete;
-
-    void append(std::string_view piece)
-    {
-        if (m_failed || !reserve(piece.size()) || !m_data)
-            return;
-        std::memcpy(m_data + m_len, piece.data(), piece.size());
-        m_len += piece.size();
-    }
-
-    bool failed() const { return m_failed; }
-    const char* data() const { return m_data; }
-    int size() const { return static_cast<int>(m_len); }
-
-private:
-    bool reserve(size_t more)
-    {
-        constexpr size_t STEP = 1024;
-        constexpr size_t MOST = INT32_MAX - STEP;
-        if (more <= m_capacity - m_len)
-            return true;
-        size_t capacity = m_capacity + m_capacity / 2;
-        if (more > MOST || m_len > MOST - more)
-            return fail();
-        if (capacity < m_len + more)
-            capacity = m_len + more;
-        capacity = (capacity + STEP - 1) / STEP * STEP;
-        void* grown = VXRealloc(m_data, capacity);
-        if (!grown)
-            return fail();
-        m_data = static_cast<char*>(grown);
-        m_capacity = capacity;
-        return true;
-    }
-
-    bool fail()
-    {
-        m_failed = true;
-        return false;
-    }
-
-    char* m_data = nullptr;  // owned
-    size_t m_len = 0;
-    size_t m_capacity = 0;
-    bool m_failed = false;
-};
-
-void append_data_set(XfaText& text, const CPDFAcroForm& form)
+void append_piece(CPDFDataBuffer& text, std::string_view piece)
 {
-    text.append(OPENING_HEAD);
-    text.append(XFA_DATA_NAMESPACE);
-    text.append(OPENING_TAIL);
+    text.append(piece.data(), piece.size());
+}
+
+void append_data_set(CPDFDataBuffer& text, const CPDFAcroForm& form)
+{
+    append_piece(text, OPENING_HEAD);
+    append_piece(text, XFA_DATA_NAMESPACE);
+    append_piece(text, OPENING_TAIL);
     for (int32_t i = 0; i < form.m_field_cnt; ++i) {
         int len = 0;
         const VXBlock<char> piece(form.m_fields[i] ? form.m_fields[i]->get_form_xml2(len) : nullptr);
         if (piece)
-            text.append({piece.get(), static_cast<size_t>(len)});
+            text.append(piece.get(), static_cast<size_t>(len));
     }
-    text.append(CLOSING);
+    append_piece(text, CLOSING);
 }
 
 // The stream with all packets, whose data set is replaced. False when it can't be read whole or has none.
-bool append_all_packets(XfaText& text, const CPDFAcroForm& form, CPDFXRefTable& xref)
+bool append_all_packets(CPDFDataBuffer& text, const CPDFAcroForm& form, CPDFXRefTable& xref)
 {
     CPDFObj obj;
     xref.get_entity(obj, form.m_xfa_ref);
@@ -102,9 +53,9 @@ bool append_all_packets(XfaText& text, const CPDFAcroForm& form, CPDFXRefTable& 
     XFA_RANGE data_set;
     if (!find_xfa_datasets(packets, data_set))
         return false;
-    text.append(packets.substr(0, data_set.begin));
+    append_piece(text, packets.substr(0, data_set.begin));
     append_data_set(text, form);
-    text.append(packets.substr(data_set.end));
+    append_piece(text, packets.substr(data_set.end));
     return true;
 }
 
@@ -131,12 +82,21 @@ void store_stream(CPDFXRefTable& xref, const PDF_REF& ref, unsigned char* data, 
 
 }  // namespace
 
+char* CPDFAcroForm::get_xfa_data(int& len)
+{
+    const VXFailureCheck check;  // a field that ran out of memory has no text
+    CPDFDataBuffer text;
+    append_data_set(text, *this);
+    len = 0;
+    return check.failed() ? nullptr : text.release(len);
+}
+
 void CPDFAcroForm::reset_XFA(CPDFXRefTable* xref)
 {
     if (m_xfa_ref.num == 0)
         return;
     const VXFailureCheck check;  // a field that ran out of memory has no text
-    XfaText text;
+    CPDFDataBuffer text;
     if (!m_xfa_single)
         append_data_set(text, *this);
     else if (!append_all_packets(text, *this, *xref))
@@ -144,7 +104,9 @@ void CPDFAcroForm::reset_XFA(CPDFXRefTable* xref)
     if (text.failed() || check.failed())
         return;
     int packed_len = 0;
-    unsigned char* packed = xref->compress_data(text.data(), text.size(), packed_len);
+    int len = 0;
+    const VXBlock<char> bytes(text.release(len));
+    unsigned char* packed = bytes ? xref->compress_data(bytes.get(), len, packed_len) : nullptr;
     if (packed)
         store_stream(*xref, m_xfa_ref, packed, packed_len);
 }

@@ -1,0 +1,176 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/text.h"
+#include "forms/field_walk.h"
+#include "forms/partial_name.h"
+#include "tools/save_output.h"
+#include "tools/verb.h"
+#include "tools/xml_name.h"
+
+namespace {
+
+struct EXPORT_ARGUMENTS {
+    COMMAND_INPUT input;
+    std::vector<COMMAND_WORD> names;
+    COMMAND_WORD format;
+    COMMAND_WORD output;
+};
+
+// What one export has to do with. Texts come from the engine's allocator.
+struct EXPORT_JOB {
+    const EXPORT_ARGUMENTS& arguments;
+    CPDFDocument& document;
+    const std::vector<CPDFField*>& fields;  // those named; all fields when empty
+};
+
+CPDFStatus no_memory()
+{
+    return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to export the form");
+}
+
+void list_refs(const EXPORT_JOB& job, CPDFArray& refs)
+{
+    for (const CPDFField* field : job.fields)
+        refs.append_ref(field->m_ref);
+}
+
+// Numbered radio groups are known by their widgets.
+void bind_radio_groups(CPDFDocument& document)
+{
+    bool bound = false;
+    for_each_field(document.form(), [&](const CPDFField& field) {
+        if (!bound && field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_RADIO)) {
+            document.widgets_of(field);
+            bound = true;
+        }
+    });
+}
+
+CPDFStatus export_url(const EXPORT_JOB& job, std::string& out)
+{
+    bind_radio_groups(job.document);
+    const VXFailureCheck memory;
+    CPDFArray refs;
+    list_refs(job, refs);
+    const VXBlock<char> text(job.document.form().get_url_para(&refs, 0));
+    const VXBlock<char> ascii(text ? cvt_url_to_ascii(text.get()) : nullptr);
+    if (ascii)
+        out = ascii.get();
+    return memory.failed() ? no_memory() : CPDFStatus();
+}
+
+// A note, for a program that reads the text by other rules than those of XML may still want it.
+void note_names(const EXPORT_JOB& job)
+{
+    constexpr size_t MOST = 10;
+    std::vector<std::string> wrong;
+    const auto look_at = [&wrong](const CPDFField& field) {
+        char name[PARTIAL_NAME_SIZE];
+        partial_name(field, name);
+        if (is_named(name) && !is_xml_name(name))
+            wrong.emplace_back(name);
+    };
+    if (job.fields.empty())
+        for_each_field(job.document.form(), look_at);
+    for (const CPDFField* field : job.fields)
+        look_at(*field);
+    std::sort(wrong.begin(), wrong.end());
+    wrong.erase(std::unique(wrong.begin(), wrong.end()), wrong.end());
+    if (wrong.empty())
+        return;
+    std::string list;
+    for (size_t i = 0; i < std::min(wrong.size(), MOST); ++i)
+        list += (i ? ", \"" : "\"") + wrong[i] + '"';
+    if (wrong.size() > MOST)
+        list += " and " + std::to_string(wrong.size() - MOST) + " more";
+    complain(job.arguments.input.path.text, "note: the XML is not well-formed, for these names are no XML names: " + list);
+}
+
+CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
+{
+    note_names(job);
+    const VXFailureCheck memory;
+    CPDFArray refs;
+    list_refs(job, refs);
+    const VXBlock<char> text(job.document.form().get_url_xml(&refs, 0));
+    if (text)
+        out = text.get();
+    return memory.failed() ? no_memory() : CPDFStatus();
+}
+
+CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
+{
+    note_names(job);
+    int len = 0;
+    const VXBlock<char> text(job.document.form().get_xfa_data(len));
+    if (!text)
+        return no_memory();
+    out.assign(text.get(), static_cast<size_t>(len));
+    return {};
+}
+
+// The formats by name.
+struct EXPORT_FORMAT {
+    const char* name;
+    CPDFStatus (*write)(const EXPORT_JOB& job, std::string& out);
+};
+
+constexpr EXPORT_FORMAT FORMATS[] = {
+    {"url", export_url},
+    {"xml", export_xml},
+    {"xfa", export_xfa},
+};
+
+int export_data(const EXPORT_ARGUMENTS& arguments)
+{
+    const std::string& name = arguments.format.text;
+    const auto* const format = std::find_if(std::begin(FORMATS), std::end(FORMATS),
+                                            [&name](const EXPORT_FORMAT& at) { return name == at.name; });
+    if (format == std::end(FORMATS))
+        return complain_usage("there is no format \"" + name + "\": give --as url, xml, xfa, json, fdf, xfdf or csv");
+    if (format->write == export_xfa && !arguments.names.empty())
+        return complain_usage("--as xfa writes the data of all fields: give no names");
+    CPDFDocument document;
+    std::vector<CPDFField*> fields;
+    if (!open_document(document, arguments.input) ||
+        !find_fields(document, arguments.input, arguments.names, fields))
+        return COMMAND_REFUSED;
+    std::string out;
+    CPDFStatus status = format->write({arguments, document, fields}, out);
+    if (status.ok())
+        status = save_text(out, arguments.output.text);
+    if (status.ok())
+        return put_done();
+    complain(arguments.input.path.text, status.text);
+    return COMMAND_REFUSED;
+}
+
+constexpr const char* FOOTER =
+    R"(The formats:
+  url    the pairs of a submit action, NAME=VALUE joined by '&', in plain ASCII
+  xml    the XML of a submit action; with names the elements of these fields alone
+  xfa    the data set that --xfa of fill and reset writes
+  json   one object of full names to values, as fill --data takes it; also fdf, xfdf and csv
+url and xml use the fields' own names; the others their full names.)";
+
+}  // namespace
+
+void add_export_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<EXPORT_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("export", "Writes the values of fields in a format for form data");
+    add_input(verb, arguments->input);
+    verb.add_option("NAME", arguments->names, "full names of fields; all fields when none is given")
+        ->option_text("...");
+    verb.add_option("--as", arguments->format, "url, xml, xfa, json, fdf, xfdf or csv")
+        ->required()
+        ->option_text("FORMAT");
+    verb.add_option("-o,--output", arguments->output, "where to write; standard output by default")
+        ->option_text("OUT");
+    verb.footer(FOOTER);
+    verb.callback([arguments, &action] { action = [arguments] { return export_data(*arguments); }; });
+}

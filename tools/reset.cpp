@@ -1,0 +1,53 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/save_output.h"
+#include "tools/verb.h"
+
+namespace {
+
+struct RESET_ARGUMENTS {
+    COMMAND_INPUT input;
+    std::vector<COMMAND_WORD> names;
+    OUTPUT_ARGUMENTS output;
+    bool xfa = false;
+    bool force = false;
+};
+
+int reset_fields(const RESET_ARGUMENTS& arguments)
+{
+    if (const std::string wrong = wrong_output(arguments.input, arguments.output); !wrong.empty())
+        return complain_usage(wrong);
+    CPDFDocument document;
+    std::vector<CPDFField*> fields;
+    if (!open_document(document, arguments.input) ||
+        !find_fields(document, arguments.input, arguments.names, fields))
+        return COMMAND_REFUSED;
+    const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
+    CPDFStatus status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    if (status.ok() && arguments.xfa)
+        status = document.reset_xfa();
+    if (status.ok())
+        status = save_output(document, arguments.input, arguments.output);
+    if (status.ok())
+        return put_done();
+    complain(arguments.input.path.text, status.text);
+    return COMMAND_REFUSED;
+}
+
+}  // namespace
+
+void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<RESET_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("reset", "Returns fields to their default values and saves the result");
+    add_input(verb, arguments->input);
+    verb.add_option("NAME", arguments->names, "full names of fields; all fields when none is given")
+        ->option_text("...");
+    add_output(verb, arguments->output);
+    verb.add_flag("--xfa", arguments->xfa, "write the values into the XFA data of the form, too");
+    verb.add_flag("--force", arguments->force, "reset fields that a signature locks, too");
+    verb.footer("A field without a default ends without a value. A field that groups others is reset with all of them;\n"
+                "read-only fields are reset, too. Push buttons and signatures stay as they are.");
+    verb.callback([arguments, &action] { action = [arguments] { return reset_fields(*arguments); }; });
+}

@@ -1,0 +1,43 @@
+#include "tools/save_output.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+
+#include "document/output_file.h"
+
+constexpr const char* STANDARD_OUTPUT = "-";
+
+void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments)
+{
+    verb.add_option("-o,--output", arguments.output, "where to save; - is standard output")->option_text("OUT");
+    verb.add_flag("--in-place", arguments.in_place, "replace the input");
+}
+
+std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
+{
+    const std::string& output = arguments.output.text;
+    if (output.empty() != arguments.in_place)
+        return "give either -o OUT or --in-place";
+    std::error_code ignored;
+    if (!output.empty() && std::filesystem::equivalent(output, input.path.text, ignored))
+        return '"' + output + "\" is the input itself; give --in-place instead of -o to replace it";
+    return {};
+}
+
+CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
+{
+    if (arguments.output.text != STANDARD_OUTPUT)
+        return document.save(arguments.in_place ? input.path.text : arguments.output.text);
+    std::vector<uint8_t> bytes;
+    CPDFStatus status = document.save(bytes);
+    put({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return status;
+}
+
+CPDFStatus save_text(std::string_view text, const std::string& path)
+{
+    if (!path.empty() && path != STANDARD_OUTPUT)
+        return write_file(path, {text, -1}, {});
+    put(text);
+    return {};
+}
