@@ -38,16 +38,17 @@ void list_refs(const EXPORT_JOB& job, CPDFArray& refs)
         refs.append_ref(field->m_ref);
 }
 
-// Numbered radio groups are known by their widgets.
+// The buttons of a radio group whose value is a number are told by their widgets.
 void bind_radio_groups(CPDFDocument& document)
 {
-    bool bound = false;
-    for_each_field(document.form(), [&](const CPDFField& field) {
-        if (!bound && field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_RADIO)) {
-            document.widgets_of(field);
-            bound = true;
-        }
+    const CPDFField* numbered = nullptr;
+    for_each_field(document.form(), [&numbered](const CPDFField& field) {
+        const char* value = field.m_type == FIELD_BUTTON ? field.m_value.name_text() : nullptr;
+        if (value && *value >= '0' && *value <= '9')
+            numbered = &field;
     });
+    if (numbered)
+        document.widgets_of(*numbered);
 }
 
 CPDFStatus export_url(const EXPORT_JOB& job, std::string& out)
