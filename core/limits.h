@@ -78,3 +78,7 @@ constexpr size_t LIMIT_XML_ATTRIBUTES = 512;
 
 // Nodes and depth of the page tree.
 constexpr int LIMIT_PAGE_DEPTH = 128;
+
+// Pixels of a picture, on one side and in all (1 GiB). Cairo takes no longer side.
+constexpr int LIMIT_PICTURE_SIDE = 32767;
+constexpr int LIMIT_PICTURE_PIXELS = 1 << 28;

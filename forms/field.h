@@ -5,9 +5,12 @@
 #include "core/pdf_string.h"
 
 class CPDFAnnotWidget;
+class CPDFGRender;
 class CPDFSign;
 class CPDFVisitSet;
 class CPDFXRefTable;
+struct _VXMATRIX;
+struct _VXRECTF;
 
 enum PDF_FIELD_TYPE : int32_t {
     FIELD_UNKNOWN = 0,
@@ -180,6 +183,13 @@ public:
     // The element of this field with those of its kids inside, before its own value; list boxes have one <value> element
     // for each selected option. Null for a push button and an empty text.
     char* get_form_xml2(int& len);
+
+    // Painting, in render/. Only a combo box that is not read-only paints: its drop-down button, 16 device units wide, at the
+    // right end of the widget rectangle `rc`. `m` maps the space of `rc` to the device. The renderer's path must be empty,
+    // and is so again; its matrix is `m` then. Any other field leaves the renderer untouched.
+    void render(CPDFGRender* r, const _VXMATRIX& m, const _VXRECTF& rc);
+    // The same for a field that is known to be a choice field.
+    void render_choice(CPDFGRender* r, const _VXMATRIX& m, const _VXRECTF& rc);
 
     CPDFXRefTable* m_xref;  // borrowed from the document
     int32_t m_type;         // PDF_FIELD_TYPE

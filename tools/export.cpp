@@ -88,7 +88,8 @@ void note_names(const EXPORT_JOB& job)
         list += (i ? ", \"" : "\"") + wrong[i] + '"';
     if (wrong.size() > MOST)
         list += " and " + std::to_string(wrong.size() - MOST) + " more";
-    complain(job.arguments.input.path.text, "note: the XML is not well-formed, for these names are no XML names: " + list);
+    complain(job.arguments.input.path.text,
+             "note: the XML is not well-formed, for these names are no XML names: " + list);
 }
 
 CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
@@ -137,8 +138,7 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
         return complain_usage("--as xfa writes the data of all fields: give no names");
     CPDFDocument document;
     std::vector<CPDFField*> fields;
-    if (!open_document(document, arguments.input) ||
-        !find_fields(document, arguments.input, arguments.names, fields))
+    if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
     std::string out;
     CPDFStatus status = format->write({arguments, document, fields}, out);
@@ -170,8 +170,7 @@ void add_export_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--as", arguments->format, "url, xml, xfa, json, fdf, xfdf or csv")
         ->required()
         ->option_text("FORMAT");
-    verb.add_option("-o,--output", arguments->output, "where to write; standard output by default")
-        ->option_text("OUT");
+    verb.add_option("-o,--output", arguments->output, "where to write; standard output by default")->option_text("OUT");
     verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return export_data(*arguments); }; });
 }

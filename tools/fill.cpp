@@ -181,7 +181,8 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
         ->option_text("ROWS");
     add_output(verb, arguments->output);
-    verb.add_flag("--xfa", arguments->xfa, "write the XFA data set anew from all fields, too; what no field holds goes");
+    verb.add_flag("--xfa", arguments->xfa,
+                  "write the XFA data set anew from all fields, too; what no field holds goes");
     verb.add_flag("--force", arguments->force, "fill read-only fields, and those that a signature locks, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");

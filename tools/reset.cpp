@@ -20,8 +20,7 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
         return complain_usage(wrong);
     CPDFDocument document;
     std::vector<CPDFField*> fields;
-    if (!open_document(document, arguments.input) ||
-        !find_fields(document, arguments.input, arguments.names, fields))
+    if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
     CPDFStatus status = fields.empty() ? document.reset(how) : document.reset(fields, how);
@@ -45,9 +44,11 @@ void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("NAME", arguments->names, "full names of fields; all fields when none is given")
         ->option_text("...");
     add_output(verb, arguments->output);
-    verb.add_flag("--xfa", arguments->xfa, "write the XFA data set anew from all fields, too; what no field holds goes");
+    verb.add_flag("--xfa", arguments->xfa,
+                  "write the XFA data set anew from all fields, too; what no field holds goes");
     verb.add_flag("--force", arguments->force, "reset fields that a signature locks, too");
-    verb.footer("A field without a default ends without a value. A field that groups others is reset with all of them;\n"
-                "read-only fields are reset, too. Push buttons and signatures stay as they are.");
+    verb.footer(
+        "A field without a default ends without a value. A field that groups others is reset with all of them;\n"
+        "read-only fields are reset, too. Push buttons and signatures stay as they are.");
     verb.callback([arguments, &action] { action = [arguments] { return reset_fields(*arguments); }; });
 }

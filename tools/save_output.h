@@ -19,5 +19,5 @@ std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arg
 // Saves the document, to standard output for "-".
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
 
-// Writes a text that is no PDF file to `path`, which is replaced as a whole, or to standard output for "" and "-".
+// Writes what is no PDF file to `path`, which is replaced as a whole, or to standard output for "" and "-".
 CPDFStatus save_text(std::string_view text, const std::string& path);

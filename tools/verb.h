@@ -44,6 +44,7 @@ void add_get_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);

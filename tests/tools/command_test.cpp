@@ -77,7 +77,7 @@ TEST_F(CommandTest, WrongUsageExitsTwoAndWritesNothing)
 
 TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPassword)
 {
-    for (const std::string verb : {"list", "get", "fill"}) {
+    for (const std::string verb : {"list", "get", "fill", "draw"}) {
         SCOPED_TRACE(verb);
         const CommandResult help = folder.run({verb, "--help"});
         EXPECT_EQ(help.exit, 0);

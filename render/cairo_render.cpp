@@ -1,0 +1,42 @@
+#include "render/cairo_render.h"
+
+#include <algorithm>
+
+namespace {
+
+// Cairo's own coordinates have 24 bits before the point.
+constexpr double MOST = 1 << 22;
+
+double to_double(VXFIX value)
+{
+    return std::clamp(static_cast<double>(value) / static_cast<double>(VXFIX_ONE), -MOST, MOST);
+}
+
+}  // namespace
+
+void CPDFCairoRender::trace_path()
+{
+    cairo_new_path(m_context);
+    for (int32_t i = 0; i < path_cnt; ++i) {
+        const PDF_PATH_POINT point = path_pts[i];
+        if (point.op == PATH_MOVE)
+            cairo_move_to(m_context, to_double(point.x), to_double(point.y));
+        else if (point.op == PATH_LINE)
+            cairo_line_to(m_context, to_double(point.x), to_double(point.y));
+        else if (point.op == PATH_CLOSE)
+            cairo_close_path(m_context);
+    }
+}
+
+void CPDFCairoRender::fill_path(_VXRECTF* /*box*/, int antialias, int even_odd)
+{
+    constexpr double FULL = 255;
+    _VXRGBA pixel = {0, 0, 0, 255};
+    if (gs->fill.cs)
+        gs->fill.cs->get_rgb(gs->fill.color, pixel);
+    trace_path();
+    cairo_set_source_rgba(m_context, pixel.red / FULL, pixel.green / FULL, pixel.blue / FULL, pixel.alpha / FULL);
+    cairo_set_antialias(m_context, antialias ? CAIRO_ANTIALIAS_GRAY : CAIRO_ANTIALIAS_NONE);
+    cairo_set_fill_rule(m_context, even_odd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
+    cairo_fill(m_context);
+}
