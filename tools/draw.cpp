@@ -133,22 +133,21 @@ cairo_matrix_t frame_matrix(const PDF_BOX& box, int32_t degrees)
     }
 }
 
-// Paints `field` in the frame of its widget: there its text runs from left to right whatever turns page and widget have, and
-// one device unit is one pixel.
+// Paints `field` in the frame of its widget: there its text runs from left to right whatever turns page and widget have. One
+// device unit is one point, so that the button keeps its share of the field at every scale.
 void paint_widget(const CPDFPicture& picture, const PageView& view, CPDFField& field, const PDF_BOX& rect,
                   int32_t widget_rotation)
 {
     const PDF_BOX box = view.place(rect);
     const int32_t degrees = (view.rotate() - widget_rotation + 360) % 360;
     const bool is_on_side = degrees % 180 != 0;
-    const double width = is_on_side ? box.height() : box.width();
-    const double height = is_on_side ? box.width() : box.height();
+    const VXFIX width = to_fix((is_on_side ? box.height() : box.width()) / view.scale());
+    const VXFIX height = to_fix((is_on_side ? box.width() : box.height()) / view.scale());
     const cairo_matrix_t to_picture = frame_matrix(box, degrees);
     cairo_set_matrix(picture.context(), &to_picture);
-    const VXFIX scale = to_fix(view.scale());
+    cairo_scale(picture.context(), view.scale(), view.scale());
     CPDFCairoRender renderer(picture.context());
-    field.render(&renderer, {scale, 0, 0, -scale, 0, to_fix(height)},
-                 {0, 0, to_fix(width / view.scale()), to_fix(height / view.scale())});
+    field.render(&renderer, {VXFIX_ONE, 0, 0, -VXFIX_ONE, 0, height}, {0, 0, width, height});
 }
 
 std::string_view text_of(const CPDFFileBytes& bytes)
@@ -329,7 +328,7 @@ void add_draw_verb(CLI::App& app, COMMAND_ACTION& action)
         ->option_text("OUT.png");
     verb.footer(
         "The picture shows the crop box, turned as the page is, and is transparent apart from the buttons. A picture for --over\n"
-        "has the same size, as `pdftoppm -png -cropbox -r 72` makes it for a scale of 1. Buttons are 16 pixels wide at every\n"
-        "scale; a read-only or hidden combo box has none.");
+        "has the same size, as `pdftoppm -png -cropbox -r 72` makes it for a scale of 1. Buttons are 16 points wide; a\n"
+        "read-only or hidden combo box has none.");
     verb.callback([arguments, &action] { action = [arguments] { return draw(*arguments); }; });
 }
