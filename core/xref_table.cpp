@@ -162,7 +162,7 @@ PDF_CHANGED_OBJ* CPDFXRefTable::get_xref2(int num, int gen)
     const VXFailureCheck check;
     CPDFObj obj;
     read_version(obj, *record, nullptr);
-    if (check.failed())
+    if (check.failed() || obj.type == PDF_OBJ_NULL)
         return nullptr;
     record->obj.take(obj);
     record->text.release();

@@ -29,8 +29,7 @@ struct PDF_XREF_ENTRY {
 struct PDF_CHANGED_OBJ {
     PDF_REF ref;
     CPDFObj obj;
-    PDF_String
-        text;  // the version as PDF text, by change_entries; `obj` is null then. get_xref2 makes the object of it
+    PDF_String text;  // the version as PDF text, by change_entries, until get_xref2 makes `obj` of it
 };
 
 // What the entry of a changed object was before.

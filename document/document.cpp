@@ -31,6 +31,7 @@ struct CPDFDocument::State {
     std::unique_ptr<CPDFWidgetBinder> widgets;
     CPDFAcroForm form;
     bool form_loaded = false;
+    bool form_whole = true;  // nothing of it was left unread
     std::unique_ptr<CPDFBranchFinder> branches = std::make_unique<CPDFBranchFinder>();
     CPDFNameIndex names;
     std::unique_ptr<CPDFSignatureGuard> signatures;
@@ -44,28 +45,40 @@ struct CPDFDocument::State {
         return catalog ? catalog->get_item(CPDFDictionary::sm_tag_acro_form) : nullptr;
     }
 
-    // Returns whether the whole form could be read.
-    bool load_form()
+    void load_form()
     {
         if (form_loaded)
-            return true;
+            return;
         form_loaded = true;
         reader->renew_budget();
         form.load(xref.get(), form_entry(), &root, root_ref);
-        const bool whole = !reader->exhausted();
+        form_whole = !reader->exhausted();
         reader->renew_budget();
         for_each_field(form, [this](CPDFField& field) {
             if (branches->known(field.m_ref))
                 twins[field.m_ref.num] = &field;
         });
-        return whole;
+    }
+
+    CPDFStatus load_whole_form()
+    {
+        load_form();
+        if (form_whole)
+            return {};
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to read than its size justifies");
+    }
+
+    // Kids without a name may have lost values of their own.
+    static void reload_tree(CPDFField& field)
+    {
+        for_each_field(field, [](CPDFField& at) { at.reload_value(); });
     }
 
     void reload_twin(const CPDFField& field)
     {
         const auto twin = twins.find(field.m_ref.num);
         if (twin != twins.end() && twin->second != &field)
-            twin->second->reload_value();
+            reload_tree(*twin->second);
     }
 };
 
@@ -110,9 +123,7 @@ CPDFStatus CPDFDocument::load(PDF_LOAD load_how)
     if (!state.root.dictionary())
         return CPDFStatus::failed(PDF_CODE::NO_CATALOG, "the file has no catalog: object " +
                                                             std::to_string(root->ref.num) + " is missing or damaged");
-    if (load_how == PDF_LOAD::WHOLE_FORM && !state.load_form())
-        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to read than its size justifies");
-    return {};
+    return load_how == PDF_LOAD::WHOLE_FORM ? state.load_whole_form() : CPDFStatus();
 }
 
 bool CPDFDocument::has_form() const
@@ -273,26 +284,48 @@ CPDFStatus CPDFDocument::reset(const std::vector<CPDFField*>& fields, PDF_FILL f
 CPDFStatus CPDFDocument::reset_fields(const std::vector<CPDFField*>* fields, PDF_FILL fill)
 {
     State& state = *m_state;
+    CPDFStatus status = state.load_whole_form();
+    if (!status.ok())
+        return status;
     const CPDFWidgetBinder& widgets = bound_widgets();
     PDF_RESET_PLAN plan;
-    CPDFStatus status = plan_reset(form(), fields, widgets, plan);
-    for (size_t i = 0; status.ok() && fill != PDF_FILL::FORCE && i < plan.fields.size(); ++i)
-        status = signatures().check_fill(*plan.fields[i]);
+    status = plan_reset(form(), fields, widgets, plan);
+    if (status.ok() && fill != PDF_FILL::FORCE)
+        status = check_locks(plan.fields);
     if (!status.ok())
         return status;
     const VXFailureCheck memory;
     state.reader->renew_budget();
-    if (apply_reset(*state.xref, plan, widgets, state.filled))
+    bool texts = false;
+    status = apply_reset(*state.xref, plan, widgets, state.filled, texts);
+    if (texts)
         ask_to_draw();
     for (const CPDFField* field : plan.fields) {
         CPDFField* known = state.branches->known(field->m_ref);
         if (!known || known == field)
             continue;
-        known->reload_value();
+        State::reload_tree(*known);
         state.filled.push_back(known);
     }
-    return memory.failed() ? CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to reset the form")
-                           : CPDFStatus();
+    if (memory.failed())
+        return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to reset the form");
+    if (state.reader->exhausted())
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to reset than its size justifies");
+    return status;
+}
+
+CPDFStatus CPDFDocument::check_locks(const std::vector<CPDFField*>& fields)
+{
+    CPDFStatus first;
+    size_t locked = 0;
+    for (const CPDFField* field : fields) {
+        CPDFStatus status = signatures().check_fill(*field);
+        if (!status.ok() && locked++ == 0)
+            first = std::move(status);
+    }
+    if (locked > 1)
+        first.text += ", and so are " + std::to_string(locked - 1) + " more";
+    return first;
 }
 
 CPDFStatus CPDFDocument::reset_xfa()
@@ -300,6 +333,8 @@ CPDFStatus CPDFDocument::reset_xfa()
     if (!has_xfa())
         return {};
     State& state = *m_state;
+    if (CPDFStatus status = state.load_whole_form(); !status.ok())
+        return status;
     state.reader->renew_budget();
     const VXFailureCheck memory;
     CPDFObj data_set;
@@ -320,7 +355,7 @@ void CPDFDocument::revert()
     State& state = *m_state;
     state.xref->discard_changes();
     for (CPDFField* field : state.filled) {
-        field->reload_value();
+        State::reload_tree(*field);
         state.reload_twin(*field);
     }
     state.filled.clear();

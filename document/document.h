@@ -101,7 +101,7 @@ public:
     // where the XFA data have no data set that can be replaced.
     CPDFStatus reset_xfa();
 
-    // Drops every change: the document and the fields that set_value changed are as they were when the file was opened.
+    // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     void revert();
 
     // Writes the input's bytes unchanged and behind them the changed objects as one incremental update
@@ -120,6 +120,7 @@ private:
     CPDFStatus make_update(std::string& update);
     CPDFWidgetBinder& bound_widgets();
     const CPDFSignatureGuard& signatures();
+    CPDFStatus check_locks(const std::vector<CPDFField*>& fields);
 
     std::unique_ptr<State> m_state;  // owned
 };

@@ -308,9 +308,10 @@ bool CPDFParser::accept_reference(CPDFObj& out, uint32_t num)
     constexpr uint32_t LARGEST_GENERATION = 65535;
     const uint8_t* back = m_lexer.at();
     uint32_t gen = 0;
-    if (is_space(m_lexer.peek())) {
+    const auto is_gap = [this] { return is_space(m_lexer.peek()) || m_lexer.peek() == '%'; };
+    if (is_gap()) {
         m_lexer.skip_space();
-        if (m_lexer.read_u32(gen) && is_space(m_lexer.peek())) {
+        if (m_lexer.read_u32(gen) && is_gap()) {
             m_lexer.skip_space();
             if (m_lexer.peek() == 'R' && !is_regular(m_lexer.left() > 1 ? m_lexer.peek(1) : ' ')) {
                 m_lexer.move_to(m_lexer.at() + 1);

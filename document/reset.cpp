@@ -84,6 +84,9 @@ public:
     {
     }
 
+    // A field whose dictionary is missing, or null.
+    const CPDFField* lost() const { return m_target.lost; }
+
     // Whether the value of a text or choice field was stored.
     bool run(CPDFField& field)
     {
@@ -145,7 +148,7 @@ private:
                std::all_of(field.m_kids, field.m_kids + field.m_kid_cnt, is_field);
     }
 
-    // What has nothing and gets nothing isn't written.
+    // What has nothing and gets nothing isn't written once more.
     void store(CPDFField& field, const CPDFObj& value)
     {
         CPDFObj own;
@@ -300,8 +303,8 @@ CPDFStatus plan_reset(CPDFAcroForm& form, const std::vector<CPDFField*>* chosen,
     return {};
 }
 
-bool apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CPDFWidgetBinder& widgets,
-                 std::vector<CPDFField*>& changed)
+CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CPDFWidgetBinder& widgets,
+                       std::vector<CPDFField*>& changed, bool& texts)
 {
     for (CPDFField* top : plan.tops) {
         top->reset();
@@ -311,8 +314,10 @@ bool apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CPDFWidg
         });
     }
     Reset reset(xref, widgets, changed);
-    bool texts = false;
     for (CPDFField* field : plan.fields)
         texts = reset.run(*field) || texts;
-    return texts;
+    if (!reset.lost())
+        return {};
+    return CPDFStatus::failed(PDF_CODE::DAMAGED, "field \"" + full_name(*reset.lost()) + "\" can't be reset: object " +
+                                                     std::to_string(reset.lost()->m_ref.num) + " is missing or damaged");
 }

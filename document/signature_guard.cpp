@@ -37,21 +37,6 @@ int count_signatures(const CPDFDocument& document, int most)
     return count;
 }
 
-// How many signatures belong to no field: those that gave a free viewer more rights.
-int count_usage_rights(CPDFXRefTable& xref, const CPDFDictionary& root)
-{
-    CPDFObj scratch;
-    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
-    int count = 0;
-    for (const char* key : {"UR", "UR3"}) {
-        CPDFObj signature;
-        const CPDFObj* entry = permissions ? permissions->get_item(key) : nullptr;
-        const CPDFDictionary* dict = view_obj(&xref, entry, signature)->dictionary();
-        count += dict && dict->get_item("ByteRange");
-    }
-    return count;
-}
-
 // Calls `visit(const CPDFObj&)` with each element, resolved, of the array `key`.
 template <typename Visit>
 void for_each_element(CPDFXRefTable& xref, const CPDFDictionary& dict, const char* key, Visit&& visit)
@@ -62,6 +47,40 @@ void for_each_element(CPDFXRefTable& xref, const CPDFDictionary& dict, const cha
         CPDFObj element;
         visit(*view_obj(&xref, &array->items[i], element));
     }
+}
+
+// Whether a signature says no more than that a free viewer has more rights.
+bool grants_rights_only(CPDFXRefTable& xref, const CPDFDictionary& signature)
+{
+    bool grants = false;
+    bool others = false;
+    for_each_element(xref, signature, "Reference", [&](const CPDFObj& reference) {
+        CPDFObj scratch;
+        const CPDFDictionary* dict = reference.dictionary();
+        const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, scratch);
+        const bool rights = method->is_name("UR") || method->is_name("UR3");
+        (rights ? grants : others) = true;
+    });
+    return grants && !others && signature.get_item("ByteRange");
+}
+
+// How many signatures say no more than that: each an object of its own.
+int count_usage_rights(CPDFXRefTable& xref, const CPDFDictionary& root)
+{
+    CPDFObj scratch;
+    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
+    uint32_t counted = 0;
+    int count = 0;
+    for (const char* key : {"UR", "UR3"}) {
+        const CPDFObj* entry = permissions ? permissions->get_item(key) : nullptr;
+        if (!entry || entry->type != PDF_OBJ_REF || entry->ref.num == counted)
+            continue;
+        counted = entry->ref.num;
+        CPDFObj signature;
+        const CPDFDictionary* dict = view_obj(&xref, entry, signature)->dictionary();
+        count += dict && grants_rights_only(xref, *dict);
+    }
+    return count;
 }
 
 bool is_under(const std::string& name, const std::string& top)
@@ -158,7 +177,7 @@ CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
     if (m_no_changes)
         return CPDFStatus::failed(PDF_CODE::READ_ONLY,
                                   "field \"" + full_name(field) +
-                                      "\" can't be filled: the document is certified against any change");
+                                      "\" can't be changed: the document is certified against any change");
     const std::string name = m_locks.empty() ? std::string() : full_name(field);
     for (const LOCK& lock : m_locks) {
         const auto covers = [&name](const std::string& top) { return is_under(name, top); };

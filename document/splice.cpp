@@ -26,6 +26,16 @@ bool ends_object(const CPDFLexer& text)
     return text.starts("endobj") || text.starts("stream");
 }
 
+// Whether the cursor is behind the first or the second part of what reads as a reference.
+bool continues_reference(CPDFLexer text)
+{
+    uint32_t gen = 0;
+    text.skip_space();
+    if (text.read_u32(gen))
+        text.skip_space();
+    return text.peek() == 'R';
+}
+
 }  // namespace
 
 // Copies the text up to `end`.
@@ -40,7 +50,8 @@ void CPDFSplicer::skip_gap(CPDFLexer& text)
 {
     const uint8_t* begin = text.at();
     text.skip_space();
-    const bool apart = !text.done() && is_regular(text.peek()) && is_regular(begin[-1]);
+    // The slash of an empty name would take what follows for the name.
+    const bool apart = !text.done() && is_regular(text.peek()) && (is_regular(begin[-1]) || begin[-1] == '/');
     if (apart && *begin == ' ' && text.at() == begin + 1)
         return;
     flush(begin);
@@ -71,7 +82,8 @@ void CPDFSplicer::pass_decimals(CPDFLexer& text)
         flush(begin);
         m_run = point;
     } else if (last == point + 1) {
-        last = point > begin ? point : std::min(end, point + 2);
+        // A number without its point might become part of a reference.
+        last = point > begin && !continues_reference(text) ? point : std::min(end, point + 2);
     }
     if (last < end && last > begin) {
         flush(last);
@@ -112,6 +124,8 @@ bool CPDFSplicer::copy_value(CPDFLexer& text)
         while (at < text.end() && !(PDF_CHAR_CLASSES[*at] & SPECIAL))
             ++at;
         text.move_to(at);
+        if (text.done())
+            return false;
         switch (text.peek()) {
         case '/':
             if (m_depth == 0)

@@ -4,27 +4,38 @@
 
 namespace {
 
-// Cairo's own coordinates have 24 bits before the point.
-constexpr double MOST = 1 << 22;
+struct PIXEL_POINT {
+    double x, y;
+};
 
-double to_double(VXFIX value)
+// A point in pixels. Cairo's own coordinates have 24 bits before the point.
+PIXEL_POINT to_pixels(cairo_t* context, const PDF_PATH_POINT& point)
 {
-    return std::clamp(static_cast<double>(value) / static_cast<double>(VXFIX_ONE), -MOST, MOST);
+    constexpr double MOST = 1 << 22;
+    constexpr auto UNIT = static_cast<double>(VXFIX_ONE);
+    PIXEL_POINT at = {static_cast<double>(point.x) / UNIT, static_cast<double>(point.y) / UNIT};
+    cairo_user_to_device(context, &at.x, &at.y);
+    return {std::clamp(at.x, -MOST, MOST), std::clamp(at.y, -MOST, MOST)};
 }
 
 }  // namespace
 
 void CPDFCairoRender::trace_path()
 {
+    cairo_matrix_t matrix;
+    cairo_get_matrix(m_context, &matrix);
     cairo_new_path(m_context);
     for (int32_t i = 0; i < path_cnt; ++i) {
         const PDF_PATH_POINT point = path_pts[i];
+        const PIXEL_POINT at = to_pixels(m_context, point);
+        cairo_identity_matrix(m_context);
         if (point.op == PATH_MOVE)
-            cairo_move_to(m_context, to_double(point.x), to_double(point.y));
+            cairo_move_to(m_context, at.x, at.y);
         else if (point.op == PATH_LINE)
-            cairo_line_to(m_context, to_double(point.x), to_double(point.y));
+            cairo_line_to(m_context, at.x, at.y);
         else if (point.op == PATH_CLOSE)
             cairo_close_path(m_context);
+        cairo_set_matrix(m_context, &matrix);
     }
 }
 

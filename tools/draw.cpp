@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <unordered_map>
 
@@ -171,7 +170,7 @@ std::unordered_map<uint32_t, CPDFField*> choice_widgets(CPDFDocument& document)
 void paint_widgets(CPDFDocument& document, const CPDFDictionary& page, const PageView& view, const CPDFPicture& picture)
 {
     CPDFXRefTable& xref = document.xref();
-    const auto fields = choice_widgets(document);
+    auto fields = choice_widgets(document);
     CPDFObj scratch;
     const CPDFArray* annotations = view_obj(&xref, page.get_item("Annots"), scratch)->array();
     for (int32_t i = 0; annotations && i < annotations->count; ++i) {
@@ -189,6 +188,7 @@ void paint_widgets(CPDFDocument& document, const CPDFDictionary& page, const Pag
         CPDFObj held;
         const CPDFDictionary* look = view_obj(&xref, widget->get_item("MK"), held)->dictionary();
         paint_widget(picture, view, *found->second, rect, read_rotation(xref, look ? look->get_item("R") : nullptr));
+        fields.erase(found);  // a page may list a widget many times
     }
 }
 
@@ -298,8 +298,7 @@ std::string wrong_usage(DRAW_ARGUMENTS& arguments)
     if (!read_number(arguments.scale.text, scale) || !(scale >= LEAST_SCALE && scale <= MOST_SCALE))
         return in_quotes(arguments.scale.text) + " is no scale: give a number from 0.001 to 1000, such as 2.5";
     for (const COMMAND_WORD& input : {arguments.input.path, arguments.over}) {
-        std::error_code ignored;
-        if (std::filesystem::equivalent(arguments.output.text, input.text, ignored))
+        if (is_same_file(arguments.output.text, input.text))
             return in_quotes(arguments.output.text) + " is an input, which is never written to";
     }
     return {};

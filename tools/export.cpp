@@ -70,6 +70,8 @@ void note_names(const EXPORT_JOB& job)
     constexpr size_t MOST = 10;
     std::vector<std::string> wrong;
     const auto look_at = [&wrong](const CPDFField& field) {
+        if (field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_PUSH_BUTTON))
+            return;
         char name[PARTIAL_NAME_SIZE];
         partial_name(field, name);
         if (is_named(name) && !is_xml_name(name))
@@ -136,6 +138,8 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
         return complain_usage("there is no format \"" + name + "\": give --as url, xml, xfa, json, fdf, xfdf or csv");
     if (format->write == export_xfa && !arguments.names.empty())
         return complain_usage("--as xfa writes the data of all fields: give no names");
+    if (is_same_file(arguments.output.text, arguments.input.path.text))
+        return complain_usage('"' + arguments.output.text + "\" is the input, which is never written to");
     CPDFDocument document;
     std::vector<CPDFField*> fields;
     if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))

@@ -75,8 +75,9 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     if (arguments.dry_run)
         return put_done();
-    note_xfa(document, arguments);
-    status = write_xfa(document, arguments);
+    note_xfa(document, arguments.input, arguments.xfa);
+    if (arguments.xfa)
+        status = document.reset_xfa();
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
@@ -84,21 +85,6 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     complain(arguments.input.path.text, status.text);
     return COMMAND_REFUSED;
 }
-
-}  // namespace
-
-void note_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
-{
-    if (!arguments.xfa && document.has_xfa())
-        complain(arguments.input.path.text, "note: the form also has XFA data, which stay as they are without --xfa");
-}
-
-CPDFStatus write_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
-{
-    return arguments.xfa ? document.reset_xfa() : CPDFStatus();
-}
-
-namespace {
 
 bool read_jobs(FILL_ARGUMENTS& arguments)
 {

@@ -46,7 +46,7 @@ private:
             if (m_arguments.report)
                 append_report(report, m_document, items, row.number);
             if (written.ok() && is_written)
-                written = write_xfa(m_document, m_arguments);
+                written = m_arguments.xfa ? m_document.reset_xfa() : CPDFStatus();
             if (written.ok() && is_written)
                 written = m_document.save(row.output);
             if (is_written)
@@ -115,7 +115,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
         if (!open_document(*documents.back(), arguments.input))
             return COMMAND_REFUSED;
     }
-    note_xfa(*documents.front(), arguments);
+    note_xfa(*documents.front(), arguments.input, arguments.xfa);
     BatchOutput output(arguments.batch.text, rows.count());
     std::vector<BatchJob> jobs;
     jobs.reserve(documents.size());

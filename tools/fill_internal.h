@@ -24,11 +24,5 @@ struct FILL_ARGUMENTS {
     PDF_FILL how() const { return force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY; }
 };
 
-// Says on standard error what filling leaves undone: XFA data that the form keeps beside its fields.
-void note_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments);
-
-// Writes the XFA data anew when that is asked for.
-CPDFStatus write_xfa(CPDFDocument& document, const FILL_ARGUMENTS& arguments);
-
 // Fills the template once for every row; returns a COMMAND_EXIT.
 int fill_batch(const FILL_ARGUMENTS& arguments);

@@ -24,6 +24,8 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
     CPDFStatus status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    if (status.ok())
+        note_xfa(document, arguments.input, arguments.xfa);
     if (status.ok() && arguments.xfa)
         status = document.reset_xfa();
     if (status.ok())

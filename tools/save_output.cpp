@@ -7,6 +7,12 @@
 
 constexpr const char* STANDARD_OUTPUT = "-";
 
+bool is_same_file(const std::string& a, const std::string& b)
+{
+    std::error_code ignored;
+    return !a.empty() && !b.empty() && std::filesystem::equivalent(a, b, ignored);
+}
+
 void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments)
 {
     verb.add_option("-o,--output", arguments.output, "where to save; - is standard output")->option_text("OUT");
@@ -18,10 +24,17 @@ std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arg
     const std::string& output = arguments.output.text;
     if (output.empty() != arguments.in_place)
         return "give either -o OUT or --in-place";
-    std::error_code ignored;
-    if (!output.empty() && std::filesystem::equivalent(output, input.path.text, ignored))
+    if (is_same_file(output, input.path.text))
         return '"' + output + "\" is the input itself; give --in-place instead of -o to replace it";
     return {};
+}
+
+void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten)
+{
+    if (document.has_xfa() == rewritten)
+        return;
+    complain(input.path.text, rewritten ? "note: the form has no XFA data"
+                                        : "note: the form also has XFA data, which stay as they are without --xfa");
 }
 
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)

@@ -10,11 +10,18 @@ struct OUTPUT_ARGUMENTS {
     bool in_place = false;
 };
 
+// Whether both paths lead to one file that exists.
+bool is_same_file(const std::string& a, const std::string& b);
+
 // Adds the options -o and --in-place.
 void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments);
 
 // What is wrong with the options, for complain_usage; empty when nothing is. The input is replaced only on request.
 std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
+
+// Says on standard error what a change of values leaves undone: XFA data that the form keeps beside its fields, unless they
+// are `rewritten`; or that there are none to rewrite.
+void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten);
 
 // Saves the document, to standard output for "-".
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);

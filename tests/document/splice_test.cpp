@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "core/object.h"
 #include "document/lexer.h"
 
@@ -13,8 +15,8 @@ std::string spliced(const std::string& text)
     CPDFObj value;
     value.set_string("new", 3);
     const PDF_ENTRY_CHANGE changes[] = {{"V", &value}, {"RV", nullptr}};
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    CPDFLexer lexer(bytes, bytes + text.size());
+    const std::vector<uint8_t> bytes(text.begin(), text.end());  // nothing may be read behind the end
+    CPDFLexer lexer(bytes.data(), bytes.data() + bytes.size());
     PDF_String out = {0, nullptr};
     if (!CPDFSplicer().splice(lexer, changes, out))
         return out.buf ? "leaked" : "-";
@@ -40,12 +42,15 @@ TEST(CPDFSplicerTest, ChangesEntriesAndKeepsTheOthers)
         {"<</A 1% c\n2/B 3>>", "<</A 1 2/B 3/V(new)>>"},
         {"<</R[0.50 -0.5 10.00 .0 0.0 5. 1.25 100 /0.50 /a0.5 1.0.0]>>",
          "<</R[.5 -.5 10 .0 0 5 1.25 100/0.50/a0.5 1.0.0]/V(new)>>"},
+        // Neither an empty name nor a number takes in what follows.
+        {"<</N<</ 5 0 R>>/K[/ 5]/R 1.0 0 R/S[1 2.0 R]>>", "<</N<</ 5 0 R>>/K[/ 5]/R 1.0 0 R/S[1 2.0 R]/V(new)>>"},
         // Damaged, or not to be told by the bytes alone: the object is read and written as a whole.
         {"<</#56(old)>>", "-"},
         {"<</A[1/B 2>>", "-"},
         {"<</A<</B 1]>>", "-"},
         {"<</A(b>>", "-"},
         {"<</A>>", "-"},
+        {"<</A 11", "-"},
         {"<</A 1 endobj", "-"},
         {"<</A<</B 1 stream", "-"},
         {"<</A{1}>>", "-"},
