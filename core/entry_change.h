@@ -3,7 +3,7 @@
 
 #include <span>
 
-struct CPDFObj;
+class CPDFObj;
 
 // The entry `key` becomes `value`; null, as a pointer or as a value, removes it. Both are borrowed.
 struct PDF_ENTRY_CHANGE {

@@ -63,6 +63,27 @@ constexpr int LIMIT_XFA_STREAM = 64 << 20;
 // Bytes of default values that one reset puts into fields: a default above many fields is copied into each of them.
 constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{256} << 20;
 
+// Bytes of one file with form data that is read as a whole.
+constexpr size_t LIMIT_DATA_FILE = size_t{256} << 20;
+
+// Values in one such file, or cells in one row of CSV; each takes more memory than its bytes in the file.
+constexpr size_t LIMIT_DATA_VALUES = 4000000;
+
+// Bytes of all names and values that a nested format gives: so many, and so many for every byte of the file. A name is said
+// once for all the fields under it, and references may repeat a value.
+constexpr size_t LIMIT_DATA_BYTES = size_t{64} << 20;
+constexpr size_t LIMIT_DATA_BYTES_PER_BYTE = 8;
+
+// Partial names inside one another where exported data nest; the rest of a name stays in one piece. Readers recurse.
+constexpr size_t LIMIT_NAME_PARTS = 64;
+
+// Bytes of form data that one export gives, and of texts that it reads from streams, which fields may share.
+constexpr size_t LIMIT_EXPORT = size_t{512} << 20;
+constexpr size_t LIMIT_EXPORT_STREAMS = size_t{64} << 20;
+
+// Work on comparing options with values while choices are exported, in bytes and options; fields may share long lists.
+constexpr int64_t LIMIT_OPTION_WORK = int64_t{1} << 28;
+
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;
 

@@ -257,7 +257,7 @@ CPDFStatus CPDFDocument::apply(const PDF_FILL_PLAN& plan)
     CPDFStatus status = apply_fill(*state.xref, plan, button ? bound_widgets() : no_widgets, state.filled);
     for (size_t i = before; i < state.filled.size(); ++i)
         state.reload_twin(*state.filled[i]);
-    if (!button)
+    if (!button && state.filled.size() > before)
         ask_to_draw();
     return status;
 }

@@ -96,16 +96,27 @@ std::string utf8_of(const PDF_String& text)
     return read_wide(room, [&](wchar_t* buf, int size) { return cvt_text_to_ucs(&text, buf, size - 1); });
 }
 
-std::string utf8_of_name(const std::string& name)
+size_t find_malformed(std::string_view text)
 {
     constexpr uint32_t REPLACEMENT = 0xFFFD;
-    const auto* bytes = reinterpret_cast<const unsigned char*>(name.data());
-    const unsigned char* end = bytes + name.size();
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    const unsigned char* end = bytes + text.size();
     for (const unsigned char* p = bytes; p < end;) {
-        if (ucs_from_utf8(p, end) == REPLACEMENT)
-            return utf8_of({static_cast<int32_t>(name.size()), const_cast<unsigned char*>(bytes)});
+        const unsigned char* start = p;
+        if (*p < 0x80)
+            ++p;
+        else if (ucs_from_utf8(p, end) == REPLACEMENT && p - start == 1)
+            return static_cast<size_t>(start - bytes);
     }
-    return name;
+    return std::string_view::npos;
+}
+
+std::string utf8_of_name(const std::string& name)
+{
+    if (find_malformed(name) == std::string_view::npos)
+        return name;
+    auto* bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(name.data()));
+    return utf8_of({static_cast<int32_t>(name.size()), bytes});
 }
 
 PDF_String pdf_string_of(const std::string& text)

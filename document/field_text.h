@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "core/object.h"
 
@@ -20,6 +21,9 @@ std::string full_name_without_index(const CPDFField& field);
 
 // The text of a PDF text string, of any length.
 std::string utf8_of(const PDF_String& text);
+
+// The position of the first byte of `text` that is not UTF-8; npos when all of it is.
+size_t find_malformed(std::string_view text);
 
 // The characters of a name, which are UTF-8 by custom (ISO 32000-2, 7.3.5); other bytes are read as PDFDocEncoding.
 std::string utf8_of_name(const std::string& name);

@@ -4,6 +4,7 @@
 #include "core/xref_table.h"
 #include "document/field_text.h"
 #include "document/filler_internal.h"
+#include "document/value_text.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
@@ -25,14 +26,26 @@ std::string quoted_list(const std::vector<std::string>& words)
     return words.size() > MOST ? list + " or one of " + std::to_string(words.size() - MOST) + " more" : list;
 }
 
-CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
-                     PDF_FILL_PLAN& plan)
+namespace {
+
+// Whether `value` says what the field has. A field without one has the empty text, which other programs write for signatures and buttons.
+bool has_value(const CPDFField& field, const CPDFValue& value)
 {
-    CPDFField& field = value_field(shown);
-    plan = PDF_FILL_PLAN();
-    plan.field = &field;
-    if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
-        return refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
+    const std::string* text = std::get_if<std::string>(&value);
+    if (field.m_value.type == PDF_OBJ_NULL)
+        return text && text->empty();
+    if (!takes_values(field.m_type, field.m_flags))
+        return false;
+    const VALUE_TEXT held = value_text(*field.m_xref, field.m_value);
+    if (text)
+        return held.present && !held.is_list && held.text == *text;
+    const auto* texts = std::get_if<std::vector<std::string>>(&value);
+    return texts && held.is_list && held.items == *texts;
+}
+
+CPDFStatus plan_kind(const CPDFValue& value, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+{
+    const CPDFField& field = *plan.field;
     switch (field.m_type) {
     case FIELD_TEXT:
         return plan_text(value, plan);
@@ -49,6 +62,25 @@ CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, co
     }
 }
 
+}  // namespace
+
+CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
+                     PDF_FILL_PLAN& plan)
+{
+    CPDFField& field = value_field(shown);
+    plan = PDF_FILL_PLAN();
+    plan.field = &field;
+    if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
+        return refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
+    CPDFStatus status = plan_kind(value, widgets, plan);
+    if (status.ok() || !has_value(field, value))
+        return status;
+    plan = PDF_FILL_PLAN();
+    plan.field = &field;
+    plan.action = PDF_FILL_PLAN::KEEP;
+    return {};
+}
+
 CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
                       std::vector<CPDFField*>& changed)
 {
@@ -62,6 +94,8 @@ CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDF
         break;
     case PDF_FILL_PLAN::SET_OPTIONS:
         apply_choice(target, plan);
+        break;
+    case PDF_FILL_PLAN::KEEP:
         break;
     }
     if (target.memory.failed())

@@ -29,6 +29,7 @@ struct PDF_FILL_PLAN {
         SET_TEXT,     // a text field, or free text in an editable combo box: `text`
         SET_BUTTON,   // a check box or radio group: the widget `button` on and those that go with it, -1 for all off
         SET_OPTIONS,  // a choice: the options `options`, in ascending order
+        KEEP,         // nothing: the field has the value already, though it would not take it
     };
 
     CPDFField* field = nullptr;  // borrowed from the form; the field whose value changes
@@ -40,8 +41,9 @@ struct PDF_FILL_PLAN {
 };
 
 // Decides what `value` means for `field`; for a field without a name, which only shows the value of the one above it, for
-// that one. Refuses, in a sentence that names the field, a kind that takes no value or not
-// such a one, a read-only field, a text longer than the maximum, and a state or option that isn't there; nothing is changed.
+// that one. Refuses, in a sentence that names the field, a kind that takes no value or not such a one, a read-only field, a
+// text longer than the maximum, and a state or option that isn't there; nothing is changed. Such a text, state or option that
+// the field has already is kept: forms in use hold them, and so do exports of those. An empty text is no value.
 CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
                      PDF_FILL_PLAN& plan);
 

@@ -319,5 +319,6 @@ CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CP
     if (!reset.lost())
         return {};
     return CPDFStatus::failed(PDF_CODE::DAMAGED, "field \"" + full_name(*reset.lost()) + "\" can't be reset: object " +
-                                                     std::to_string(reset.lost()->m_ref.num) + " is missing or damaged");
+                                                     std::to_string(reset.lost()->m_ref.num) +
+                                                     " is missing or damaged");
 }

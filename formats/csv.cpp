@@ -1,5 +1,7 @@
 #include "formats/csv.h"
 
+#include "core/limits.h"
+
 // file  = row *(line-end row)
 // row   = cell *("," cell)
 // cell  = *any-but-comma-quote-line-end / quote *(any-but-quote / quote quote) quote
@@ -51,6 +53,8 @@ bool CPDFCsvReader::next(std::vector<std::string>& cells)
     if (m_at == m_text.size() || !m_fault.empty())
         return false;
     for (;;) {
+        if (cells.size() == LIMIT_DATA_VALUES)
+            return fail(m_line, "a row has too many cells");
         if (!read_cell(cells.emplace_back()))
             return false;
         if (at_line_end())
@@ -126,4 +130,21 @@ CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out)
     if (!status.ok())
         status.text = "the row of values is wrong: " + status.text;
     return status;
+}
+
+void append_csv_cell(std::string& out, std::string_view text, bool is_first)
+{
+    if (!is_first)
+        out += ',';
+    const bool has_mark = text.substr(0, UTF8_MARK.size()) == UTF8_MARK;
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos && !has_mark && !(is_first && text.empty())) {
+        out += text;
+        return;
+    }
+    out += '"';
+    for (const char c : text) {
+        out += c;
+        out += c == '"' ? "\"" : "";
+    }
+    out += '"';
 }

@@ -38,3 +38,7 @@ CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std:
 
 // Reads a file with exactly one row of values. On failure `out` is empty.
 CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out);
+
+// Appends one cell and, unless it is the first of its row, a comma before it: in quotes where it needs them, and so is a first
+// cell that is empty, since an empty line is no row.
+void append_csv_cell(std::string& out, std::string_view text, bool is_first);

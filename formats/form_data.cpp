@@ -1,8 +1,13 @@
 #include "formats/form_data.h"
 
+#include <utility>
+
+#include "core/limits.h"
 #include "document/file_bytes.h"
 #include "formats/csv.h"
+#include "formats/fdf_data.h"
 #include "formats/json_data.h"
+#include "formats/xfdf_data.h"
 
 std::string suffix_of(std::string_view path)
 {
@@ -19,16 +24,21 @@ CPDFStatus read_form_data(const std::string& path, CPDFFormData& out)
 {
     out.clear();
     const std::string suffix = suffix_of(path);
-    if (suffix == ".fdf" || suffix == ".xfdf") {
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                  "data in " + suffix + " files is not supported yet: give a .json or .csv file");
+    using Read = CPDFStatus (*)(std::string_view, CPDFFormData&);
+    constexpr std::pair<std::string_view, Read> READERS[] = {
+        {".json", read_json_data}, {".csv", read_csv_data}, {".fdf", read_fdf_data}, {".xfdf", read_xfdf_data}};
+    for (const auto& [name, read] : READERS) {
+        if (suffix != name)
+            continue;
+        CPDFFileBytes file;
+        CPDFStatus status = file.open(path);
+        if (!status.ok())
+            return status;
+        if (file.size() > LIMIT_DATA_FILE) {
+            return CPDFStatus::failed(PDF_CODE::LIMIT,
+                                      "a data file has at most " + std::to_string(LIMIT_DATA_FILE >> 20) + " MiB");
+        }
+        return read({reinterpret_cast<const char*>(file.data()), file.size()}, out);
     }
-    if (suffix != ".json" && suffix != ".csv")
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json or .csv");
-    CPDFFileBytes file;
-    CPDFStatus status = file.open(path);
-    if (!status.ok())
-        return status;
-    const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
-    return suffix == ".json" ? read_json_data(text, out) : read_csv_data(text, out);
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json, .csv, .fdf or .xfdf");
 }

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
+#include "core/limits.h"
+
 namespace {
 
 constexpr size_t LONGEST_FAULT = 200;
@@ -41,7 +43,7 @@ public:
         if (m_place != IN_LIST)
             return m_place == IN_OBJECT ? add(std::move(value)) : refuse("a text");
         std::get<std::vector<std::string>>(m_out.back().value).push_back(std::move(value));
-        return true;
+        return count();
     }
 
     bool binary(binary_t& /*value*/) override { return refuse("binary data"); }
@@ -97,7 +99,15 @@ private:
     bool add(CPDFValue value)
     {
         m_out.push_back({m_name, std::move(value)});
-        return true;
+        return count();
+    }
+
+    bool count()
+    {
+        if (++m_count <= LIMIT_DATA_VALUES)
+            return true;
+        m_fault = "there are more than " + std::to_string(LIMIT_DATA_VALUES) + " values";
+        return false;
     }
 
     bool refuse(const char* what)
@@ -113,6 +123,7 @@ private:
 
     CPDFFormData& m_out;  // borrowed from the caller
     PLACE m_place = OUTSIDE;
+    size_t m_count = 0;  // of values
     std::string m_name;
     std::string m_fault;
     std::unordered_set<std::string> m_names;

@@ -39,3 +39,9 @@ const PDF_FIELD_KIND* field_kind(const char* name)
     }
     return nullptr;
 }
+
+bool takes_values(int32_t type, uint32_t flags)
+{
+    const PDF_FIELD_KIND_ID id = field_kind(type, flags).id;
+    return id != KIND_CONTAINER && id != KIND_PUSH && id != KIND_SIGNATURE;
+}

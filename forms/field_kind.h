@@ -31,3 +31,6 @@ const PDF_FIELD_KIND& field_kind(int32_t type, uint32_t flags);
 
 // The kind with this public name, or null.
 const PDF_FIELD_KIND* field_kind(const char* name);
+
+// Whether fields of this kind are filled: text fields, check boxes, radio groups and choices.
+bool takes_values(int32_t type, uint32_t flags);

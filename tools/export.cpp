@@ -5,6 +5,7 @@
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/text.h"
+#include "formats/export_data.h"
 #include "forms/field_walk.h"
 #include "forms/partial_name.h"
 #include "tools/save_output.h"
@@ -117,6 +118,12 @@ CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
     return {};
 }
 
+template <PDF_DATA_FORMAT format>
+CPDFStatus export_form_data(const EXPORT_JOB& job, std::string& out)
+{
+    return write_form_data(job.document, format, job.fields.empty() ? nullptr : &job.fields, out);
+}
+
 // The formats by name.
 struct EXPORT_FORMAT {
     const char* name;
@@ -127,6 +134,10 @@ constexpr EXPORT_FORMAT FORMATS[] = {
     {"url", export_url},
     {"xml", export_xml},
     {"xfa", export_xfa},
+    {"json", export_form_data<PDF_DATA_FORMAT::JSON>},
+    {"fdf", export_form_data<PDF_DATA_FORMAT::FDF>},
+    {"xfdf", export_form_data<PDF_DATA_FORMAT::XFDF>},
+    {"csv", export_form_data<PDF_DATA_FORMAT::CSV>},
 };
 
 int export_data(const EXPORT_ARGUMENTS& arguments)
@@ -159,8 +170,12 @@ constexpr const char* FOOTER =
   url    the pairs of a submit action, NAME=VALUE joined by '&', in plain ASCII
   xml    the XML of a submit action; with names the elements of these fields alone
   xfa    the data set that --xfa of fill and reset writes
-  json   one object of full names to values, as fill --data takes it; also fdf, xfdf and csv
-url and xml use the fields' own names; the others their full names.)";
+  json   one object of full names to values, as fill --data takes it
+  fdf    the same as FDF
+  xfdf   the same as XFDF
+  csv    a row of names and a row of values; a field with several values is refused
+url and xml use the fields' own names, the last four the full names. With names, the last four also have the fields under those
+that are named. A field without a value is left out, but has a column in CSV.)";
 
 }  // namespace
 

@@ -144,6 +144,9 @@ Push buttons and signatures take none. When anything is refused nothing is writt
 Data files, in UTF-8:
   .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
   .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
+  .fdf    FDF, as formwork export and other programs write it
+  .xfdf   XFDF; rich text is read where it comes with its plain text
+A value that the field has already is never refused.
 
 A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
@@ -163,7 +166,8 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     add_input(verb, arguments->input);
     verb.add_option("NAME=VALUE", arguments->assignments, "full name of a field and its new value, in UTF-8")
         ->option_text("...");
-    verb.add_option("--data", arguments->data, "take values from a .json or .csv file")->option_text("DATA");
+    verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
+        ->option_text("DATA");
     verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
         ->option_text("ROWS");
     add_output(verb, arguments->output);

@@ -1,10 +1,10 @@
 #include "tools/fill_report.h"
 
 #include "document/document.h"
+#include "document/value_text.h"
+#include "formats/json_text.h"
 #include "forms/field.h"
-#include "tools/json_text.h"
 #include "tools/terminal_text.h"
-#include "tools/value_text.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include "core/dictionary.h"
 #include "document/document.h"
+#include "document/value_text.h"
 #include "forms/field.h"
 #include "tools/terminal_text.h"
-#include "tools/value_text.h"
 #include "tools/verb.h"
 
 namespace {

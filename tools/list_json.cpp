@@ -6,12 +6,12 @@
 #include "document/document.h"
 #include "document/field_text.h"
 #include "document/page_map.h"
+#include "document/value_text.h"
+#include "formats/json_text.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
-#include "tools/json_text.h"
 #include "tools/list_internal.h"
-#include "tools/value_text.h"
 #include "tools/verb.h"
 
 namespace {

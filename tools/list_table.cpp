@@ -4,11 +4,11 @@
 
 #include "document/document.h"
 #include "document/field_text.h"
+#include "document/value_text.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
 #include "tools/list_internal.h"
 #include "tools/terminal_text.h"
-#include "tools/value_text.h"
 #include "tools/verb.h"
 
 namespace {

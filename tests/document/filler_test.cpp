@@ -144,7 +144,7 @@ TEST(FillerTest, ChoiceMatrix)
         {"the same twice", LIST, "/Opt[(a)(a)(b)]", "a", "(a) [0]"},
         {"beyond ASCII", LIST, "/Opt[(x)<FEFF20AC>(\xFC)]", "\xC3\xBC", "<FC> [2]"},
         {"no options", LIST, "", "a", "!"},
-        {"no such option", LIST, "/Opt[(a)]/V(z)/I[7]", "z", "!"},
+        {"no such option", LIST, "/Opt[(a)]/V(z)/I[7]", "y", "!"},
         {"stale selection", LIST, "/Opt[(a)(b)(c)]/V(z)/I[2 7]/RV(r)", "a", "(a) [0]"},
         {"several", MULTI, pairs, "Other|a", "[(a) (Apple)] [0 2]"},
         {"several, one of them twice", MULTI, pairs, "b|Berry|a", "[(a) (b)] [0 1]"},

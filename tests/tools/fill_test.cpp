@@ -165,8 +165,8 @@ TEST_F(FillTest, DataFilesGiveWhatTheCommandLineWould)
     const std::pair<std::string, const char*> refused[] = {
         {folder.write("x.json", "{\"name\":1"), "line 1, column 10: "},
         {folder.write("x.csv", "name\n1\n2\n"), "more than one row"},
-        {folder.write("x.fdf", ""), "not supported yet"},
-        {folder.write("x.txt", ""), ".json or .csv"},
+        {folder.write("x.fdf", ""), "byte 0: this is no FDF"},
+        {folder.write("x.txt", ""), ".json, .csv, .fdf or .xfdf"},
         {folder.path("missing.csv"), "no such file"},
     };
     for (const auto& [file, fault] : refused)

@@ -1,6 +1,5 @@
-#include "tools/value_text.h"
+#include "document/value_text.h"
 
-#include <cstring>
 #include <memory>
 
 #include "core/alloc.h"
@@ -10,18 +9,8 @@
 #include "core/stream.h"
 #include "core/xref_table.h"
 #include "document/field_text.h"
-#include "tools/terminal_text.h"
 
 namespace {
-
-// Names are UTF-8 by convention (ISO 32000-2, 7.3.5); older files have 8-bit text in them.
-std::string text_of_name(char* name)
-{
-    const size_t len = std::strlen(name);
-    if (is_utf8({name, len}))
-        return {name, len};
-    return utf8_of({static_cast<int32_t>(len), reinterpret_cast<unsigned char*>(name)});
-}
 
 // Seven decimals give back what the file has, as far as the fixed point keeps it.
 std::string text_of_real(VXFIX value)
@@ -45,7 +34,7 @@ bool scalar_text(const CPDFObj& value, std::string& out)
         out = utf8_of(value.str);
         return true;
     case PDF_OBJ_NAME:
-        out = text_of_name(value.name);
+        out = utf8_of_name(value.name);
         return true;
     case PDF_OBJ_BOOL:
         out = value.ival ? "true" : "false";

@@ -1,4 +1,4 @@
-// JSON as the command prints it.
+// Texts and field values as JSON.
 #pragma once
 
 #include <string>

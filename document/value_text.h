@@ -1,4 +1,4 @@
-// Field values as the command shows them.
+// Field values as text.
 #pragma once
 
 #include <string>

@@ -1,8 +1,8 @@
-#include "tools/json_text.h"
+#include "formats/json_text.h"
 
 #include <nlohmann/json.hpp>
 
-#include "tools/value_text.h"
+#include "document/value_text.h"
 
 // Almost all text needs no escapes and is written as it is.
 void append_json_text(std::string& out, const std::string& text)

@@ -1,0 +1,39 @@
+#include "formats/csv.h"
+#include "formats/data_writer.h"
+
+namespace {
+
+// Collects the row of values while the row of names is written.
+class CsvWriter : public CPDFDataWriter {
+public:
+    using CPDFDataWriter::CPDFDataWriter;
+
+    CPDFStatus add(const PDF_EXPORT_ITEM& item) override
+    {
+        if (item.value.is_list && item.value.present)
+            return refuse_export(item.name, "has several values, which a cell of CSV can't hold");
+        append_csv_cell(m_out, item.name, m_columns == 0);
+        append_csv_cell(m_values, item.value.present ? item.value.text : "", m_columns == 0);
+        ++m_columns;
+        return {};
+    }
+
+    CPDFStatus finish() override
+    {
+        if (m_columns == 0)
+            return CPDFStatus::failed(PDF_CODE::BAD_DATA, "there is no field that a CSV file could have a column for");
+        m_out.append("\r\n").append(m_values).append("\r\n");
+        return {};
+    }
+
+private:
+    size_t m_columns = 0;
+    std::string m_values;
+};
+
+}  // namespace
+
+std::unique_ptr<CPDFDataWriter> make_csv_writer(std::string& out)
+{
+    return std::make_unique<CsvWriter>(out);
+}
