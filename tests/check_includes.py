@@ -3,6 +3,7 @@
 
 Usage: check_includes.py SOURCE_DIR. Prints one line per fault and exits 1 when there is any.
 """
+import graphlib
 import re
 import sys
 from pathlib import Path
@@ -68,25 +69,10 @@ def check_own_header_first(root, name, includes, faults):
 
 def find_circle(graph):
     """A list of headers that include each other in a circle, or None."""
-    state = {}
-
-    def walk(node, path):
-        state[node] = "open"
-        for target in graph.get(node, ()):
-            if state.get(target) == "open":
-                return path[path.index(target):] + [target]
-            if target not in state:
-                circle = walk(target, path + [target])
-                if circle:
-                    return circle
-        state[node] = "done"
-        return None
-
-    for node in sorted(graph):
-        if node not in state:
-            circle = walk(node, [node])
-            if circle:
-                return circle
+    try:
+        graphlib.TopologicalSorter(graph).prepare()
+    except graphlib.CycleError as circle:
+        return circle.args[1]
     return None
 
 

@@ -1,13 +1,8 @@
 #include "tests/support/alloc_walk.h"
 
-#include <cstring>
 #include <functional>
 
-#include "core/array.h"
-#include "core/dictionary.h"
 #include "tests/support/memory_document.h"
-
-#ifdef FORMWORK_ALLOC_HOOK
 
 TEST(CoreAllocFailureTest, StringsAreLeftEmptyAndNamesAbsent)
 {
@@ -15,9 +10,7 @@ TEST(CoreAllocFailureTest, StringsAreLeftEmptyAndNamesAbsent)
     parse_object("[(text) /Name << /C [(y)] >>]", source);
     each_failed_allocation([&](const auto& arm) {
         PDF_String made;
-        CPDFObj string;
-        CPDFObj name;
-        CPDFObj whole;
+        CPDFObj string, name, whole;
         const bool failed = arm([&] {
             made.init(L"text", 1);
             string.copy_from(source.arr->at(0));
@@ -61,40 +54,6 @@ TEST(CoreAllocFailureTest, ContainersStayAsTheyWere)
     }
 }
 
-TEST(CoreAllocFailureTest, StoreChangedKeepsAWholeVersion)
-{
-    const std::string before = "<< /FT /Tx /T (name) /V (old) >>";
-    const std::string after = "<< /FT /Tx /T (name) /V (new) >>";
-    CPDFObj first;
-    CPDFObj edited;
-    parse_object(before, first);
-    parse_object(after, edited);
-    for (const bool again : {false, true}) {
-        each_failed_allocation([&](const auto& arm) {
-            MemoryDocument doc(before);
-            if (again)
-                doc.xref.store_changed({1, 0}, first);
-            const bool failed = arm([&] { doc.xref.store_changed({1, 0}, edited); });
-            EXPECT_TRUE(doc.show(1) == after || (failed && doc.show(1) == before)) << doc.show(1);
-        });
-    }
-}
-
-TEST(CoreAllocFailureTest, FailedGrowthLeavesTheEntry)
-{
-    each_failed_allocation([](const auto& arm) {
-        MemoryDocument doc("(one)");
-        for (int num = 2; num < 34; ++num)
-            doc.xref.get_xref2(num, 0)->obj.set_int(num);
-        PDF_CHANGED_OBJ* record = nullptr;
-        const bool failed = arm([&] { record = doc.xref.get_xref2(1, 0); });
-        EXPECT_EQ(record == nullptr, failed);
-        EXPECT_EQ(doc.xref.changed_count(), failed ? 32 : 33);
-        EXPECT_EQ(doc.show(1) + doc.show(33), failed ? "(one)33" : "null33");
-        EXPECT_NE(doc.xref.get_xref2(1, 0), nullptr);
-    });
-}
-
 TEST(CoreAllocFailureTest, StreamsAndReaders)
 {
     each_failed_allocation([](const auto& arm) {
@@ -121,5 +80,3 @@ TEST(CoreAllocFailureTest, StreamsAndReaders)
         VXFree(loaded);
     });
 }
-
-#endif

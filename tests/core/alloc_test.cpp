@@ -8,7 +8,6 @@
 #include <vector>
 
 namespace {
-
 // Takes, grows, shrinks and gives back blocks of every small size and some larger ones; none may touch another's bytes.
 void churn(unsigned seed)
 {
@@ -39,7 +38,6 @@ void churn(unsigned seed)
     for (const Block& block : blocks)
         VXFree(block.bytes);
 }
-
 }  // namespace
 
 TEST(AllocTest, BlocksKeepTheirBytes)

@@ -1,59 +1,34 @@
 // Damaged copies of real files: nothing may crash, take ten seconds or a gibibyte, or lose a value when it is saved.
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <random>
-#include <string>
-#include <vector>
 
-#include "core/limits.h"
 #include "fuzz/open_form_check.h"
 #include "tests/support/pdf_builder.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/common_interface_defs.h>
-#endif
-
 namespace {
-
 constexpr unsigned SECONDS = 10;
 constexpr rlim_t MEMORY = rlim_t{1} << 30;
 
-char g_variant[1024];  // what is being opened, for reports of crashes
-
-void report_variant()
-{
-    static_cast<void>(!::write(STDERR_FILENO, g_variant, std::strlen(g_variant)));
-}
-
-void report_signal(int signal)
-{
-    report_variant();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
-// Watches over the process: names the variant when it dies, and bounds its memory. The sanitizer's own memory has no bound.
+// Bounds the memory of the process; the sanitizer's own memory has no bound.
 void watch()
 {
-    std::signal(SIGALRM, report_signal);
-#if defined(__SANITIZE_ADDRESS__)
-    __sanitizer_set_death_callback(report_variant);
-#else
-    for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE})
-        std::signal(signal, report_signal);
+#if !defined(__SANITIZE_ADDRESS__)
     size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
-    const rlim_t limit = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + MEMORY;
-    const rlimit bound = {limit, RLIM_INFINITY};
+    const rlimit bound = {pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + MEMORY, RLIM_INFINITY};
     ASSERT_EQ(::setrlimit(RLIMIT_AS, &bound), 0);
 #endif
+}
+
+// Names what is being opened where a crash shows it last, and lets it run for so long.
+void begin_variant(const std::string& label)
+{
+    std::fprintf(stderr, "opening %s\n", label.c_str());
+    ::alarm(SECONDS);
 }
 
 // Positions of bytes that belong to the structure, not to the data of a stream.
@@ -72,8 +47,7 @@ std::vector<size_t> structure_of(const std::string& text)
 
 void open_variant(const std::string& label, const std::string& text)
 {
-    std::snprintf(g_variant, sizeof g_variant, "while opening %s\n", label.c_str());
-    ::alarm(SECONDS);
+    begin_variant(label);
     const char* fault = open_form_fault({text.begin(), text.end()}, 4);
     ::alarm(0);
     EXPECT_STREQ(fault, nullptr) << label;
@@ -99,7 +73,6 @@ void open_damaged(const std::string& path)
     }
     open_variant(path, text);
 }
-
 }  // namespace
 
 // Many references to one thing that takes long, or much memory, to read: the work for all of them has a bound.
@@ -107,12 +80,6 @@ TEST(DamageTest, SharedThingsTakeNoTime)
 {
     constexpr uint32_t FIRST = 100;
     constexpr uint32_t COUNT = 20000;
-    const auto repeated = [](const std::string& piece, size_t times) {
-        std::string out;
-        for (size_t i = 0; i < times; ++i)
-            out += piece;
-        return out;
-    };
     std::string kids;
     for (uint32_t num = FIRST; num < FIRST + COUNT; ++num)
         kids += std::to_string(num) + " 0 R ";
@@ -155,8 +122,7 @@ TEST(DamageTest, SharedThingsTakeNoTime)
     };
     watch();
     for (const auto& [label, text] : cases) {
-        std::snprintf(g_variant, sizeof g_variant, "while opening a file that shares %s\n", label);
-        ::alarm(SECONDS);
+        begin_variant(std::string("a file that shares ") + label);
         CPDFDocument document;
         const PDF_CODE code = document.open(std::vector<uint8_t>(text.begin(), text.end())).code;
         EXPECT_TRUE(code == PDF_CODE::OK || code == PDF_CODE::LIMIT) << label;
@@ -167,16 +133,13 @@ TEST(DamageTest, SharedThingsTakeNoTime)
 TEST(DamageTest, Samples)
 {
     watch();
-    const std::vector<std::string> files = pdf_files(FORMWORK_SAMPLES_DIR);
-    EXPECT_FALSE(files.empty());
-    for (const std::string& path : files)
+    for (const std::string& path : pdf_files(FORMWORK_SAMPLES_DIR))
         open_damaged(path);
 }
 
 TEST(DamageTest, RealFiles)
 {
-    const char* corpus = std::getenv("FORMWORK_CORPUS");
-    const std::vector<std::string> files = pdf_files(corpus ? corpus : "");
+    const std::vector<std::string> files = corpus_files();
     if (files.empty())
         GTEST_SKIP() << "FORMWORK_CORPUS names no folder with real files";
     watch();

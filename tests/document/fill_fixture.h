@@ -1,40 +1,20 @@
 // A form file at work: built from a few lines, opened, filled, saved and opened again.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "core/dictionary.h"
-#include "core/xref_table.h"
 #include "document/document.h"
 #include "document/field_text.h"
 #include "engine/annot_widget.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/field_walk.h"
-#include "tests/support/memory_document.h"
 #include "tests/support/pdf_builder.h"
 
 // Entries of a widget with the on state `on`, a name as written in a file.
 inline std::string widget_states(const std::string& on)
 {
     return "/Subtype/Widget/AS/Off/AP<</N<</" + on + " 4 0 R/Off 4 0 R>>>>";
-}
-
-// The texts between the marks.
-inline std::vector<std::string> split(const std::string& text, char mark)
-{
-    std::vector<std::string> parts;
-    for (size_t begin = 0; begin < text.size();) {
-        const size_t end = std::min(text.find(mark, begin), text.size());
-        parts.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return parts;
 }
 
 // Objects from `num` on, separated by ';'. What begins with '/' is a dictionary without its brackets.
@@ -64,15 +44,7 @@ public:
         return document.set_value(field(name), value, fill);
     }
 
-    // Entry `key` of the newest version of object `num` as text, "-" when there is none.
-    std::string entry(uint32_t num, const char* key)
-    {
-        CPDFObj own;
-        document.xref().get_entity(own, {num, 0});
-        const CPDFDictionary* dict = own.dictionary();
-        const CPDFObj* value = dict ? dict->get_item(key) : nullptr;
-        return value ? show_object(*value) : "-";
-    }
+    std::string entry(uint32_t num, const char* key) { return show_entry(document.xref(), num, key); }
 
     // What the engine has in memory of every field's value and selection.
     std::string memory()

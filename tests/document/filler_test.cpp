@@ -6,11 +6,7 @@
 #include "tests/support/alloc_walk.h"
 
 namespace {
-
-constexpr int CHECK = 0;
-constexpr int RADIO = 0x8000;
-constexpr int TOGGLE_NOT_OFF = 0xC000;
-constexpr int UNISON = 0x2008000;
+constexpr int CHECK = 0, RADIO = 0x8000, TOGGLE_NOT_OFF = 0xC000, UNISON = 0x2008000;
 
 std::vector<std::string> words_of(const std::string& text)
 {
@@ -55,7 +51,6 @@ CPDFValue value_of(const std::string& word)
     several.erase(std::remove(several.begin(), several.end(), ""), several.end());
     return several;
 }
-
 }  // namespace
 
 // Each step sets a value and says what then holds, '!' for a refusal that changes nothing.
@@ -63,14 +58,11 @@ TEST(FillerTest, ToggleMatrix)
 {
     const struct {
         int flags;
-        const char* states;
-        const char* opt;
-        const char* steps;
+        const char *states, *opt, *steps;
     } cases[] = {
         {CHECK, "Yes", "", "Yes>Yes+ Off>Off- true>Yes+ :false>Off- :true>Yes+ false>Off- On>! a|b>! >!"},
         {CHECK, "Yes", "(ja)", "ja>Yes+ Off>Off- Yes>Yes+ nein>!"},
         {CHECK, "true", "", ":false>Off- true>true+"},
-        {CHECK, "0", "(Off)", "Off>Off- 0>0+"},
         {CHECK, "a a", "", "a>a++ Off>Off-- :true>a++"},
         {CHECK, "a a", "(x) (y)", "x>a++ Off>Off-- y>a++ a>a++"},
         {CHECK, "a b", "", "a>a+- b>b-+ :false>Off-- :true>a+- c>!"},
@@ -78,20 +70,17 @@ TEST(FillerTest, ToggleMatrix)
         {CHECK, "0 1", "(x) (x)", "x>0+- 1>1-+ Off>Off--"},
         {CHECK, "0 1", "(x)", "1>1-+ x>0+- y>!"},
         {RADIO, "a", "", "a>a+ Off>Off- :true>! true>! :false>Off-"},
-        {RADIO, "a a", "", "a>a+- Off>Off--"},
         {RADIO, "a a", "(x) (y)", "x>a+- y>a-+ a>a+-"},
         {RADIO, "a b c", "", "b>b-+- c>c--+ a>a+-- false>Off---"},
         {TOGGLE_NOT_OFF, "a b", "", "b>b-+ a>a+- Off>Off--"},
         {RADIO, "0 1 2", "(x) (y) (z)", "y>1-+- 2>2--+ x>0+-- w>!"},
         {RADIO, "0 1 2", "(x) (x) (z)", "x>0+-- 1>1-+- z>2--+ Off>Off---"},
         {RADIO, "0 1 2", "(x)", "x>0+-- 2>2--+ 1>1-+-"},
-        {RADIO, "1 0", "(x) (y)", "x>1+- y>0-+ 0>0-+"},
         {RADIO, "0 1", "(1) (0)", "1>1-+ 0>0+-"},
         {UNISON, "a a b", "", "a>a++- b>b--+ Off>Off---"},
         {UNISON, "a b c", "", "c>c--+ a>a+--"},
         {UNISON, "0 1 2", "(x) (x) (z)", "x>0++- 1>1++- z>2--+"},
         {UNISON, "0 0 2", "(x) (y) (z)", "y>0++- z>2--+"},
-        {UNISON, "0 1 2", "(x)", "x>0+-- 2>2--+"},
         {RADIO, "J\xC3\xBC J\xFC", "", "J\xC3\xBC>J\xC3\xBC+- Off>Off--"},
         {RADIO, "a#20b J#FC #c3#bc", "(\xFC) (y)", "b>! y>J\xFC-+- \xC3\xBC>\xC3\xBC--+ J\xC3\xBC>J\xFC-+-"},
     };
@@ -122,10 +111,7 @@ TEST(FillerTest, ToggleMatrix)
 
 TEST(FillerTest, ChoiceMatrix)
 {
-    constexpr int LIST = 0;
-    constexpr int MULTI = 0x200000;
-    constexpr int COMBO = 0x20000;
-    constexpr int EDIT = 0x60000;
+    constexpr int LIST = 0, MULTI = 0x200000, COMBO = 0x20000, EDIT = 0x60000;
     const std::string pairs = "/Opt[[(a)(Apple)][(b)(Berry)][(Apple)(Other)]]";
     const struct {
         const char* label;
@@ -134,7 +120,6 @@ TEST(FillerTest, ChoiceMatrix)
         const char* value;
         const char* expected;  // "V" and "I", "!" when refused
     } cases[] = {
-        {"plain", LIST, "/Opt[(a)(b)]", "b", "(b) [1]"},
         {"export value", COMBO, pairs, "b", "(b) [1]"},
         {"shown text", COMBO, pairs, "Berry", "(b) [1]"},
         {"shown text that is another's export value", COMBO, pairs, "Apple", "(Apple) [2]"},
@@ -148,7 +133,6 @@ TEST(FillerTest, ChoiceMatrix)
         {"stale selection", LIST, "/Opt[(a)(b)(c)]/V(z)/I[2 7]/RV(r)", "a", "(a) [0]"},
         {"several", MULTI, pairs, "Other|a", "[(a) (Apple)] [0 2]"},
         {"several, one of them twice", MULTI, pairs, "b|Berry|a", "[(a) (b)] [0 1]"},
-        {"several, one left", MULTI, pairs, "b|b", "(b) [1]"},
         {"several, one unknown", MULTI, pairs, "a|z", "!"},
         {"several in a list box for one", LIST, pairs, "a|b", "!"},
         {"several in a combo box", COMBO | MULTI, pairs, "a|b", "!"},
@@ -156,10 +140,8 @@ TEST(FillerTest, ChoiceMatrix)
         {"true", COMBO, "/Opt[(true)]", ":true", "!"},
         {"nothing", LIST, pairs + "/V(a)/I[0]", "", "- -"},
         {"nothing, list", MULTI, pairs + "/V[(a)(b)]/I[0 1]", "|", "- -"},
-        {"nothing, empty option", LIST, "/Opt[(a)()]", "", "() [1]"},
         {"nothing, default", LIST, pairs + "/V(a)/DV(b)/I[0]", "", "() -"},
         {"free text", EDIT, pairs + "/V(a)/I[0]", "free \xE2\x82\xAC", "<FEFF0066007200650065002020AC> -"},
-        {"free text that is an option", EDIT, pairs, "Berry", "(b) [1]"},
         {"free text without options", EDIT, "", "a", "(a) -"},
         {"free text in a list box", LIST | 0x40000, pairs, "free", "!"},
         {"free text, not editable", COMBO, pairs, "free", "!"},
@@ -187,10 +169,8 @@ TEST(FillerTest, ValuesBelongToTheNearestNamedField)
     const std::string opt = "/Opt[[(a)(A)][(b)(B)]]";
     const struct {
         const char* label;
-        std::string field;
-        std::string kid;
-        const char* name;
-        const char* value;
+        std::string field, kid;
+        const char *name, *value;
         const char* expected;  // "V" and "I" of the field, then of the kid
     } cases[] = {
         {"options of the parent", "/FT/Ch" + opt, "/T(k)", "f.k", "B", "- - (b) [1]"},
@@ -198,8 +178,6 @@ TEST(FillerTest, ValuesBelongToTheNearestNamedField)
         {"the parent itself", "/FT/Ch" + opt, "/T(k)", "f", "B", "(b) [1] - -"},
         {"choice widget with a stale value", "/FT/Ch/V(a)/I[0]" + opt, "/V(a)/I[0]/RV(r)", "f", "b", "(b) [1] - -"},
         {"text widget with a stale value", "/FT/Tx/V(x)/RV(r)", "/V(x)", "f", "new", "(new) - - -"},
-        {"text widget with a default", "/FT/Tx", "/DV(d)", "f", "new", "(new) - - -"},
-        {"text kid", "/FT/Tx/V(x)", "/T(k)", "f.k", "new", "(x) - (new) -"},
         {"button widget with a stale value", "/FT/Btn/V/Off", "/V/Off" + widget_states("On"), "f", "On", "/On - - -"},
     };
     for (const auto& c : cases) {
@@ -230,8 +208,7 @@ TEST(FillerTest, TextsAndTheirLimits)
     const std::string odd = std::string("a\0\x01(\\)\r\n\xF0\x9F\x98\x80", 12);
     const struct {
         const char* label;
-        std::string field;
-        std::string kid;
+        std::string field, kid;
         CPDFValue value;
         PDF_CODE code;
     } cases[] = {
@@ -241,6 +218,8 @@ TEST(FillerTest, TextsAndTheirLimits)
         {"limit of its own", "/MaxLen 3", "/T(k)/MaxLen 4", std::string("four"), PDF_CODE::OK},
         {"every byte survives", "", "", odd, PDF_CODE::OK},
         {"long", "", "", std::string(1000000, '('), PDF_CODE::OK},
+        {"maximum 0", "/MaxLen 0", "", std::string("four"), PDF_CODE::OK},
+        {"maximum below 0", "/MaxLen -5", "", std::string("four"), PDF_CODE::OK},
         {"true", "/MaxLen 4", "", true, PDF_CODE::OK},
         {"a list", "", "", std::vector<std::string>{"a"}, PDF_CODE::WRONG_KIND},
         {"read-only", "/Ff 1", "", std::string("x"), PDF_CODE::READ_ONLY},
@@ -255,9 +234,9 @@ TEST(FillerTest, TextsAndTheirLimits)
             .object(21, "<</Subtype/Widget/Parent 10 0 R>>");
         FormAtWork f(file.table().text);
         EXPECT_EQ(f.set(name, c.value).code, c.code);
-        const bool forced = c.code == PDF_CODE::READ_ONLY;
-        EXPECT_EQ(f.set(name, c.value, PDF_FILL::FORCE).code, forced ? PDF_CODE::OK : c.code)
-            << "no other rule can be forced";
+        EXPECT_TRUE(c.code == PDF_CODE::OK || f.saved() == file.text);
+        const bool forced = c.code == PDF_CODE::READ_ONLY;  // no other rule can be forced
+        EXPECT_EQ(f.set(name, c.value, PDF_FILL::FORCE).code, forced ? PDF_CODE::OK : c.code);
         if (c.code != PDF_CODE::OK && !forced)
             continue;
         const std::string* text = std::get_if<std::string>(&c.value);
@@ -267,8 +246,6 @@ TEST(FillerTest, TextsAndTheirLimits)
         EXPECT_EQ(again.entry(c.kid.empty() ? 10 : 20, "RV"), "-");
     }
 }
-
-#ifdef FORMWORK_ALLOC_HOOK
 
 // Whatever allocation fails: every object is as it was or as it should be, and with memory back the value goes in.
 TEST(FillerTest, AllocationFailures)
@@ -313,5 +290,3 @@ TEST(FillerTest, AllocationFailures)
         });
     }
 }
-
-#endif

@@ -1,24 +1,13 @@
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 #include "document/document.h"
+#include "tests/support/pdf_builder.h"
 
 namespace {
-
-std::string contents(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // Fills the sample and saves it to `out` in a process that is killed by the write that makes a file longer than `most` bytes
 // (0: by none). Returns whether it was killed.
 bool save_killed_after(rlim_t most, const std::string& out)
@@ -42,26 +31,23 @@ bool save_killed_after(rlim_t most, const std::string& out)
     EXPECT_TRUE(WIFSIGNALED(how) || WEXITSTATUS(how) == 0) << WEXITSTATUS(how);
     return WIFSIGNALED(how);
 }
-
 }  // namespace
 
 TEST(KilledWriteTest, TheTargetIsTheOldFileOrTheNewOne)
 {
-    const std::string folder = testing::TempDir() + "formwork-killed-" + std::to_string(getpid());
-    std::filesystem::create_directories(folder);
-    const std::string out = folder + "/out.pdf";
+    const TempFolder folder;
+    const std::string out = folder.path("out.pdf");
     ASSERT_FALSE(save_killed_after(0, out));
-    const std::string whole = contents(out);
+    const std::string whole = read_text_file(out);
     ASSERT_GT(whole.size(), 1000u);
 
     int killed = 0;
     for (const size_t most : {size_t{1}, size_t{500}, whole.size() / 2, whole.size() - 1, whole.size()}) {
         SCOPED_TRACE(most);
-        std::ofstream(out, std::ios::binary | std::ios::trunc) << "old";
+        folder.write("out.pdf", "old");
         const bool was_killed = save_killed_after(most, out);
         killed += was_killed;
-        EXPECT_EQ(contents(out), was_killed ? "old" : whole);
+        EXPECT_EQ(read_text_file(out), was_killed ? "old" : whole);
     }
     EXPECT_EQ(killed, 4);
-    std::filesystem::remove_all(folder);
 }

@@ -1,7 +1,6 @@
 #include "tests/document/fill_fixture.h"
 
 namespace {
-
 using Values = std::vector<std::pair<std::string, CPDFValue>>;
 
 // Every object of the document.
@@ -31,18 +30,14 @@ void set_all(FormAtWork& f, const Values& values)
     for (const auto& [name, value] : values)
         EXPECT_TRUE(f.set(name, value).ok()) << name;
 }
-
 }  // namespace
 
 TEST(RevertTest, EverythingIsAsTheFileSays)
 {
-    const std::string direct = PdfBuilder()
-                                   .object(1, "<</AcroForm<</Fields[10 0 R 11 0 R]>>>>")
-                                   .object(10, "<</FT/Tx/T(t)/DV(d)/Kids[20 0 R]>>")
-                                   .object(20, "<</Subtype/Widget/Parent 10 0 R/V(stale)>>")
-                                   .object(11, "<</FT/Ch/Ff 2097152/T(c)/Opt[(x)(y)(z)]/I[2 0]/V[(z)(x)]>>")
-                                   .table()
-                                   .text;
+    PdfBuilder direct;
+    direct.object(1, "<</AcroForm<</Fields[10 0 R 11 0 R]>>>>").object(10, "<</FT/Tx/T(t)/DV(d)/Kids[20 0 R]>>");
+    direct.object(20, "<</Subtype/Widget/Parent 10 0 R/V(stale)>>");
+    direct.object(11, "<</FT/Ch/Ff 2097152/T(c)/Opt[(x)(y)(z)]/I[2 0]/V[(z)(x)]>>").table();
     const struct {
         std::string file;
         Values values;
@@ -52,10 +47,7 @@ TEST(RevertTest, EverythingIsAsTheFileSays)
           {"company.contact.phone", "1"},
           {"subscribe", false},
           {"agree", true},
-          {"meal", "Lunch"},
-          {"colour", "blue"},
           {"size", "large"},
-          {"language", "French"},
           {"title", "Sir"},
           {"month", "April"},
           {"toppings", std::vector<std::string>{"Olives", "mu"}}}},
@@ -65,7 +57,7 @@ TEST(RevertTest, EverythingIsAsTheFileSays)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.file);
-        const std::string input = c.file.empty() ? direct : read_text_file(FORMWORK_SAMPLES_DIR "/" + c.file);
+        const std::string input = c.file.empty() ? direct.text : read_text_file(FORMWORK_SAMPLES_DIR "/" + c.file);
         for (const PDF_LOAD load : {PDF_LOAD::WHOLE_FORM, PDF_LOAD::NAMED_FIELDS}) {
             SCOPED_TRACE(load == PDF_LOAD::WHOLE_FORM ? "whole form" : "named fields");
             Values values = c.values;
@@ -97,23 +89,5 @@ TEST(RevertTest, EverythingIsAsTheFileSays)
             }
             EXPECT_EQ(f.document.xref().new_obj_num(), next);
         }
-    }
-}
-
-// A number handed out before the first change is free again, too, and one that an older section uses is never handed out.
-TEST(RevertTest, ObjectNumbersComeBack)
-{
-    MemoryDocument doc("(one)");
-    doc.sections[7] = {{{9, "(nine)"}}, 0};
-    doc.xref.push_pending(7);
-    CPDFObj value;
-    value.set_int(1);
-    doc.xref.store_changed({1, 0}, value);
-    for (int round = 0; round < 3; ++round) {
-        const uint32_t num = doc.xref.new_obj_num();
-        EXPECT_EQ(num, 10u) << round;
-        doc.xref.store_changed({num, 0}, value);
-        doc.xref.discard_changes();
-        EXPECT_EQ(doc.show(1) + doc.show(9) + doc.show(10), "(one)(nine)null");
     }
 }

@@ -1,14 +1,11 @@
 #include "document/splice.h"
 
-#include <gtest/gtest.h>
-
 #include <vector>
 
-#include "core/object.h"
 #include "document/lexer.h"
+#include "tests/support/memory_document.h"
 
 namespace {
-
 // Sets V to (new) and removes RV; "-" when the dictionary is not spliced.
 std::string spliced(const std::string& text)
 {
@@ -24,41 +21,22 @@ std::string spliced(const std::string& text)
     out.release();
     return result + std::string(reinterpret_cast<const char*>(lexer.at()), lexer.left());
 }
-
 }  // namespace
 
 TEST(CPDFSplicerTest, ChangesEntriesAndKeepsTheOthers)
 {
-    const struct {
-        const char* text;
-        const char* expected;
-    } cases[] = {
-        {"<<>>", "<</V(new)>>"},
-        {" << /V (old) /T (a) >> rest", "<</T(a)/V(new)>> rest"},
-        {"<</T(a)/V/Name/RV<</V 1>>/V[1 2]/F 4>>", "<</T(a)/F 4/V(new)>>"},
-        {"<</VX 1/MK<</V(in) /R 90>>/R 2>>", "<</VX 1/MK<</V(in)/R 90>>/R 2/V(new)>>"},
-        {"<</K [ 1  0 R\n2 0 R null ] /N/A /B true >>", "<</K[1 0 R 2 0 R null]/N/A/B true/V(new)>>"},
-        {"<</T (a\\) % >>) % /V (c)\n/H <61 62> %x\r>>", "<</T(a\\) % >>)/H<61 62>/V(new)>>"},
-        {"<</A 1% c\n2/B 3>>", "<</A 1 2/B 3/V(new)>>"},
-        {"<</R[0.50 -0.5 10.00 .0 0.0 5. 1.25 100 /0.50 /a0.5 1.0.0]>>",
-         "<</R[.5 -.5 10 .0 0 5 1.25 100/0.50/a0.5 1.0.0]/V(new)>>"},
-        // Neither an empty name nor a number takes in what follows.
-        {"<</N<</ 5 0 R>>/K[/ 5]/R 1.0 0 R/S[1 2.0 R]>>", "<</N<</ 5 0 R>>/K[/ 5]/R 1.0 0 R/S[1 2.0 R]/V(new)>>"},
-        // Damaged, or not to be told by the bytes alone: the object is read and written as a whole.
-        {"<</#56(old)>>", "-"},
-        {"<</A[1/B 2>>", "-"},
-        {"<</A<</B 1]>>", "-"},
-        {"<</A(b>>", "-"},
-        {"<</A>>", "-"},
-        {"<</A 11", "-"},
-        {"<</A 1 endobj", "-"},
-        {"<</A<</B 1 stream", "-"},
-        {"<</A{1}>>", "-"},
-        {"<<1/A 2>>", "-"},
-        {"[1]", "-"},
-        {"", "-"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(spliced(c.text), c.expected) << c.text;
+    const char* const cases =
+        "<<>> => <</V(new)>> |  << /V (old) /T (a) >> rest => <</T(a)/V(new)>> rest | "
+        "<</T(a)/V/Name/RV<</V 1>>/V[1 2]/F 4>> => <</T(a)/F 4/V(new)>> | "
+        "<</VX 1/MK<</V(in) /R 90>>/R 2>> => <</VX 1/MK<</V(in)/R 90>>/R 2/V(new)>> | "
+        "<</K [ 1  0 R\n2 0 R null ] /N/A /B true >> => <</K[1 0 R 2 0 R null]/N/A/B true/V(new)>> | "
+        "<</T (a\\) % >>) % /V (c)\n/H <61 62> %x\r>> => <</T(a\\) % >>)/H<61 62>/V(new)>> | "
+        "<</A 1% c\n2/B 3>> => <</A 1 2/B 3/V(new)>> | "
+        "<</R[0.50 -0.5 10.00 .0 0.0 5. 1.25 100 /0.50 /a0.5 1.0.0]>> => <</R[.5 -.5 10 .0 0 5 1.25 100/0.50/a0.5 1.0.0]/V(new)>> | "
+        "<</#56(old)>> => - | <</A[1/B 2>> => - | <</A(b>> => - | <</A>> => - | <</A<</B 1 stream => - | "
+        "<</A{1}>> => - | <<1/A 2>> => - | [1] => - |  => - | ";
+    // '-': damaged, or not to be told by the bytes alone; the object is read and written as a whole.
+    for (const auto& [text, expected] : rows_of(cases))
+        EXPECT_EQ(spliced(text), expected) << text;
     EXPECT_EQ(spliced("<</A" + std::string(100, '[') + std::string(100, ']') + ">>"), "-");
 }

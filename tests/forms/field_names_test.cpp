@@ -1,14 +1,12 @@
 #include "tests/forms/form_fixture.h"
 
 namespace {
-
 // Objects 2 to 14: a[0](b(c #1(leaf) (under[2])) x](y))  #top(k)  (()), with object 13 a widget of a[0].
 constexpr const char* FIELDS = "/Fields [2 0 R 9 0 R 11 0 R]";
 constexpr const char* TREE =
     "/T (a[0]) /Kids [3 0 R 8 0 R 13 0 R]; /T (b) /Kids [4 0 R 5 0 R 6 0 R]; /T (c); /T (#1) /Kids [14 0 R]; /Kids [7 0 R];"
     "/T (under[2]); /T (x]) /Kids [15 0 R]; /T (#top) /Kids [10 0 R]; /T <FEFF006B0026044FD83DDE00>; /Kids [12 0 R]; /X 1;"
     "/Subtype /Widget; /T (leaf); /T (y)";
-
 }  // namespace
 
 TEST(FieldLookupTest, ByPath)
@@ -46,10 +44,8 @@ TEST(FieldNameTest, FourForms)
     } cases[] = {
         {2, L"a[0]", L"a[0]", L"a", L"a[0]"},
         {4, L"c", L"c", L"a.b.c", L"a[0].b.c"},
-        {5, L"#1", L"#1", L"a.b", L"a[0].b"},
         {6, L"b", L"b#2", L"a.b#2", L"a[0].b#2"},
         {7, L"under[2]", L"under[2]", L"a.b#2.under", L"a[0].b#2.under[2]"},
-        {8, L"x]", L"x]", L"a", L"a[0].x]"},
         {15, L"y", L"y", L"a.y", L"a[0].x].y"},
         {9, L"#top", L"#top", L"#top", L"#top"},
         {10, L"k&я\U0001F600", L"k&я\U0001F600", L"#top.k&я\U0001F600", L"#top.k&я\U0001F600"},
@@ -99,35 +95,4 @@ TEST(FieldNameTest, SetName)
     field.set_name(L"x");
     EXPECT_EQ(name_of(field), L"x");
     EXPECT_EQ(f.doc.xref.changed_count(), 1);
-}
-
-TEST(FieldTextTest, ValueOfTheNearestTextField)
-{
-    FormFixture f("/Fields [2 0 R 7 0 R]", "/FT /Tx /V (top) /Kids [3 0 R]; /Kids [4 0 R 5 0 R]; /T (a) /V /NoString;"
-                                           "/FT /Ch /Kids [6 0 R]; /FT /Tx; /FT /Tx /DV (default)");
-    const std::pair<uint32_t, const char*> cases[] = {{2, "top"},  {3, "top"},  {4, "top"},
-                                                      {5, "null"}, {6, "null"}, {7, "default"}};
-    for (const auto& [num, expected] : cases) {
-        const PDF_String* value = f.field(num).get_edit_value();
-        EXPECT_EQ(value ? text_of(*value) : "null", expected) << num;
-    }
-}
-
-TEST(FieldTextTest, SetEditValue)
-{
-    FormFixture f("/Fields [2 0 R 3 0 R]", "/FT /Tx /Ff 1 /MaxLen 1 /Z 1 /Kids [4 0 R]; /FT /Ch /V (c); /X 1");
-    std::string bytes("\xFE\xFF\0x\0\0\0y", 8);
-    const PDF_String value{8, reinterpret_cast<unsigned char*>(bytes.data())};
-    f.field(2).set_edit_value(&value);
-    EXPECT_EQ(f.doc.show(2), "<< /FT /Tx /Ff 1 /Kids [4 0 R] /MaxLen 1 /V <FEFF007800000079> /Z 1 >>");
-    f.field(4).set_edit_value(f.field(4).get_edit_value());  // what the parent holds
-    EXPECT_EQ(f.doc.show(4), "<< /V <FEFF007800000079> /X 1 >>");
-    const PDF_String empty{0, nullptr};
-    f.field(2).set_edit_value(&empty);
-    EXPECT_EQ(f.doc.show(2), "<< /FT /Tx /Ff 1 /Kids [4 0 R] /MaxLen 1 /V () /Z 1 >>");
-    EXPECT_EQ(f.field(2).get_edit_value()->len, 0);
-    f.field(3).set_edit_value(&value);
-    EXPECT_EQ(f.doc.show(3), "<< /FT /Ch /V (c) >>");
-    EXPECT_EQ(show_object(f.field(3).m_value), "(c)");
-    EXPECT_EQ(f.doc.xref.changed_count(), 2);
 }

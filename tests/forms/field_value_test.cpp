@@ -1,10 +1,6 @@
-#include <cstring>
-
-#include "core/xref_table.h"
 #include "tests/forms/form_fixture.h"
 
 namespace {
-
 // What get_vaue writes into `size` bytes. A write outside them or a missing terminator is a test failure.
 std::string value_in(CPDFField& field, int size)
 {
@@ -17,64 +13,35 @@ std::string value_in(CPDFField& field, int size)
     EXPECT_TRUE(std::memchr(buf.data() + 1, 0, static_cast<size_t>(size))) << size;
     return buf.data() + 1;
 }
-
-PDF_String string_of(const char* text)
-{
-    return {static_cast<int32_t>(std::strlen(text)), reinterpret_cast<unsigned char*>(const_cast<char*>(text))};
-}
-
 }  // namespace
 
 TEST(FieldValueTest, ValuesAsTextFitAnyBuffer)
 {
     const std::string state(300, 's');
-    const struct {
-        std::string entries;
-        std::string text;
-    } cases[] = {
-        {"/V true", "true"},
-        {"/V false", "false"},
-        {"/V -7", "-7"},
-        {"/V -2147483648", "-2147483648"},
-        {"/V 0.5", "0.500000"},
-        {"/V 1.1", "1.100000"},
-        {"/V -2.5", "-2.500000"},
-        {"/V -137438953472.0", "-137438953472.000000"},
-        {"/V /Yes", "Yes"},
-        {"/V /J\xC3\xBC\xE2\x82\xAC", "J\xC3\xBC\xE2\x82\xAC"},
-        {"/V /" + state, state},
-        {"/V (abc)", "abc"},
-        {"/V <E9A020ACE9>", "\xC3\xA9\xE2\x82\xAC \xC2\xAC\xC3\xA9"},
-        {"/V <FEFF00E920ACD83DDE00004D>", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80M"},
-        {"/V ()", ""},
-        {"/V [(abc)]", "abc"},
-        {"/V [3 0 R]", "far"},
-        {"/V [4 0 R]", ""},
-        {"/V [/abc]", ""},
-        {"/V []", ""},
-        {"/V [(a) (b)]", ""},
-        {"/V << /A (b) >>", ""},
-        {"/V 3 0 R", "far"},
-        {"/DV (default)", "default"},
-        {"", ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.entries.substr(0, 40));
-        FormFixture f("/Fields [2 0 R]", "/T (t) " + c.entries + "; (far)");
+    const std::string cases =
+        "/V true => true | /V false => false | /V -2147483648 => -2147483648 | /V 1.1 => 1.100000 | "
+        "/V -2.5 => -2.500000 | /V -137438953472.0 => -137438953472.000000 | /V () =>  | /V [(abc)] => abc | "
+        "/V /J\xC3\xBC\xE2\x82\xAC => J\xC3\xBC\xE2\x82\xAC | /V <E9A020ACE9> => \xC3\xA9\xE2\x82\xAC \xC2\xAC\xC3\xA9 | "
+        "/V <FEFF00E920ACD83DDE00004D> => \xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80M | /V [3 0 R] => far | /V [4 0 R] =>  | "
+        "/V [/abc] =>  | /V [] =>  | /V [(a) (b)] =>  | /V << /A (b) >> =>  | /V 3 0 R => far | ";
+    for (const auto& [entries, text] : rows_of(cases + "/V /" + state + " => " + state)) {
+        SCOPED_TRACE(entries.substr(0, 40));
+        FormFixture f("/Fields [2 0 R]", "/T (t) " + entries + "; (far)");
         for (int size = 0; size < 40; ++size) {
-            std::string fits = c.text.substr(0, static_cast<size_t>(std::max(size - 1, 0)));
-            while (fits.size() < c.text.size() && !fits.empty() && (c.text[fits.size()] & 0xC0) == 0x80)
+            std::string fits = text.substr(0, static_cast<size_t>(std::max(size - 1, 0)));
+            while (fits.size() < text.size() && !fits.empty() && (text[fits.size()] & 0xC0) == 0x80)
                 fits.pop_back();
             EXPECT_EQ(value_in(f.field(2), size), fits) << size;
         }
-        EXPECT_EQ(value_in(f.field(2), 512), c.text);
+        EXPECT_EQ(value_in(f.field(2), 512), text);
         f.field(2).get_vaue(nullptr, 512);
     }
 }
 
 TEST(FieldValueTest, OnlyTextFieldsTakeTexts)
 {
-    const PDF_String text = string_of("new");
+    const std::string bytes = "new";
+    const PDF_String text = string_of(bytes);
     for (const char* kind : {"/FT /Btn ", "/FT /Ch ", "/FT /Sig ", "", "/FT /Tx "}) {
         SCOPED_TRACE(kind);
         FormFixture f("/Fields [2 0 R]", kind + std::string("/V (v) /DA (d)"));
@@ -96,8 +63,8 @@ TEST(FieldValueTest, TextsOfEveryShape)
 {
     FormFixture f("/Fields [2 0 R]", "/FT /Tx /MaxLen 2 /Ff 1 /RV (r) /V (v)");
     CPDFField& field = f.field(2);
-    PDF_String text = string_of("a\0(b)");
-    text.len = 5;
+    const std::string bytes("a\0(b)", 5);
+    const PDF_String text = string_of(bytes);
     field.set_edit_value(&text);
     EXPECT_EQ(f.doc.show(2), "<< /FT /Tx /Ff 1 /MaxLen 2 /RV (r) /V <6100286229> >>");
     field.set_edit_value(field.get_edit_value());  // its own text
@@ -119,10 +86,7 @@ TEST(FieldValueTest, TextsOfEveryShape)
 TEST(FieldValueTest, TextOfTheNearestTextField)
 {
     const struct {
-        const char* top;
-        const char* middle;
-        const char* leaf;
-        const char* expected;
+        const char *top, *middle, *leaf, *expected;
     } cases[] = {
         {"/FT /Tx /V (t)", "/V (m)", "/V (l)", "l"},
         {"/FT /Tx /V (t)", "/V (m)", "/V /name", "m"},

@@ -1,11 +1,6 @@
 // A form over an in-memory document, and readers that turn what loaded into short text.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "core/text.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
@@ -27,6 +22,12 @@ inline std::wstring name_of(CPDFField& field, NameReader reader = &CPDFField::ge
     EXPECT_LT(len, size);
     EXPECT_EQ(len, ucs_len(buf.data() + 1));
     return buf.data() + 1;
+}
+
+// Borrows the bytes of `text`.
+inline PDF_String string_of(const std::string& text)
+{
+    return {static_cast<int32_t>(text.size()), reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()))};
 }
 
 inline std::string text_of(const PDF_String& s)

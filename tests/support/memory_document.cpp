@@ -1,26 +1,18 @@
 #include "tests/support/memory_document.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
-#include "core/alloc.h"
-#include "core/array.h"
-#include "core/dictionary.h"
 #include "document/parser.h"
 
 namespace {
-
 std::string show_string(const std::string& bytes)
 {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; }))
         return "(" + bytes + ")";
     std::string hex = "<";
-    for (const char c : bytes) {
-        hex += "0123456789ABCDEF"[static_cast<unsigned char>(c) >> 4];
-        hex += "0123456789ABCDEF"[c & 15];
-    }
+    for (const char c : bytes)
+        hex += {"0123456789ABCDEF"[static_cast<unsigned char>(c) >> 4], "0123456789ABCDEF"[c & 15]};
     return hex + ">";
 }
 
@@ -39,7 +31,6 @@ std::string show_array(const CPDFArray& array)
         text += (i ? " " : "") + show_object(array.items[i]);
     return text + "]";
 }
-
 }  // namespace
 
 bool parse_object(const std::string& text, CPDFObj& out)
@@ -84,6 +75,49 @@ std::string show_object(const CPDFObj& obj)
     }
 }
 
+std::string show_entry(CPDFXRefTable& xref, uint32_t num, const char* key)
+{
+    CPDFObj own;
+    xref.get_entity(own, {num, 0});
+    const CPDFObj* value = own.dictionary() ? own.dict->get_item(key) : nullptr;
+    return value ? show_object(*value) : "-";
+}
+
+std::string stream_data(CPDFXRefTable& xref, uint32_t num)
+{
+    CPDFObj obj;
+    xref.get_entity(obj, {num, 0});
+    const std::unique_ptr<CPDFStream> stream(obj.type == PDF_OBJ_STREAM ? xref.make_stream(obj.stream) : nullptr);
+    if (!stream)
+        return "no stream";
+    int len = 0;
+    const VXBlock<unsigned char> block(stream->buffer_load(INT32_MAX, len));
+    return {block.get(), block.get() + len};
+}
+
+std::vector<std::string> split(const std::string& text, char mark)
+{
+    std::vector<std::string> parts;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find(mark, begin), text.size());
+        parts.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+std::vector<std::pair<std::string, std::string>> rows_of(const std::string& table)
+{
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (size_t at = 0; at < table.size();) {
+        const size_t arrow = table.find(" => ", at);
+        const size_t end = std::min(table.find(" | ", at), table.size());
+        rows.emplace_back(table.substr(at, arrow - at), table.substr(arrow + 4, end - arrow - 4));
+        at = end + 3;
+    }
+    return rows;
+}
+
 MemoryStream::MemoryStream(std::string data, int32_t data_len) : m_data(std::move(data))
 {
     m_data_len = data_len;
@@ -111,13 +145,10 @@ void MemoryDocument::put(uint32_t num, std::string text)
 
 void MemoryDocument::put_all(uint32_t num, const std::string& objects)
 {
-    for (size_t begin = 0; begin < objects.size(); ++num) {
-        begin = objects.find_first_not_of(' ', begin);
-        const size_t end = std::min(objects.find(';', begin), objects.size());
-        const std::string text = objects.substr(begin, end - begin);
-        const bool entries = text[0] == '/' && text.find(' ') != std::string::npos;
-        put(num, entries ? "<< " + text + " >>" : text);
-        begin = end + 1;
+    for (const std::string& text : split(objects, ';')) {
+        const size_t begin = text.find_first_not_of(' ');
+        const bool entries = text[begin] == '/' && text.find(' ', begin) != std::string::npos;
+        put(num++, entries ? "<< " + text + " >>" : text);
     }
 }
 
@@ -131,6 +162,7 @@ std::string MemoryDocument::show(uint32_t num)
 void MemoryDocument::read_object(CPDFXRefTable&, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                                  const CPDFKeySet*)
 {
+    ++reads[num];
     const std::string& text = m_objects[entry.index];
     if (text.rfind(STREAM_MARK, 0) != 0) {
         parse_object(text, out);

@@ -1,12 +1,19 @@
 // An in-memory document for tests: every object is a line of PDF-like text, parsed when the store asks for it.
 #pragma once
 
-#include <cstdint>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
 #include <map>
+#include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
 #include "core/object_source.h"
 #include "core/stream.h"
 #include "core/xref_table.h"
@@ -16,6 +23,18 @@ bool parse_object(const std::string& text, CPDFObj& out);
 
 // The object as text in the same form, keys sorted, strings with unprintable bytes in hexadecimal.
 std::string show_object(const CPDFObj& obj);
+
+// Entry `key` of the newest version of object `num` as text, "-" when there is none.
+std::string show_entry(CPDFXRefTable& xref, uint32_t num, const char* key);
+
+// The decoded data of stream object `num`; "no stream" for anything else.
+std::string stream_data(CPDFXRefTable& xref, uint32_t num);
+
+// The texts between the marks.
+std::vector<std::string> split(const std::string& text, char mark);
+
+// The rows of "text => result | text => result"; the last may end in " | ", too.
+std::vector<std::pair<std::string, std::string>> rows_of(const std::string& table);
 
 // A reader over bytes in memory. It notes the size of every read.
 class MemoryStream : public CPDFStream {
@@ -47,6 +66,9 @@ public:
     // The newest version of the object as text, "null" when there is none.
     std::string show(uint32_t num);
 
+    std::string data(uint32_t num) { return stream_data(xref, num); }
+    std::string entry(uint32_t num, const char* key) { return show_entry(xref, num, key); }
+
     void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                      const CPDFKeySet* keys) override;
     int read_section(CPDFXRefTable& xref, uint32_t pos) override;
@@ -61,6 +83,7 @@ public:
     };
     std::map<uint32_t, Section> sections;
     std::vector<uint32_t> sections_read;
+    std::map<uint32_t, int> reads;  // how often each object was read
     CPDFXRefTable xref;
 
 private:

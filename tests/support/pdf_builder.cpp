@@ -1,30 +1,10 @@
 #include "tests/support/pdf_builder.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <memory>
-
-#include "core/alloc.h"
-#include "core/dictionary.h"
-#include "core/stream.h"
-#include "tests/support/memory_document.h"
 
 PdfBuilder::PdfBuilder(const std::string& junk) : text(junk + "%PDF-1.7\n"), m_origin(junk.size()) {}
-
-PdfBuilder& PdfBuilder::count_junk()
-{
-    m_origin = 0;
-    return *this;
-}
-
-PdfBuilder& PdfBuilder::raw(const std::string& more)
-{
-    text += more;
-    return *this;
-}
 
 PdfBuilder& PdfBuilder::entry(uint32_t num, uint32_t type, uint64_t index, uint32_t gen)
 {
@@ -162,22 +142,36 @@ std::string FileAtWork::show(uint32_t num)
     return show_object(obj);
 }
 
-std::string FileAtWork::data(uint32_t num)
+TempFolder::TempFolder()
 {
-    CPDFObj obj;
-    xref.get_entity(obj, {num, 0});
-    const std::unique_ptr<CPDFStream> stream(obj.type == PDF_OBJ_STREAM ? xref.make_stream(obj.stream) : nullptr);
-    if (!stream)
-        return "no stream";
-    int len = 0;
-    const VXBlock<unsigned char> block(stream->buffer_load(INT32_MAX, len));
-    return {reinterpret_cast<const char*>(block.get()), static_cast<size_t>(len)};
+    std::string pattern = (std::filesystem::temp_directory_path() / "formwork-XXXXXX").string();
+    m_path = ::mkdtemp(pattern.data());
+}
+
+std::string TempFolder::write(const std::string& name, const std::string& bytes) const
+{
+    std::ofstream(m_path / name, std::ios::binary) << bytes;
+    return path(name);
+}
+
+std::string repeated(const std::string& piece, size_t times)
+{
+    std::string out;
+    for (size_t i = 0; i < times; ++i)
+        out += piece;
+    return out;
 }
 
 std::string read_text_file(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::string> corpus_files()
+{
+    const char* corpus = std::getenv("FORMWORK_CORPUS");
+    return pdf_files(corpus ? corpus : "");
 }
 
 std::vector<std::string> pdf_files(const std::string& folder)

@@ -1,23 +1,19 @@
 // PDF files for tests, spelled object by object; the positions in them are right unless a test says otherwise.
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
+#include <filesystem>
 
-#include "core/xref_table.h"
 #include "document/file_reader.h"
+#include "tests/support/memory_document.h"
 
 // Writes a file from front to back. A section collects the objects since the one before it and names that one in "Prev".
 class PdfBuilder {
 public:
     // Begins with `junk` and the header; positions are counted from the header, or from byte 0 with count_junk.
     explicit PdfBuilder(const std::string& junk = "");
-    PdfBuilder& count_junk();
+    PdfBuilder& count_junk() { return m_origin = 0, *this; }
 
-    PdfBuilder& raw(const std::string& text);
+    PdfBuilder& raw(const std::string& more) { return text += more, *this; }
     PdfBuilder& object(uint32_t num, const std::string& text, uint32_t gen = 0);
     // "Length" is written unless `entries` has one.
     PdfBuilder& stream(uint32_t num, const std::string& entries, const std::string& data);
@@ -61,8 +57,7 @@ public:
 
     // Object `num` as text, "null" when there is none.
     std::string show(uint32_t num);
-    // The decoded data of stream object `num`; "no stream" for anything else.
-    std::string data(uint32_t num);
+    std::string data(uint32_t num) { return stream_data(xref, num); }
 
     const std::vector<uint8_t> bytes;
     CPDFFileReader reader;
@@ -70,7 +65,28 @@ public:
     const CPDFStatus status;
 };
 
+// A folder of its own for one test, removed at the end.
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder() { std::filesystem::remove_all(m_path); }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    std::string path(const std::string& name) const { return (m_path / name).string(); }
+    std::string write(const std::string& name, const std::string& bytes) const;  // returns the path
+    auto files() const { return std::distance(std::filesystem::directory_iterator(m_path), {}); }
+
+private:
+    std::filesystem::path m_path;
+};
+
+// `piece` so many times.
+std::string repeated(const std::string& piece, size_t times);
+
 std::string read_text_file(const std::string& path);
+
+// The real files that the environment names; none when it names no folder.
+std::vector<std::string> corpus_files();
 
 // The PDF files directly in `folder`, sorted; none when there is no such folder.
 std::vector<std::string> pdf_files(const std::string& folder);

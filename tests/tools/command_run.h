@@ -4,10 +4,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
 
 #include "tests/support/pdf_builder.h"
 
@@ -17,26 +13,8 @@ struct CommandResult {
     std::string err;
 };
 
-// A folder of its own for one test, removed at the end.
-class CommandFolder {
+class CommandFolder : public TempFolder {
 public:
-    CommandFolder()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "formwork-XXXXXX").string();
-        m_path = ::mkdtemp(pattern.data());
-    }
-    ~CommandFolder() { std::filesystem::remove_all(m_path); }
-    CommandFolder(const CommandFolder&) = delete;
-    CommandFolder& operator=(const CommandFolder&) = delete;
-
-    std::string path(const std::string& name) const { return (m_path / name).string(); }
-
-    std::string write(const std::string& name, const std::string& bytes) const
-    {
-        std::ofstream(m_path / name, std::ios::binary) << bytes;
-        return path(name);
-    }
-
     // Runs `formwork` with these arguments, each passed as it is.
     CommandResult run(const std::vector<std::string>& arguments) const
     {
@@ -57,8 +35,6 @@ private:
             quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
         return quoted + "'";
     }
-
-    std::filesystem::path m_path;
 };
 
 // A PDF file of these objects, numbered from 1; the first is the catalog.

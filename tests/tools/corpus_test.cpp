@@ -1,16 +1,106 @@
-// Holds `formwork list --json` against what an independent reader saw in real files.
+// Real files: `formwork list --json` against what an independent reader saw, and `formwork fill` against the input, our own
+// list and qpdf.
 
-#include <gtest/gtest.h>
-
-#include <map>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
 
 #include "tests/tools/command_run.h"
 
 namespace {
-
 using nlohmann::ordered_json;
 namespace fs = std::filesystem;
+
+const std::vector<std::string> TEXT = {"Z", "o", "ë", " ", "Ж", " ", "名"};
+
+// What goes into a field of `list --json`; null when it takes nothing.
+ordered_json value_for(const ordered_json& field)
+{
+    if (field["kind"] == "check" && !field["widgets"].empty())
+        return true;
+    if (field["type"] == "choice" && !field["options"].empty())
+        return field["options"].back()["value"];
+    if (field["kind"] != "text")
+        return nullptr;
+    std::string text;
+    for (size_t i = 0; i < TEXT.size() && (field["maxLength"].is_null() || i < field["maxLength"]); ++i)
+        text += TEXT[i];
+    return text;
+}
+
+class CorpusTest : public testing::Test {
+protected:
+    // The fields with what goes into them, the first of each name.
+    ordered_json values_for(const std::string& file)
+    {
+        ordered_json values = ordered_json::object();
+        for (const ordered_json& field : list(file)) {
+            const ordered_json value = value_for(field);
+            if (!value.is_null() && !values.contains(field["name"]))
+                values[field["name"].get<std::string>()] = value;
+        }
+        return values;
+    }
+
+    ordered_json list(const std::string& file) { return ordered_json::parse(folder.run({"list", "--json", file}).out); }
+
+    // The complaints of qpdf, without the name of the file.
+    std::set<std::string> qpdf_complaints(const std::string& file)
+    {
+        const std::string said = folder.path("qpdf");
+        std::system(("qpdf --check '" + file + "' >/dev/null 2>'" + said + "'").c_str());
+        std::set<std::string> lines;
+        std::istringstream stream(read_text_file(said));
+        for (std::string line; std::getline(stream, line);) {
+            const size_t at = line.find(file);
+            lines.insert(at == std::string::npos ? line : line.erase(at, file.size()));
+        }
+        return lines;
+    }
+
+    CommandFolder folder;
+};
+
+TEST_F(CorpusTest, EveryFieldOfRealFilesIsFilled)
+{
+    if (corpus_files().empty())
+        GTEST_SKIP() << "FORMWORK_CORPUS names no folder with real files";
+    const bool has_qpdf = std::system("qpdf --version >/dev/null 2>&1") == 0;
+    const std::string out = folder.path("out.pdf");
+    size_t files = 0;
+    size_t filled = 0;
+    for (const std::string& file : corpus_files()) {
+        SCOPED_TRACE(file);
+        if (folder.run({"list", file}).exit != 0)
+            continue;
+        ordered_json values = values_for(file);
+        const std::string data = folder.write("data.json", values.dump());
+        const CommandResult result = folder.run({"fill", file, "--data", data, "--force", "-o", out});
+        ASSERT_EQ(result.exit, 0) << result.err;
+        const std::string input = read_text_file(file);
+        EXPECT_EQ(read_text_file(out).compare(0, input.size(), input), 0) << "the input's bytes are gone";
+        ++files;
+        filled += values.size();
+        for (const ordered_json& field : list(out)) {
+            const auto value = values.find(field["name"]);
+            if (value == values.end())
+                continue;
+            if (field["kind"] == "check")
+                EXPECT_TRUE(field["value"].is_string() && field["value"] != "Off") << field;
+            else
+                EXPECT_EQ(field["value"], *value) << field;
+            values.erase(value);
+        }
+        EXPECT_TRUE(values.empty()) << values;
+        if (!has_qpdf)
+            continue;
+        const std::set<std::string> before = qpdf_complaints(file);
+        for (const std::string& line : qpdf_complaints(out))
+            EXPECT_TRUE(before.count(line)) << line;
+    }
+    EXPECT_GT(filled, 0u);
+    std::printf("%zu fields filled in %zu files%s\n", filled, files, has_qpdf ? "" : ", not checked by qpdf");
+}
 
 // The properties that the expected lists have, in their form.
 ordered_json as_expected(const ordered_json& field)
@@ -25,17 +115,16 @@ ordered_json as_expected(const ordered_json& field)
             {"options", options},      {"num", field["object"]}};
 }
 
-TEST(CorpusTest, ListsAgreeWithTheExpectedOnes)
+TEST_F(CorpusTest, ListsAgreeWithTheExpectedOnes)
 {
-    const char* corpus = std::getenv("FORMWORK_CORPUS");
-    if (!corpus || !fs::is_directory(fs::path(corpus) / "expected"))
+    if (corpus_files().empty())
         GTEST_SKIP() << "FORMWORK_CORPUS names no folder with real files";
-    CommandFolder folder;
     size_t compared = 0;
-    for (const std::string& file : pdf_files(corpus)) {
+    for (const std::string& file : corpus_files()) {
         SCOPED_TRACE(file);
         const CommandResult listed = folder.run({"list", "--json", file});
-        const std::string expected = (fs::path(corpus) / "expected" / fs::path(file).stem()).string() + ".json";
+        const std::string expected =
+            (fs::path(file).parent_path() / "expected" / fs::path(file).stem()).string() + ".json";
         if (listed.exit != 0) {
             std::printf("refused: %s", listed.err.c_str());
             EXPECT_EQ(listed.exit, 1);
@@ -56,5 +145,4 @@ TEST(CorpusTest, ListsAgreeWithTheExpectedOnes)
     EXPECT_GT(compared, 0u);
     std::printf("%zu files compared\n", compared);
 }
-
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 TEST(TerminalTextTest, WhatDrivesATerminalBecomesAnEscape)
 {
     const std::pair<std::string, std::string> cases[] = {
@@ -39,5 +38,4 @@ TEST(TerminalTextTest, CutTextNeverExceedsItsColumns)
         EXPECT_EQ(cut_start(c.text, c.columns), c.start_cut);
     }
 }
-
 }  // namespace
