@@ -1,5 +1,5 @@
-// fill_all_formwork IN OUT VALUE: fills every field and saves. A text field gets VALUE, cut to its maximum; a check box is
-// turned on, and a choice gets its last option. Read-only fields, too: the rival knows no refusal.
+// fill_all_formwork IN OUT VALUE: fills every field and saves. A text field gets VALUE, cut to its maximum; a check box
+// is turned on, and a choice gets its last option. Read-only fields, too: the rival knows no refusal.
 
 #include <cstdio>
 

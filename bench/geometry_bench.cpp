@@ -1,5 +1,5 @@
-// Measures the drawing arithmetic: matrices against the plain 128-bit product, colour conversion against a copy of its output.
-// Each works on 1 MiB. Prints the ratios behind the table.
+// Measures the drawing arithmetic: matrices against the plain 128-bit product, colour conversion against a copy of its
+// output. Each works on 1 MiB. Prints the ratios behind the table.
 
 #include <benchmark/benchmark.h>
 

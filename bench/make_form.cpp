@@ -1,7 +1,7 @@
 // make_form COUNT OUT.pdf [--object-streams]
 //
-// Writes a form of COUNT fields of mixed kinds, the same bytes on every run. Fields come in groups of 50: each group has a
-// container field and a page. Radio groups have two widgets, every other field is merged with its only widget.
+// Writes a form of COUNT fields of mixed kinds, the same bytes on every run. Fields come in groups of 50: each group
+// has a container field and a page. Radio groups have two widgets, every other field is merged with its only widget.
 
 #include <zlib.h>
 

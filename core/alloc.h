@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <memory>
 
-// Returns `size` bytes, aligned to 8, or null when memory runs out. Blocks may be freed by any thread. A size of 0 gives a valid block that must be freed.
+// Returns `size` bytes, aligned to 8, or null when memory runs out. Blocks may be freed by any thread. A size of 0
+// gives a valid block that must be freed.
 void* VXAlloc(size_t size);
 
 // Grows or shrinks `block` to `size` bytes; a null block allocates. On failure returns null and leaves `block`

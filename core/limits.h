@@ -41,9 +41,9 @@ constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{8} << 20;
 constexpr size_t LIMIT_OBJECT_STREAM_CACHE_LARGE = size_t{256} << 20;
 constexpr size_t LIMIT_OBJECT_STREAM_CACHE_RATIO = 8;
 
-// Bytes that are parsed for one document, and that the values take which are built, before further objects read as absent:
-// without it, many references to one large object take quadratic time and memory. Real forms are read about twice; the
-// bytes of object streams count as the file's own do.
+// Bytes that are parsed for one document, and that the values take which are built, before further objects read as
+// absent: without it, many references to one large object take quadratic time and memory. Real forms are read about
+// twice; the bytes of object streams count as the file's own do.
 constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{64} << 20;
 constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 16;
 
@@ -53,6 +53,12 @@ constexpr size_t LIMIT_PARSE_WORK_RATIO = 32;
 // The same for bytes that are decoded: object streams that leave their cache are decoded again.
 constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{512} << 20;
 constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 64;
+
+// Actions that one event starts, counting those of "Next", how many of them follow one another, and the bytes read of a
+// script that is kept in a stream.
+constexpr int LIMIT_ACTIONS = 1000;
+constexpr size_t LIMIT_ACTION_DEPTH = 128;
+constexpr int LIMIT_SCRIPT = 0x1000000;
 
 // Bytes read of an XFA template packet.
 constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
@@ -69,8 +75,8 @@ constexpr size_t LIMIT_DATA_FILE = size_t{256} << 20;
 // Values in one such file, or cells in one row of CSV; each takes more memory than its bytes in the file.
 constexpr size_t LIMIT_DATA_VALUES = 4000000;
 
-// Bytes of all names and values that a nested format gives: so many, and so many for every byte of the file. A name is said
-// once for all the fields under it, and references may repeat a value.
+// Bytes of all names and values that a nested format gives: so many, and so many for every byte of the file. A name is
+// said once for all the fields under it, and references may repeat a value.
 constexpr size_t LIMIT_DATA_BYTES = size_t{64} << 20;
 constexpr size_t LIMIT_DATA_BYTES_PER_BYTE = 8;
 

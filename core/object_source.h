@@ -30,8 +30,9 @@ public:
     virtual CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
                                     uint32_t size) = 0;
 
-    // A changed dictionary as PDF text: what the source has as text need not be built to change a few of its entries. `out` is
-    // empty on entry; false, and `out` empty, where the way over the object is to be taken. The defaults always take it.
+    // A changed dictionary as PDF text: what the source has as text need not be built to change a few of its entries.
+    // `out` is empty on entry; false, and `out` empty, where the way over the object is to be taken. The defaults
+    // always take it.
     //
     // The text of the object `num` that `entry` locates, with the changes.
     virtual bool splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry,

@@ -101,8 +101,8 @@ public:
     // Flate-compresses into a new VXAlloc buffer that the caller owns; null on failure.
     unsigned char* compress_data(const void* data, int len, int& out_len);
 
-    // Takes `data`, from VXAlloc, as the in-memory data of stream object `ref`, replacing what was held for it. Returns the
-    // data handle for the stream record; 0 when memory runs out (the data is then released).
+    // Takes `data`, from VXAlloc, as the in-memory data of stream object `ref`, replacing what was held for it. Returns
+    // the data handle for the stream record; 0 when memory runs out (the data is then released).
     uint64_t set_mem_stream(const PDF_REF& ref, unsigned char* data, int len);
 
     // The data behind a handle of set_mem_stream, or null. Borrowed: ends with the object's next set_mem_stream.

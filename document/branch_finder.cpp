@@ -76,7 +76,8 @@ bool CPDFBranchFinder::descend(CPDFXRefTable& xref, const CPDFObj* list, std::st
     return false;
 }
 
-// Whether `name` designates the field `ref` or one under it; m_path then leads there. True in doubt, too, which ends the walk.
+// Whether `name` designates the field `ref` or one under it; m_path then leads there. True in doubt, too, which ends
+// the walk.
 bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::string_view name, int depth)
 {
     std::string own_name;

@@ -21,9 +21,9 @@ public:
     CPDFBranchFinder(const CPDFBranchFinder&) = delete;
     CPDFBranchFinder& operator=(const CPDFBranchFinder&) = delete;
 
-    // The first field in tree order with this full name, as stored, in UTF-8; null when there is none, or when only the whole
-    // form can tell, as where "Kids" and "Parent" contradict each other. `form` is the catalog's form entry. The same field
-    // is found as the same object, which lives as long as this does.
+    // The first field in tree order with this full name, as stored, in UTF-8; null when there is none, or when only the
+    // whole form can tell, as where "Kids" and "Parent" contradict each other. `form` is the catalog's form entry. The
+    // same field is found as the same object, which lives as long as this does.
     CPDFField* find(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name);
 
     // The field of this dictionary that was found before, or null.

@@ -13,6 +13,8 @@
 #include "document/need_appearances.h"
 #include "document/output_file.h"
 #include "document/page_map.h"
+#include "document/remove_field.h"
+#include "document/rename_field.h"
 #include "document/reset.h"
 #include "document/signature_guard.h"
 #include "document/update.h"
@@ -28,6 +30,7 @@ struct CPDFDocument::State {
     std::unique_ptr<CPDFXRefTable> xref;
     CPDFObj root;
     PDF_REF root_ref = {0, 0};
+    std::unique_ptr<CPDFPageMap> pages;
     std::unique_ptr<CPDFWidgetBinder> widgets;
     CPDFAcroForm form;
     bool form_loaded = false;
@@ -36,6 +39,7 @@ struct CPDFDocument::State {
     CPDFNameIndex names;
     std::unique_ptr<CPDFSignatureGuard> signatures;
     std::vector<CPDFField*> filled;                  // borrowed; the fields that were changed
+    bool edited = false;                             // fields were added, removed or changed in what they are
     bool asked_to_draw = false;                      // the form tells viewers to draw its texts anew
     std::unordered_map<uint32_t, CPDFField*> twins;  // borrowed; the fields of the form that `branches` has, too
 
@@ -176,13 +180,21 @@ size_t CPDFDocument::size() const
 
 void CPDFDocument::fields_changed()
 {
-    for_each_field(m_state->form, [](CPDFField& field) { field.m_widget = nullptr; });
+    forget_widgets();
     m_state->names.clear();
     m_state->filled.clear();
     m_state->twins.clear();
     m_state->branches = std::make_unique<CPDFBranchFinder>();
-    m_state->widgets.reset();
+    m_state->pages.reset();
     m_state->signatures.reset();
+}
+
+// They are bound anew when they are needed.
+void CPDFDocument::forget_widgets()
+{
+    if (m_state->widgets)
+        for_each_field(m_state->form, [](CPDFField& field) { field.m_widget = nullptr; });
+    m_state->widgets.reset();
 }
 
 CPDFField* CPDFDocument::field(std::string_view name)
@@ -202,12 +214,20 @@ CPDFWidgetBinder& CPDFDocument::bound_widgets()
     State& state = *m_state;
     if (!state.widgets) {
         state.widgets = std::make_unique<CPDFWidgetBinder>();
-        CPDFPageMap pages;
-        pages.load(*state.xref, state.root);
-        state.widgets->bind(*state.xref, form(), pages);
+        state.widgets->bind(*state.xref, form(), pages());
         state.reader->renew_budget();
     }
     return *state.widgets;
+}
+
+CPDFPageMap& CPDFDocument::pages()
+{
+    State& state = *m_state;
+    if (!state.pages) {
+        state.pages = std::make_unique<CPDFPageMap>();
+        state.pages->load(*state.xref, state.root);
+    }
+    return *state.pages;
 }
 
 const CPDFSignatureGuard& CPDFDocument::signatures()
@@ -350,10 +370,117 @@ CPDFStatus CPDFDocument::reset_xfa()
     return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the XFA data have no data set that can be replaced");
 }
 
+// What every edit begins with: the field of the whole form in place of one of a single branch, the checks, and what
+// would not survive the change. `field` may be null.
+CPDFStatus CPDFDocument::begin_edit(CPDFField*& field, PDF_EDIT edit)
+{
+    State& state = *m_state;
+    state.load_form();
+    state.reader->renew_budget();
+    if (field && state.branches->known(field->m_ref) == field) {
+        field = state.form.find(field->m_ref);
+        if (!field)
+            return CPDFStatus::failed(PDF_CODE::NO_FIELD, "the field is not in the form that was loaded as a whole");
+    }
+    state.branches = std::make_unique<CPDFBranchFinder>();
+    state.twins.clear();
+    state.filled.clear();
+    state.edited = true;
+    return edit == PDF_EDIT::FORCE ? CPDFStatus() : signatures().check_edit(field);
+}
+
+EDIT_TARGET CPDFDocument::edit_target()
+{
+    State& state = *m_state;
+    return {*state.xref, state.form, state.root, state.root_ref, pages(), state.names};
+}
+
+CPDFStatus CPDFDocument::add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit, CPDFField** out)
+{
+    CPDFField* added = nullptr;
+    CPDFStatus status = begin_edit(added, edit);
+    EDIT_TARGET target = edit_target();
+    if (status.ok())
+        status = ::add_field(target, field, added);
+    if (!added)
+        return status;
+    if (m_state->widgets && !m_state->widgets->bind_added(*m_state->xref, *added, pages()))
+        forget_widgets();
+    const std::optional<CPDFValue>& value = field.entries.default_value;
+    if (status.ok() && value) {
+        PDF_FIELD_CHANGE change;
+        change.default_value = value;
+        status = ::change_field(*added, change, bound_widgets());
+        if (status.ok())
+            status = set_value(*added, *value, PDF_FILL::FORCE);
+    }
+    ask_to_draw();
+    if (out)
+        *out = added;
+    return status;
+}
+
+CPDFStatus CPDFDocument::remove_field(CPDFField& field, PDF_EDIT edit)
+{
+    CPDFField* removed = &field;
+    CPDFStatus status = begin_edit(removed, edit);
+    if (!status.ok())
+        return status;
+    if (removed->has_sign())
+        m_state->signatures.reset();
+    EDIT_TARGET target = edit_target();
+    return ::remove_field(target, *removed, bound_widgets());
+}
+
+CPDFStatus CPDFDocument::rename_field(CPDFField& field, const std::string& name, PDF_EDIT edit)
+{
+    CPDFField* renamed = &field;
+    CPDFStatus status = begin_edit(renamed, edit);
+    EDIT_TARGET target = edit_target();
+    return status.ok() ? ::rename_field(target, *renamed, name) : status;
+}
+
+CPDFStatus CPDFDocument::move_field(CPDFField& field, CPDFField* parent, PDF_EDIT edit, CPDFField** out)
+{
+    CPDFField* moved = &field;
+    const PDF_REF above = parent ? parent->m_ref : PDF_REF{0, 0};
+    CPDFStatus status = begin_edit(moved, edit);
+    if (!status.ok())
+        return status;
+    EDIT_TARGET target = edit_target();
+    status = ::move_field(target, *moved, parent ? m_state->form.find(above) : nullptr, moved);
+    if (status.ok())
+        forget_widgets();
+    if (out)
+        *out = moved;
+    return status;
+}
+
+CPDFStatus CPDFDocument::change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, PDF_EDIT edit)
+{
+    CPDFField* changed = &field;
+    CPDFStatus status = begin_edit(changed, edit);
+    if (status.ok())
+        status = ::change_field(*changed, change, bound_widgets());
+    if (status.ok() && changed->m_type != FIELD_BUTTON)
+        ask_to_draw();
+    return status;
+}
+
 void CPDFDocument::revert()
 {
     State& state = *m_state;
     state.xref->discard_changes();
+    if (state.edited) {
+        fields_changed();
+        state.edited = state.asked_to_draw = state.form_loaded = false;
+        state.root.free();
+        state.xref->get_entity(state.root, state.root_ref);
+        state.form.unload();
+        state.form.m_ref = {0, 0};
+        state.load_form();
+        return;
+    }
     for (CPDFField* field : state.filled) {
         State::reload_tree(*field);
         state.reload_twin(*field);

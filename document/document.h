@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/object.h"
+#include "document/add_field.h"
 #include "document/filler.h"
 #include "document/status.h"
 
@@ -16,6 +17,7 @@ class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
 class CPDFFileReader;
+class CPDFPageMap;
 class CPDFSignatureGuard;
 class CPDFWidgetBinder;
 class CPDFXRefTable;
@@ -41,8 +43,9 @@ public:
     CPDFDocument(const CPDFDocument&) = delete;
     CPDFDocument& operator=(const CPDFDocument&) = delete;
 
-    // Opens a file, or takes its bytes, and loads the form; a form that takes more work than its size justifies is refused. A
-    // document without a form opens with an empty one. After a failure, or before any call, the document is closed: every other operation needs a successful open.
+    // Opens a file, or takes its bytes, and loads the form; a form that takes more work than its size justifies is
+    // refused. A document without a form opens with an empty one. After a failure, or before any call, the document is
+    // closed: every other operation needs a successful open.
     CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
     CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
 
@@ -62,8 +65,8 @@ public:
     const uint8_t* data() const;
     size_t size() const;
 
-    // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names and
-    // widgets, and which fields revert restores. Ends the fields of a document opened for named fields.
+    // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names
+    // and widgets, and which fields revert restores. Ends the fields of a document opened for named fields.
     void fields_changed();
 
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
@@ -75,8 +78,8 @@ public:
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed.
     std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field);
 
-    // Decides what `value` means for `field` and whether the field takes it, see plan_fill; a field that a signature locks
-    // is refused, too. Changes nothing.
+    // Decides what `value` means for `field` and whether the field takes it, see plan_fill; a field that a signature
+    // locks is refused, too. Changes nothing.
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan);
 
     // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
@@ -86,22 +89,41 @@ public:
     // The same for text fields only.
     CPDFStatus set_text(CPDFField& field, std::string_view value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Carries out a plan of check_value. Fails, with a part of the plan perhaps carried out, where the field's dictionary is
-    // missing or memory runs out.
+    // Carries out a plan of check_value. Fails, with a part of the plan perhaps carried out, where the field's
+    // dictionary is missing or memory runs out.
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
 
-    // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and "I" of
-    // choices, in the field and all its widgets; without a default they end without a value. Push buttons and signatures stay
-    // as they are, read-only fields do not. Refuses, and changes nothing then, where a signature locks one of the fields,
-    // unless `fill` is FORCE. Viewers are asked to draw as set_value asks them.
+    // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and
+    // "I" of choices, in the field and all its widgets; without a default they end without a value. Push buttons and
+    // signatures stay as they are, read-only fields do not. Refuses, and changes nothing then, where a signature locks
+    // one of the fields, unless `fill` is FORCE. Viewers are asked to draw as set_value asks them.
     CPDFStatus reset(PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
     CPDFStatus reset(const std::vector<CPDFField*>& fields, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Writes the XFA data set, if the form has one, anew from the values of the fields. Refuses, and changes nothing then,
-    // where the XFA data have no data set that can be replaced.
+    // Writes the XFA data set, if the form has one, anew from the values of the fields. Refuses, and changes nothing
+    // then, where the XFA data have no data set that can be replaced.
     CPDFStatus reset_xfa();
 
+    // The structure of the form. Each loads the whole form, ends the fields of a document opened for named fields,
+    // keeps names, widgets and tree in step, and refuses, with nothing changed, what signatures forbid unless `edit` is
+    // FORCE, and what the functions of the same names say (add_field.h, remove_field.h, rename_field.h, set_field.h).
+    // When memory runs out a part may be done. XFA data stay as they are. The new field is handed out in `added` unless
+    // that is null. Viewers are asked to draw as set_value asks them.
+    CPDFStatus add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES,
+                         CPDFField** added = nullptr);
+    // Ends the field and those under it.
+    CPDFStatus remove_field(CPDFField& field, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+    // Gives the field another partial name, in UTF-8.
+    CPDFStatus rename_field(CPDFField& field, const std::string& name, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+    // Moves the field under `parent`, null for the top. Ends the field and those under it; `moved`, unless null, is the
+    // field then.
+    CPDFStatus move_field(CPDFField& field, CPDFField* parent, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES,
+                          CPDFField** moved = nullptr);
+    CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
+                            PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
+    // After a call that is to change the structure the form is loaded anew, which ends all fields.
     void revert();
 
     // Writes the input's bytes unchanged and behind them the changed objects as one incremental update
@@ -117,6 +139,10 @@ private:
     CPDFStatus load(PDF_LOAD load);
     CPDFStatus reset_fields(const std::vector<CPDFField*>* fields, PDF_FILL fill);
     void ask_to_draw();
+    CPDFStatus begin_edit(CPDFField*& field, PDF_EDIT edit);
+    EDIT_TARGET edit_target();
+    CPDFPageMap& pages();
+    void forget_widgets();
     CPDFStatus make_update(std::string& update);
     CPDFWidgetBinder& bound_widgets();
     const CPDFSignatureGuard& signatures();

@@ -8,9 +8,9 @@
 
 class CPDFField;
 
-// The fully qualified name (ISO 32000-2, 12.7.4.2): every partial name from the top down as stored, joined with '.'. Unlike
-// CPDFField::get_full_name2 it keeps names that begin with '#', and it has any length up to LIMIT_FULL_NAME. Fields without a
-// name add nothing.
+// The fully qualified name (ISO 32000-2, 12.7.4.2): every partial name from the top down as stored, joined with '.'.
+// Unlike CPDFField::get_full_name2 it keeps names that begin with '#', and it has any length up to LIMIT_FULL_NAME.
+// Fields without a name add nothing.
 std::string full_name(const CPDFField& field);
 
 // The same for a field that may have no name of its own, which then shows as '#' and its slot behind the name above it.

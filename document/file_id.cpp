@@ -17,7 +17,8 @@ void set_file_id(CPDFDictionary& trailer, const CPDFDictionary& before, const st
     md5_init(&context);
     if (has_first)
         md5_update(&context, static_cast<size_t>(first->str.len), first->str.buf);
-    // The identifier tells versions of a file apart and protects nothing: checksums of a long update do, many times faster.
+    // The identifier tells versions of a file apart and protects nothing: checksums of a long update do, many times
+    // faster.
     const auto* bytes = reinterpret_cast<const uint8_t*>(update.data());
     const uint64_t sums[] = {update.size(), crc32_z(0, bytes, update.size()), adler32_z(1, bytes, update.size())};
     md5_update(&context, sizeof sums, reinterpret_cast<const uint8_t*>(sums));

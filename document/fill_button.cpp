@@ -37,8 +37,8 @@ std::vector<std::string> accepted_words(const std::vector<PDF_BUTTON_CHOICE>& ch
     return words;
 }
 
-// Whether a widget is on when the widget `chosen` is. Check boxes with one on state are one box shown several times; radio
-// buttons follow each other only where the field says so.
+// Whether a widget is on when the widget `chosen` is. Check boxes with one on state are one box shown several times;
+// radio buttons follow each other only where the field says so.
 bool goes_with(const CPDFField& field, const PDF_BUTTON_CHOICE& choice, const PDF_BUTTON_CHOICE& chosen)
 {
     if (choice.widget == chosen.widget)

@@ -28,7 +28,8 @@ std::string quoted_list(const std::vector<std::string>& words)
 
 namespace {
 
-// Whether `value` says what the field has. A field without one has the empty text, which other programs write for signatures and buttons.
+// Whether `value` says what the field has. A field without one has the empty text, which other programs write for
+// signatures and buttons.
 bool has_value(const CPDFField& field, const CPDFValue& value)
 {
     const std::string* text = std::get_if<std::string>(&value);

@@ -41,9 +41,10 @@ struct PDF_FILL_PLAN {
 };
 
 // Decides what `value` means for `field`; for a field without a name, which only shows the value of the one above it, for
-// that one. Refuses, in a sentence that names the field, a kind that takes no value or not such a one, a read-only field, a
-// text longer than the maximum, and a state or option that isn't there; nothing is changed. Such a text, state or option that
-// the field has already is kept: forms in use hold them, and so do exports of those. An empty text is no value.
+// that one. Refuses, in a sentence that names the field, a kind that takes no value or not such a one, a read-only
+// field, a text longer than the maximum, and a state or option that isn't there; nothing is changed. Such a text, state
+// or option that the field has already is kept: forms in use hold them, and so do exports of those. An empty text is no
+// value.
 CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
                      PDF_FILL_PLAN& plan);
 

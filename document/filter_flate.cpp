@@ -1,5 +1,5 @@
-// Flate data (ISO 32000-2, 7.4.4): two bytes of header, Deflate data (RFC 1951), four bytes of checksum. Neither header nor
-// checksum decides: damaged and careless files have wrong ones around good data.
+// Flate data (ISO 32000-2, 7.4.4): two bytes of header, Deflate data (RFC 1951), four bytes of checksum. Neither header
+// nor checksum decides: damaged and careless files have wrong ones around good data.
 #include "document/filters_internal.h"
 
 #include <algorithm>

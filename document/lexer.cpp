@@ -111,9 +111,9 @@ void CPDFLexer::skip_hex()
     m_at = at + (at < m_end);
 }
 
-// The cursor stands behind a key, so there is a byte before it. Inside containers only delimiters matter; behind the first
-// token of the value a '/' is the next key. Containers end where the parser ends them, in damaged objects too: otherwise an
-// object would have other entries once it is read as a whole.
+// The cursor stands behind a key, so there is a byte before it. Inside containers only delimiters matter; behind the
+// first token of the value a '/' is the next key. Containers end where the parser ends them, in damaged objects too:
+// otherwise an object would have other entries once it is read as a whole.
 bool CPDFLexer::skip_dict_value()
 {
     skip_space();

@@ -84,7 +84,8 @@ public:
     // The same for a hexadecimal string.
     void skip_hex();
 
-    // Steps over one value of a dictionary, up to the next key or the end of the dictionary. False when it nests too deep.
+    // Steps over one value of a dictionary, up to the next key or the end of the dictionary. False when it nests too
+    // deep.
     bool skip_dict_value();
 
 private:

@@ -3,6 +3,6 @@
 
 #include "core/object.h"
 
-// Sets "NeedAppearances" of the form to true, unless it is. The form dictionary is the one that the catalog `root` names or
-// holds; in the second case `root` is changed too, and stored as `root_ref`.
+// Sets "NeedAppearances" of the form to true, unless it is. The form dictionary is the one that the catalog `root`
+// names or holds; in the second case `root` is changed too, and stored as `root_ref`.
 void set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& root_ref);

@@ -27,6 +27,6 @@ bool read_box(CPDFXRefTable& xref, const CPDFObj* entry, PDF_BOX& box);
 // The quarter turn that an entry is, as 0, 90, 180 or 270; 0 for anything but a multiple of 90.
 int32_t read_rotation(CPDFXRefTable& xref, const CPDFObj* entry);
 
-// Reads the boxes and the turn of the page `page`, its own or inherited through "Parent". Without a usable media box the page is
-// 612 by 792 points large; a crop box outside the media box is not looked at.
+// Reads the boxes and the turn of the page `page`, its own or inherited through "Parent". Without a usable media box
+// the page is 612 by 792 points large; a crop box outside the media box is not looked at.
 PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const CPDFDictionary& page);

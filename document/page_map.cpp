@@ -12,6 +12,11 @@ namespace {
 constexpr const char* PAGE_KEYS[] = {"Type", "Kids", "Annots"};
 constexpr CPDFKeySet PAGE_KEY_SET(PAGE_KEYS);
 
+bool comes_before(const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b)
+{
+    return a.num != b.num ? a.num < b.num : a.page < b.page;
+}
+
 // A well-made document lists every object once. Beyond that, arrays are no longer read: many objects that are references
 // to one long array would have it read once for each of them.
 int64_t most_entries(const CPDFXRefTable& xref)
@@ -33,12 +38,10 @@ void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
     const CPDFDictionary* catalog = root.dictionary();
     if (const CPDFObj* pages = catalog ? catalog->get_item("Pages") : nullptr)
         visit(*pages, 0);
-    // Of the pages that list one annotation, the first is kept.
-    std::sort(m_annotations.begin(), m_annotations.end(),
-              [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
-                  return a.num != b.num ? a.num < b.num : a.page < b.page;
-              });
-    const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) { return a.num == b.num; };
+    std::sort(m_annotations.begin(), m_annotations.end(), comes_before);
+    const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
+        return a.num == b.num && a.page == b.page;
+    };
     m_annotations.erase(std::unique(m_annotations.begin(), m_annotations.end(), same), m_annotations.end());
     m_xref = nullptr;
 }
@@ -106,9 +109,32 @@ int32_t CPDFPageMap::page_of(uint32_t num) const
     return found == m_seen.end() ? 0 : found->second;
 }
 
+std::span<const PDF_PAGE_ANNOTATION> CPDFPageMap::annotations_of(uint32_t num) const
+{
+    const auto first =
+        std::lower_bound(m_annotations.begin(), m_annotations.end(), PDF_PAGE_ANNOTATION{num, 0}, comes_before);
+    auto end = first;
+    while (end != m_annotations.end() && end->num == num)
+        ++end;
+    return {first, end};
+}
+
 int32_t CPDFPageMap::page_of_annotation(uint32_t num) const
 {
-    const auto less = [](const PDF_PAGE_ANNOTATION& a, uint32_t value) { return a.num < value; };
-    const auto found = std::lower_bound(m_annotations.begin(), m_annotations.end(), num, less);
-    return found == m_annotations.end() || found->num != num ? 0 : found->page;
+    const std::span<const PDF_PAGE_ANNOTATION> found = annotations_of(num);
+    return found.empty() ? 0 : found.front().page;
+}
+
+void CPDFPageMap::add_annotation(uint32_t num, int32_t page)
+{
+    const PDF_PAGE_ANNOTATION annotation = {num, page};
+    m_annotations.insert(std::lower_bound(m_annotations.begin(), m_annotations.end(), annotation, comes_before),
+                         annotation);
+}
+
+void CPDFPageMap::remove_annotation(uint32_t num)
+{
+    const std::span<const PDF_PAGE_ANNOTATION> found = annotations_of(num);
+    const auto first = m_annotations.begin() + (found.data() - m_annotations.data());
+    m_annotations.erase(first, first + static_cast<std::ptrdiff_t>(found.size()));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -36,8 +37,15 @@ public:
     // The number of the first page whose "Annots" list object `num`; 0 when none does.
     int32_t page_of_annotation(uint32_t num) const;
 
-    // Every annotation that is an object of its own, sorted by number, one each.
+    // Every annotation that is an object of its own, sorted by number, then by page; once for each page that lists it.
     const std::vector<PDF_PAGE_ANNOTATION>& annotations() const { return m_annotations; }
+
+    // The same for object `num` alone.
+    std::span<const PDF_PAGE_ANNOTATION> annotations_of(uint32_t num) const;
+
+    // For whoever changes "Annots": notes that a page now lists `num`, or that no page does any more.
+    void add_annotation(uint32_t num, int32_t page);
+    void remove_annotation(uint32_t num);
 
 private:
     bool first_visit(uint32_t num) { return m_seen.emplace(num, 0).second; }
@@ -49,6 +57,6 @@ private:
     CPDFXRefTable* m_xref = nullptr;  // borrowed from the caller of load, while it runs
     int64_t m_entries_left = 0;
     std::vector<PDF_REF> m_pages;
-    std::vector<PDF_PAGE_ANNOTATION> m_annotations;  // sorted by number, one each
+    std::vector<PDF_PAGE_ANNOTATION> m_annotations;  // sorted by number and page, no pair twice
     std::unordered_map<uint32_t, int32_t> m_seen;    // objects visited; the page number of those that are pages
 };

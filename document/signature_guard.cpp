@@ -16,8 +16,8 @@ namespace {
 // Certification, or a lock, that allows nothing to change (ISO 32000-2, tables 236 and 257, "P").
 constexpr int32_t NO_CHANGES = 1;
 
-// How many signatures the file holds, up to `most`. A signature's digest skips its own bytes, so it and its byte range stand in
-// the file as plain text.
+// How many signatures the file holds, up to `most`. A signature's digest skips its own bytes, so it and its byte range
+// stand in the file as plain text.
 int count_signatures(const CPDFDocument& document, int most)
 {
     // The whole file is looked through, so the search goes by a letter that is rare in forms, not by the slash.
@@ -130,6 +130,7 @@ void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictiona
         const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, method_scratch);
         const CPDFObj* parameters =
             view_obj(&xref, dict ? dict->get_item("TransformParams") : nullptr, parameters_scratch);
+        m_certified = m_certified || method->is_name("DocMDP");
         if (!parameters->dictionary())
             return;
         if (method->is_name("FieldMDP"))
@@ -141,7 +142,9 @@ void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictiona
 
 void CPDFSignatureGuard::add_permission(CPDFXRefTable& xref, const CPDFDictionary& parameters)
 {
-    m_no_changes = m_no_changes || resolve_integer(&xref, parameters.get_item("P")) == NO_CHANGES;
+    const int32_t allowed = resolve_integer(&xref, parameters.get_item("P"));
+    m_no_changes = m_no_changes || allowed == NO_CHANGES;
+    m_certified = m_certified || allowed > 0;
 }
 
 void CPDFSignatureGuard::add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature)
@@ -187,4 +190,20 @@ CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
                                       "field \"" + name + "\" is locked by the signature \"" + lock.signature + "\"");
     }
     return {};
+}
+
+CPDFStatus CPDFSignatureGuard::check_edit(CPDFField* field) const
+{
+    if (m_certified)
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is certified against changes of its fields");
+    if (!field || !m_signed)
+        return {};
+    if (field->has_sign())
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + full_name(*field) + "\" is signed");
+    CPDFStatus status;
+    for_each_field(*field, [&](const CPDFField& at) {
+        if (status.ok())
+            status = check_fill(at);
+    });
+    return status;
 }

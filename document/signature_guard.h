@@ -24,6 +24,11 @@ public:
     // Refuses, naming the field and the signature, to fill a field where that would break a signature.
     CPDFStatus check_fill(const CPDFField& field) const;
 
+    // Refuses to add, remove or change the fields themselves in a certified document, whatever the certification
+    // allows, and, where `field` is not null, what the field's own lock or signature forbids for it and the fields
+    // under it.
+    CPDFStatus check_edit(CPDFField* field) const;
+
 private:
     struct LOCK {
         std::string signature;            // full name of the signature field
@@ -39,5 +44,6 @@ private:
 
     bool m_signed = false;
     bool m_no_changes = false;  // a signature allows none
+    bool m_certified = false;   // a signature allows some changes only, never to the fields themselves
     std::vector<LOCK> m_locks;
 };

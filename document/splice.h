@@ -9,12 +9,13 @@
 
 class CPDFLexer;
 
-// Copies well-formed dictionaries with no more white space than their tokens need, without comments and with short numbers.
+// Copies well-formed dictionaries with no more white space than their tokens need, without comments and with short
+// numbers.
 class CPDFSplicer {
 public:
     // The cursor of `text` is in front of a dictionary. Makes `out`, which is empty, the text of that dictionary with the
-    // changed entries behind the others, and moves the cursor behind the dictionary. False, with `out` empty, when there is
-    // none, when it is damaged, deep or has a key written with escapes, and when memory runs out.
+    // changed entries behind the others, and moves the cursor behind the dictionary. False, with `out` empty, when
+    // there is none, when it is damaged, deep or has a key written with escapes, and when memory runs out.
     bool splice(CPDFLexer& text, PDF_ENTRY_CHANGES changes, PDF_String& out);
 
 private:

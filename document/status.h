@@ -15,6 +15,7 @@ enum class PDF_CODE {
     NO_FIELD,    // no field of that name
     WRONG_KIND,  // the field can't take such a value
     READ_ONLY,   // the field is read-only
+    BAD_EDIT,    // the form can't be changed in this way
     BAD_DATA,    // a file with form data can't be read
     NO_MEMORY,
 };

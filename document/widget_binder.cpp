@@ -80,8 +80,8 @@ void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& s
         shown.m_widget = &widget;
 }
 
-// Binds what a field and the fields under it know: a dictionary that is a widget, too, and "Kids" that are no fields. In "Kids"
-// these and the fields may alternate, and options go by the order.
+// Binds what a field and the fields under it know: a dictionary that is a widget, too, and "Kids" that are no fields.
+// In "Kids" these and the fields may alternate, and options go by the order.
 void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
 {
     CPDFField& named = value_field(field);
@@ -128,13 +128,25 @@ void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFP
     sort_links();
 }
 
-// What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a field
-// of its own.
+bool CPDFWidgetBinder::bind_added(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
+{
+    if (!m_ranges.empty() && value_field(field).m_ref.num <= m_ranges.back().field)
+        return false;
+    add_tree(xref, field, pages);
+    sort_links();
+    return true;
+}
+
+// What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a
+// field of its own.
 void CPDFWidgetBinder::bind_orphans(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
 {
     std::unordered_map<uint32_t, CPDFField*> fields;  // by object number; made when it is needed
+    uint32_t last = 0;                                // one annotation may be on several pages
     for (const PDF_PAGE_ANNOTATION& annotation : pages.annotations()) {
-        if (annotation.num < m_bound.size() && m_bound[annotation.num])
+        const bool again = last == annotation.num;
+        last = annotation.num;
+        if (again || (annotation.num < m_bound.size() && m_bound[annotation.num]))
             continue;
         const PDF_REF ref = ref_of(xref, annotation.num);
         CPDFObj own;

@@ -27,6 +27,10 @@ public:
     // Binds the widgets of the whole form. Linear in the fields and annotations.
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
+    // Binds a field that was added to the form, with those under it. False, with nothing bound, where only binding the
+    // whole form anew will do, because its object number is not above all that are bound.
+    bool bind_added(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages);
+
     // The widgets of `field`, in the order of its "Kids", then those that only a page knows. Empty for a field without.
     std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field) const;
 

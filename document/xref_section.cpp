@@ -35,8 +35,8 @@ const uint8_t* find_last(const uint8_t* begin, const uint8_t* end, const char* w
     return nullptr;
 }
 
-// Eight decimal digits at once: neighbours are added up to pairs, to fours, to the whole number. `bad` gets a bit when one
-// is no digit.
+// Eight decimal digits at once: neighbours are added up to pairs, to fours, to the whole number. `bad` gets a bit when
+// one is no digit.
 uint64_t eight_digits(const uint8_t* p, uint64_t& bad)
 {
     constexpr uint64_t EACH = 0x0101010101010101;
@@ -137,8 +137,8 @@ bool CPDFFileReader::object_at(size_t at) const
     return lexer.left() >= 3 && std::memcmp(lexer.at(), "obj", 3) == 0;
 }
 
-// A section some bytes before or behind `base`, as hand-edited files have it. Tables go first: an object so near is mostly
-// an ordinary one.
+// A section some bytes before or behind `base`, as hand-edited files have it. Tables go first: an object so near is
+// mostly an ordinary one.
 bool CPDFFileReader::section_near(size_t base, size_t& at) const
 {
     constexpr size_t NEAR = 32;

@@ -24,8 +24,8 @@ public:
     // The same for a radio button.
     void set_radio_value(int on);
 
-    // Tells a button of a radio group the state of the group: "AS" becomes `state`, not null, when that is this widget's on
-    // state (m_alt_state where it has no appearances), and "Off" otherwise.
+    // Tells a button of a radio group the state of the group: "AS" becomes `state`, not null, when that is this
+    // widget's on state (m_alt_state where it has no appearances), and "Off" otherwise.
     void set_radio_value(const char* state);
 
     // Notes what the widget of a text field is to show: a copy of `value`, where null means nothing. The other arguments

@@ -1,5 +1,6 @@
 #include "engine/resources.h"
 
+#include "core/alloc.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 
@@ -63,6 +64,43 @@ void CPDFResources::load_resource(CPDFXRefTable* xref, int)
 void CPDFResources::unload_resource()
 {
     m_resources.clear();
+}
+
+int CPDFResources::append_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font)
+{
+    if (!xref || m_ref.num == 0)
+        return 0;
+    static constexpr const char* KEYS[] = {"Font"};
+    static constexpr CPDFKeySet KEY_SET(KEYS);
+    const VXFailureCheck check;
+    CPDFObj own;
+    xref->get_entity(own, m_ref, &KEY_SET);
+    if (!own.dictionary())
+        return 0;
+    CPDFObj value;
+    value.set_ref(font);
+    const PDF_ENTRY_CHANGE change[] = {{name, &value}};
+    CPDFObj* entry = own.dict->get_item(CPDFDictionary::sm_tag_font);
+    // Fonts that are an object of their own may be shared with pages, and are meant to be.
+    const bool apart = entry && entry->type == PDF_OBJ_REF;
+    PDF_CHANGE_RESULT result = apart ? xref->change_entries(entry->ref, change) : PDF_CHANGE_RESULT::NO_DICTIONARY;
+    if (result == PDF_CHANGE_RESULT::NO_DICTIONARY) {
+        CPDFObj fonts;
+        if (entry && entry->dictionary())
+            fonts.take(*entry);
+        else
+            fonts.set_dict();
+        fonts.dict->set_item(name, &value);
+        const PDF_ENTRY_CHANGE fonts_change[] = {{CPDFDictionary::sm_tag_font, &fonts}};
+        result = check.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : xref->change_entries(m_ref, fonts_change);
+    }
+    if (result != PDF_CHANGE_RESULT::STORED)
+        return 0;
+    std::erase_if(m_resources, [name](const PDF_RESOURCE& at) {
+        return at.category == CPDFDictionary::sm_tag_font && at.name == name;
+    });
+    m_resources.push_back({CPDFDictionary::sm_tag_font, name, font, base_font_of(xref, value)});
+    return 1;
 }
 
 const PDF_RESOURCE* CPDFResources::find(const char* category, const char* name) const

@@ -37,6 +37,11 @@ public:
     // Releases what load_resource loaded.
     void unload_resource();
 
+    // Adds the font dictionary `font` under `name`, or puts it in place of the one of that name, where the bound
+    // dictionary is an object of its own. Returns 1, or 0 with nothing changed when it isn't, can't be fetched, or
+    // memory runs out.
+    int append_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font);
+
     // The loaded resource, or null. Borrowed: ends with unload_resource.
     const PDF_RESOURCE* find(const char* category, const char* name) const;
     const std::vector<PDF_RESOURCE>& resources() const { return m_resources; }

@@ -7,7 +7,8 @@
 
 #include "formats/form_data.h"
 
-// Reads rows one after the other. Lines end with LF, CRLF or CR; empty lines are passed over, and so is a byte order mark.
+// Reads rows one after the other. Lines end with LF, CRLF or CR; empty lines are passed over, and so is a byte order
+// mark.
 class CPDFCsvReader {
 public:
     // `text` is borrowed while rows are read.
@@ -39,6 +40,6 @@ CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std:
 // Reads a file with exactly one row of values. On failure `out` is empty.
 CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out);
 
-// Appends one cell and, unless it is the first of its row, a comma before it: in quotes where it needs them, and so is a first
-// cell that is empty, since an empty line is no row.
+// Appends one cell and, unless it is the first of its row, a comma before it: in quotes where it needs them, and so is
+// a first cell that is empty, since an empty line is no row.
 void append_csv_cell(std::string& out, std::string_view text, bool is_first);

@@ -16,8 +16,8 @@ struct PDF_EXPORT_ITEM {
     const VALUE_TEXT& value;  // absent when the field has none
 };
 
-// Writes one file: begins it when it is made, then takes the fields one after the other. `out` is borrowed and outlives the
-// writer.
+// Writes one file: begins it when it is made, then takes the fields one after the other. `out` is borrowed and outlives
+// the writer.
 class CPDFDataWriter {
 public:
     explicit CPDFDataWriter(std::string& out) : m_out(out) {}

@@ -34,8 +34,8 @@ std::unique_ptr<CPDFDataWriter> make_writer(PDF_DATA_FORMAT format, std::string&
     }
 }
 
-// The full names that were met: a hash table of the fields that bear them. Names are compared anew where their hashes are the
-// same: kept, long ones would take many times the size of the file.
+// The full names that were met: a hash table of the fields that bear them. Names are compared anew where their hashes
+// are the same: kept, long ones would take many times the size of the file.
 class SeenNames {
 public:
     // Whether no field with this name was met before.

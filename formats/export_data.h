@@ -16,9 +16,9 @@ enum class PDF_DATA_FORMAT {
     CSV,   // RFC 4180
 };
 
-// Makes `out` a file with the values of `fields`, each with all the fields under it, in that order; of the whole form, in tree
-// order, when it is null. Text fields, check boxes, radio groups and choices with a name of their own are exported, the first
-// of each full name; one without a value is left out, so that an import leaves it alone.
+// Makes `out` a file with the values of `fields`, each with all the fields under it, in that order; of the whole form,
+// in tree order, when it is null. Text fields, check boxes, radio groups and choices with a name of their own are
+// exported, the first of each full name; one without a value is left out, so that an import leaves it alone.
 //
 // A choice gives the export values of its options, as a list when there are several; where "V" has the text shown, that
 // stands for the export value. In CSV every such field has a column, and an empty cell where it has no value or an empty

@@ -19,9 +19,9 @@ public:
     // Whether the field is of a kind that takes values, and has a name of its own.
     static bool is_exported(const CPDFField& field);
 
-    // The value of an exported field, such that filling the field with it changes nothing: a text or state, or for a choice
-    // the export values of several options in their order. Absent where the field has no value of its own kind; no option of
-    // a choice is none, too, unless it has a default that would show instead.
+    // The value of an exported field, such that filling the field with it changes nothing: a text or state, or for a
+    // choice the export values of several options in their order. Absent where the field has no value of its own kind;
+    // no option of a choice is none, too, unless it has a default that would show instead.
     VALUE_TEXT value_of(const CPDFField& field);
 
     // Whether the values cost more than the limits allow: the last one may be wrong then.

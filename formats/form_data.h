@@ -17,8 +17,8 @@ struct CPDFFormEntry {
 // In the order of the file. A name may come more than once.
 using CPDFFormData = std::vector<CPDFFormEntry>;
 
-// Reads a data file of up to LIMIT_DATA_FILE bytes by the suffix of its name: .json, .csv, .fdf or .xfdf, see the readers of
-// each. On failure, which the status tells without the file's name, `out` is empty.
+// Reads a data file of up to LIMIT_DATA_FILE bytes by the suffix of its name: .json, .csv, .fdf or .xfdf, see the
+// readers of each. On failure, which the status tells without the file's name, `out` is empty.
 CPDFStatus read_form_data(const std::string& path, CPDFFormData& out);
 
 // The suffix of a file name with its dot, in small letters; empty when there is none.

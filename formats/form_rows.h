@@ -18,8 +18,8 @@ struct CPDFFormRow {
 // Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.
 class CPDFFormRows {
 public:
-    // Opens the file, which the suffix tells the form of, and counts its rows. Fails for a CSV file that breaks the rules of
-    // quotes anywhere.
+    // Opens the file, which the suffix tells the form of, and counts its rows. Fails for a CSV file that breaks the
+    // rules of quotes anywhere.
     CPDFStatus open(const std::string& path);
 
     size_t count() const { return m_count; }

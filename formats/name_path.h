@@ -9,8 +9,8 @@
 // The place in such a file: the partial names that are open, outermost first.
 class CPDFNamePath {
 public:
-    // Moves to the field of this full name: `closed` of the open parts end, innermost first, then `opened` begin. The last
-    // part always begins anew, so that a value stands in front of the fields inside. Borrowed from `name`.
+    // Moves to the field of this full name: `closed` of the open parts end, innermost first, then `opened` begin. The
+    // last part always begins anew, so that a value stands in front of the fields inside. Borrowed from `name`.
     struct STEP {
         size_t closed = 0;
         std::vector<std::string_view> opened;

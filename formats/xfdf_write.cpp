@@ -6,8 +6,8 @@
 
 namespace {
 
-// Appends character data; false at a character that XML 1.0 forbids. Line ends and tabs are spelled where a reader would make
-// other white space of them.
+// Appends character data; false at a character that XML 1.0 forbids. Line ends and tabs are spelled where a reader
+// would make other white space of them.
 bool append_xml(std::string& out, std::string_view text, std::string_view spelled)
 {
     for (size_t i = 0; i < text.size(); ++i) {

@@ -8,8 +8,8 @@
 #include "document/field_text.h"
 
 // document = [mark] *( comment / instruction / space ) element *( comment / instruction / space )
-// element  = "<" name *attribute ( "/>" / ">" *( element / text / "<![CDATA[" any "]]>" / comment / instruction ) "</" name ">" )
-// attribute = name "=" ( '"' text '"' / "'" text "'" )
+// element  = "<" name *attribute ( "/>" / ">" *( element / text / "<![CDATA[" any "]]>" / comment / instruction ) "</"
+// name ">" ) attribute = name "=" ( '"' text '"' / "'" text "'" )
 
 namespace {
 

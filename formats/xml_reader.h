@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// A strict reader without a tree: memory does not grow with the text, and nothing recurses. Text is UTF-8. Document types, and
-// with them every entity but the five of XML, are refused; comments and instructions are passed over.
+// A strict reader without a tree: memory does not grow with the text, and nothing recurses. Text is UTF-8. Document
+// types, and with them every entity but the five of XML, are refused; comments and instructions are passed over.
 class CPDFXmlReader {
 public:
     enum TOKEN {

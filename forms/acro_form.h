@@ -50,14 +50,38 @@ public:
     // not null nor empty and bit 0 of `flags` is clear, on the fields that its references and strings name.
     void reset(const CPDFArray* fields, int flags);
 
-    // The data set of an XFA form as the values of the fields make it, of `len` bytes and a terminating 0. The caller owns
-    // it and releases it with VXFree; null when memory runs out.
+    // The data set of an XFA form as the values of the fields make it, of `len` bytes and a terminating 0. The caller
+    // owns it and releases it with VXFree; null when memory runs out.
     char* get_xfa_data(int& len);
 
     // Writes the XFA data set anew from the values of the fields, as a compressed stream in memory: a new version of the
-    // data set's object, or of the one stream that holds all packets, of which the other packets stay byte for byte. Nothing
-    // changes without a data set, where it can't be found in the one stream, and when memory runs out.
+    // data set's object, or of the one stream that holds all packets, of which the other packets stay byte for byte.
+    // Nothing changes without a data set, where it can't be found in the one stream, and when memory runs out.
     void reset_XFA(CPDFXRefTable* xref);
+
+    // Loads the field dictionary that `ref` names as the last top-level field, and writes "Fields" anew as a direct
+    // array of all of them. Returns the field, which is there also when it did not load, with `ref` as its reference;
+    // null when the number is 0 or memory runs out. What is in the form already is appended again.
+    CPDFField* append_field(const PDF_REF& ref);
+
+    // Takes `field` and the fields under it out of the form, out of "Fields" or the "Kids" above it, and deletes them.
+    // Nothing happens for null, a field of another form, or when the array can't be read.
+    void remove_field(CPDFField* field);
+
+    // Clears "SigFlags" unless some field is signed. Returns 1, or 0 when the form dictionary can't be fetched for that.
+    int calc_sign_flag();
+    // Sets "SigFlags" to 3 (signatures exist, append only) or to 0. Returns 1, or 0 when the form dictionary can't be
+    // fetched.
+    int set_sign_flag(int on);
+
+    // Makes the default resources "DR" an object of their own, with an empty "Font" when there are none, and returns
+    // them. Null for a form dictionary held in the catalog; nothing is stored when the form dictionary can't be
+    // fetched. `xref` is not null.
+    CPDFResources* new_resource(CPDFXRefTable* xref);
+
+    // Adds the font dictionary `font` to "DR" under `name`, without the slash, in place of what it named before.
+    // Returns 1, or 0 when there are no default resources or their dictionary can't be reached.
+    int append_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font);
 
     PDF_REF m_ref;         // the form dictionary; number 0 when it is held directly in the catalog
     PDF_REF m_xfa_ref;     // the XFA data set's stream, or the single XFA stream; number 0 when there is none
@@ -78,5 +102,10 @@ private:
     void load_xfa(const CPDFDictionary& dict);
     void load_packets(const CPDFArray& packets);
     void bind_template(const CPDFObj* packet);
+    bool list_fields(CPDFArray& out);
+    void store_fields(CPDFObj& fields);
+    bool append_own_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font);
+    bool append_root_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font);
+    void rebind_resources(CPDFXRefTable* xref, const CPDFObj* entry);
     CPDFField* find_top(const wchar_t* name, int limit);
 };

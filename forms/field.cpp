@@ -37,15 +37,22 @@ CPDFField::~CPDFField()
         delete m_kids[i];
     VXFree(m_kids);
     VXFree(m_widgets);
+    release_opts();
+    VXFree(m_sels);
+    VXFree(m_xfa_target);
+    delete m_sign;
+    m_name.release();
+}
+
+void CPDFField::release_opts()
+{
     for (int32_t i = 0; i < m_opt_cnt; ++i) {
         m_opts[i].val.release();
         m_opts[i].text.release();
     }
     VXFree(m_opts);
-    VXFree(m_sels);
-    VXFree(m_xfa_target);
-    delete m_sign;
-    m_name.release();
+    m_opts = nullptr;
+    m_opt_cnt = 0;
 }
 
 void CPDFField::store_entry(const char* key, const CPDFObj& value)

@@ -4,6 +4,7 @@
 #include "core/object.h"
 #include "core/pdf_string.h"
 
+class CPDFAction;
 class CPDFAnnotWidget;
 class CPDFGRender;
 class CPDFSign;
@@ -86,6 +87,16 @@ public:
     // null.
     void show_value(const CPDFObj& value, const CPDFArray* sels);
 
+    // Reads everything of the field's own dictionary again but its kids and widgets, and hands kind and flags on to the
+    // kids that have none of their own. What was borrowed from the field ends. Nothing changes when the dictionary is
+    // gone.
+    void reload_entries();
+
+    // Loads the field dictionary that `ref` names, with the fields under it, as the last kid of this field, and adds it
+    // to "Kids". Returns the kid; null, with nothing changed, when it is no field dictionary, is this field or one
+    // above it, or memory runs out. Its "Parent" is the caller's.
+    CPDFField* append_child(const PDF_REF& ref);
+
     // Lookup. `name` is a dotted path of partial names in XML text, index suffixes ("[n]") removed; the first field of
     // this subtree that it designates, or null. Fields whose name does not match the head of the path are passed over.
     CPDFField* get(const char* name);
@@ -105,8 +116,8 @@ public:
     // Replaces the partial name "T"; null gives an empty one. The memory changes even when the dictionary is gone.
     void set_name(const wchar_t* name);
 
-    // Writes the field's own value as UTF-8 text into `size` bytes, terminator included, cut at a whole character: numbers in
-    // decimal, names as they are, a one-element array as its string, empty for any other kind.
+    // Writes the field's own value as UTF-8 text into `size` bytes, terminator included, cut at a whole character:
+    // numbers in decimal, names as they are, a one-element array as its string, empty for any other kind.
     void get_vaue(char* buf, int size);
     // Sets or clears the read-only bit and writes the whole flags word, inherited bits included, into the field's own
     // dictionary. Nothing changes when the dictionary is gone.
@@ -122,14 +133,14 @@ public:
     // Text and choice fields: the field's own default appearance, or null. Borrowed until it changes.
     PDF_String* get_edit_apperance();
 
-    // Check boxes only: makes the name `state`, not null, the value. When the field takes its kind from its parent and the
-    // state is not "Off", the widgets of all fields beside it are unchecked; its own is left to the caller. Nothing
+    // Check boxes only: makes the name `state`, not null, the value. When the field takes its kind from its parent and
+    // the state is not "Off", the widgets of all fields beside it are unchecked; its own is left to the caller. Nothing
     // changes when the dictionary is gone.
     void set_check_value(const char* state);
     // 1 when the value of this button is a name other than "Off".
     int get_check_value();
-    // Radio groups: turns the widgets of the kids off and `widget`, borrowed, on, and makes its on state the value. The memory
-    // and the widgets change even when the dictionary is gone.
+    // Radio groups: turns the widgets of the kids off and `widget`, borrowed, on, and makes its on state the value. The
+    // memory and the widgets change even when the dictionary is gone.
     void set_radio(CPDFAnnotWidget* widget);
     // 1 when the state of `widget` is the value of this button, or of its parent when it has no name of its own.
     int get_radio_value(CPDFAnnotWidget* widget);
@@ -148,10 +159,11 @@ public:
     int get_choice_opt_cnt();
     // The first selected index, or -1.
     int get_choice_sel();
-    // Selects one option: "V" becomes its export value, "I" the index. An index without an option changes the memory only.
+    // Selects one option: "V" becomes its export value, "I" the index. An index without an option changes the memory
+    // only.
     void set_choice_sel(int index);
-    // Selects `count` options in the given order: "V" becomes the array of the shown texts, "I" the indices; m_value stays.
-    // An index without an option leaves the document as it is.
+    // Selects `count` options in the given order: "V" becomes the array of the shown texts, "I" the indices; m_value
+    // stays. An index without an option leaves the document as it is.
     void set_choice_sels(const int* sels, int count);
     // Inserts an option before `index`, or appends it; null or empty `text` makes it a single string. The selection keeps
     // naming the same options. Returns 1, or 0 for a wrong kind or index and when memory runs out.
@@ -159,23 +171,28 @@ public:
     // Removes an option and its selection; the first option is selected when none remains. Returns 1, or 0 as above.
     int remove_choice_opt(int index);
 
-    // Returns this field and all under it to their defaults as a reset action does (ISO 32000-2, 12.7.6.3): the widgets of
-    // text fields, check boxes and combo boxes show it, where "V" stays the caller's; a radio group gets its default, or
-    // none, as "V" as well. Of a combo box only a default that is the text of an option is shown.
+    // Returns this field and all under it to their defaults as a reset action does (ISO 32000-2, 12.7.6.3): the widgets
+    // of text fields, check boxes and combo boxes show it, where "V" stays the caller's; a radio group gets its
+    // default, or none, as "V" as well. Of a combo box only a default that is the text of an option is shown.
     void reset();
     // Takes `child` and the fields under it out of the subtree, out of "Kids" of the field above it, and deletes it.
-    // Returns 1 when it was found, 0 otherwise. The child stays when that field has no "Kids" in the document any more, or
-    // memory runs out.
+    // Returns 1 when it was found, 0 otherwise. The child stays when that field has no "Kids" in the document any more,
+    // or memory runs out.
     int remove_child(CPDFField* child);
+
+    // The script that runs on the event: 0 keystroke, 1 format, 2 validate, 3 calculate (ISO 32000-2, 12.6.3, "AA").
+    // Only a field without any "AA" takes its parent's. Null when there is none, for other events and for actions that
+    // are no JavaScript. The caller owns the action and deletes it.
+    CPDFAction* get_addition_js(int event);
 
     // Form data of this field as NUL-terminated text (ISO 32000-2, 12.7.6.2): values of this record under the field's own
     // partial name, without its index suffix. Names and values are cut to 127 characters. The caller owns the text and
     // releases it with VXFree; `len` is its length in bytes. Null, with `len` 0, also when memory runs out.
-    // URL-encoded, as cvt_utourl does it: the pair NAME=VALUE of this field alone. Null for a push button, a field without
-    // a type, and a name that is empty or begins with '#'.
+    // URL-encoded, as cvt_utourl does it: the pair NAME=VALUE of this field alone. Null for a push button, a field
+    // without a type, and a name that is empty or begins with '#'.
     char* get_form_url(int& len);
-    // The pairs of this field, when it has one, and of all fields under it, joined by '&'; empty when there are none. Push
-    // buttons, fields without a type, and names that are empty or begin with '%' give no pair.
+    // The pairs of this field, when it has one, and of all fields under it, joined by '&'; empty when there are none.
+    // Push buttons, fields without a type, and names that are empty or begin with '%' give no pair.
     char* get_form_url2(int& len);
     // XML: the element of this field alone, its tag the name. A name that is empty or begins with '#' gives the value
     // without tags. Null for a push button, a field without a type, and an empty text. List boxes have no value here.
@@ -184,9 +201,11 @@ public:
     // for each selected option. Null for a push button and an empty text.
     char* get_form_xml2(int& len);
 
-    // Painting, in render/. Only a combo box that is not read-only paints: its drop-down button, 16 device units wide, at the
-    // right end of the widget rectangle `rc`. `m` maps the space of `rc` to the device. The renderer's path must be empty,
-    // and is so again; its matrix is `m` then. Any other field leaves the renderer untouched.
+    static const char* const ms_actions[4];  // the keys of the events of get_addition_js
+
+    // Painting, in render/. Only a combo box that is not read-only paints: its drop-down button, 16 device units wide,
+    // at the right end of the widget rectangle `rc`. `m` maps the space of `rc` to the device. The renderer's path must
+    // be empty, and is so again; its matrix is `m` then. Any other field leaves the renderer untouched.
     void render(CPDFGRender* r, const _VXMATRIX& m, const _VXRECTF& rc);
     // The same for a field that is known to be a choice field.
     void render_choice(CPDFGRender* r, const _VXMATRIX& m, const _VXRECTF& rc);
@@ -227,6 +246,8 @@ private:
     void load_name(CPDFDictionary& dict);
     void load_kind(const CPDFDictionary& dict);
     void load_signature(const CPDFDictionary& dict);
+    void release_opts();
+    void hand_down_kind();
     void load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits);
     void load_kid(const PDF_REF& ref, CPDFVisitSet& visits);
     void load_opts(CPDFDictionary& dict);

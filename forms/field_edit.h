@@ -7,8 +7,8 @@
 #include "core/xref_table.h"
 #include "forms/field.h"
 
-// Stores a new version of the field's own dictionary with these entries. Nothing happens without the dictionary, nothing is
-// stored when memory ran out since `memory` was made.
+// Stores a new version of the field's own dictionary with these entries. Nothing happens without the dictionary,
+// nothing is stored when memory ran out since `memory` was made.
 inline PDF_CHANGE_RESULT change_entries(const CPDFField& field, std::initializer_list<PDF_ENTRY_CHANGE> changes,
                                         const VXFailureCheck& memory = {})
 {

@@ -122,6 +122,39 @@ void CPDFField::reload_value()
     load_values(*dict);
 }
 
+void CPDFField::reload_entries()
+{
+    const VXFailureCheck check;
+    CPDFObj own;
+    m_xref->get_entity(own, m_ref, &FIELD_KEY_SET);
+    CPDFDictionary* dict = own.dictionary();
+    if (!dict || check.failed())
+        return;
+    release_opts();
+    delete m_sign;
+    m_sign = nullptr;
+    m_name.release();
+    m_max_len = 0;
+    m_type = m_parent ? m_parent->m_type : FIELD_UNKNOWN;
+    m_flags = m_parent && m_type != FIELD_UNKNOWN ? m_parent->m_flags : 0;
+    load_head(m_parent, m_xref, m_ref, *dict);
+    load_tail(*dict);
+    hand_down_kind();
+}
+
+// A kid with flags but no type of its own, or the other way round, keeps the rest as well.
+void CPDFField::hand_down_kind()
+{
+    for (int32_t i = 0; i < m_kid_cnt; ++i) {
+        CPDFField* kid = m_kids[i];
+        if (!kid || !kid->m_inherited || m_type == FIELD_UNKNOWN)
+            continue;
+        kid->m_type = m_type;
+        kid->m_flags = m_flags;
+        kid->hand_down_kind();
+    }
+}
+
 void CPDFField::show_value(const CPDFObj& value, const CPDFArray* sels)
 {
     m_value.free();

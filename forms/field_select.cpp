@@ -105,8 +105,8 @@ void CPDFFieldFinder::add_named(Index& out, std::string_view name, const CPDFFie
     }
 }
 
-// CPDFField::get, asked of all fields under `top`, or of the whole form. The fields that take the first step of a match are
-// named like the path up to one of its dots, or like all of it.
+// CPDFField::get, asked of all fields under `top`, or of the whole form. The fields that take the first step of a match
+// are named like the path up to one of its dots, or like all of it.
 CPDFField* CPDFFieldFinder::find_below(const CPDFField* top, size_t place, const char* path)
 {
     const std::string_view whole(path);

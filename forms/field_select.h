@@ -16,15 +16,15 @@ inline bool selects_all(const CPDFArray* fields, int flags)
     return !fields || (flags & 1) || fields->count == 0;
 }
 
-// Finds the fields that the entries of one list name. A long list is searched by an index over the form, made on the first
-// need, so the tree must not change meanwhile.
+// Finds the fields that the entries of one list name. A long list is searched by an index over the form, made on the
+// first need, so the tree must not change meanwhile.
 class CPDFFieldFinder {
 public:
     // `form` is borrowed; `lookups` is how many entries are to be looked up.
     CPDFFieldFinder(CPDFAcroForm& form, int32_t lookups);
 
-    // The first field in tree order that `entry` designates: a reference by CPDFField::get, a string as the dotted path of
-    // its other form. Null when there is none, for any other entry, and for paths beyond LIMIT_SELECT_VISITS.
+    // The first field in tree order that `entry` designates: a reference by CPDFField::get, a string as the dotted path
+    // of its other form. Null when there is none, for any other entry, and for paths beyond LIMIT_SELECT_VISITS.
     CPDFField* find(const CPDFObj& entry);
 
 private:
@@ -53,8 +53,8 @@ private:
 };
 
 // Calls `visit(CPDFField&)` for every top-level field when all are meant, and otherwise for the field that each entry of
-// the list names, in list order; an entry that names none is passed over, one listed twice comes twice. `visit` covers kids
-// itself and does not change the tree.
+// the list names, in list order; an entry that names none is passed over, one listed twice comes twice. `visit` covers
+// kids itself and does not change the tree.
 template <typename Visit>
 void for_each_selected_field(CPDFAcroForm& form, const CPDFArray* fields, int flags, Visit&& visit)
 {

@@ -45,8 +45,8 @@ inline bool set_fields(CPDFDocument& document, size_t most)
     return true;
 }
 
-// Whether every field with a name of its own, or another one that bears it, is found by the full name, and `most` of them in
-// the same way where only the named branch is loaded.
+// Whether every field with a name of its own, or another one that bears it, is found by the full name, and `most` of
+// them in the same way where only the named branch is loaded.
 inline bool names_lead_to_fields(CPDFDocument& document, CPDFDocument& by_name, size_t most)
 {
     std::vector<std::string> names;

@@ -22,8 +22,8 @@ constexpr uint32_t first_byte(GROUP group)
     return std::endian::native == std::endian::little ? group & 0xFFu : group >> (8 * (sizeof(GROUP) - 1));
 }
 
-// Blocks of a known size that go through arrays of their own: compilers vectorise them, and need not ask whether the output
-// overlaps the input.
+// Blocks of a known size that go through arrays of their own: compilers vectorise them, and need not ask whether the
+// output overlaps the input.
 template <typename GROUP>
 void batch(_VXRGBA* dst, const unsigned char* src, int n)
 {

@@ -6,7 +6,8 @@
 // Room for the components of any colour space (ISO 32000-1, annex C: at most 32).
 constexpr int PDF_COLOR_COMPONENTS = 32;
 
-// A colour; each component of a device colour space is 0 to 255. Components that the colour space does not have mean nothing.
+// A colour; each component of a device colour space is 0 to 255. Components that the colour space does not have mean
+// nothing.
 struct PDF_COLOR {
     int32_t comp[PDF_COLOR_COMPONENTS];
 };
@@ -36,8 +37,8 @@ public:
     // The initial colour: sets the first four components to 0.
     virtual void get_default_color(PDF_COLOR& out);
 
-    // Image samples, `n` bytes at `src`, to `dst`; an `n` of 0 or less writes nothing. The input must not overlap the output.
-    // Pixels, one for each byte.
+    // Image samples, `n` bytes at `src`, to `dst`; an `n` of 0 or less writes nothing. The input must not overlap the
+    // output. Pixels, one for each byte.
     virtual void batch_rgb(_VXRGBA* dst, const unsigned char* src, int n) = 0;
     // Gray and an alpha of 255, two bytes for each byte.
     virtual void batch_gray(unsigned char* dst, const unsigned char* src, int n) = 0;

@@ -3,8 +3,8 @@
 
 #include "core/object.h"
 
-// Larger operands give up low bits instead of widening the product. Every operation wraps at 64 bits: nothing saturates and
-// nothing overflows in the sense of the language.
+// Larger operands give up low bits instead of widening the product. Every operation wraps at 64 bits: nothing saturates
+// and nothing overflows in the sense of the language.
 
 constexpr VXFIX fix_add(VXFIX a, VXFIX b)
 {
@@ -69,8 +69,8 @@ constexpr VXFIX fix_mul_pos(VXFIX v, VXFIX m)
     return fix_raw_product(fix_raw_product(m >> 12, wide), 64);
 }
 
-// Whether all four lie above 4.0 and below 32772.0, as the coordinates of nearly everything on a page do: one test instead of
-// eight, behind which fix_page_product is both of the products above.
+// Whether all four lie above 4.0 and below 32772.0, as the coordinates of nearly everything on a page do: one test
+// instead of eight, behind which fix_page_product is both of the products above.
 constexpr bool fix_are_page_coordinates(VXFIX a, VXFIX b, VXFIX c, VXFIX d)
 {
     constexpr uint64_t LEAST = 0x10000001;
@@ -85,7 +85,8 @@ constexpr VXFIX fix_page_product(VXFIX v, VXFIX m)
     return fix_raw_product(v >> 12, m) >> 14;
 }
 
-// Whether all four are small for certain: one test for them, which leaves out 4.0 itself. fix_small_product is the product then.
+// Whether all four are small for certain: one test for them, which leaves out 4.0 itself. fix_small_product is the
+// product then.
 constexpr bool fix_are_small(VXFIX a, VXFIX b, VXFIX c, VXFIX d)
 {
     constexpr uint64_t BOUND = 0x10000000;

@@ -67,7 +67,8 @@ inline void _VXMATRIX::transform_point(VXFIX& x, VXFIX& y) const
     y = fix_add(fix_add(fix_mul(b, from_x), fix_mul(d, from_y)), f);
 }
 
-// Maps the ends of an interval by one coefficient. At most 0, it takes the ends in the other order and is the second operand.
+// Maps the ends of an interval by one coefficient. At most 0, it takes the ends in the other order and is the second
+// operand.
 inline void fix_map_interval(VXFIX& low, VXFIX& high, VXFIX scale)
 {
     const VXFIX p = scale > 0 ? fix_mul_pos(low, scale) : fix_mul(high, scale);

@@ -37,8 +37,8 @@ public:
     // without one.
     virtual void set_fill_color(const PDF_COLOR* color);
 
-    // Fills the path with the fill colour. `box` is path_box; `antialias` is 1 or 0; `even_odd` is 0 for the nonzero winding
-    // number rule and 1 for the even-odd rule (ISO 32000-2, 8.5.3.3). Open subpaths are closed; the path stays.
+    // Fills the path with the fill colour. `box` is path_box; `antialias` is 1 or 0; `even_odd` is 0 for the nonzero
+    // winding number rule and 1 for the even-odd rule (ISO 32000-2, 8.5.3.3). Open subpaths are closed; the path stays.
     virtual void fill_path(_VXRECTF* box, int antialias, int even_odd) = 0;
 
     // Each appends a record and grows path_box by its point. When memory runs out the whole path is dropped, the point

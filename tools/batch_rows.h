@@ -28,8 +28,8 @@ public:
     // Opens the file with the rows; false after a complaint.
     bool open(const std::string& path);
 
-    // Complains about the columns of a CSV file that are neither fields nor in the pattern, and about what the pattern names
-    // and no column has; false when there are any.
+    // Complains about the columns of a CSV file that are neither fields nor in the pattern, and about what the pattern
+    // names and no column has; false when there are any.
     bool check_columns(CPDFDocument& document) const;
 
     // These files are not overwritten.

@@ -116,8 +116,8 @@ VXFIX to_fix(double value)
     return std::llround(std::clamp(value, -MOST, MOST) * static_cast<double>(VXFIX_ONE));
 }
 
-// Maps a frame that is turned clockwise by `degrees` to where it lies in the picture; its origin is the corner of `box` that is
-// its upper left one.
+// Maps a frame that is turned clockwise by `degrees` to where it lies in the picture; its origin is the corner of `box`
+// that is its upper left one.
 cairo_matrix_t frame_matrix(const PDF_BOX& box, int32_t degrees)
 {
     switch (degrees) {
@@ -132,8 +132,8 @@ cairo_matrix_t frame_matrix(const PDF_BOX& box, int32_t degrees)
     }
 }
 
-// Paints `field` in the frame of its widget: there its text runs from left to right whatever turns page and widget have. One
-// device unit is one point, so that the button keeps its share of the field at every scale.
+// Paints `field` in the frame of its widget: there its text runs from left to right whatever turns page and widget
+// have. One device unit is one point, so that the button keeps its share of the field at every scale.
 void paint_widget(const CPDFPicture& picture, const PageView& view, CPDFField& field, const PDF_BOX& rect,
                   int32_t widget_rotation)
 {

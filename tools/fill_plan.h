@@ -18,8 +18,8 @@ struct FILL_ITEM {
     std::string refusal;  // a sentence
 };
 
-// Checks all of `data`, changing nothing. Values for one list box that takes several are joined; a second value for any other
-// field is refused.
+// Checks all of `data`, changing nothing. Values for one list box that takes several are joined; a second value for any
+// other field is refused.
 std::vector<FILL_ITEM> plan_items(CPDFDocument& document, const CPDFFormData& data, PDF_FILL fill);
 
 // Whether every item was accepted.

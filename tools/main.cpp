@@ -42,7 +42,7 @@ int usage_error(const CLI::App& app, const std::vector<std::string>& words, cons
 
 int run(int argc, char** argv)
 {
-    CLI::App app("Shows, reads, fills, exports and draws the forms of PDF files.", "formwork");
+    CLI::App app("Shows, reads, fills, exports, edits and draws the forms of PDF files.", "formwork");
     app.require_subcommand(1);
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
     app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for a wrong command line.");
@@ -53,6 +53,11 @@ int run(int argc, char** argv)
     add_reset_verb(app, action);
     add_export_verb(app, action);
     add_draw_verb(app, action);
+    add_add_verb(app, action);
+    add_remove_verb(app, action);
+    add_rename_verb(app, action);
+    add_set_verb(app, action);
+    add_actions_verb(app, action);
     for (CLI::App* verb : app.get_subcommands({}))
         verb->group("Verbs");
     const std::vector<std::string> words = words_of(argc, argv);

@@ -19,8 +19,8 @@ void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments);
 // What is wrong with the options, for complain_usage; empty when nothing is. The input is replaced only on request.
 std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
 
-// Says on standard error what a change of values leaves undone: XFA data that the form keeps beside its fields, unless they
-// are `rewritten`; or that there are none to rewrite.
+// Says on standard error what a change of values leaves undone: XFA data that the form keeps beside its fields, unless
+// they are `rewritten`; or that there are none to rewrite.
 void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten);
 
 // Saves the document, to standard output for "-".

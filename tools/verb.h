@@ -45,6 +45,11 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_add_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_remove_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_rename_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_set_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);

@@ -34,8 +34,8 @@ public:
     size_t size() const { return m_size; }
     bool failed() const { return m_failed; }
 
-    // Hands the text over to the caller, who frees it with VXFree, and leaves the buffer empty. `len` is the text's length.
-    // An empty buffer gives an empty text. Null with `len` 0 after a failure, or when the length is no int.
+    // Hands the text over to the caller, who frees it with VXFree, and leaves the buffer empty. `len` is the text's
+    // length. An empty buffer gives an empty text. Null with `len` 0 after a failure, or when the length is no int.
     char* release(int& len);
 
 private:

@@ -1,5 +1,5 @@
-// XML form data: element = '<' name '>' content '</' name '>', or the content alone where the name makes no tag. The content
-// is the elements of the kids and then the field's own value.
+// XML form data: element = '<' name '>' content '</' name '>', or the content alone where the name makes no tag. The
+// content is the elements of the kids and then the field's own value.
 #include "core/text.h"
 #include "forms/acro_form.h"
 #include "forms/exchange/form_value.h"

@@ -133,8 +133,8 @@ private:
         return local == DATASETS && m_depth <= 1 && !m_found;
     }
 
-    // Reads the attributes, of the root also for the namespaces that it declares. For an element that is `wanted`, `bound`
-    // tells whether its prefix means the data namespace.
+    // Reads the attributes, of the root also for the namespaces that it declares. For an element that is `wanted`,
+    // `bound` tells whether its prefix means the data namespace.
     bool attributes(std::string_view name, bool wanted, bool& bound)
     {
         const std::string_view own = cut_prefix(name);

@@ -12,7 +12,8 @@ struct XFA_RANGE {
     size_t end;
 };
 
-// Makes `packet` the element "datasets" of the data namespace, tags included, that is the root of `text` or the first such
-// child of the root. False when there is none, for a text that is not one whole element or has a document type, and for one
-// whose encoding is not an extension of ASCII in which UTF-8 can be written. Linear in `text`, which is taken as it comes.
+// Makes `packet` the element "datasets" of the data namespace, tags included, that is the root of `text` or the first
+// such child of the root. False when there is none, for a text that is not one whole element or has a document type,
+// and for one whose encoding is not an extension of ASCII in which UTF-8 can be written. Linear in `text`, which is
+// taken as it comes.
 bool find_xfa_datasets(std::string_view text, XFA_RANGE& packet);

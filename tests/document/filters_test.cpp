@@ -56,7 +56,8 @@ std::string random_bytes(size_t size, uint32_t seed)
     return out;
 }
 
-// The codes of LZW data. Each one makes an entry, and the code length grows once there is one of number 2^width - `early`.
+// The codes of LZW data. Each one makes an entry, and the code length grows once there is one of number 2^width -
+// `early`.
 std::string lzw_of(const std::vector<unsigned>& codes, unsigned early)
 {
     std::string out;

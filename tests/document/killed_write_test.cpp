@@ -8,8 +8,8 @@
 #include "tests/support/pdf_builder.h"
 
 namespace {
-// Fills the sample and saves it to `out` in a process that is killed by the write that makes a file longer than `most` bytes
-// (0: by none). Returns whether it was killed.
+// Fills the sample and saves it to `out` in a process that is killed by the write that makes a file longer than `most`
+// bytes (0: by none). Returns whether it was killed.
 bool save_killed_after(rlim_t most, const std::string& out)
 {
     const pid_t child = fork();

@@ -10,8 +10,8 @@ using testing::HasSubstr;
 
 constexpr const char* NAMES[] = {"open", "group.k", "grou"};
 
-// A form with the fields of NAMES, signature fields "s" and "other" with the entries `field` and `other`, and object 30, a
-// signature dictionary with `signature`, which the fields or `catalog` may name.
+// A form with the fields of NAMES, signature fields "s" and "other" with the entries `field` and `other`, and object
+// 30, a signature dictionary with `signature`, which the fields or `catalog` may name.
 std::string signed_form(const std::string& catalog, const std::string& field, const std::string& signature,
                         const std::string& other)
 {

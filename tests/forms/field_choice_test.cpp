@@ -28,8 +28,8 @@ int insert(CPDFField& field, int index, const std::string& val, const std::strin
     return field.insert_choice_opt(index, &first, shown.empty() ? nullptr : &second);
 }
 
-// Runs operations like "sel 1, sels 2 0, ins 0 val text, del 3" and returns the last result. "sels" alone selects nothing,
-// "same" hands the field its own selection, "copy 2" inserts option 2 again in front.
+// Runs operations like "sel 1, sels 2 0, ins 0 val text, del 3" and returns the last result. "sels" alone selects
+// nothing, "same" hands the field its own selection, "copy 2" inserts option 2 again in front.
 int run(CPDFField& field, const std::string& operations)
 {
     int result = 1;

@@ -131,7 +131,8 @@ TEST(FormDataTest, NamesAndValues)
     EXPECT_EQ(data_of(f.field(2)), "c=\n<c></c>");
 }
 
-// The index of a long list gives what the search gives: names that are prefixes of others, that have dots, or are passed over.
+// The index of a long list gives what the search gives: names that are prefixes of others, that have dots, or are
+// passed over.
 TEST(FormDataTest, LongListsFindTheSameFields)
 {
     const std::string names[] = {"a", "b", "ab", "a.b", "b[0]", "#c", "", "a"};

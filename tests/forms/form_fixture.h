@@ -55,8 +55,8 @@ inline std::string shape_of(const CPDFAcroForm& form)
     return text;
 }
 
-// A document whose object 1 is the form dictionary with `entries`, whose objects from 2 on are `objects`, and whose object
-// 50 is `stream`; and the form loaded from it.
+// A document whose object 1 is the form dictionary with `entries`, whose objects from 2 on are `objects`, and whose
+// object 50 is `stream`; and the form loaded from it.
 class FormFixture {
 public:
     explicit FormFixture(const std::string& entries, const std::string& objects = "", const std::string& stream = "")

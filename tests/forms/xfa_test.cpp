@@ -90,8 +90,8 @@ TEST(XfaTemplateTest, HostilePackets)
         EXPECT_EQ(bound_by(c.packet), c.expected) << c.label;
 }
 
-// Whatever stands before deep markup, the guard and the parser agree on what is markup: every row of three tokens, read as
-// UTF-8 and as bytes.
+// Whatever stands before deep markup, the guard and the parser agree on what is markup: every row of three tokens, read
+// as UTF-8 and as bytes.
 TEST(XmlGuardTest, NothingHidesDepth)
 {
     const std::string tail = repeated("<a>", LIMIT_XML_DEPTH + 50);

@@ -8,7 +8,8 @@
 #ifdef FORMWORK_ALLOC_HOOK
 
 // Calls `run(arm)` again and again. `run` builds what it needs, calls arm(operation) once, checks the outcome and lets
-// everything go. Allocation 1, 2, 3 ... of the operation fails until one run needs no more; arm returns whether one failed.
+// everything go. Allocation 1, 2, 3 ... of the operation fails until one run needs no more; arm returns whether one
+// failed.
 template <typename Run>
 void each_failed_allocation(const Run& run)
 {

@@ -18,7 +18,8 @@
 #include "core/stream.h"
 #include "core/xref_table.h"
 
-// Makes `out` the object that `text` spells. False, with `out` null, when memory ran out; wrong text ends the test program.
+// Makes `out` the object that `text` spells. False, with `out` null, when memory ran out; wrong text ends the test
+// program.
 bool parse_object(const std::string& text, CPDFObj& out);
 
 // The object as text in the same form, keys sorted, strings with unprintable bytes in hexadecimal.

@@ -1,5 +1,5 @@
-// Real files: `formwork list --json` against what an independent reader saw, and `formwork fill` against the input, our own
-// list and qpdf.
+// Real files: `formwork list --json` against what an independent reader saw, and `formwork fill` against the input, our
+// own list and qpdf.
 
 #include <nlohmann/json.hpp>
 #include <set>

@@ -61,8 +61,8 @@ protected:
     std::string out = folder.path("out.png");
 };
 
-// The strips leave 14 by 13 pixels of the face free; the dark ones are below and at the right. Of the arrow, the two rows next to
-// its base are black throughout.
+// The strips leave 14 by 13 pixels of the face free; the dark ones are below and at the right. Of the arrow, the two
+// rows next to its base are black throughout.
 TEST_F(DrawTest, TheButtonIsAtTheEndOfTheText)
 {
     const struct {

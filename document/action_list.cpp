@@ -1,0 +1,221 @@
+#include "document/action_list.h"
+
+#include <iterator>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/xref_table.h"
+#include "document/document.h"
+#include "document/field_text.h"
+#include "document/page_map.h"
+#include "engine/action.h"
+#include "engine/annot_widget.h"
+#include "forms/acro_form.h"
+#include "forms/field.h"
+#include "forms/field_walk.h"
+
+namespace {
+
+// The keys of "AA" (ISO 32000-2, tables 197 to 200). One letter means different things to a field, a page and the
+// document.
+struct EVENT {
+    const char* key;
+    const char* name;
+};
+
+constexpr EVENT FIELD_EVENTS[] = {
+    {"K", "keystroke"},  {"F", "format"},      {"V", "validate"},      {"C", "calculate"},       {"E", "mouse enter"},
+    {"X", "mouse exit"}, {"D", "mouse down"},  {"U", "mouse up"},      {"Fo", "focus"},          {"Bl", "blur"},
+    {"PO", "page open"}, {"PC", "page close"}, {"PV", "page visible"}, {"PI", "page invisible"},
+};
+constexpr EVENT PAGE_EVENTS[] = {{"O", "open"}, {"C", "close"}};
+constexpr EVENT DOCUMENT_EVENTS[] = {
+    {"WC", "will close"}, {"WS", "will save"}, {"DS", "did save"}, {"WP", "will print"}, {"DP", "did print"},
+};
+
+constexpr const char* ACTION_KEYS[] = {"A", "AA", "Subtype"};
+constexpr CPDFKeySet ACTION_KEY_SET(ACTION_KEYS);
+
+class ActionLister {
+public:
+    ActionLister(CPDFDocument& document, const std::function<void(const PDF_LISTED_ACTION&)>& visit)
+        : m_document(document), m_xref(document.xref()), m_visit(visit)
+    {
+        for_each_field(document.form(), [this](CPDFField& field) { m_fields.emplace(field.m_ref.num, &field); });
+    }
+
+    void list_document()
+    {
+        const CPDFDictionary& root = *m_document.root().dict;
+        m_at = PDF_LISTED_ACTION();
+        m_at.object = m_document.root_ref().num;
+        CPDFObj scratch;
+        // A destination is no action.
+        const CPDFObj* open = root.get_item("OpenAction");
+        if (view_obj(&m_xref, open, scratch)->dictionary())
+            list(*open, "open");
+        list_events(root.get_item("AA"), DOCUMENT_EVENTS);
+        CPDFObj names_scratch;
+        const CPDFDictionary* names = view_obj(&m_xref, root.get_item("Names"), names_scratch)->dictionary();
+        if (const CPDFObj* scripts = names ? names->get_item("JavaScript") : nullptr)
+            list_name_tree(*scripts, 0);
+    }
+
+    void list_pages()
+    {
+        CPDFPageMap pages;
+        pages.load(m_xref, m_document.root());
+        for (int32_t page = 1; page <= pages.page_count(); ++page) {
+            CPDFObj own;
+            m_xref.get_entity(own, pages.page_ref(page), &ACTION_KEY_SET);
+            m_at = PDF_LISTED_ACTION();
+            m_at.page = page;
+            m_at.object = pages.page_ref(page).num;
+            if (own.dictionary())
+                list_events(own.dict->get_item("AA"), PAGE_EVENTS);
+        }
+    }
+
+    void list_field(CPDFField& field)
+    {
+        m_at = PDF_LISTED_ACTION();
+        m_at.field = &field;
+        list_holder(field.m_ref);
+        for (const CPDFAnnotWidget* widget : m_document.widgets_of(field)) {
+            if (!m_fields.count(widget->m_ref.num))
+                list_holder(widget->m_ref);
+        }
+        if (field.m_xfa_event == XFA_EVENT_NONE)
+            return;
+        m_at.object = 0;
+        m_at.event = "XFA event";
+        m_at.type = field.m_xfa_event == XFA_EVENT_SUBMIT ? "submit" : "reset";
+        m_at.target = field.m_xfa_target ? field.m_xfa_target : "";
+        m_visit(m_at);
+    }
+
+private:
+    // The actions of the dictionary of a field or a widget.
+    void list_holder(const PDF_REF& ref)
+    {
+        CPDFObj own;
+        m_xref.get_entity(own, ref, &ACTION_KEY_SET);
+        if (!own.dictionary())
+            return;
+        m_at.object = ref.num;
+        if (const CPDFObj* action = own.dict->get_item("A"))
+            list(*action, "activate");
+        list_events(own.dict->get_item("AA"), FIELD_EVENTS);
+    }
+
+    template <size_t N>
+    void list_events(const CPDFObj* entry, const EVENT (&events)[N])
+    {
+        CPDFObj scratch;
+        const CPDFDictionary* dict = view_obj(&m_xref, entry, scratch)->dictionary();
+        for (const EVENT& event : events) {
+            const CPDFObj* action = dict ? dict->get_item(event.key) : nullptr;
+            if (action)
+                list(*action, event.name);
+        }
+    }
+
+    // Document scripts stand in a name tree (ISO 32000-2, 7.9.6).
+    void list_name_tree(const CPDFObj& entry, int depth)
+    {
+        const bool again = entry.type == PDF_OBJ_REF && !m_seen.insert(entry.ref.num).second;
+        CPDFObj scratch;
+        const CPDFDictionary* node = view_obj(&m_xref, &entry, scratch)->dictionary();
+        if (!node || again || depth > LIMIT_PAGE_DEPTH)
+            return;
+        CPDFObj names_scratch;
+        const CPDFArray* names = view_obj(&m_xref, node->get_item("Names"), names_scratch)->array();
+        for (int32_t i = 0; names && i + 1 < names->count; i += 2) {
+            PDF_String name;
+            m_xref.read_obj_string(name, &names->items[i]);
+            list(names->items[i + 1], "script " + utf8_of(name));
+            name.release();
+        }
+        CPDFObj kids_scratch;
+        const CPDFArray* kids = view_obj(&m_xref, node->get_item("Kids"), kids_scratch)->array();
+        for (int32_t i = 0; kids && i < kids->count; ++i)
+            list_name_tree(kids->items[i], depth + 1);
+    }
+
+    void list(const CPDFObj& entry, const std::string& event)
+    {
+        const std::unique_ptr<CPDFAction> action(CPDFAction::parser_act(&m_xref, &entry));
+        m_at.event = event;
+        if (action)
+            list(*action);
+    }
+
+    void list(const CPDFAction& action)
+    {
+        m_at.type = action.type_name();
+        m_at.script = utf8_of(action.m_script);
+        m_at.target = utf8_of(action.m_target);
+        m_at.flags = action.m_flags;
+        m_at.fields.clear();
+        const CPDFArray* several = action.m_fields.array();
+        for (int32_t i = 0; i < (several ? several->count : 1); ++i)
+            add_target_field(several ? several->items[i] : action.m_fields);
+        m_visit(m_at);
+        for (const auto& next : action.m_next)
+            list(*next);
+    }
+
+    void add_target_field(const CPDFObj& entry)
+    {
+        const auto found = entry.type == PDF_OBJ_REF ? m_fields.find(entry.ref.num) : m_fields.end();
+        if (found != m_fields.end())
+            m_at.fields.push_back(full_name(*found->second));
+        else if (entry.type == PDF_OBJ_STRING)
+            m_at.fields.push_back(utf8_of(entry.str));
+    }
+
+    CPDFDocument& m_document;
+    CPDFXRefTable& m_xref;
+    const std::function<void(const PDF_LISTED_ACTION&)>& m_visit;
+    std::unordered_map<uint32_t, const CPDFField*> m_fields;  // borrowed, by object number
+    std::unordered_set<uint32_t> m_seen;                      // nodes of the name tree
+    PDF_LISTED_ACTION m_at;                                   // the one that is being filled in
+};
+
+}  // namespace
+
+void list_actions(CPDFDocument& document, CPDFField* only, const std::function<void(const PDF_LISTED_ACTION&)>& visit)
+{
+    ActionLister lister(document, visit);
+    const auto list_field = [&lister](CPDFField& field) { lister.list_field(field); };
+    if (only) {
+        for_each_field(*only, list_field);
+        return;
+    }
+    lister.list_document();
+    lister.list_pages();
+    for_each_field(document.form(), list_field);
+}
+
+std::vector<CPDFField*> calculation_order(CPDFDocument& document)
+{
+    std::unordered_map<uint32_t, CPDFField*> fields;
+    for_each_field(document.form(), [&fields](CPDFField& field) { fields.emplace(field.m_ref.num, &field); });
+    CPDFXRefTable& xref = document.xref();
+    CPDFObj form_scratch;
+    const CPDFObj* entry = document.root().dict->get_item(CPDFDictionary::sm_tag_acro_form);
+    const CPDFDictionary* form = view_obj(&xref, entry, form_scratch)->dictionary();
+    CPDFObj scratch;
+    const CPDFArray* order = view_obj(&xref, form ? form->get_item("CO") : nullptr, scratch)->array();
+    std::vector<CPDFField*> found;
+    for (int32_t i = 0; order && i < order->count; ++i) {
+        const auto field = order->items[i].type == PDF_OBJ_REF ? fields.find(order->items[i].ref.num) : fields.end();
+        if (field != fields.end())
+            found.push_back(field->second);
+    }
+    return found;
+}

@@ -1,0 +1,12 @@
+// Taking a field out of a document.
+#pragma once
+
+#include "document/edit.h"
+
+class CPDFField;
+
+// Removes `field` with all under it, its widgets from the pages that list them, and the fields from the calculation
+// order "CO"; the groups above it go, too, when nothing else is in them. "SigFlags" is cleared with the last signature
+// field. Ends the fields. Fails, with nothing changed, where the array that lists the field can't be read. `widgets`
+// are those of the form.
+CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetBinder& widgets);

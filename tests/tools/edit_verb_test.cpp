@@ -1,0 +1,113 @@
+// The verbs add, remove, rename, set and actions, from the command line to what `list` and `actions` then show.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/tools/command_run.h"
+
+namespace {
+
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class EditVerbTest : public testing::Test {
+protected:
+    EditVerbTest()
+        : file(folder.write("blank.pdf", pdf_of({"<</Pages 2 0 R>>", "<</Type/Pages/Kids[3 0 R]/Count 1>>",
+                                                 "<</Type/Page/Parent 2 0 R/MediaBox[0 0 300 300]>>"})))
+    {
+    }
+
+    CommandResult edit(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin() + 1, file);
+        return folder.run(arguments);
+    }
+
+    // Names, kinds and flags that the file has now.
+    std::string fields()
+    {
+        std::string text;
+        for (const auto& field : nlohmann::json::parse(folder.run({"list", "--json", file}).out))
+            text += field["name"].get<std::string>() + " " + field["kind"].get<std::string>() + " " +
+                    field["flags"].dump() + ";";
+        return text;
+    }
+
+    CommandFolder folder;
+    std::string file;
+};
+
+}  // namespace
+
+TEST_F(EditVerbTest, FormFromNothing)
+{
+    const std::vector<std::vector<std::string>> edits = {
+        {"add", "text", "a.b", "--rect", "1,2,30,10", "--multiline", "--in-place"},
+        {"add", "radio", "r", "--rect", "1,20,10,10", "--rect", "20.5,20,10,10", "--state", "add", "--state", "B",
+         "--in-place"},
+        {"add", "combo", "c", "--rect", "1,40,30,10", "--option", "[x,y]=Shown", "--edit", "--default", "free",
+         "--in-place"},
+        {"set", "a.b", "--multiline", "off", "--required", "on", "--max-length", "5", "--in-place"},
+        {"rename", "a.b", "new", "--top", "--in-place"},
+        {"fill", "new=12345", "r=add", "c=Shown", "--in-place"},
+    };
+    for (const auto& arguments : edits) {
+        const CommandResult result = edit(arguments);
+        EXPECT_EQ(result.exit, 0) << arguments[0] << result.err;
+    }
+    EXPECT_EQ(fields(), "a container 0;r radio 49152;c combo 393216;new text 2;");
+    EXPECT_EQ(folder.run({"get", file, "new", "r", "c"}).out, "12345\nadd\n[x,y]\n");
+    EXPECT_EQ(edit({"remove", "r", "a", "--in-place"}).exit, 0);
+    EXPECT_EQ(fields(), "c combo 393216;new text 2;");
+}
+
+TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
+{
+    ASSERT_EQ(edit({"add", "text", "t", "--rect", "1,2,30,10", "--in-place"}).exit, 0);
+    const struct {
+        std::vector<std::string> arguments;
+        int exit;
+        std::vector<const char*> parts;
+    } cases[] = {
+        {{"add", "text", "t", "--rect", "290,2,30,10", "--page", "1", "--comb"},
+         1,
+         {"\"t\" already", "not on page 1", "comb"}},
+        {{"add", "check", "n", "--rect", "1,1,9,9", "--page", "4"}, 1, {"no page 4"}},
+        {{"add", "slider", "n", "--rect", "1,1,9,9"}, 2, {"slider"}},
+        {{"add", "text", "n", "--rect", "1,1,9"}, 2, {"1,1,9"}},
+        {{"add", "text", "n", "--rect", "1,1,nan,9"}, 2, {"nan"}},
+        {{"remove", "x", "t", "y"}, 1, {"\"x\"", "\"y\""}},
+        {{"rename", "t", "a.b"}, 1, {"a.b"}},
+        {{"rename", "t"}, 2, {"new name"}},
+        {{"set", "t", "x", "--edit", "on"}, 1, {"\"edit\"", "\"x\""}},
+        {{"set", "t", "--edit", "maybe"}, 2, {"maybe"}},
+        {{"set", "t"}, 2, {"nothing to set"}},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> arguments = c.arguments;
+        arguments.insert(arguments.end(), {"-o", folder.path("out.pdf")});
+        const CommandResult result = edit(arguments);
+        EXPECT_EQ(result.exit, c.exit) << result.err;
+        for (const char* part : c.parts)
+            EXPECT_THAT(result.err, HasSubstr(part));
+        EXPECT_FALSE(fs::exists(folder.path("out.pdf")));
+    }
+    EXPECT_EQ(edit({"remove", "t"}).exit, 2) << "no output";
+    EXPECT_EQ(edit({"remove", "t", "-o", "-"}).out.substr(0, 5), "%PDF-");
+}
+
+TEST_F(EditVerbTest, Actions)
+{
+    file = folder.write("a.pdf", pdf_of({"<</AcroForm<</Fields[2 0 R 3 0 R]/CO[3 0 R]>>>>",
+                                         "<</T(one)/FT/Tx/AA<</K<</S/JavaScript/JS<FEFF0061202E000A0062>>>>>>>",
+                                         "<</T(two)/FT/Btn/A<</S/SubmitForm/F(http://x)/Fields[2 0 R]>>>>"}));
+    EXPECT_EQ(edit({"actions"}).out, "one: keystroke: JavaScript\n    a\\u202e\n    b\n"
+                                     "two: activate: SubmitForm http://x: one\ncalculation order: two\n");
+    const auto json = nlohmann::json::parse(edit({"actions", "--json", "two"}).out);
+    EXPECT_EQ(json["actions"].size(), 1u);
+    EXPECT_EQ(json["actions"][0]["target"], "http://x");
+    EXPECT_EQ(edit({"actions", "three"}).exit, 1);
+}

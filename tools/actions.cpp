@@ -1,0 +1,146 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "document/action_list.h"
+#include "document/document.h"
+#include "document/field_text.h"
+#include "formats/json_text.h"
+#include "forms/field.h"
+#include "tools/fill_plan.h"
+#include "tools/terminal_text.h"
+#include "tools/verb.h"
+
+namespace {
+
+struct ACTIONS_ARGUMENTS {
+    COMMAND_INPUT input;
+    std::vector<COMMAND_WORD> names;
+    bool json = false;
+};
+
+void append_text_entry(std::string& out, const char* key, const std::string& text)
+{
+    out.append(",\"").append(key).append("\":");
+    append_json_text(out, text);
+}
+
+// Appends a JSON array of names.
+template <typename List, typename NameOf>
+void append_names(std::string& out, const List& list, NameOf&& name_of)
+{
+    out += '[';
+    for (const auto& item : list) {
+        if (&item != &list.front())
+            out += ',';
+        append_json_text(out, name_of(item));
+    }
+    out += ']';
+}
+
+std::string json_of(const PDF_LISTED_ACTION& action)
+{
+    std::string out = "{\"name\":";
+    if (action.field)
+        append_json_text(out, full_name_with_no(*action.field));
+    else
+        out += "null";
+    out += ",\"page\":" + (action.page ? std::to_string(action.page) : "null");
+    out += ",\"object\":" + (action.object ? std::to_string(action.object) : "null");
+    append_text_entry(out, "event", action.event);
+    append_text_entry(out, "type", action.type);
+    append_text_entry(out, "script", action.script);
+    append_text_entry(out, "target", action.target);
+    out += ",\"flags\":" + std::to_string(action.flags) + ",\"fields\":";
+    append_names(out, action.fields, [](const std::string& name) { return name; });
+    return out + '}';
+}
+
+// `text` with every line behind an indent.
+std::string indented(const std::string& text)
+{
+    std::string lines;
+    for (const char c : text)
+        lines += c == '\r' ? '\n' : c;
+    std::string out = "    ";
+    for (const char c : printable_lines(lines)) {
+        out += c;
+        if (c == '\n')
+            out += "    ";
+    }
+    while (!out.empty() && (out.back() == ' ' || out.back() == '\n'))
+        out.pop_back();
+    return out + "\n";
+}
+
+std::string text_of(const PDF_LISTED_ACTION& action)
+{
+    std::string out = action.field  ? full_name_with_no(*action.field)
+                      : action.page ? "page " + std::to_string(action.page)
+                                    : "document";
+    out += ": " + action.event + ": " + (action.type.empty() ? "unknown action" : action.type);
+    if (!action.target.empty())
+        out += " " + action.target;
+    for (const std::string& name : action.fields)
+        out += (&name == &action.fields.front() ? ": " : ", ") + name;
+    return printable(out) + "\n" + (action.script.empty() ? "" : indented(action.script));
+}
+
+void put_order(const std::vector<CPDFField*>& order, bool json)
+{
+    std::string out;
+    const auto name_of = [](const CPDFField* field) { return full_name_with_no(*field); };
+    if (json) {
+        append_names(out, order, name_of);
+        put("],\n\"calculationOrder\":" + out + "}\n");
+        return;
+    }
+    for (const CPDFField* field : order)
+        out += (out.empty() ? "calculation order: " : ", ") + name_of(field);
+    put(out.empty() ? "" : printable(out) + "\n");
+}
+
+int put_actions(const ACTIONS_ARGUMENTS& arguments)
+{
+    CPDFDocument document;
+    if (!open_document(document, arguments.input))
+        return COMMAND_REFUSED;
+    std::vector<CPDFField*> fields;
+    for (const COMMAND_WORD& name : arguments.names) {
+        fields.push_back(document.field(name.text));
+        if (!fields.back())
+            complain(arguments.input.path.text, no_such_field(name.text));
+    }
+    if (std::find(fields.begin(), fields.end(), nullptr) != fields.end())
+        return COMMAND_REFUSED;
+    if (fields.empty())
+        fields.push_back(nullptr);
+    bool first = true;
+    const auto put_one = [&](const PDF_LISTED_ACTION& action) {
+        put(arguments.json ? (first ? "\n" : ",\n") + json_of(action) : text_of(action));
+        first = false;
+    };
+    put(arguments.json ? "{\"actions\":[" : "");
+    for (CPDFField* field : fields)
+        list_actions(document, field, put_one);
+    if (first && !arguments.json)
+        put(printable(arguments.input.path.text) + " has no actions there\n");
+    put_order(arguments.names.empty() ? calculation_order(document) : std::vector<CPDFField*>(), arguments.json);
+    return put_done();
+}
+
+}  // namespace
+
+void add_actions_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<ACTIONS_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("actions", "Shows what happens at which event: scripts, submits, links");
+    add_input(verb, arguments->input);
+    verb.add_option("NAME", arguments->names, "full names of fields; without one also the document and its pages")
+        ->option_text("...");
+    verb.add_flag("--json", arguments->json, "as JSON");
+    verb.footer(
+        "Each action stands as NAME: EVENT: TYPE with its script, if any, in the lines below. The order in which fields are\n"
+        "calculated comes last.");
+    verb.callback([arguments, &action] { action = [arguments] { return put_actions(*arguments); }; });
+}

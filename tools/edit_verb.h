@@ -1,0 +1,44 @@
+// What the verbs that change the structure of a form share.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "document/document.h"
+#include "tools/save_output.h"
+#include "tools/verb.h"
+
+struct EDIT_ARGUMENTS {
+    COMMAND_INPUT input;
+    OUTPUT_ARGUMENTS output;
+    bool force = false;
+
+    PDF_EDIT how() const { return force ? PDF_EDIT::FORCE : PDF_EDIT::RESPECT_SIGNATURES; }
+};
+
+// Adds the output and --force. The file is the verb's own first argument.
+void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments);
+
+// Opens the document, carries out `change` and saves. `change` returns a refusal for everything that can't be done;
+// nothing is written when there is one. Returns a COMMAND_EXIT.
+int edit_file(const EDIT_ARGUMENTS& arguments,
+              const std::function<std::vector<std::string>(CPDFDocument& document)>& change);
+
+// The refusals of one operation: none when it went well.
+std::vector<std::string> refusals_of(const CPDFStatus& status);
+
+// Flags, maximum length, default and options as words of the command line. --option comes as VALUE or VALUE=TEXT.
+struct CHANGE_ARGUMENTS {
+    std::vector<COMMAND_WORD> options;
+    std::vector<COMMAND_WORD> defaults;
+    COMMAND_WORD max_length;
+};
+
+void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments);
+
+// Makes `change` out of them, except for the flags. Returns what is wrong with a word; empty when nothing is.
+std::string read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change);
+
+// Reads a whole number of decimal digits, at most one billion; false for anything else.
+bool read_count(const std::string& text, int32_t& out);

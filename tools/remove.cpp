@@ -1,0 +1,47 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/edit_verb.h"
+#include "tools/fill_plan.h"
+
+namespace {
+
+struct REMOVE_ARGUMENTS {
+    EDIT_ARGUMENTS edit;
+    std::vector<COMMAND_WORD> names;
+};
+
+// A field whose group was removed before it is gone as asked.
+std::vector<std::string> remove_all(CPDFDocument& document, const REMOVE_ARGUMENTS& arguments)
+{
+    std::vector<std::string> refusals;
+    for (const COMMAND_WORD& name : arguments.names) {
+        if (!document.field(name.text))
+            refusals.push_back(no_such_field(name.text));
+    }
+    for (const COMMAND_WORD& name : arguments.names) {
+        CPDFField* field = refusals.empty() ? document.field(name.text) : nullptr;
+        if (!field)
+            continue;
+        if (const CPDFStatus status = document.remove_field(*field, arguments.edit.how()); !status.ok())
+            refusals.push_back(status.text);
+    }
+    return refusals;
+}
+
+}  // namespace
+
+void add_remove_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<REMOVE_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("remove", "Removes fields, with all under them and all that shows them");
+    add_input(verb, arguments->edit.input);
+    verb.add_option("NAME", arguments->names, "full names of fields or groups")->required()->option_text("...");
+    add_edit_options(verb, arguments->edit);
+    verb.footer("A group in which nothing is left goes, too.");
+    verb.callback([arguments, &action] {
+        action = [arguments] {
+            return edit_file(arguments->edit, [&](CPDFDocument& document) { return remove_all(document, *arguments); });
+        };
+    });
+}
