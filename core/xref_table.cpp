@@ -86,14 +86,18 @@ bool CPDFXRefTable::grow_entries(uint32_t num)
     if (num > LIMIT_OBJECT_NUMBER)
         return false;
     const uint32_t count = (num + ENTRY_STEP) / ENTRY_STEP * ENTRY_STEP;
-    void* grown = VXRealloc(m_entries, count * sizeof(PDF_XREF_ENTRY));
-    if (!grown) {
-        VXFree(m_entries);
-        m_entries = nullptr;
-        m_entry_cnt = 0;
-        return false;
+    if (count > m_entry_cap) {
+        const uint32_t capacity = std::max(count, m_entry_cap + m_entry_cap / 2);
+        void* grown = VXRealloc(m_entries, capacity * sizeof(PDF_XREF_ENTRY));
+        if (!grown) {
+            VXFree(m_entries);
+            m_entries = nullptr;
+            m_entry_cnt = m_entry_cap = 0;
+            return false;
+        }
+        m_entries = static_cast<PDF_XREF_ENTRY*>(grown);
+        m_entry_cap = capacity;
     }
-    m_entries = static_cast<PDF_XREF_ENTRY*>(grown);
     for (uint32_t i = m_entry_cnt; i < count; ++i)
         m_entries[i] = {PDF_XREF_FREE, 0, PDF_XREF_NO_GEN};
     m_entry_cnt = count;

@@ -143,6 +143,7 @@ private:
 
     PDF_XREF_ENTRY* m_entries = nullptr;  // owned
     uint32_t m_entry_cnt = 0;
+    uint32_t m_entry_cap = 0;  // entries that there is room for
     uint32_t m_next_num = 1;
     PDF_CHANGED_OBJ* m_changed = nullptr;  // owned
     PDF_ENTRY_BEFORE* m_before = nullptr;  // owned; beside m_changed

@@ -242,15 +242,22 @@ std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& fiel
     return bound_widgets().widgets_of(field);
 }
 
-CPDFStatus CPDFDocument::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan)
+std::vector<PDF_BUTTON_CHOICE> CPDFDocument::choices_of(const CPDFField& field)
+{
+    return button_choices(field, bound_widgets());
+}
+
+CPDFStatus CPDFDocument::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
+                                     PDF_WORDS words)
 {
     const CPDFWidgetBinder no_widgets;
     const bool button = field.m_type == FIELD_BUTTON;
     m_state->reader->renew_budget();
-    CPDFStatus status = plan_fill(field, value, fill, button ? bound_widgets() : no_widgets, plan);
-    if (!status.ok() || fill == PDF_FILL::FORCE)
+    CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : no_widgets, plan);
+    if (!status.ok() || fill == PDF_FILL::FORCE || plan.action == PDF_FILL_PLAN::KEEP)
         return status;
-    return signatures().check_fill(field);
+    status = signatures().check_fill(field);
+    return status.ok() || plan_keep(field, value, plan) ? CPDFStatus() : status;
 }
 
 CPDFStatus CPDFDocument::set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill)

@@ -78,9 +78,13 @@ public:
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed.
     std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field);
 
+    // What the widgets of a button field stand for, in their order; bound as above.
+    std::vector<PDF_BUTTON_CHOICE> choices_of(const CPDFField& field);
+
     // Decides what `value` means for `field` and whether the field takes it, see plan_fill; a field that a signature
     // locks is refused, too. Changes nothing.
-    CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan);
+    CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
+                           PDF_WORDS words = PDF_WORDS::STATES_FIRST);
 
     // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
     // Viewers are asked to draw the texts anew unless the file is signed.

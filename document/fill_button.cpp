@@ -63,7 +63,7 @@ std::vector<PDF_BUTTON_CHOICE> button_choices(const CPDFField& field, const CPDF
     return choices;
 }
 
-CPDFStatus plan_button(const CPDFValue& value, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
 {
     const CPDFField& field = *plan.field;
     const bool radio = (field.m_flags & FIELD_RADIO) != 0;
@@ -85,12 +85,13 @@ CPDFStatus plan_button(const CPDFValue& value, const CPDFWidgetBinder& widgets, 
         return take_bool(*on);
 
     const std::string& word = std::get<std::string>(value);
-    plan.button = find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return utf8_of_name(c.state) == word; });
+    const int by_state =
+        find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return utf8_of_name(c.state) == word; });
+    const int by_export = find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return c.export_value == word; });
+    const bool exported = by_export >= 0 && (by_state < 0 || words == PDF_WORDS::EXPORT_FIRST);
+    plan.button = exported ? by_export : by_state;
+    plan.coerced = by_state < 0 && word != OFF;
     if (plan.button >= 0 || word == OFF)
-        return {};
-    plan.button = find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return c.export_value == word; });
-    plan.coerced = true;
-    if (plan.button >= 0)
         return {};
     if (word == "true" || word == "false")
         return take_bool(word == "true");

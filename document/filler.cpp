@@ -1,5 +1,7 @@
 #include "document/filler.h"
 
+#include <algorithm>
+
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/field_text.h"
@@ -28,23 +30,33 @@ std::string quoted_list(const std::vector<std::string>& words)
 
 namespace {
 
-// Whether `value` says what the field has. A field without one has the empty text, which other programs write for
-// signatures and buttons.
-bool has_value(const CPDFField& field, const CPDFValue& value)
+std::vector<std::string> words_of(const VALUE_TEXT& held)
 {
-    const std::string* text = std::get_if<std::string>(&value);
-    if (field.m_value.type == PDF_OBJ_NULL)
-        return text && text->empty();
-    if (!takes_values(field.m_type, field.m_flags))
-        return false;
-    const VALUE_TEXT held = value_text(*field.m_xref, field.m_value);
-    if (text)
-        return held.present && !held.is_list && held.text == *text;
-    const auto* texts = std::get_if<std::vector<std::string>>(&value);
-    return texts && held.is_list && held.items == *texts;
+    return held.is_list ? held.items : std::vector<std::string>{held.text};
 }
 
-CPDFStatus plan_kind(const CPDFValue& value, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+// Whether `value` says what the field has; options count in any order.
+bool has_value(const CPDFField& field, const CPDFValue& value)
+{
+    if (!takes_values(field.m_type, field.m_flags) || std::holds_alternative<bool>(value))
+        return false;
+    const std::string* text = std::get_if<std::string>(&value);
+    const CPDFObj& stored = field.m_value;
+    if (stored.type == PDF_OBJ_STREAM)
+        return text && stream_text(*field.m_xref, *stored.stream) == *text;
+    const VALUE_TEXT held = value_text(*field.m_xref, stored);
+    if (!held.present)
+        return text && text->empty();
+    std::vector<std::string> has = words_of(held);
+    std::vector<std::string> given = text ? std::vector<std::string>{*text} : std::get<std::vector<std::string>>(value);
+    if (field.m_type == FIELD_CHOICE) {
+        std::sort(has.begin(), has.end());
+        std::sort(given.begin(), given.end());
+    }
+    return has == given;
+}
+
+CPDFStatus plan_kind(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
 {
     const CPDFField& field = *plan.field;
     switch (field.m_type) {
@@ -54,7 +66,7 @@ CPDFStatus plan_kind(const CPDFValue& value, const CPDFWidgetBinder& widgets, PD
         return plan_choice(value, plan);
     case FIELD_BUTTON:
         if (!(field.m_flags & FIELD_PUSH_BUTTON) || (field.m_flags & FIELD_RADIO))
-            return plan_button(value, widgets, plan);
+            return plan_button(value, words, widgets, plan);
         return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a push button, which has no value");
     case FIELD_SIGNATURE:
         return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a signature field, which can't be filled");
@@ -65,21 +77,31 @@ CPDFStatus plan_kind(const CPDFValue& value, const CPDFWidgetBinder& widgets, PD
 
 }  // namespace
 
-CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
-                     PDF_FILL_PLAN& plan)
+CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, PDF_WORDS words,
+                     const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
 {
     CPDFField& field = value_field(shown);
     plan = PDF_FILL_PLAN();
     plan.field = &field;
+    CPDFStatus status;
     if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
-        return refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
-    CPDFStatus status = plan_kind(value, widgets, plan);
-    if (status.ok() || !has_value(field, value))
-        return status;
+        status = refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
+    else
+        status = plan_kind(value, words, widgets, plan);
+    if (!status.ok() && plan_keep(field, value, plan))
+        return {};
+    return status;
+}
+
+bool plan_keep(CPDFField& shown, const CPDFValue& value, PDF_FILL_PLAN& plan)
+{
+    CPDFField& field = value_field(shown);
+    if (!has_value(field, value))
+        return false;
     plan = PDF_FILL_PLAN();
     plan.field = &field;
     plan.action = PDF_FILL_PLAN::KEEP;
-    return {};
+    return true;
 }
 
 CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,

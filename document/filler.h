@@ -23,6 +23,12 @@ enum class PDF_FILL {
     FORCE,
 };
 
+// What a word for a radio group or check box is looked up as first, where it is one button's state and another's export value.
+enum class PDF_WORDS {
+    STATES_FIRST,  // as lists of fields print them
+    EXPORT_FIRST,  // as other programs write them into data files
+};
+
 // What filling one field will do. Made by plan_fill, carried out by apply_fill while the form is as it was.
 struct PDF_FILL_PLAN {
     enum ACTION {
@@ -42,11 +48,13 @@ struct PDF_FILL_PLAN {
 
 // Decides what `value` means for `field`; for a field without a name, which only shows the value of the one above it, for
 // that one. Refuses, in a sentence that names the field, a kind that takes no value or not such a one, a read-only
-// field, a text longer than the maximum, and a state or option that isn't there; nothing is changed. Such a text, state
-// or option that the field has already is kept: forms in use hold them, and so do exports of those. An empty text is no
-// value.
-CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, const CPDFWidgetBinder& widgets,
-                     PDF_FILL_PLAN& plan);
+// field, a text longer than the maximum, and a state or option that isn't there; nothing is changed. A value that
+// the field has already is never refused: forms in use hold what their fields don't take, and so do exports of those.
+CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_WORDS words,
+                     const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan);
+
+// Makes `plan` keep what the field has, and returns true, when that is `value`.
+bool plan_keep(CPDFField& field, const CPDFValue& value, PDF_FILL_PLAN& plan);
 
 // Carries out a plan: the field's memory, its dictionary ("V", "I"; "RV" is dropped) and all its widgets' states. Appends
 // the fields whose values it changes to `changed`. Fails where the field's dictionary is missing or memory runs out.

@@ -18,7 +18,7 @@ CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string&
 std::string quoted_list(const std::vector<std::string>& words);
 
 CPDFStatus plan_text(const CPDFValue& value, PDF_FILL_PLAN& plan);
-CPDFStatus plan_button(const CPDFValue& value, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan);
+CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan);
 CPDFStatus plan_choice(const CPDFValue& value, PDF_FILL_PLAN& plan);
 
 void apply_text(FILL_TARGET& target, const PDF_FILL_PLAN& plan);

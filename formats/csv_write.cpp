@@ -1,5 +1,6 @@
 #include "formats/csv.h"
 #include "formats/data_writer.h"
+#include "forms/field.h"
 
 namespace {
 
@@ -12,6 +13,9 @@ public:
     {
         if (item.value.is_list && item.value.present)
             return refuse_export(item.name, "has several values, which a cell of CSV can't hold");
+        const bool is_empty = item.value.present && item.value.text.empty();
+        if (is_empty && item.field.m_def_value.type != PDF_OBJ_NULL)
+            return refuse_export(item.name, "is empty but has a default, which an empty cell of CSV can't say");
         append_csv_cell(m_out, item.name, m_columns == 0);
         append_csv_cell(m_values, item.value.present ? item.value.text : "", m_columns == 0);
         ++m_columns;

@@ -31,7 +31,7 @@ bool CPDFEntryList::join(std::string_view above, bool is_top, std::string_view p
     return true;
 }
 
-bool CPDFEntryList::add(const std::string& name, CPDFValue value)
+bool CPDFEntryList::add(const std::string& name, CPDFValue value, PDF_WORDS words)
 {
     size_t count = 0;
     size_t bytes = name.size();
@@ -40,6 +40,6 @@ bool CPDFEntryList::add(const std::string& name, CPDFValue value)
         return false;
     m_room -= bytes;
     m_values -= count;
-    m_out.push_back({name, std::move(value)});
+    m_out.push_back({name, std::move(value), words});
     return true;
 }

@@ -17,7 +17,7 @@ public:
     static bool join(std::string_view above, bool is_top, std::string_view part, std::string& name);
 
     // False when the entries take more than the limits allow.
-    bool add(const std::string& name, CPDFValue value);
+    bool add(const std::string& name, CPDFValue value, PDF_WORDS words);
 
 private:
     CPDFFormData& m_out;

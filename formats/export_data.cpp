@@ -80,7 +80,11 @@ private:
 class Exporter {
 public:
     Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, std::string& out)
-        : m_document(document), m_values(document.xref()), m_writer(make_writer(format, out)), m_out(out)
+        : m_document(document),
+          m_by_export(format == PDF_DATA_FORMAT::FDF || format == PDF_DATA_FORMAT::XFDF),
+          m_values(document.xref()),
+          m_writer(make_writer(format, out)),
+          m_out(out)
     {
     }
 
@@ -107,13 +111,32 @@ private:
         const std::string name = full_name(field);
         if (!m_names.is_new(name, field))
             return;
-        const VALUE_TEXT value = m_values.value_of(field);
-        m_status = m_writer->add({name, field, value});
+        VALUE_TEXT value = m_values.value_of(field);
+        const bool is_export = m_by_export && export_of(field, value.text);
+        m_status = m_writer->add({name, field, value, is_export});
         if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT))
             m_status = CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
     }
 
+    // Other programs know a button with options by its export value. Makes `state` that of the button that is on, where it
+    // has one and no other has the same.
+    bool export_of(const CPDFField& field, std::string& state)
+    {
+        if (field.m_type != FIELD_BUTTON || field.m_opt_cnt == 0 || field.m_value.type != PDF_OBJ_NAME)
+            return false;
+        const std::vector<PDF_BUTTON_CHOICE> choices = m_document.choices_of(field);
+        const auto on = std::find_if(choices.begin(), choices.end(), [&field](const PDF_BUTTON_CHOICE& choice) {
+            return field.m_value.is_name(choice.state.c_str());
+        });
+        const auto same = [&on](const PDF_BUTTON_CHOICE& choice) { return choice.export_value == on->export_value; };
+        if (on == choices.end() || std::count_if(choices.begin(), choices.end(), same) != 1)
+            return false;
+        state = on->export_value;
+        return true;
+    }
+
     CPDFDocument& m_document;  // borrowed from the caller
+    bool m_by_export;          // whether the format is one that other programs read
     CPDFExportValues m_values;
     std::unique_ptr<CPDFDataWriter> m_writer;
     const std::string& m_out;  // borrowed from the caller

@@ -21,8 +21,12 @@ public:
     {
         m_fault = m_file.start();
         if (m_fault.empty()) {
+            CPDFObj scratch;
+            const CPDFObj* encoding = view_obj(&m_file.xref(), m_file.fdf()->get_item("Encoding"), scratch);
             const CPDFObj* fields = m_file.fdf()->get_item("Fields");
-            if (fields)
+            if (encoding->type == PDF_OBJ_NAME && !encoding->is_name("PDFDocEncoding"))
+                fail("the texts are in " + utf8_of_name(encoding->name) + ", which is not supported");
+            else if (fields)
                 read_fields(*fields, nullptr, 0);
         }
         if (m_file.exhausted())
@@ -73,6 +77,8 @@ private:
         }
         const CPDFObj* value = field.get_item("V");
         const CPDFObj* kids = field.get_item("Kids");
+        if (!value && field.get_item("RV"))
+            return fail("field \"" + name + "\" has rich text only, which is not supported");
         return (!value || read_value(*value, name)) && (!kids || read_fields(*kids, &name, depth + 1));
     }
 
@@ -80,6 +86,9 @@ private:
     {
         CPDFObj scratch;
         const CPDFObj& value = *view_obj(&m_file.xref(), &entry, scratch);
+        if (value.type == PDF_OBJ_NULL && entry.type == PDF_OBJ_REF && !m_file.xref().entry_of(entry.ref.num))
+            return fail("the value of field \"" + name + "\" is object " + std::to_string(entry.ref.num) +
+                        ", which is not in the file");
         if (value.type == PDF_OBJ_NULL || (value.type == PDF_OBJ_NAME && !*value.name))
             return true;
         VALUE_TEXT text;
@@ -94,8 +103,9 @@ private:
         }
         if (!text.present)
             return fail("the value of field \"" + name + "\" is neither a text, a name, a number nor a list of them");
-        const bool fits =
-            text.is_list ? m_entries.add(name, std::move(text.items)) : m_entries.add(name, std::move(text.text));
+        const PDF_WORDS words = value.type == PDF_OBJ_NAME ? PDF_WORDS::STATES_FIRST : PDF_WORDS::EXPORT_FIRST;
+        const bool fits = text.is_list ? m_entries.add(name, std::move(text.items), words)
+                                       : m_entries.add(name, std::move(text.text), words);
         return fits || fail("the values are more than what is supported");
     }
 

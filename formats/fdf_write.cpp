@@ -71,7 +71,7 @@ private:
 
     CPDFStatus write_value(const PDF_EXPORT_ITEM& item)
     {
-        if (item.field.m_type == FIELD_BUTTON)
+        if (item.field.m_type == FIELD_BUTTON && !item.is_export)
             return write_state(item);
         if (!item.value.is_list) {
             write_text(m_out, item.value.text);

@@ -12,6 +12,8 @@
 struct CPDFFormEntry {
     std::string name;
     CPDFValue value;
+    PDF_WORDS words = PDF_WORDS::STATES_FIRST;
+    bool is_typed = false;  // not from a file: an empty text was meant
 };
 
 // In the order of the file. A name may come more than once.

@@ -126,7 +126,7 @@ private:
         else
             value = std::move(level.values);
         m_why = TOO_MUCH;
-        return m_entries.add(level.name, std::move(value));
+        return m_entries.add(level.name, std::move(value), PDF_WORDS::EXPORT_FIRST);
     }
 
     CPDFXmlReader m_xml;

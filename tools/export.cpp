@@ -175,7 +175,7 @@ constexpr const char* FOOTER =
   xfdf   the same as XFDF
   csv    a row of names and a row of values; a field with several values is refused
 url and xml use the fields' own names, the last four the full names. With names, the last four also have the fields under those
-that are named. A field without a value is left out, but has a column in CSV.)";
+that are named. A default counts as a value; a field without either is left out, but has a column in CSV.)";
 
 }  // namespace
 

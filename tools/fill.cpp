@@ -42,6 +42,18 @@ void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const s
         put(report);
 }
 
+void complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
+{
+    constexpr size_t MOST = 1000;
+    size_t refused = 0;
+    for (const FILL_ITEM& item : items) {
+        if (!item.refusal.empty() && ++refused <= MOST)
+            complain(arguments.input.path.text, item.refusal);
+    }
+    if (refused > MOST)
+        complain(arguments.input.path.text, std::to_string(refused - MOST) + " more values are refused");
+}
+
 int fill_once(const FILL_ARGUMENTS& arguments)
 {
     CPDFFormData data;
@@ -51,19 +63,18 @@ int fill_once(const FILL_ARGUMENTS& arguments)
             complain(arguments.data.text, status.text);
             return COMMAND_REFUSED;
         }
+        if (data.empty())
+            complain(arguments.data.text, "note: the file has no values");
     }
     CPDFDocument document;
     if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
         return COMMAND_REFUSED;
     for (const COMMAND_WORD& assignment : arguments.assignments) {
         const size_t at = find_assign(document, assignment.text);
-        data.push_back({assignment.text.substr(0, at), assignment.text.substr(at + 1)});
+        data.push_back({assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
     }
     const std::vector<FILL_ITEM> items = plan_items(document, data, arguments.how());
-    for (const FILL_ITEM& item : items) {
-        if (!item.refusal.empty())
-            complain(arguments.input.path.text, item.refusal);
-    }
+    complain_of_refusals(arguments, items);
     CPDFStatus status = apply_items(document, items);
     if (!status.ok()) {
         complain(arguments.input.path.text, status.text);
@@ -104,6 +115,8 @@ std::string wrong_place(const FILL_ARGUMENTS& arguments)
     const bool pattern = output != "-" && !arguments.output.in_place;
     if (!arguments.batch.text.empty() && !pattern)
         return "--batch writes many files: give -o a pattern such as out/{id}.pdf";
+    if (is_same_file(output, arguments.data.text))
+        return in_quotes(output) + " is the file with the data";
     return wrong_output(arguments.input, arguments.output);
 }
 
@@ -145,7 +158,7 @@ Data files, in UTF-8:
   .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
   .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
   .fdf    FDF, as formwork export and other programs write it
-  .xfdf   XFDF; rich text is read where it comes with its plain text
+  .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
 
 A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
@@ -155,7 +168,7 @@ counted from 1 without the names. A row that is refused is told on standard erro
 --jobs pay even on one processor, since each of them waits for the disk.
 
 --report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
-something else than it said, such as a shown text) or refused, which why explains.)";
+something else than it said, such as a shown text), kept (the field has it already) or refused, which why explains.)";
 
 }  // namespace
 

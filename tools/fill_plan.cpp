@@ -18,6 +18,23 @@ bool is_utf8_value(const CPDFValue& value)
     return !texts || std::all_of(texts->begin(), texts->end(), [](const std::string& text) { return is_utf8(text); });
 }
 
+bool has_escape(const CPDFValue& value)
+{
+    const auto escaped = [](const std::string& text) { return text.find('\x1b') != std::string::npos; };
+    if (const auto* text = std::get_if<std::string>(&value))
+        return escaped(*text);
+    const auto* texts = std::get_if<std::vector<std::string>>(&value);
+    return texts && std::any_of(texts->begin(), texts->end(), escaped);
+}
+
+// Other programs write empty texts into their data files for signatures and push buttons.
+bool says_nothing(const FILL_ITEM& item)
+{
+    const auto* text = std::get_if<std::string>(&item.value);
+    const CPDFField& field = *item.plan.field;
+    return !item.is_typed && text && text->empty() && !takes_values(field.m_type, field.m_flags);
+}
+
 bool takes_several(const CPDFField& field)
 {
     return field_kind(field.m_type, field.m_flags).id == KIND_LIST && (field.m_flags & FIELD_MULTI_SELECT);
@@ -48,13 +65,15 @@ public:
     {
         CPDFField* field = m_document.field(entry.name);
         if (!field) {
-            m_items.push_back({entry.name, entry.value, {}, no_such_field(entry.name)});
+            m_items.push_back({entry.name, entry.value, {}, no_such_field(entry.name), entry.words, entry.is_typed});
             return;
         }
         const auto [earlier, is_first] = m_item_of.emplace(field->m_ref.num, m_items.size());
         if (!is_first && takes_several(*field) && join_values(m_items[earlier->second].value, entry.value))
             return;
-        FILL_ITEM item{entry.name, entry.value, {}, {}};
+        if (!is_first && m_items[earlier->second].value == entry.value)
+            return;
+        FILL_ITEM item{entry.name, entry.value, {}, {}, entry.words, entry.is_typed};
         item.plan.field = field;
         if (!is_first)
             item.refusal = "field " + in_quotes(entry.name) + " is given more than one value";
@@ -66,10 +85,15 @@ public:
         for (FILL_ITEM& item : m_items) {
             if (!item.refusal.empty())
                 continue;
-            if (is_utf8_value(item.value))
-                item.refusal = m_document.check_value(*item.plan.field, item.value, m_fill, item.plan).text;
-            else
+            if (!is_utf8_value(item.value))
                 item.refusal = "the value for " + in_quotes(item.name) + " is not UTF-8";
+            else if (has_escape(item.value))
+                item.refusal =
+                    "the value for " + in_quotes(item.name) + " has an escape character, which PDF text can't hold";
+            else if (says_nothing(item))
+                item.plan.action = PDF_FILL_PLAN::KEEP;
+            else
+                item.refusal = m_document.check_value(*item.plan.field, item.value, m_fill, item.plan, item.words).text;
         }
         return std::move(m_items);
     }
@@ -108,7 +132,13 @@ CPDFStatus apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& ite
 
 std::string in_quotes(std::string_view text)
 {
-    return "\"" + std::string(text) + "\"";
+    constexpr size_t MOST = 80;
+    if (text.size() <= MOST)
+        return "\"" + std::string(text) + "\"";
+    size_t end = MOST;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return "\"" + std::string(text.substr(0, end)) + "...\"";
 }
 
 std::string no_such_field(std::string_view name)

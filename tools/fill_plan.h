@@ -16,6 +16,8 @@ struct FILL_ITEM {
     CPDFValue value;
     PDF_FILL_PLAN plan;   // usable when `refusal` is empty
     std::string refusal;  // a sentence
+    PDF_WORDS words = PDF_WORDS::STATES_FIRST;
+    bool is_typed = false;
 };
 
 // Checks all of `data`, changing nothing. Values for one list box that takes several are joined; a second value for any
@@ -28,7 +30,7 @@ bool all_accepted(const std::vector<FILL_ITEM>& items);
 // Carries out the plans that were accepted, up to the first that fails.
 CPDFStatus apply_items(CPDFDocument& document, const std::vector<FILL_ITEM>& items);
 
-// `text` between quotes, for a sentence.
+// `text` between quotes, for a sentence; cut when it is long.
 std::string in_quotes(std::string_view text);
 
 // The start of a sentence about a name that no field has.

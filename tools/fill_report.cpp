@@ -13,6 +13,13 @@ std::string clean(const std::string& text)
     return is_utf8(text) ? text : printable_lines(text);
 }
 
+const char* result_of(const PDF_FILL_PLAN& plan)
+{
+    if (plan.action == PDF_FILL_PLAN::KEEP)
+        return "kept";
+    return plan.coerced ? "coerced" : "set";
+}
+
 void append_given(std::string& out, const CPDFValue& value)
 {
     if (const bool* flag = std::get_if<bool>(&value)) {
@@ -42,7 +49,7 @@ void append_report(std::string& out, CPDFDocument& document, const std::vector<F
         out += "\"name\":";
         append_json_text(out, clean(item.name));
         if (item.refusal.empty()) {
-            out.append(",\"result\":\"").append(item.plan.coerced ? "coerced" : "set").append("\",\"value\":");
+            out.append(",\"result\":\"").append(result_of(item.plan)).append("\",\"value\":");
             append_json_value(out, value_text(document.xref(), item.plan.field->m_value));
         } else {
             out += ",\"result\":\"refused\",\"why\":";
