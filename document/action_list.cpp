@@ -39,13 +39,21 @@ constexpr EVENT DOCUMENT_EVENTS[] = {
 
 constexpr const char* ACTION_KEYS[] = {"A", "AA", "Subtype"};
 constexpr CPDFKeySet ACTION_KEY_SET(ACTION_KEYS);
+constexpr const char* PAGE_KEYS[] = {"AA", "Annots"};
+constexpr CPDFKeySet PAGE_KEY_SET(PAGE_KEYS);
+constexpr const char* BOOKMARK_KEYS[] = {"A", "Title", "First", "Next"};
+constexpr CPDFKeySet BOOKMARK_KEY_SET(BOOKMARK_KEYS);
 
 class ActionLister {
 public:
     ActionLister(CPDFDocument& document, const std::function<void(const PDF_LISTED_ACTION&)>& visit)
         : m_document(document), m_xref(document.xref()), m_visit(visit)
     {
-        for_each_field(document.form(), [this](CPDFField& field) { m_fields.emplace(field.m_ref.num, &field); });
+        for_each_field(document.form(), [this](CPDFField& field) {
+            m_fields.emplace(field.m_ref.num, &field);
+            for (const CPDFAnnotWidget* widget : m_document.widgets_of(field))
+                m_widgets.insert(widget->m_ref.num);
+        });
     }
 
     void list_document()
@@ -65,18 +73,54 @@ public:
             list_name_tree(*scripts, 0);
     }
 
+    // The items of "Outlines" from the top down (ISO 32000-2, 12.3.3).
+    void list_bookmarks()
+    {
+        m_at = PDF_LISTED_ACTION();
+        CPDFObj scratch;
+        const CPDFObj* outlines = m_document.root().dict->get_item("Outlines");
+        std::vector<PDF_REF> pending;
+        const auto push = [&pending](const CPDFDictionary* dict, const char* key) {
+            const CPDFObj* entry = dict ? dict->get_item(key) : nullptr;
+            if (entry && entry->type == PDF_OBJ_REF)
+                pending.push_back(entry->ref);
+        };
+        push(view_obj(&m_xref, outlines, scratch)->dictionary(), "First");
+        while (!pending.empty()) {
+            const PDF_REF ref = pending.back();
+            pending.pop_back();
+            CPDFObj item;
+            if (m_seen.insert(ref.num).second)
+                m_xref.get_entity(item, ref, &BOOKMARK_KEY_SET);
+            const CPDFDictionary* dict = item.dictionary();
+            push(dict, "Next");
+            push(dict, "First");
+            if (const CPDFObj* action = dict ? dict->get_item("A") : nullptr) {
+                m_at.object = ref.num;
+                PDF_String title;
+                m_xref.read_obj_string(title, dict->get_item("Title"));
+                list(*action, "bookmark " + utf8_of(title));
+                title.release();
+            }
+        }
+    }
+
     void list_pages()
     {
         CPDFPageMap pages;
         pages.load(m_xref, m_document.root());
         for (int32_t page = 1; page <= pages.page_count(); ++page) {
+            const PDF_REF& ref = pages.page_ref(page);
             CPDFObj own;
-            m_xref.get_entity(own, pages.page_ref(page), &ACTION_KEY_SET);
+            if (m_seen.insert(ref.num).second)
+                m_xref.get_entity(own, ref, &PAGE_KEY_SET);
             m_at = PDF_LISTED_ACTION();
             m_at.page = page;
-            m_at.object = pages.page_ref(page).num;
-            if (own.dictionary())
-                list_events(own.dict->get_item("AA"), PAGE_EVENTS);
+            m_at.object = ref.num;
+            if (!own.dictionary())
+                continue;
+            list_events(own.dict->get_item("AA"), PAGE_EVENTS);
+            list_annotations(own.dict->get_item("Annots"), ref.num);
         }
     }
 
@@ -99,17 +143,39 @@ public:
     }
 
 private:
-    // The actions of the dictionary of a field or a widget.
+    // Those that show no field. A list that pages share counts for the first.
+    void list_annotations(const CPDFObj* entry, uint32_t page)
+    {
+        if (entry && entry->type == PDF_OBJ_REF && !m_seen.insert(entry->ref.num).second)
+            return;
+        CPDFObj scratch;
+        const CPDFArray* annotations = view_obj(&m_xref, entry, scratch)->array();
+        for (int32_t i = 0; annotations && i < annotations->count; ++i) {
+            const CPDFObj& at = annotations->items[i];
+            const uint32_t num = at.type == PDF_OBJ_REF ? at.ref.num : 0;
+            if (num && !m_fields.count(num) && !m_widgets.count(num) && m_seen.insert(num).second)
+                list_holder(at.ref);
+            m_at.object = page;
+            if (const CPDFDictionary* direct = at.dictionary())
+                list_holder(*direct);
+        }
+    }
+
+    // The actions of the dictionary of a field or an annotation.
     void list_holder(const PDF_REF& ref)
     {
         CPDFObj own;
         m_xref.get_entity(own, ref, &ACTION_KEY_SET);
-        if (!own.dictionary())
-            return;
         m_at.object = ref.num;
-        if (const CPDFObj* action = own.dict->get_item("A"))
+        if (own.dictionary())
+            list_holder(*own.dict);
+    }
+
+    void list_holder(const CPDFDictionary& dict)
+    {
+        if (const CPDFObj* action = dict.get_item("A"))
             list(*action, "activate");
-        list_events(own.dict->get_item("AA"), FIELD_EVENTS);
+        list_events(dict.get_item("AA"), FIELD_EVENTS);
     }
 
     template <size_t N>
@@ -182,27 +248,36 @@ private:
     CPDFXRefTable& m_xref;
     const std::function<void(const PDF_LISTED_ACTION&)>& m_visit;
     std::unordered_map<uint32_t, const CPDFField*> m_fields;  // borrowed, by object number
-    std::unordered_set<uint32_t> m_seen;                      // nodes of the name tree
+    std::unordered_set<uint32_t> m_widgets;                   // of these fields
+    std::unordered_set<uint32_t> m_seen;                      // objects that were listed, and those that list them
     PDF_LISTED_ACTION m_at;                                   // the one that is being filled in
 };
 
 }  // namespace
 
-void list_actions(CPDFDocument& document, CPDFField* only, const std::function<void(const PDF_LISTED_ACTION&)>& visit)
+CPDFStatus list_actions(CPDFDocument& document, CPDFField* only,
+                        const std::function<void(const PDF_LISTED_ACTION&)>& visit)
 {
+    document.begin_reading();
     ActionLister lister(document, visit);
     const auto list_field = [&lister](CPDFField& field) { lister.list_field(field); };
     if (only) {
         for_each_field(*only, list_field);
-        return;
+    } else {
+        lister.list_document();
+        lister.list_bookmarks();
+        lister.list_pages();
+        for_each_field(document.form(), list_field);
     }
-    lister.list_document();
-    lister.list_pages();
-    for_each_field(document.form(), list_field);
+    if (document.reading_ended())
+        return CPDFStatus::failed(PDF_CODE::LIMIT,
+                                  "the actions take more work to read than the size of the file justifies");
+    return {};
 }
 
 std::vector<CPDFField*> calculation_order(CPDFDocument& document)
 {
+    document.begin_reading();
     std::unordered_map<uint32_t, CPDFField*> fields;
     for_each_field(document.form(), [&fields](CPDFField& field) { fields.emplace(field.m_ref.num, &field); });
     CPDFXRefTable& xref = document.xref();

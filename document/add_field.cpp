@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/alloc.h"
+#include "core/limits.h"
 #include "document/field_appearance.h"
 #include "document/field_text.h"
 #include "document/field_tree.h"
@@ -77,11 +78,14 @@ public:
     {
         m_kind = new_kind(m_field.kind);
         if (!m_kind)
-            return CPDFStatus::failed(PDF_CODE::BAD_EDIT, "fields of this kind can't be added");
+            return CPDFStatus::failed(
+                PDF_CODE::BAD_EDIT,
+                "fields of this kind can't be added: only text, check, radio, combo, list and signature");
         m_shape = {row_of(*m_kind), m_kind->flags, 0, {}, m_field.states};
         check_name();
         check_states();
         check_place();
+        check_group();
         change_shape(m_field.entries, m_field.name, m_shape, m_refusals);
         return m_refusals.status();
     }
@@ -95,6 +99,8 @@ public:
             if (CPDFStatus status = need_font(m_target, m_kind->font, m_kind->base_font); !status.ok())
                 return status;
         }
+        if (own_annotations(m_target.xref, m_target.pages, m_field.page) != PDF_CHANGE_RESULT::STORED)
+            return no_memory_to_edit();
         CPDFField* parent = make_parents();
         const PDF_REF ref = m_field.kind == KIND_RADIO ? make_group(parent) : make_merged(parent);
         added = memory.failed() ? nullptr : attach_field(m_target, parent, ref);
@@ -109,6 +115,12 @@ private:
         const std::vector<std::string> parts = parts_of(m_field.name);
         if (std::any_of(parts.begin(), parts.end(), [](const std::string& part) { return part.empty(); })) {
             m_refusals.add("\"" + m_field.name + "\" is no name for a field: every part between dots needs a letter");
+            return;
+        }
+        if (parts.size() + (m_kind->id == KIND_RADIO ? 1 : 0) > LIMIT_FIELD_DEPTH)
+            m_refusals.add("the fields would be too deep inside one another");
+        if (!is_readable_name(m_field.name)) {
+            m_refusals.add("the full name would be longer than " + std::to_string(LIMIT_FULL_NAME) + " bytes");
             return;
         }
         if (field_named(m_target, m_field.name))
@@ -156,7 +168,7 @@ private:
         for (const PDF_RECT& rect : m_field.rects) {
             const std::string shown = "the rectangle " + number_syntax(rect.x) + "," + number_syntax(rect.y) + "," +
                                       number_syntax(rect.width) + "," + number_syntax(rect.height);
-            if (rect.width <= 0 || rect.height <= 0)
+            if (rect.width < PDF_RECT::SMALLEST || rect.height < PDF_RECT::SMALLEST)
                 m_refusals.add(shown + " is empty");
             else if (there && !box.holds(rect))
                 m_refusals.add(shown + " is not on page " + std::to_string(m_field.page) + ", which goes from " +
@@ -167,6 +179,21 @@ private:
         if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_shape.states.size()))
             m_refusals.add("field \"" + m_field.name + "\" needs one rectangle" +
                            (m_kind->id == KIND_RADIO ? ", or one for each button" : ""));
+    }
+
+    // What the nearest group that is there makes of the field.
+    void check_group()
+    {
+        if (m_kind->id != KIND_TEXT)
+            return;
+        const CPDFField* group = nullptr;
+        for (size_t dot = m_field.name.rfind('.'); dot != std::string::npos && dot > 0 && !group;
+             dot = m_field.name.rfind('.', dot - 1))
+            group = field_named(m_target, m_field.name.substr(0, dot));
+        m_shape.max_length = inherited_max_length(group);
+        if (m_shape.max_length && m_field.entries.max_length == 0)
+            m_refusals.add("field \"" + m_field.name +
+                           "\" has the maximum length of its group, which can't be taken away");
     }
 
     const PDF_REF& page_ref() const { return m_target.pages.page_ref(m_field.page); }
@@ -199,7 +226,8 @@ private:
     {
         std::string out = std::string("/FT/") + m_kind->type + "/T " + string_syntax(parts_of(m_field.name).back());
         out += parent_entry(parent);
-        if (m_shape.flags)
+        CPDFObj above;
+        if (m_shape.flags || inherited_entry(parent, "Ff", above))
             out += "/Ff " + std::to_string(m_shape.flags);
         if (m_kind->font)
             out += "/DA " + string_syntax(m_shape.flags & FIELD_MULTILINE ? "/Helv 10 Tf 0 g" : m_kind->appearance);
@@ -207,9 +235,15 @@ private:
             out += "/MaxLen " + std::to_string(m_shape.max_length);
         if (m_field.entries.options)
             out += options_entry();
-        if (m_kind->type == std::string("Btn"))
-            out += "/V/Off";
-        return out;
+        const bool button = m_kind->type == std::string("Btn");
+        for (const char* key : {"V", "DV"}) {
+            CPDFObj value;
+            if (button ? key == std::string("V") || inherited_entry(parent, key, value)
+                       : m_kind->id != KIND_SIGNATURE && inherited_entry(parent, key, value))
+                out += std::string("/") + key + (button ? "/Off" : "()");
+        }
+        CPDFObj scripts;
+        return inherited_entry(parent, "AA", scripts) ? out + "/AA<<>>" : out;
     }
 
     std::string options_entry() const

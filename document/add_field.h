@@ -22,6 +22,7 @@ struct PDF_NEW_FIELD {
 
 // Adds the field, in a form dictionary that is made when there is none, with simple appearances; `added` is the field
 // then. Refuses, with everything that is wrong, a kind that can't be added or what doesn't fit it, a name that is taken
-// or below a field that can't hold others, a page that isn't there, and a rectangle that is empty or not on the page;
-// nothing is changed then.
+// or below a field that can't hold others, too long or too deep to be found again, a page that isn't there, and a
+// rectangle that is empty or not on the page; nothing is changed then. Of a group above it the field takes no flags, value
+// or scripts, but the maximum length where it is given none.
 CPDFStatus add_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added);

@@ -382,7 +382,8 @@ CPDFStatus CPDFDocument::reset_xfa()
 CPDFStatus CPDFDocument::begin_edit(CPDFField*& field, PDF_EDIT edit)
 {
     State& state = *m_state;
-    state.load_form();
+    if (CPDFStatus status = state.load_whole_form(); !status.ok())
+        return status;
     state.reader->renew_budget();
     if (field && state.branches->known(field->m_ref) == field) {
         field = state.form.find(field->m_ref);
@@ -421,7 +422,12 @@ CPDFStatus CPDFDocument::add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit, CP
         if (status.ok())
             status = set_value(*added, *value, PDF_FILL::FORCE);
     }
-    ask_to_draw();
+    if (!status.ok()) {
+        (void)::remove_field(target, *added, bound_widgets());
+        return status;
+    }
+    if (added->m_type == FIELD_TEXT || added->m_type == FIELD_CHOICE)
+        ask_to_draw();
     if (out)
         *out = added;
     return status;
@@ -454,8 +460,11 @@ CPDFStatus CPDFDocument::move_field(CPDFField& field, CPDFField* parent, PDF_EDI
     CPDFStatus status = begin_edit(moved, edit);
     if (!status.ok())
         return status;
+    CPDFField* group = parent ? m_state->form.find(above) : nullptr;
+    if (parent && !group)
+        return CPDFStatus::failed(PDF_CODE::NO_FIELD, "the group is not in the form that was loaded as a whole");
     EDIT_TARGET target = edit_target();
-    status = ::move_field(target, *moved, parent ? m_state->form.find(above) : nullptr, moved);
+    status = ::move_field(target, *moved, group, moved);
     if (status.ok())
         forget_widgets();
     if (out)
@@ -469,9 +478,21 @@ CPDFStatus CPDFDocument::change_field(CPDFField& field, const PDF_FIELD_CHANGE& 
     CPDFStatus status = begin_edit(changed, edit);
     if (status.ok())
         status = ::change_field(*changed, change, bound_widgets());
-    if (status.ok() && changed->m_type != FIELD_BUTTON)
+    constexpr uint32_t DRAWN = FIELD_MULTILINE | FIELD_PASSWORD | FIELD_COMB;
+    if (status.ok() && (change.options || change.max_length || ((change.set_flags | change.clear_flags) & DRAWN)))
         ask_to_draw();
     return status;
+}
+
+void CPDFDocument::begin_reading()
+{
+    bound_widgets();
+    m_state->reader->renew_budget();
+}
+
+bool CPDFDocument::reading_ended() const
+{
+    return m_state->reader->exhausted();
 }
 
 void CPDFDocument::revert()

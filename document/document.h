@@ -112,7 +112,8 @@ public:
     // keeps names, widgets and tree in step, and refuses, with nothing changed, what signatures forbid unless `edit` is
     // FORCE, and what the functions of the same names say (add_field.h, remove_field.h, rename_field.h, set_field.h).
     // When memory runs out a part may be done. XFA data stay as they are. The new field is handed out in `added` unless
-    // that is null. Viewers are asked to draw as set_value asks them.
+    // that is null. Viewers are asked to draw, as set_value asks them, where texts look different: for a new text or
+    // choice field, changed options, another maximum length, and several lines, passwords or combs switched on or off.
     CPDFStatus add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES,
                          CPDFField** added = nullptr);
     // Ends the field and those under it.
@@ -125,6 +126,12 @@ public:
                           CPDFField** moved = nullptr);
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // For whoever reads much through xref(): begin_reading allows as much work again as the opening of the file does, with
+    // the form loaded and its widgets bound before; reading_ended tells whether that was used up, after which objects
+    // read as absent.
+    void begin_reading();
+    bool reading_ended() const;
 
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     // After a call that is to change the structure the form is loaded anew, which ends all fields.

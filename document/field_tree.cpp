@@ -4,12 +4,14 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "core/limits.h"
 #include "document/edit_array.h"
 #include "document/field_text.h"
 #include "document/name_index.h"
 #include "document/page_map.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
+#include "forms/field_inherit.h"
 #include "forms/field_walk.h"
 
 namespace {
@@ -86,4 +88,33 @@ std::string wrong_partial_name(const std::string& name)
     if (name.empty())
         return "a field needs a name";
     return name.find('.') == std::string::npos ? "" : "the name \"" + name + "\" holds a '.', which parts full names";
+}
+
+bool is_readable_name(const std::string& name)
+{
+    // full_name adds no part to a name that has no room for one more character of any size.
+    constexpr size_t LONGEST_CHARACTER = 4;
+    const size_t last_dot = name.rfind('.');
+    const size_t above = last_dot == std::string::npos ? 0 : last_dot;
+    return name.size() <= LIMIT_FULL_NAME && above + LONGEST_CHARACTER <= LIMIT_FULL_NAME;
+}
+
+bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out)
+{
+    const char* const keys[] = {key};
+    const CPDFKeySet key_set(keys);
+    for (const CPDFField* above = parent; above; above = above->m_parent) {
+        CPDFObj dict;
+        above->m_xref->get_entity(dict, above->m_ref, &key_set);
+        if (CPDFObj* entry = dict.dictionary() ? dict.dict->get_item(key) : nullptr) {
+            out.take(*entry);
+            return true;
+        }
+    }
+    return false;
+}
+
+int32_t inherited_max_length(const CPDFField* parent)
+{
+    return parent ? max_length(*parent) : 0;
 }

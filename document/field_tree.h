@@ -24,3 +24,13 @@ bool can_hold_fields(const EDIT_TARGET& target, const CPDFField& field);
 
 // What is wrong with `name` as one part of a full name, in UTF-8; empty when nothing is.
 std::string wrong_partial_name(const std::string& name);
+
+// Whether fields could be found under the full name `name`, in UTF-8: longer ones are cut when they are read.
+bool is_readable_name(const std::string& name);
+
+// Makes `out`, at tag 0, the entry `key` that a field under `parent` inherits, from the nearest dictionary above it that
+// has one. False when none has, or `parent` is null.
+bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out);
+
+// The same for the most characters of a text field; 0 when it inherits no limit.
+int32_t inherited_max_length(const CPDFField* parent);

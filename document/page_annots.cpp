@@ -4,6 +4,7 @@
 
 #include "core/limits.h"
 #include "document/edit_array.h"
+#include "document/page_map.h"
 
 namespace {
 
@@ -32,8 +33,21 @@ bool read_box(CPDFXRefTable& xref, const CPDFObj* entry, PDF_RECT& out)
         at[i] = number_of(xref, corners->at(i));
     const auto [left, right] = std::minmax(at[0], at[2]);
     const auto [bottom, top] = std::minmax(at[1], at[3]);
+    if (left >= right || bottom >= top)
+        return false;
     out = {left, bottom, right - left, top - bottom};
     return true;
+}
+
+// The object that is the list of the page; number 0 when the page holds it directly or has none.
+PDF_REF list_object(CPDFXRefTable& xref, const PDF_REF& page)
+{
+    constexpr const char* KEYS[] = {ANNOTS};
+    constexpr CPDFKeySet KEY_SET(KEYS);
+    CPDFObj own;
+    xref.get_entity(own, page, &KEY_SET);
+    const CPDFObj* list = own.dictionary() ? own.dict->get_item(ANNOTS) : nullptr;
+    return list && list->type == PDF_OBJ_REF ? list->ref : PDF_REF{0, 0};
 }
 
 }  // namespace
@@ -55,6 +69,34 @@ PDF_RECT page_box(CPDFXRefTable& xref, const PDF_REF& page)
         at = parent && parent->type == PDF_OBJ_REF ? parent->ref : PDF_REF{0, 0};
     }
     return box;
+}
+
+PDF_CHANGE_RESULT own_annotations(CPDFXRefTable& xref, CPDFPageMap& pages, int32_t page)
+{
+    const PDF_REF own = pages.page_ref(page);
+    const PDF_REF list = list_object(xref, own);
+    bool shared = false;
+    for (int32_t i = 1; i <= pages.page_count() && list.num && !shared; ++i) {
+        const PDF_REF& other = pages.page_ref(i);
+        shared = other.num && other.num != own.num && list_object(xref, other).num == list.num;
+    }
+    if (!shared)
+        return PDF_CHANGE_RESULT::STORED;
+    CPDFObj copy;
+    xref.get_entity(copy, list);
+    if (!copy.array())
+        return PDF_CHANGE_RESULT::STORED;
+    for (int32_t i = 0; i < copy.arr->count; ++i) {
+        const CPDFObj& entry = copy.arr->items[i];
+        const auto is_here = [page](const PDF_PAGE_ANNOTATION& at) { return at.page == page; };
+        if (entry.type != PDF_OBJ_REF)
+            continue;
+        const auto known = pages.annotations_of(entry.ref.num);
+        if (std::none_of(known.begin(), known.end(), is_here))
+            pages.add_annotation(entry.ref.num, page);
+    }
+    const PDF_ENTRY_CHANGE change[] = {{ANNOTS, &copy}};
+    return xref.change_entries(own, change);
 }
 
 PDF_CHANGE_RESULT add_annotation(CPDFXRefTable& xref, const PDF_REF& page, const PDF_REF& annotation)

@@ -18,14 +18,27 @@ namespace {
 
 using NumberSet = std::unordered_set<uint32_t>;
 
-// The topmost group in which there is nothing but `field`, or the field itself.
-CPDFField& with_empty_groups(CPDFField& field)
+// Whether the field shows nothing by itself, with at most `kids` fields under it.
+bool is_bare(const EDIT_TARGET& target, const CPDFField& group, int32_t kids)
+{
+    return group.m_kid_cnt <= kids && group.m_widget_cnt == 0 && !target.pages.page_of_annotation(group.m_ref.num);
+}
+
+// The topmost group in which there is nothing but `field`, or the field itself. What a field without a name shows is
+// not its own: the field above it stays.
+CPDFField& with_empty_groups(const EDIT_TARGET& target, CPDFField& field)
 {
     CPDFField* top = &field;
-    while (top->m_parent && top->m_parent->m_kid_cnt == 1 && top->m_parent->m_widget_cnt == 0 &&
-           top->m_parent->m_type == FIELD_UNKNOWN)
+    while (top->m_parent && top->m_name.len > 0 && is_bare(target, *top->m_parent, 1))
         top = top->m_parent;
     return *top;
+}
+
+void remove_from_order(EDIT_TARGET& target, const NumberSet& gone)
+{
+    edit_array(target.xref, target.form.m_ref, "CO", [&gone](CPDFArray& order) {
+        return remove_references(order, [&gone](uint32_t num) { return gone.count(num) > 0; });
+    });
 }
 
 // The objects of the fields and of all that shows them.
@@ -80,7 +93,7 @@ void clear_signature_flags(CPDFAcroForm& form)
 CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetBinder& widgets)
 {
     const VXFailureCheck memory;
-    CPDFField& top = with_empty_groups(field);
+    CPDFField& top = with_empty_groups(target, field);
     const std::string name = full_name(field);
     const NumberSet gone = objects_of(top, widgets);
     const bool signature = has_signature_field(top);
@@ -92,9 +105,7 @@ CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetB
                    : CPDFStatus::failed(PDF_CODE::DAMAGED,
                                         "field \"" + name + "\" can't be removed: the list that holds it is damaged");
     const bool off_pages = remove_from_pages(target, gone);
-    edit_array(target.xref, target.form.m_ref, "CO", [&gone](CPDFArray& order) {
-        return remove_references(order, [&gone](uint32_t num) { return gone.count(num) > 0; });
-    });
+    remove_from_order(target, gone);
     if (signature)
         clear_signature_flags(target.form);
     if (memory.failed())
@@ -103,4 +114,16 @@ CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetB
                ? CPDFStatus()
                : CPDFStatus::failed(PDF_CODE::DAMAGED,
                                     "field \"" + name + "\" is removed, but a page that shows it can't be changed");
+}
+
+void remove_empty_groups(EDIT_TARGET& target, CPDFField* group, const CPDFField* keep)
+{
+    while (group && group != keep && is_bare(target, *group, 0)) {
+        CPDFField* above = group->m_parent;
+        const uint32_t num = group->m_ref.num;
+        if (!detach_field(target, *group))
+            return;
+        remove_from_order(target, {num});
+        group = above;
+    }
 }

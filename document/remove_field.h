@@ -10,3 +10,7 @@ class CPDFField;
 // field. Ends the fields. Fails, with nothing changed, where the array that lists the field can't be read. `widgets`
 // are those of the form.
 CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetBinder& widgets);
+
+// Removes `group`, from which a named field was taken, when nothing is in it any more, and the groups above it with it;
+// `keep` stays. Both may be null.
+void remove_empty_groups(EDIT_TARGET& target, CPDFField* group, const CPDFField* keep);

@@ -12,9 +12,12 @@
 #include "document/field_tree.h"
 #include "document/form_home.h"
 #include "document/name_index.h"
+#include "document/remove_field.h"
+#include "document/set_field.h"
 #include "forms/field.h"
 #include "forms/field_edit.h"
 #include "forms/field_inherit.h"
+#include "forms/field_walk.h"
 
 namespace {
 
@@ -35,6 +38,24 @@ void check_free(EDIT_TARGET& target, const CPDFField& field, const std::string& 
     const CPDFField* other = field_named(target, name);
     if (other && other != &field)
         refusals.add("there is a field " + in_quotes(name) + " already");
+}
+
+// Whether `field` and those under it could be found once it has the full name `name`.
+bool are_readable(const CPDFField& field, const std::string& name)
+{
+    bool readable = is_readable_name(name);
+    for (int32_t i = 0; i < field.m_kid_cnt && readable; ++i) {
+        const CPDFField* kid = field.m_kids[i];
+        readable = !kid || are_readable(*kid, kid->m_name.len > 0 ? name + "." + utf8_of(kid->m_name) : name);
+    }
+    return readable;
+}
+
+void check_name(EDIT_TARGET& target, const CPDFField& field, const std::string& name, CPDFRefusals& refusals)
+{
+    check_free(target, field, name, refusals);
+    if (!are_readable(field, name))
+        refusals.add("the full name would be longer than " + std::to_string(LIMIT_FULL_NAME) + " bytes");
 }
 
 void check_named(const CPDFField& field, CPDFRefusals& refusals)
@@ -69,8 +90,8 @@ void check_parent(EDIT_TARGET& target, const CPDFField& field, const CPDFField& 
         refusals.add("the fields would be too deep inside one another");
 }
 
-// Entries that fields inherit (ISO 32000-2, 12.7.4.1 and 12.7.4.3).
-constexpr const char* INHERITED[] = {"FT", "Ff", "V", "DV", "DA", "Q", "MaxLen", "Opt"};
+// Entries that fields inherit (ISO 32000-2, 12.7.4.1 and 12.7.4.3), and the scripts, which they take in this system.
+constexpr const char* INHERITED[] = {"FT", "Ff", "V", "DV", "DA", "Q", "MaxLen", "Opt", "AA"};
 constexpr CPDFKeySet INHERITED_SET(INHERITED);
 
 struct INHERITANCE {
@@ -78,25 +99,48 @@ struct INHERITANCE {
     std::vector<PDF_ENTRY_CHANGE> changes;
 };
 
-// Collects what `field` has from the fields above it.
-void collect_inherited(const CPDFField& field, INHERITANCE& out)
+// Makes `out` what stands for no entry `key` where the fields above have one. False where nothing does.
+bool neutral_entry(const CPDFField& field, const std::string& key, CPDFObj& out)
+{
+    const bool value = (key == "V" || key == "DV") && field.m_type != FIELD_SIGNATURE;
+    if (key == "Ff" || key == "Q")
+        out.set_int(0);
+    else if (value && field.m_type == FIELD_BUTTON)
+        out.set_name("Off");
+    else if (value)
+        out.type = PDF_OBJ_STRING;
+    else if (key == "AA")
+        out.set_dict();
+    else
+        return false;
+    return true;
+}
+
+// Collects what `field` has from the fields above it, and what keeps it from taking over what `parent` has.
+void collect_inherited(const CPDFField& field, const CPDFField* parent, INHERITANCE& out)
 {
     CPDFObj own;
     field.m_xref->get_entity(own, field.m_ref, &INHERITED_SET);
     for (const char* key : INHERITED) {
-        bool found = own.dictionary() && own.dict->get_item(key);
-        for (const CPDFField* above = field.m_parent; above && !found; above = above->m_parent) {
-            CPDFObj dict;
-            above->m_xref->get_entity(dict, above->m_ref, &INHERITED_SET);
-            const CPDFObj* entry = dict.dictionary() ? dict.dict->get_item(key) : nullptr;
-            found = entry != nullptr;
-            if (!entry)
-                continue;
-            CPDFObj& value = out.values.emplace_back();
-            value.copy_from(entry);
-            out.changes.push_back({key, &value});
+        if (!own.dictionary() || own.dict->get_item(key))
+            continue;
+        CPDFObj value;
+        CPDFObj other;
+        if (inherited_entry(field.m_parent, key, value) ||
+            (inherited_entry(parent, key, other) && neutral_entry(field, key, value))) {
+            out.values.emplace_back().take(value);
+            out.changes.push_back({key, &out.values.back()});
         }
     }
+}
+
+// Texts without a limit come under that of the new parent.
+void check_lengths(CPDFField& field, const CPDFField& parent, CPDFRefusals& refusals)
+{
+    for_each_field(field, [&](CPDFField& at) {
+        if (at.m_type == FIELD_TEXT && max_length(at) == 0)
+            check_length(at, inherited_max_length(&parent), refusals);
+    });
 }
 
 }  // namespace
@@ -108,7 +152,7 @@ CPDFStatus rename_field(EDIT_TARGET& target, CPDFField& field, const std::string
     if (const std::string wrong = wrong_partial_name(name); !wrong.empty())
         refusals.add(wrong);
     else
-        check_free(target, field, name_under(field.m_parent, name), refusals);
+        check_name(target, field, name_under(field.m_parent, name), refusals);
     if (CPDFStatus status = refusals.status(); !status.ok())
         return status;
     const VXFailureCheck memory;
@@ -129,19 +173,22 @@ CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, 
     moved = &field;
     CPDFRefusals refusals;
     check_named(field, refusals);
-    check_free(target, field, name_under(parent, utf8_of(field.m_name)), refusals);
-    if (parent)
+    check_name(target, field, name_under(parent, utf8_of(field.m_name)), refusals);
+    if (parent) {
         check_parent(target, field, *parent, refusals);
+        check_lengths(field, *parent, refusals);
+    }
     if (CPDFStatus status = refusals.status(); !status.ok() || field.m_parent == parent)
         return status;
     const VXFailureCheck memory;
     INHERITANCE inherited;
-    collect_inherited(field, inherited);
+    collect_inherited(field, parent, inherited);
     CPDFObj above;
     if (parent)
         above.set_ref(parent->m_ref);
     inherited.changes.push_back({CPDFDictionary::sm_tag_parent, &above});
     const PDF_REF ref = field.m_ref;
+    CPDFField* before = field.m_parent;
     if (memory.failed() || !settle_form(target).ok())
         return no_memory_to_edit();
     if (!detach_field(target, field))
@@ -149,5 +196,6 @@ CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, 
                                                          " can't be moved: the list that holds it is damaged");
     target.xref.change_entries(ref, inherited.changes);
     moved = attach_field(target, parent, ref);
+    remove_empty_groups(target, before, parent);
     return moved && !memory.failed() ? CPDFStatus() : no_memory_to_edit();
 }

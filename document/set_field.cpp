@@ -146,8 +146,11 @@ void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, FIELD
         refuse_kind("options");
     else if (change.options)
         change_options(*change.options, field, shape, refusals);
-    const bool comb = shape.kind->id == KIND_TEXT && (shape.flags & FIELD_COMB);
-    if (comb && (shape.max_length == 0 || (shape.flags & (FIELD_MULTILINE | FIELD_PASSWORD | FIELD_FILE_SELECT))))
+    // A field that is an odd comb already may be changed in other ways.
+    constexpr uint32_t NO_COMB = FIELD_MULTILINE | FIELD_PASSWORD | FIELD_FILE_SELECT;
+    const bool comb = shape.kind->id == KIND_TEXT && (shape.flags & FIELD_COMB) &&
+                      (change.max_length || (change.set_flags & (FIELD_COMB | NO_COMB)));
+    if (comb && (shape.max_length == 0 || (shape.flags & NO_COMB)))
         refusals.add(field + " can't be a comb without a maximum length, nor of several lines or for a password");
     if (!change.default_value)
         return;
@@ -255,6 +258,14 @@ void set_kid_flags(CPDFField& field, const PDF_FIELD_CHANGE& change, const VXFai
 }
 
 }  // namespace
+
+void check_length(CPDFField& field, int32_t most, CPDFRefusals& refusals)
+{
+    const PDF_String* value = field.get_edit_value();
+    const FIELD_SHAPE shape = {&field_kind(FIELD_TEXT, 0), 0, most, {}, {}};
+    if (const std::string wrong = value ? wrong_value(shape, utf8_of(*value)) : ""; !wrong.empty())
+        refusals.add("the value of field \"" + full_name(field) + "\" would not fit: it " + wrong);
+}
 
 CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const CPDFWidgetBinder& widgets)
 {

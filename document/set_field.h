@@ -52,6 +52,9 @@ void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, FIELD
 void make_options(const std::vector<PDF_OPTION>& options, CPDFObj& out);
 void make_value(const FIELD_SHAPE& shape, const CPDFValue& value, CPDFObj& out);
 
+// Notes in `refusals` when the value of the text field `field` has more than `most` characters; 0 for no limit.
+void check_length(CPDFField& field, int32_t most, CPDFRefusals& refusals);
+
 // Changes `field`, which must have a name of its own; refuses what change_shape does, and a maximum or options that its
 // value does not fit. `widgets` are those of the form. Nothing is changed then.
 CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const CPDFWidgetBinder& widgets);

@@ -60,8 +60,12 @@ std::string json_of(const PDF_LISTED_ACTION& action)
 std::string indented(const std::string& text)
 {
     std::string lines;
-    for (const char c : text)
-        lines += c == '\r' ? '\n' : c;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r')
+            lines += text[i];
+        else if (i + 1 == text.size() || text[i + 1] != '\n')
+            lines += '\n';
+    }
     std::string out = "    ";
     for (const char c : printable_lines(lines)) {
         out += c;
@@ -121,12 +125,16 @@ int put_actions(const ACTIONS_ARGUMENTS& arguments)
         first = false;
     };
     put(arguments.json ? "{\"actions\":[" : "");
-    for (CPDFField* field : fields)
-        list_actions(document, field, put_one);
-    if (first && !arguments.json)
+    CPDFStatus status;
+    for (size_t i = 0; i < fields.size() && status.ok(); ++i)
+        status = list_actions(document, fields[i], put_one);
+    if (first && status.ok() && !arguments.json)
         put(printable(arguments.input.path.text) + " has no actions there\n");
     put_order(arguments.names.empty() ? calculation_order(document) : std::vector<CPDFField*>(), arguments.json);
-    return put_done();
+    if (status.ok())
+        return put_done();
+    complain(arguments.input.path.text, status.text);
+    return COMMAND_REFUSED;
 }
 
 }  // namespace
@@ -136,7 +144,8 @@ void add_actions_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<ACTIONS_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("actions", "Shows what happens at which event: scripts, submits, links");
     add_input(verb, arguments->input);
-    verb.add_option("NAME", arguments->names, "full names of fields; without one also the document and its pages")
+    verb.add_option("NAME", arguments->names,
+                    "full names of fields; without one also the document, its pages and bookmarks")
         ->option_text("...");
     verb.add_flag("--json", arguments->json, "as JSON");
     verb.footer(

@@ -76,6 +76,7 @@ int add(const ADD_ARGUMENTS& arguments)
 
 constexpr const char* FOOTER =
     R"(KIND is text, check, radio, combo, list or signature. NAME is a full name; groups on the way to it are made.
+The default becomes the value, too.
 A rectangle is counted in points from the lower left corner of the page. The buttons of a radio group share one, or have one each:
   formwork add form.pdf radio size --page 2 --rect 100,500,90,20 --state S --state M --state L -o out.pdf)";
 

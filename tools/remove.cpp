@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "forms/acro_form.h"
+#include "forms/field.h"
 #include "tools/edit_verb.h"
 #include "tools/fill_plan.h"
 
@@ -11,16 +13,21 @@ struct REMOVE_ARGUMENTS {
     std::vector<COMMAND_WORD> names;
 };
 
-// A field whose group was removed before it is gone as asked.
+// Names may lead to one field, and a field whose group was removed before it is gone as asked.
 std::vector<std::string> remove_all(CPDFDocument& document, const REMOVE_ARGUMENTS& arguments)
 {
     std::vector<std::string> refusals;
+    std::vector<PDF_REF> fields;
     for (const COMMAND_WORD& name : arguments.names) {
-        if (!document.field(name.text))
+        if (const CPDFField* field = document.field(name.text))
+            fields.push_back(field->m_ref);
+        else
             refusals.push_back(no_such_field(name.text));
     }
-    for (const COMMAND_WORD& name : arguments.names) {
-        CPDFField* field = refusals.empty() ? document.field(name.text) : nullptr;
+    if (!refusals.empty())
+        return refusals;
+    for (const PDF_REF& ref : fields) {
+        CPDFField* field = document.form().find(ref);
         if (!field)
             continue;
         if (const CPDFStatus status = document.remove_field(*field, arguments.edit.how()); !status.ok())

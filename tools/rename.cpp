@@ -13,6 +13,7 @@ struct RENAME_ARGUMENTS {
     COMMAND_WORD new_name;
     COMMAND_WORD under;
     bool to_top = false;
+    bool has_under = false;
 };
 
 std::vector<std::string> rename(CPDFDocument& document, const RENAME_ARGUMENTS& arguments)
@@ -38,10 +39,12 @@ std::vector<std::string> rename(CPDFDocument& document, const RENAME_ARGUMENTS& 
 
 int rename_or_move(const RENAME_ARGUMENTS& arguments)
 {
-    const bool moves = arguments.to_top || !arguments.under.text.empty();
+    const bool moves = arguments.to_top || arguments.has_under;
+    if (arguments.has_under && arguments.under.text.empty())
+        return complain_usage("--under needs the name of a group; --top moves a field out of all groups");
     if (arguments.new_name.text.empty() && !moves)
         return complain_usage("give the new name, --under or --top");
-    if (arguments.to_top && !arguments.under.text.empty())
+    if (arguments.to_top && arguments.has_under)
         return complain_usage("give either --under or --top");
     if (!is_utf8(arguments.new_name.text))
         return complain_usage("the name " + in_quotes(arguments.new_name.text) + " is not UTF-8");
@@ -57,10 +60,14 @@ void add_rename_verb(CLI::App& app, COMMAND_ACTION& action)
     add_input(verb, arguments->edit.input);
     verb.add_option("NAME", arguments->name, "full name of the field")->required()->option_text(" ");
     verb.add_option("NEW", arguments->new_name, "its new name within its group, without a '.'")->option_text(" ");
-    verb.add_option("--under", arguments->under, "move it into this group")->option_text("GROUP");
+    const CLI::Option* under = verb.add_option("--under", arguments->under, "move it into this group");
+    verb.get_option("--under")->option_text("GROUP");
     verb.add_flag("--top", arguments->to_top, "move it out of all groups");
     add_edit_options(verb, arguments->edit);
     verb.footer("The name must be free at every step: a field that is moved and renamed is moved first.\n"
                 "Scripts and actions that name the field are not changed.");
-    verb.callback([arguments, &action] { action = [arguments] { return rename_or_move(*arguments); }; });
+    verb.callback([arguments, under, &action] {
+        arguments->has_under = under->count() > 0;
+        action = [arguments] { return rename_or_move(*arguments); };
+    });
 }

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include "core/limits.h"
 #include "document/action_list.h"
+#include "document/new_object.h"
 #include "forms/field_kind.h"
 #include "tests/document/fill_fixture.h"
 #include "tests/support/alloc_walk.h"
@@ -102,8 +104,9 @@ TEST(EditTest, AddToEveryKindOfForm)
 
 TEST(EditTest, AddRefusesByNameAndChangesNothing)
 {
-    FormAtWork f(
-        pdf_with("/AcroForm 10 0 R", "", "/Fields[11 0 R];/T(a)/FT/Tx/Kids[12 0 R];/Subtype/Widget/Parent 11 0 R"));
+    FormAtWork f(pdf_with("/AcroForm 10 0 R", "/CropBox[0 0 0 0]",
+                          "/Fields[11 0 R 13 0 R];/T(a)/FT/Tx/Kids[12 0 R];/Subtype/Widget/Parent 11 0 R;"
+                          "/T(m)/FT/Tx/MaxLen 1/Kids[14 0 R];/T(k)/Parent 13 0 R"));
     const struct {
         const char* part;
         void (*spoil)(PDF_NEW_FIELD& field);
@@ -112,8 +115,15 @@ TEST(EditTest, AddRefusesByNameAndChangesNothing)
         {"can't hold other fields", [](PDF_NEW_FIELD& field) { field.name = "a.b"; }},
         {"is no name", [](PDF_NEW_FIELD& field) { field.name = "b."; }},
         {"no page 2", [](PDF_NEW_FIELD& field) { field.page = 2; }},
+        {"too deep",
+         [](PDF_NEW_FIELD& field) {
+             for (field.name = "x"; field.name.size() < 2 * LIMIT_FIELD_DEPTH;)
+                 field.name += ".x";
+         }},
+        {"longer than", [](PDF_NEW_FIELD& field) { field.name = std::string(LIMIT_FULL_NAME, 'x') + ".y"; }},
         {"not on page 1", [](PDF_NEW_FIELD& field) { field.rects[0].x = 150; }},
-        {"is empty", [](PDF_NEW_FIELD& field) { field.rects[0].height = 0; }},
+        {"is empty", [](PDF_NEW_FIELD& field) { field.rects[0].height = 0.0004; }},
+        {"at most 1 ", [](PDF_NEW_FIELD& field) { field.name = "m.n", field.entries.default_value = "ab"; }},
         {"one rectangle", [](PDF_NEW_FIELD& field) { field.rects.clear(); }},
         {"no states", [](PDF_NEW_FIELD& field) { field.states = {"x"}; }},
         {"no options", [](PDF_NEW_FIELD& field) { field.entries.options.emplace(); }},
@@ -139,8 +149,8 @@ TEST(EditTest, RemoveLeavesNothingBehind)
     FormAtWork f(pdf_with("/AcroForm 10 0 R", "/Annots[11 0 R 12 0 R 13 0 R 14 0 R 15 0 R]",
                           "/Fields[16 0 R 12 0 R 15 0 R]/CO[12 0 R 15 0 R]/SigFlags 3;/Subtype/Link;"
                           "/T(b)/FT/Tx/Subtype/Widget/Parent 16 0 R/Kids[14 0 R];/Subtype/Widget/Parent 12 0 R;"
-                          "/Subtype/Widget/Parent 12 0 R;/T(c)/FT/Sig/Subtype/Widget;/T(a)/Kids[12 0 R]"));
-    EXPECT_EQ(tree_of(f.document), "a:container a.b:text a.b#0:text c:signature ");
+                          "/Subtype/Widget/Parent 12 0 R;/T(c)/FT/Sig/Subtype/Widget;/T(a)/FT/Tx/Kids[12 0 R]"));
+    EXPECT_EQ(tree_of(f.document), "a:text a.b:text a.b#0:text c:signature ");
     ASSERT_TRUE(f.document.remove_field(f.field("a.b")).ok());
     EXPECT_EQ(tree_of(f.document), "c:signature ");
     EXPECT_EQ(f.document.field("a.b"), nullptr);
@@ -150,7 +160,7 @@ TEST(EditTest, RemoveLeavesNothingBehind)
     ASSERT_TRUE(f.document.remove_field(f.field("c")).ok());
     EXPECT_EQ(f.entry(10, "SigFlags"), "0");
     f.document.revert();
-    EXPECT_EQ(tree_of(f.document), "a:container a.b:text a.b#0:text c:signature ");
+    EXPECT_EQ(tree_of(f.document), "a:text a.b:text a.b#0:text c:signature ");
     EXPECT_EQ(f.saved(), std::string(f.document.data(), f.document.data() + f.document.size()));
 }
 
@@ -169,21 +179,63 @@ TEST(EditTest, RenameAndMove)
     EXPECT_EQ(f.document.field("a.k"), nullptr);
     ASSERT_TRUE(f.document.move_field(f.field("é.k"), &f.field("b")).ok());
     EXPECT_EQ(f.entry(11, "Opt") + f.entry(11, "FT") + f.entry(11, "Parent"), "[(x)]/Ch12 0 R");
-    EXPECT_EQ(tree_of(f.document), "é:combo b:container b.k:combo t:text ");
+    EXPECT_EQ(tree_of(f.document), "b:container b.k:combo t:text ") << "nothing is left in é";
     expect_same_when_reopened(f);
     FormAtWork named(f.saved(), PDF_LOAD::NAMED_FIELDS);
     ASSERT_TRUE(named.document.rename_field(named.field("b.k"), "m").ok());
-    EXPECT_EQ(tree_of(named.document), "é:combo b:container b.m:combo t:text ");
+    EXPECT_EQ(tree_of(named.document), "b:container b.m:combo t:text ");
     ASSERT_TRUE(f.document.move_field(f.field("b.k"), nullptr).ok());
     EXPECT_EQ(f.entry(11, "Parent"), "-");
     expect_same_when_reopened(f);
 }
 
+TEST(EditTest, GroupsHandNothingDown)
+{
+    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R 12 0 R]>>", "",
+                          "/T(g)/FT/Tx/Ff 1/V(x)/DV(x)/MaxLen 3/AA<</K<</S/JavaScript/JS(k)>>>>/Kids[11 0 R];"
+                          "/T(k)/Parent 10 0 R;/T(o)/Kids[13 0 R 14 0 R];/T(a)/FT/Tx/Parent 12 0 R;"
+                          "/T(b)/FT/Tx/V(four)/Parent 12 0 R"));
+    EXPECT_THAT(f.document.move_field(f.field("o"), &f.field("g")).text, testing::HasSubstr("at most 3"));
+    EXPECT_EQ(f.document.xref().changed_count(), 0);
+    ASSERT_TRUE(f.document.move_field(f.field("o.a"), &f.field("g")).ok());
+    for (const PDF_FIELD_KIND_ID kind : {KIND_LIST, KIND_CHECK})
+        ASSERT_TRUE(f.document.add_field(new_field(kind, "g." + std::to_string(kind))).ok());
+    for (const auto& [name, off] : {std::pair{"g.a", "()"}, std::pair{"g.6", "()"}, std::pair{"g.3", "/Off"}}) {
+        SCOPED_TRACE(name);
+        const uint32_t num = f.field(name).m_ref.num;
+        EXPECT_EQ(f.entry(num, "Ff") + f.entry(num, "V") + f.entry(num, "DV") + f.entry(num, "AA"),
+                  std::string("0") + off + off + "<< >>");
+    }
+    expect_same_when_reopened(f);
+}
+
+TEST(EditTest, SharedAnnotationsStayWithTheOtherPage)
+{
+    PdfBuilder file;
+    file.object(1, "<</Pages 2 0 R/AcroForm<</Fields[11 0 R]>>>>").object(2, "<</Type/Pages/Kids[3 0 R 4 0 R]>>");
+    file.object(3, std::string(PAGE) + "/Annots 10 0 R>>").object(4, std::string(PAGE) + "/Annots 10 0 R>>");
+    file.object(10, "[11 0 R]").object(11, "<</T(old)/FT/Tx/Subtype/Widget>>");
+    FormAtWork f(file.table().text);
+    PDF_NEW_FIELD field = new_field(KIND_TEXT, "t");
+    field.page = 2;
+    field.rects = {{0, 0, 200.0004, 100}};
+    ASSERT_TRUE(f.document.add_field(field).ok());
+    ASSERT_TRUE(f.document.remove_field(f.field("old")).ok());
+    EXPECT_EQ(f.entry(3, "Annots") + f.entry(4, "Annots"), "10 0 R[" + ref_syntax(f.field("t").m_ref) + "]");
+}
+
 TEST(EditTest, Change)
 {
-    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R 11 0 R 13 0 R]>>", "",
+    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R 11 0 R 13 0 R 14 0 R]>>", "",
                           "/T(t)/FT/Tx/V(abcd)/MaxLen 9;/T(l)/FT/Ch/Opt[(a)(b)]/V(b)/I[1]/Kids[12 0 R];"
-                          "/Parent 11 0 R/Subtype/Widget/Ff 1;/T(c)/FT/Btn/Subtype/Widget/AP<</N<</On 3 0 R>>>>"));
+                          "/Parent 11 0 R/Subtype/Widget/Ff 1;/T(c)/FT/Btn/Subtype/Widget/AP<</N<</On 3 0 R>>>>;"
+                          "/T(odd)/FT/Tx/Ff 16777216"));
+    PDF_FIELD_CHANGE required;
+    required.set_flags = FIELD_REQUIRED;
+    EXPECT_TRUE(change(f, "odd", required).ok());
+    required.set_flags = FIELD_COMB;
+    EXPECT_FALSE(change(f, "odd", required).ok());
+    EXPECT_THAT(f.entry(1, "AcroForm"), testing::Not(testing::HasSubstr("NeedAppearances")));
     PDF_FIELD_CHANGE shorter;
     shorter.max_length = 3;
     EXPECT_FALSE(change(f, "t", shorter).ok());
@@ -228,11 +280,11 @@ TEST(EditTest, SignaturesForbid)
 TEST(EditTest, ListActions)
 {
     FormAtWork f(pdf_with(
-        "/OpenAction[3 0 R/Fit]/AA<</WP 10 0 R>>/Names<</JavaScript 11 0 R>>/AcroForm<</Fields[12 0 R]/CO[12 0 R 9 0 R]>>",
-        "/AA<</O 10 0 R>>",
+        "/OpenAction[3 0 R/Fit]/AA<</WP 10 0 R>>/Names<</JavaScript 11 0 R>>/Outlines<</First 15 0 R>>/AcroForm<</Fields[12 0 R]/CO[12 0 R 9 0 R]>>",
+        "/AA<</O 10 0 R>>/Annots[13 0 R 16 0 R<</Subtype/Link/A<</S/URI/URI(d)>>>>]",
         "/S/JavaScript/JS(p)/Next<</S/URI/URI(u)>>;/Kids[11 0 R 14 0 R];"
         "/T(t)/FT/Tx/AA<</C 10 0 R>>/Kids[13 0 R];/Subtype/Widget/A<</S/ResetForm/Fields[12 0 R(q)]>>;"
-        "/Names[(n)10 0 R]"));
+        "/Names[(n)10 0 R];/Title(b)/First 15 0 R/Next 15 0 R/A<</S/URI/URI(o)>>;/Subtype/Link/A<</S/URI/URI(l)>>"));
     std::string text;
     const auto show = [&text](const PDF_LISTED_ACTION& at) {
         text += (at.field ? full_name(*at.field) : std::to_string(at.page)) + " " + at.event + " " + at.type + " " +
@@ -241,9 +293,10 @@ TEST(EditTest, ListActions)
             text += " " + name;
         text += "\n";
     };
-    list_actions(f.document, nullptr, show);
+    EXPECT_TRUE(list_actions(f.document, nullptr, show).ok());
     EXPECT_EQ(text, "0 will print JavaScript p\n0 will print URI u\n0 script n JavaScript p\n0 script n URI u\n"
-                    "1 open JavaScript p\n1 open URI u\nt calculate JavaScript p\nt calculate URI u\n"
+                    "0 bookmark b URI o\n1 open JavaScript p\n1 open URI u\n1 activate URI l\n1 activate URI d\n"
+                    "t calculate JavaScript p\nt calculate URI u\n"
                     "t activate ResetForm  t q\n");
     const std::vector<CPDFField*> order = calculation_order(f.document);
     EXPECT_TRUE(order.size() == 1 && order[0] == &f.field("t"));

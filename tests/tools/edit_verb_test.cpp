@@ -58,9 +58,9 @@ TEST_F(EditVerbTest, FormFromNothing)
         const CommandResult result = edit(arguments);
         EXPECT_EQ(result.exit, 0) << arguments[0] << result.err;
     }
-    EXPECT_EQ(fields(), "a container 0;r radio 49152;c combo 393216;new text 2;");
+    EXPECT_EQ(fields(), "r radio 49152;c combo 393216;new text 2;");
     EXPECT_EQ(folder.run({"get", file, "new", "r", "c"}).out, "12345\nadd\n[x,y]\n");
-    EXPECT_EQ(edit({"remove", "r", "a", "--in-place"}).exit, 0);
+    EXPECT_EQ(edit({"remove", "r", "r", "--in-place"}).exit, 0);
     EXPECT_EQ(fields(), "c combo 393216;new text 2;");
 }
 
@@ -82,6 +82,7 @@ TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
         {{"remove", "x", "t", "y"}, 1, {"\"x\"", "\"y\""}},
         {{"rename", "t", "a.b"}, 1, {"a.b"}},
         {{"rename", "t"}, 2, {"new name"}},
+        {{"rename", "t", "--under", ""}, 2, {"--under"}},
         {{"set", "t", "x", "--edit", "on"}, 1, {"\"edit\"", "\"x\""}},
         {{"set", "t", "--edit", "maybe"}, 2, {"maybe"}},
         {{"set", "t"}, 2, {"nothing to set"}},
@@ -102,7 +103,7 @@ TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
 TEST_F(EditVerbTest, Actions)
 {
     file = folder.write("a.pdf", pdf_of({"<</AcroForm<</Fields[2 0 R 3 0 R]/CO[3 0 R]>>>>",
-                                         "<</T(one)/FT/Tx/AA<</K<</S/JavaScript/JS<FEFF0061202E000A0062>>>>>>>",
+                                         "<</T(one)/FT/Tx/AA<</K<</S/JavaScript/JS<FEFF0061202E000D000A0062>>>>>>>",
                                          "<</T(two)/FT/Btn/A<</S/SubmitForm/F(http://x)/Fields[2 0 R]>>>>"}));
     EXPECT_EQ(edit({"actions"}).out, "one: keystroke: JavaScript\n    a\\u202e\n    b\n"
                                      "two: activate: SubmitForm http://x: one\ncalculation order: two\n");
