@@ -10,12 +10,11 @@
 #include "document/form_home.h"
 #include "document/new_object.h"
 #include "document/page_map.h"
+#include "engine/annot_widget.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 
 namespace {
-
-constexpr const char* OFF = "Off";
 
 // What the kinds that can be added need.
 struct NEW_KIND {
@@ -149,7 +148,7 @@ private:
         if (radio && states.empty())
             m_refusals.add(field + " is a radio group, which needs a state for each button");
         for (size_t i = 0; i < states.size(); ++i) {
-            if (states[i].empty() || states[i] == OFF)
+            if (states[i].empty() || states[i] == PDF_STATE_OFF)
                 m_refusals.add("\"" + states[i] + "\" can't be the state of a button that is on");
             if (std::find(states.begin(), states.begin() + static_cast<std::ptrdiff_t>(i), states[i]) !=
                 states.begin() + static_cast<std::ptrdiff_t>(i))

@@ -8,13 +8,11 @@
 
 namespace {
 
-constexpr const char* OFF = "Off";
-
 std::string on_state_of(const CPDFAnnotWidget& widget)
 {
     if (widget.m_on_state)
         return widget.m_on_state;
-    return widget.m_alt_state ? widget.m_alt_state : OFF;
+    return widget.m_alt_state ? widget.m_alt_state : PDF_STATE_OFF;
 }
 
 // The first choice for which `is_it` holds, or -1.
@@ -27,7 +25,7 @@ int find_choice(const std::vector<PDF_BUTTON_CHOICE>& choices, Test&& is_it)
 
 std::vector<std::string> accepted_words(const std::vector<PDF_BUTTON_CHOICE>& choices)
 {
-    std::vector<std::string> words = {OFF};
+    std::vector<std::string> words = {PDF_STATE_OFF};
     for (const PDF_BUTTON_CHOICE& choice : choices) {
         for (const std::string* word : {&choice.export_value, &choice.state}) {
             if (std::find(words.begin(), words.end(), *word) == words.end())
@@ -90,8 +88,8 @@ CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidget
     const int by_export = find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return c.export_value == word; });
     const bool exported = by_export >= 0 && (by_state < 0 || words == PDF_WORDS::EXPORT_FIRST);
     plan.button = exported ? by_export : by_state;
-    plan.coerced = by_state < 0 && word != OFF;
-    if (plan.button >= 0 || word == OFF)
+    plan.coerced = by_state < 0 && word != PDF_STATE_OFF;
+    if (plan.button >= 0 || word == PDF_STATE_OFF)
         return {};
     if (word == "true" || word == "false")
         return take_bool(word == "true");
@@ -105,6 +103,6 @@ void apply_button(FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidg
     for (const PDF_BUTTON_CHOICE& choice : choices)
         choice.widget->set_check_value(chosen && goes_with(*plan.field, choice, *chosen));
     CPDFObj value;
-    value.set_name(chosen ? chosen->state.c_str() : OFF);
+    value.set_name(chosen ? chosen->state.c_str() : PDF_STATE_OFF);
     store_value(target, *plan.field, value, nullptr);
 }

@@ -23,8 +23,6 @@
 
 namespace {
 
-constexpr const char* OFF = "Off";
-
 constexpr const char* STORED_KEYS[] = {"I", "RV", "V"};
 constexpr CPDFKeySet STORED_KEY_SET(STORED_KEYS);
 
@@ -136,7 +134,7 @@ private:
             return false;
         const CPDFObj& value = holder->m_value;
         if (field.m_type == FIELD_BUTTON)
-            return value.type == PDF_OBJ_NAME && !value.is_name(OFF);
+            return value.type == PDF_OBJ_NAME && !value.is_name(PDF_STATE_OFF);
         return value.type != PDF_OBJ_STRING || value.str.len > 0;
     }
 
@@ -179,7 +177,7 @@ private:
     static int chosen_button(const CPDFField& field, const CPDFObj& value, const CPDFWidgetBinder& widgets)
     {
         const char* state = value.name_text();
-        if (!state || value.is_name(OFF))
+        if (!state || value.is_name(PDF_STATE_OFF))
             return -1;
         const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, widgets);
         const auto position = [&choices](auto&& is_it) {
@@ -207,7 +205,7 @@ private:
         if (value.type != PDF_OBJ_NAME)
             value.free();
         if (value.type == PDF_OBJ_NULL && shows_from_above(field))
-            value.set_name(OFF);
+            value.set_name(PDF_STATE_OFF);
         store(field, value);
     }
 

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr const char* OFF = "Off";
 constexpr uint32_t ALL_KINDS = ~0U;
 constexpr uint32_t TEXT = 1U << KIND_TEXT;
 constexpr uint32_t COMBO = 1U << KIND_COMBO;
@@ -71,8 +70,8 @@ const char* state_of(const FIELD_SHAPE& shape, const std::string& word)
     if (found != shape.states.end())
         return found->c_str();
     const bool check = shape.kind->id == KIND_CHECK;
-    if (word == OFF || (check && word == "false"))
-        return OFF;
+    if (word == PDF_STATE_OFF || (check && word == "false"))
+        return PDF_STATE_OFF;
     return check && word == "true" && !shape.states.empty() ? shape.states[0].c_str() : nullptr;
 }
 

@@ -96,7 +96,7 @@ private:
             out = {len, text};
     }
 
-    // A file specification: a string, or a dictionary that prefers its Unicode name (ISO 32000-2, 7.11.3).
+    // The name of a file: a string, or a dictionary that prefers the Unicode name (ISO 32000-2, 7.11.3).
     void read_file(PDF_String& out, const CPDFObj* entry)
     {
         CPDFObj scratch;

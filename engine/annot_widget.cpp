@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr const char* OFF = "Off";
 constexpr const char* DEFAULT_ON = "Yes";
 
 constexpr const char* STATE_KEYS[] = {"AP", "AS"};
@@ -27,7 +26,7 @@ char* copy_text(const char* text)
 const char* on_state_of(const CPDFDictionary* states)
 {
     for (int32_t i = 0; states && i < states->count; ++i) {
-        if (std::strcmp(states->items[i]->key(), OFF) != 0)
+        if (std::strcmp(states->items[i]->key(), PDF_STATE_OFF) != 0)
             return states->items[i]->key();
     }
     return nullptr;
@@ -64,7 +63,7 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
     CPDFObj as_scratch;
     const char* shown = view_obj(xref, dict->get_item("AS"), as_scratch)->name_text();
     VXFree(m_alt_state);
-    if (shown && (on || std::strcmp(shown, OFF) != 0))
+    if (shown && (on || std::strcmp(shown, PDF_STATE_OFF) != 0))
         m_alt_state = copy_text(shown);
     else
         m_alt_state = on ? nullptr : copy_text(DEFAULT_ON);
@@ -73,17 +72,17 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
 
 bool CPDFAnnotWidget::has_state(const char* state) const
 {
-    return !m_on_state || std::strcmp(state, OFF) == 0 || std::strcmp(state, m_on_state) == 0;
+    return !m_on_state || std::strcmp(state, PDF_STATE_OFF) == 0 || std::strcmp(state, m_on_state) == 0;
 }
 
 void CPDFAnnotWidget::set_check_value(int on)
 {
     if (!on)
-        show(OFF);
+        show(PDF_STATE_OFF);
     else if (m_on_state)
         show(m_on_state);
     else
-        show(m_alt_state && std::strcmp(m_alt_state, OFF) != 0 ? m_alt_state : DEFAULT_ON);
+        show(m_alt_state && std::strcmp(m_alt_state, PDF_STATE_OFF) != 0 ? m_alt_state : DEFAULT_ON);
 }
 
 void CPDFAnnotWidget::set_radio_value(int on)
@@ -94,7 +93,7 @@ void CPDFAnnotWidget::set_radio_value(int on)
 void CPDFAnnotWidget::set_radio_value(const char* state)
 {
     const char* on = m_on_state ? m_on_state : m_alt_state;
-    set_check_value(on && std::strcmp(on, state) == 0 && std::strcmp(on, OFF) != 0);
+    set_check_value(on && std::strcmp(on, state) == 0 && std::strcmp(on, PDF_STATE_OFF) != 0);
 }
 
 void CPDFAnnotWidget::set_edit_value(const PDF_String* value, const PDF_String*, int)

@@ -5,6 +5,9 @@
 
 class CPDFXRefTable;
 
+// The state of a button that is not on (ISO 32000-2, 12.7.5.2.3).
+inline constexpr const char* PDF_STATE_OFF = "Off";
+
 // Bound to one widget dictionary, which may be the field's own. Setters store a changed private copy of it; a widget
 // whose dictionary is gone keeps what it knows and changes nothing.
 class CPDFAnnotWidget {

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char* OFF = "Off";
-
 void reset_text(CPDFAnnotWidget& widget, const CPDFObj& def_value)
 {
     if (def_value.type == PDF_OBJ_STRING) {
@@ -45,7 +43,7 @@ void CPDFField::reset_own()
         break;
     case KIND_CHECK:
         if (m_widget)
-            m_widget->set_check_value(m_def_value.name_text() && !m_def_value.is_name(OFF));
+            m_widget->set_check_value(m_def_value.name_text() && !m_def_value.is_name(PDF_STATE_OFF));
         break;
     case KIND_RADIO:
         reset_radio();
@@ -63,7 +61,7 @@ void CPDFField::reset_radio()
     const char* name = m_def_value.name_text();
     for (int32_t i = 0; i < m_kid_cnt; ++i) {
         if (m_kids[i] && m_kids[i]->m_widget)
-            m_kids[i]->m_widget->set_radio_value(name ? name : OFF);
+            m_kids[i]->m_widget->set_radio_value(name ? name : PDF_STATE_OFF);
     }
     const VXFailureCheck check;
     CPDFObj value;

@@ -131,10 +131,7 @@ int put_actions(const ACTIONS_ARGUMENTS& arguments)
     if (first && status.ok() && !arguments.json)
         put(printable(arguments.input.path.text) + " has no actions there\n");
     put_order(arguments.names.empty() ? calculation_order(document) : std::vector<CPDFField*>(), arguments.json);
-    if (status.ok())
-        return put_done();
-    complain(arguments.input.path.text, status.text);
-    return COMMAND_REFUSED;
+    return end_with(status, arguments.input.path.text);
 }
 
 }  // namespace

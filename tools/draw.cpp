@@ -244,10 +244,7 @@ int write_picture(const DRAW_ARGUMENTS& arguments, const CPDFPicture& picture)
     const CPDFStatus status =
         picture.append_png(png) ? save_text(png, arguments.output.text)
                                 : CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory for the picture");
-    if (status.ok())
-        return put_done();
-    complain(arguments.input.path.text, status.text);
-    return COMMAND_REFUSED;
+    return end_with(status, arguments.input.path.text);
 }
 
 // Reads the page's dictionary, or says what is wrong with it; empty when nothing is.

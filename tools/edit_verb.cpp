@@ -28,11 +28,7 @@ int edit_file(const EDIT_ARGUMENTS& arguments,
         return COMMAND_REFUSED;
     if (document.has_xfa())
         complain(path, "note: the form also has XFA data, which stay as they are");
-    const CPDFStatus status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        return put_done();
-    complain(path, status.text);
-    return COMMAND_REFUSED;
+    return end_with(save_output(document, arguments.input, arguments.output), path);
 }
 
 std::vector<std::string> refusals_of(const CPDFStatus& status)

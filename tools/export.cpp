@@ -159,10 +159,7 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
     CPDFStatus status = format->write({arguments, document, fields}, out);
     if (status.ok())
         status = save_text(out, arguments.output.text);
-    if (status.ok())
-        return put_done();
-    complain(arguments.input.path.text, status.text);
-    return COMMAND_REFUSED;
+    return end_with(status, arguments.input.path.text);
 }
 
 constexpr const char* FOOTER =

@@ -91,10 +91,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         status = document.reset_xfa();
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        return put_done();
-    complain(arguments.input.path.text, status.text);
-    return COMMAND_REFUSED;
+    return end_with(status, arguments.input.path.text);
 }
 
 bool read_jobs(FILL_ARGUMENTS& arguments)

@@ -30,10 +30,7 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
         status = document.reset_xfa();
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        return put_done();
-    complain(arguments.input.path.text, status.text);
-    return COMMAND_REFUSED;
+    return end_with(status, arguments.input.path.text);
 }
 
 }  // namespace

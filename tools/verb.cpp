@@ -46,6 +46,14 @@ void complain(std::string_view file, std::string_view sentence)
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+int end_with(const CPDFStatus& status, std::string_view file)
+{
+    if (status.ok())
+        return put_done();
+    complain(file, status.text);
+    return COMMAND_REFUSED;
+}
+
 int complain_usage(std::string_view sentence)
 {
     const std::string line = "formwork: " + printable(sentence) + "\n";

@@ -64,6 +64,9 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
 // Writes "formwork: FILE: sentence", a line on standard error.
 void complain(std::string_view file, std::string_view sentence);
 
+// How a verb ends: put_done, or a complaint about `file` when `status` is a failure. Returns a COMMAND_EXIT.
+int end_with(const CPDFStatus& status, std::string_view file);
+
 // Complains about a wrong command line; returns COMMAND_USAGE.
 int complain_usage(std::string_view sentence);
 
