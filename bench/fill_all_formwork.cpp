@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "document/document.h"
-#include "document/field_text.h"
+#include "document/lookup/field_text.h"
 #include "forms/field_inherit.h"
 #include "forms/field_walk.h"
 

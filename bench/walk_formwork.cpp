@@ -7,7 +7,7 @@
 #include "bench/walk_main.h"
 #include "core/array.h"
 #include "document/document.h"
-#include "document/field_text.h"
+#include "document/lookup/field_text.h"
 #include "forms/field_walk.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/object.h"
-#include "document/status.h"
+#include "file/status.h"
 
 class CPDFAction;
 class CPDFDocument;

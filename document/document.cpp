@@ -5,20 +5,20 @@
 #include "core/alloc.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
-#include "document/branch_finder.h"
-#include "document/field_text.h"
-#include "document/file_bytes.h"
-#include "document/file_reader.h"
-#include "document/name_index.h"
-#include "document/need_appearances.h"
-#include "document/output_file.h"
-#include "document/page_map.h"
-#include "document/remove_field.h"
-#include "document/rename_field.h"
-#include "document/reset.h"
-#include "document/signature_guard.h"
-#include "document/update.h"
-#include "document/widget_binder.h"
+#include "document/edit/remove_field.h"
+#include "document/edit/rename_field.h"
+#include "document/fill/need_appearances.h"
+#include "document/fill/reset.h"
+#include "document/lookup/branch_finder.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/name_index.h"
+#include "document/lookup/page_map.h"
+#include "document/lookup/signature_guard.h"
+#include "document/lookup/widget_binder.h"
+#include "file/file_bytes.h"
+#include "file/file_reader.h"
+#include "file/output_file.h"
+#include "file/update.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/field_walk.h"
@@ -232,9 +232,14 @@ CPDFPageMap& CPDFDocument::pages()
 
 const CPDFSignatureGuard& CPDFDocument::signatures()
 {
-    if (!m_state->signatures)
-        m_state->signatures = std::make_unique<CPDFSignatureGuard>(*this);
-    return *m_state->signatures;
+    State& state = *m_state;
+    if (!state.signatures) {
+        const CPDFDictionary& root = *state.root.dict;
+        state.signatures = has_signature(data(), size(), *state.xref, root)
+                               ? std::make_unique<CPDFSignatureGuard>(*state.xref, form(), root)
+                               : std::make_unique<CPDFSignatureGuard>();
+    }
+    return *state.signatures;
 }
 
 std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& field)

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "core/object.h"
-#include "document/add_field.h"
-#include "document/filler.h"
-#include "document/status.h"
+#include "document/edit/add_field.h"
+#include "document/fill/filler.h"
+#include "file/status.h"
 
 class CPDFAcroForm;
 class CPDFAnnotWidget;

@@ -2,7 +2,7 @@
 #include <cstdio>
 
 #include "document/document.h"
-#include "document/field_text.h"
+#include "document/lookup/field_text.h"
 #include "forms/field_walk.h"
 
 namespace {

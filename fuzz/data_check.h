@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "formats/form_data.h"
+#include "formats/import/form_data.h"
 
 // Reads the bytes and ends the program when a refusal has no sentence or leaves entries.
 template <typename Read>

@@ -1,5 +1,5 @@
 // Any bytes as FDF.
-#include "formats/fdf_data.h"
+#include "formats/import/fdf_data.h"
 #include "fuzz/data_check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "document/document.h"
-#include "document/field_text.h"
+#include "document/lookup/field_text.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/field_walk.h"

@@ -1,5 +1,5 @@
 // Any bytes as XFDF.
-#include "formats/xfdf_data.h"
+#include "formats/import/xfdf_data.h"
 #include "fuzz/data_check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

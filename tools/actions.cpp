@@ -4,10 +4,10 @@
 
 #include "document/action_list.h"
 #include "document/document.h"
-#include "document/field_text.h"
-#include "formats/json_text.h"
+#include "document/lookup/field_text.h"
+#include "formats/export/json_text.h"
+#include "formats/fill_plan.h"
 #include "forms/field.h"
-#include "tools/fill_plan.h"
 #include "tools/terminal_text.h"
 #include "tools/verb.h"
 

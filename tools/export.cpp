@@ -5,7 +5,7 @@
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/text.h"
-#include "formats/export_data.h"
+#include "formats/export/export_data.h"
 #include "forms/field_walk.h"
 #include "forms/partial_name.h"
 #include "tools/save_output.h"

@@ -4,7 +4,7 @@
 
 #include "core/dictionary.h"
 #include "document/document.h"
-#include "document/value_text.h"
+#include "document/lookup/value_text.h"
 #include "forms/field.h"
 #include "tools/terminal_text.h"
 #include "tools/verb.h"

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "document/output_file.h"
+#include "file/output_file.h"
 
 constexpr const char* STANDARD_OUTPUT = "-";
 

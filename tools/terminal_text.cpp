@@ -141,13 +141,3 @@ int terminal_columns()
         std::from_chars(told, told + std::strlen(told), columns);
     return columns > 0 ? columns : USUAL;
 }
-
-bool is_utf8(std::string_view text)
-{
-    for (CharReader reader(text); !reader.at_end();) {
-        const char* before = reader.position();
-        if (reader.next() == 0xFFFD && reader.position() - before == 1)
-            return false;
-    }
-    return true;
-}

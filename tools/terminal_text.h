@@ -20,6 +20,3 @@ std::string cut_start(std::string_view text, int columns);
 
 // Columns of the terminal on standard output, 0 when that is no terminal.
 int terminal_columns();
-
-// Whether `text` is UTF-8 throughout.
-bool is_utf8(std::string_view text);

@@ -1,6 +1,6 @@
-#include "document/branch_finder.h"
+#include "document/lookup/branch_finder.h"
 
-#include "document/name_index.h"
+#include "document/lookup/name_index.h"
 #include "tests/document/fill_fixture.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include "core/limits.h"
 #include "document/action_list.h"
-#include "document/new_object.h"
+#include "document/edit/new_object.h"
 #include "forms/field_kind.h"
 #include "tests/document/fill_fixture.h"
 #include "tests/support/alloc_walk.h"

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "document/document.h"
-#include "document/field_text.h"
+#include "document/lookup/field_text.h"
 #include "engine/annot_widget.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"

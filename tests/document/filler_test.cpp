@@ -1,4 +1,4 @@
-#include "document/filler.h"
+#include "document/fill/filler.h"
 
 #include <sstream>
 

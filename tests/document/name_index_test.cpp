@@ -1,4 +1,4 @@
-#include "document/name_index.h"
+#include "document/lookup/name_index.h"
 
 #include "tests/document/fill_fixture.h"
 

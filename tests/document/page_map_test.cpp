@@ -1,4 +1,4 @@
-#include "document/page_map.h"
+#include "document/lookup/page_map.h"
 
 #include "tests/support/memory_document.h"
 

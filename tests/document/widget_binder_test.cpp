@@ -1,4 +1,4 @@
-#include "document/widget_binder.h"
+#include "document/lookup/widget_binder.h"
 
 #include "tests/document/fill_fixture.h"
 

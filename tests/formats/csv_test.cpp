@@ -1,4 +1,4 @@
-#include "formats/csv.h"
+#include "formats/import/csv.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "formats/export_data.h"
+#include "formats/export/export_data.h"
 
 #include <gtest/gtest.h>
 
 #include "document/document.h"
-#include "formats/csv.h"
-#include "formats/fdf_data.h"
-#include "formats/json_data.h"
-#include "formats/xfdf_data.h"
+#include "formats/import/csv.h"
+#include "formats/import/fdf_data.h"
+#include "formats/import/json_data.h"
+#include "formats/import/xfdf_data.h"
 #include "tests/support/pdf_builder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "formats/json_data.h"
+#include "formats/import/json_data.h"
 
 #include <gtest/gtest.h>
 

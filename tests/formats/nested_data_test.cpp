@@ -1,8 +1,8 @@
 // FDF and XFDF that other programs wrote, or that nobody should have.
 #include <gtest/gtest.h>
 
-#include "formats/fdf_data.h"
-#include "formats/xfdf_data.h"
+#include "formats/import/fdf_data.h"
+#include "formats/import/xfdf_data.h"
 
 namespace {
 

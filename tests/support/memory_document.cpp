@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "document/parser.h"
+#include "file/syntax/parser.h"
 
 namespace {
 std::string show_string(const std::string& bytes)

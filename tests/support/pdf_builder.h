@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "document/file_reader.h"
+#include "file/file_reader.h"
 #include "tests/support/memory_document.h"
 
 // Writes a file from front to back. A section collects the objects since the one before it and names that one in "Prev".

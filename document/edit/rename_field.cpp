@@ -1,0 +1,201 @@
+#include "document/edit/rename_field.h"
+
+#include <algorithm>
+#include <list>
+#include <vector>
+
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/xref_table.h"
+#include "document/edit/field_tree.h"
+#include "document/edit/form_home.h"
+#include "document/edit/remove_field.h"
+#include "document/edit/set_field.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/name_index.h"
+#include "forms/field.h"
+#include "forms/field_edit.h"
+#include "forms/field_inherit.h"
+#include "forms/field_walk.h"
+
+namespace {
+
+std::string in_quotes(const std::string& text)
+{
+    return '"' + text + '"';
+}
+
+// The full name of a field `name` under `parent`.
+std::string name_under(const CPDFField* parent, const std::string& name)
+{
+    const std::string above = parent ? full_name(*parent) : "";
+    return above.empty() ? name : above + "." + name;
+}
+
+void check_free(EDIT_TARGET& target, const CPDFField& field, const std::string& name, CPDFRefusals& refusals)
+{
+    const CPDFField* other = field_named(target, name);
+    if (other && other != &field)
+        refusals.add("there is a field " + in_quotes(name) + " already");
+}
+
+// Whether `field` and those under it could be found once it has the full name `name`.
+bool are_readable(const CPDFField& field, const std::string& name)
+{
+    bool readable = is_readable_name(name);
+    for (int32_t i = 0; i < field.m_kid_cnt && readable; ++i) {
+        const CPDFField* kid = field.m_kids[i];
+        readable = !kid || are_readable(*kid, kid->m_name.len > 0 ? name + "." + utf8_of(kid->m_name) : name);
+    }
+    return readable;
+}
+
+void check_name(EDIT_TARGET& target, const CPDFField& field, const std::string& name, CPDFRefusals& refusals)
+{
+    check_free(target, field, name, refusals);
+    if (!are_readable(field, name))
+        refusals.add("the full name would be longer than " + std::to_string(LIMIT_FULL_NAME) + " bytes");
+}
+
+void check_named(const CPDFField& field, CPDFRefusals& refusals)
+{
+    if (field.m_name.len <= 0)
+        refusals.add("a field without a name of its own only shows field " + in_quotes(full_name(field)));
+}
+
+int depth_of(const CPDFField* field)
+{
+    int depth = 0;
+    for (; field; field = field->m_parent)
+        ++depth;
+    return depth;
+}
+
+int height_of(const CPDFField& field)
+{
+    int height = 0;
+    for (int32_t i = 0; i < field.m_kid_cnt; ++i)
+        height = std::max(height, field.m_kids[i] ? height_of(*field.m_kids[i]) : 0);
+    return height + 1;
+}
+
+void check_parent(EDIT_TARGET& target, const CPDFField& field, const CPDFField& parent, CPDFRefusals& refusals)
+{
+    if (nearest_field(parent, [&field](const CPDFField& at) { return &at == &field; }))
+        refusals.add("field " + in_quotes(full_name(field)) + " can't stand under itself");
+    else if (!can_hold_fields(target, parent))
+        refusals.add("field " + in_quotes(full_name(parent)) + " has a value of its own and can't hold other fields");
+    if (depth_of(&parent) + height_of(field) > LIMIT_FIELD_DEPTH)
+        refusals.add("the fields would be too deep inside one another");
+}
+
+// Entries that fields inherit (ISO 32000-2, 12.7.4.1 and 12.7.4.3), and the scripts, which they take in this system.
+constexpr const char* INHERITED[] = {"FT", "Ff", "V", "DV", "DA", "Q", "MaxLen", "Opt", "AA"};
+constexpr CPDFKeySet INHERITED_SET(INHERITED);
+
+struct INHERITANCE {
+    std::list<CPDFObj> values;
+    std::vector<PDF_ENTRY_CHANGE> changes;
+};
+
+// Makes `out` what stands for no entry `key` where the fields above have one. False where nothing does.
+bool neutral_entry(const CPDFField& field, const std::string& key, CPDFObj& out)
+{
+    const bool value = (key == "V" || key == "DV") && field.m_type != FIELD_SIGNATURE;
+    if (key == "Ff" || key == "Q")
+        out.set_int(0);
+    else if (value && field.m_type == FIELD_BUTTON)
+        out.set_name("Off");
+    else if (value)
+        out.type = PDF_OBJ_STRING;
+    else if (key == "AA")
+        out.set_dict();
+    else
+        return false;
+    return true;
+}
+
+// Collects what `field` has from the fields above it, and what keeps it from taking over what `parent` has.
+void collect_inherited(const CPDFField& field, const CPDFField* parent, INHERITANCE& out)
+{
+    CPDFObj own;
+    field.m_xref->get_entity(own, field.m_ref, &INHERITED_SET);
+    for (const char* key : INHERITED) {
+        if (!own.dictionary() || own.dict->get_item(key))
+            continue;
+        CPDFObj value;
+        CPDFObj other;
+        if (inherited_entry(field.m_parent, key, value) ||
+            (inherited_entry(parent, key, other) && neutral_entry(field, key, value))) {
+            out.values.emplace_back().take(value);
+            out.changes.push_back({key, &out.values.back()});
+        }
+    }
+}
+
+// Texts without a limit come under that of the new parent.
+void check_lengths(CPDFField& field, const CPDFField& parent, CPDFRefusals& refusals)
+{
+    for_each_field(field, [&](CPDFField& at) {
+        if (at.m_type == FIELD_TEXT && max_length(at) == 0)
+            check_length(at, inherited_max_length(&parent), refusals);
+    });
+}
+
+}  // namespace
+
+CPDFStatus rename_field(EDIT_TARGET& target, CPDFField& field, const std::string& name)
+{
+    CPDFRefusals refusals;
+    check_named(field, refusals);
+    if (const std::string wrong = wrong_partial_name(name); !wrong.empty())
+        refusals.add(wrong);
+    else
+        check_name(target, field, name_under(field.m_parent, name), refusals);
+    if (CPDFStatus status = refusals.status(); !status.ok())
+        return status;
+    const VXFailureCheck memory;
+    CPDFObj text;
+    text.type = PDF_OBJ_STRING;
+    text.str = pdf_string_of(name);
+    if (change_entries(field, {{"T", &text}}, memory) != PDF_CHANGE_RESULT::STORED)
+        return no_memory_to_edit();
+    target.names.remove(field);
+    field.m_name.release();
+    field.m_name.take(text.str);
+    target.names.add(field);
+    return {};
+}
+
+CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, CPDFField*& moved)
+{
+    moved = &field;
+    CPDFRefusals refusals;
+    check_named(field, refusals);
+    check_name(target, field, name_under(parent, utf8_of(field.m_name)), refusals);
+    if (parent) {
+        check_parent(target, field, *parent, refusals);
+        check_lengths(field, *parent, refusals);
+    }
+    if (CPDFStatus status = refusals.status(); !status.ok() || field.m_parent == parent)
+        return status;
+    const VXFailureCheck memory;
+    INHERITANCE inherited;
+    collect_inherited(field, parent, inherited);
+    CPDFObj above;
+    if (parent)
+        above.set_ref(parent->m_ref);
+    inherited.changes.push_back({CPDFDictionary::sm_tag_parent, &above});
+    const PDF_REF ref = field.m_ref;
+    CPDFField* before = field.m_parent;
+    if (memory.failed() || !settle_form(target).ok())
+        return no_memory_to_edit();
+    if (!detach_field(target, field))
+        return CPDFStatus::failed(PDF_CODE::DAMAGED, "field " + in_quotes(full_name(field)) +
+                                                         " can't be moved: the list that holds it is damaged");
+    target.xref.change_entries(ref, inherited.changes);
+    moved = attach_field(target, parent, ref);
+    remove_empty_groups(target, before, parent);
+    return moved && !memory.failed() ? CPDFStatus() : no_memory_to_edit();
+}

@@ -1,0 +1,108 @@
+#include <algorithm>
+
+#include "document/fill/filler_internal.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/widget_binder.h"
+#include "engine/annot_widget.h"
+#include "forms/field.h"
+
+namespace {
+
+std::string on_state_of(const CPDFAnnotWidget& widget)
+{
+    if (widget.m_on_state)
+        return widget.m_on_state;
+    return widget.m_alt_state ? widget.m_alt_state : PDF_STATE_OFF;
+}
+
+// The first choice for which `is_it` holds, or -1.
+template <typename Test>
+int find_choice(const std::vector<PDF_BUTTON_CHOICE>& choices, Test&& is_it)
+{
+    const auto found = std::find_if(choices.begin(), choices.end(), is_it);
+    return found != choices.end() ? static_cast<int>(found - choices.begin()) : -1;
+}
+
+std::vector<std::string> accepted_words(const std::vector<PDF_BUTTON_CHOICE>& choices)
+{
+    std::vector<std::string> words = {PDF_STATE_OFF};
+    for (const PDF_BUTTON_CHOICE& choice : choices) {
+        for (const std::string* word : {&choice.export_value, &choice.state}) {
+            if (std::find(words.begin(), words.end(), *word) == words.end())
+                words.push_back(*word);
+        }
+    }
+    return words;
+}
+
+// Whether a widget is on when the widget `chosen` is. Check boxes with one on state are one box shown several times;
+// radio buttons follow each other only where the field says so.
+bool goes_with(const CPDFField& field, const PDF_BUTTON_CHOICE& choice, const PDF_BUTTON_CHOICE& chosen)
+{
+    if (choice.widget == chosen.widget)
+        return true;
+    if (!(field.m_flags & FIELD_RADIO))
+        return choice.state == chosen.state;
+    const bool unison = (field.m_flags & FIELD_RADIOS_IN_UNISON) != 0;
+    return unison && (choice.state == chosen.state || choice.export_value == chosen.export_value);
+}
+
+}  // namespace
+
+std::vector<PDF_BUTTON_CHOICE> button_choices(const CPDFField& field, const CPDFWidgetBinder& widgets)
+{
+    std::vector<PDF_BUTTON_CHOICE> choices;
+    for (CPDFAnnotWidget* widget : widgets.widgets_of(field)) {
+        const auto position = static_cast<int32_t>(choices.size());
+        const std::string state = on_state_of(*widget);
+        const bool mapped = position < field.m_opt_cnt && field.m_opts[position].val.buf;
+        choices.push_back({widget, state, mapped ? utf8_of(field.m_opts[position].val) : utf8_of_name(state)});
+    }
+    return choices;
+}
+
+CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+{
+    const CPDFField& field = *plan.field;
+    const bool radio = (field.m_flags & FIELD_RADIO) != 0;
+    plan.action = PDF_FILL_PLAN::SET_BUTTON;
+    const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, widgets);
+    const auto refuse = [&](const std::string& what) {
+        return refuse_fill(PDF_CODE::WRONG_KIND, field,
+                           "has no state " + what + ": it takes " + quoted_list(accepted_words(choices)));
+    };
+    const auto take_bool = [&](bool on) {
+        plan.button = on ? 0 : -1;
+        if (on && (radio || choices.empty()))
+            return refuse("\"true\"");
+        return CPDFStatus();
+    };
+    if (std::holds_alternative<std::vector<std::string>>(value))
+        return refuse_fill(PDF_CODE::WRONG_KIND, field, "takes one state");
+    if (const bool* on = std::get_if<bool>(&value))
+        return take_bool(*on);
+
+    const std::string& word = std::get<std::string>(value);
+    const int by_state =
+        find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return utf8_of_name(c.state) == word; });
+    const int by_export = find_choice(choices, [&](const PDF_BUTTON_CHOICE& c) { return c.export_value == word; });
+    const bool exported = by_export >= 0 && (by_state < 0 || words == PDF_WORDS::EXPORT_FIRST);
+    plan.button = exported ? by_export : by_state;
+    plan.coerced = by_state < 0 && word != PDF_STATE_OFF;
+    if (plan.button >= 0 || word == PDF_STATE_OFF)
+        return {};
+    if (word == "true" || word == "false")
+        return take_bool(word == "true");
+    return refuse('"' + word + '"');
+}
+
+void apply_button(FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets)
+{
+    const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(*plan.field, widgets);
+    const PDF_BUTTON_CHOICE* chosen = plan.button >= 0 ? &choices[static_cast<size_t>(plan.button)] : nullptr;
+    for (const PDF_BUTTON_CHOICE& choice : choices)
+        choice.widget->set_check_value(chosen && goes_with(*plan.field, choice, *chosen));
+    CPDFObj value;
+    value.set_name(chosen ? chosen->state.c_str() : PDF_STATE_OFF);
+    store_value(target, *plan.field, value, nullptr);
+}

@@ -1,0 +1,140 @@
+#include "document/lookup/page_map.h"
+
+#include <algorithm>
+
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/xref_table.h"
+
+namespace {
+
+constexpr const char* PAGE_KEYS[] = {"Type", "Kids", "Annots"};
+constexpr CPDFKeySet PAGE_KEY_SET(PAGE_KEYS);
+
+bool comes_before(const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b)
+{
+    return a.num != b.num ? a.num < b.num : a.page < b.page;
+}
+
+// A well-made document lists every object once. Beyond that, arrays are no longer read: many objects that are references
+// to one long array would have it read once for each of them.
+int64_t most_entries(const CPDFXRefTable& xref)
+{
+    constexpr int64_t SLACK = 4096;
+    return 2 * static_cast<int64_t>(xref.entry_count()) + SLACK;
+}
+
+}  // namespace
+
+void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
+{
+    m_xref = &xref;
+    xref.read_all_sections();
+    m_entries_left = most_entries(xref);
+    m_pages.clear();
+    m_annotations.clear();
+    m_seen.clear();
+    const CPDFDictionary* catalog = root.dictionary();
+    if (const CPDFObj* pages = catalog ? catalog->get_item("Pages") : nullptr)
+        visit(*pages, 0);
+    std::sort(m_annotations.begin(), m_annotations.end(), comes_before);
+    const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
+        return a.num == b.num && a.page == b.page;
+    };
+    m_annotations.erase(std::unique(m_annotations.begin(), m_annotations.end(), same), m_annotations.end());
+    m_xref = nullptr;
+}
+
+void CPDFPageMap::visit(const CPDFObj& entry, int depth)
+{
+    if (depth > LIMIT_PAGE_DEPTH)
+        return;
+    if (entry.type == PDF_OBJ_REF && !first_visit(entry.ref.num)) {
+        // A page may be listed twice, and then is two pages; its annotations stay with the first.
+        if (m_seen[entry.ref.num] > 0)
+            m_pages.push_back(entry.ref);
+        return;
+    }
+    CPDFObj fetched;
+    if (entry.type == PDF_OBJ_REF)
+        m_xref->get_entity(fetched, entry.ref, &PAGE_KEY_SET);
+    const CPDFDictionary* node = (entry.type == PDF_OBJ_REF ? fetched : entry).dictionary();
+    if (!node)
+        return;
+    CPDFObj scratch;
+    const CPDFObj* type = view_obj(m_xref, node->get_item("Type"), scratch);
+    const CPDFObj* kids = node->get_item("Kids");
+    if (kids && !type->is_name("Page"))
+        visit_kids(*kids, depth + 1);
+    else if (!type->is_name("Pages"))
+        add_page(*node, entry.type == PDF_OBJ_REF ? entry.ref : PDF_REF{0, 0});
+}
+
+void CPDFPageMap::visit_kids(const CPDFObj& entry, int depth)
+{
+    CPDFObj scratch;
+    const CPDFArray* kids = view_once(&entry, scratch);
+    for (int32_t i = 0; kids && i < kids->count; ++i)
+        visit(kids->items[i], depth);
+}
+
+void CPDFPageMap::add_page(const CPDFDictionary& page, const PDF_REF& ref)
+{
+    m_pages.push_back(ref);
+    if (ref.num)
+        m_seen[ref.num] = page_count();
+    CPDFObj scratch;
+    const CPDFArray* annotations = view_once(page.get_item("Annots"), scratch);
+    for (int32_t i = 0; annotations && i < annotations->count; ++i) {
+        if (annotations->items[i].type == PDF_OBJ_REF)
+            m_annotations.push_back({annotations->items[i].ref.num, page_count()});
+    }
+}
+
+// The array behind an entry; null when it is none, was read before, or the limit is used up.
+const CPDFArray* CPDFPageMap::view_once(const CPDFObj* entry, CPDFObj& scratch)
+{
+    if (!entry || m_entries_left <= 0 || (entry->type == PDF_OBJ_REF && !first_visit(entry->ref.num)))
+        return nullptr;
+    const CPDFArray* array = view_obj(m_xref, entry, scratch)->array();
+    if (array)
+        m_entries_left -= array->count + 1;
+    return array;
+}
+
+int32_t CPDFPageMap::page_of(uint32_t num) const
+{
+    const auto found = m_seen.find(num);
+    return found == m_seen.end() ? 0 : found->second;
+}
+
+std::span<const PDF_PAGE_ANNOTATION> CPDFPageMap::annotations_of(uint32_t num) const
+{
+    const auto first =
+        std::lower_bound(m_annotations.begin(), m_annotations.end(), PDF_PAGE_ANNOTATION{num, 0}, comes_before);
+    auto end = first;
+    while (end != m_annotations.end() && end->num == num)
+        ++end;
+    return {first, end};
+}
+
+int32_t CPDFPageMap::page_of_annotation(uint32_t num) const
+{
+    const std::span<const PDF_PAGE_ANNOTATION> found = annotations_of(num);
+    return found.empty() ? 0 : found.front().page;
+}
+
+void CPDFPageMap::add_annotation(uint32_t num, int32_t page)
+{
+    const PDF_PAGE_ANNOTATION annotation = {num, page};
+    m_annotations.insert(std::lower_bound(m_annotations.begin(), m_annotations.end(), annotation, comes_before),
+                         annotation);
+}
+
+void CPDFPageMap::remove_annotation(uint32_t num)
+{
+    const std::span<const PDF_PAGE_ANNOTATION> found = annotations_of(num);
+    const auto first = m_annotations.begin() + (found.data() - m_annotations.data());
+    m_annotations.erase(first, first + static_cast<std::ptrdiff_t>(found.size()));
+}

@@ -1,0 +1,157 @@
+#include "formats/export/export_data.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "core/alloc.h"
+#include "core/limits.h"
+#include "document/document.h"
+#include "document/lookup/field_text.h"
+#include "formats/export/data_writer.h"
+#include "formats/export/export_value.h"
+#include "forms/field_walk.h"
+
+CPDFDataWriter::~CPDFDataWriter() = default;
+
+CPDFStatus refuse_export(const std::string& name, const char* why)
+{
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field \"" + name + "\" " + why);
+}
+
+namespace {
+
+std::unique_ptr<CPDFDataWriter> make_writer(PDF_DATA_FORMAT format, std::string& out)
+{
+    switch (format) {
+    case PDF_DATA_FORMAT::JSON:
+        return make_json_writer(out);
+    case PDF_DATA_FORMAT::FDF:
+        return make_fdf_writer(out);
+    case PDF_DATA_FORMAT::XFDF:
+        return make_xfdf_writer(out);
+    default:
+        return make_csv_writer(out);
+    }
+}
+
+// The full names that were met: a hash table of the fields that bear them. Names are compared anew where their hashes
+// are the same: kept, long ones would take many times the size of the file.
+class SeenNames {
+public:
+    // Whether no field with this name was met before.
+    bool is_new(const std::string& name, const CPDFField& field)
+    {
+        if (2 * m_count >= m_slots.size())
+            grow();
+        const size_t hash = std::hash<std::string>()(name);
+        size_t at = hash & (m_slots.size() - 1);
+        for (; m_slots[at].field; at = (at + 1) & (m_slots.size() - 1)) {
+            if (m_slots[at].hash == hash && full_name(*m_slots[at].field) == name)
+                return false;
+        }
+        m_slots[at] = {hash, &field};
+        ++m_count;
+        return true;
+    }
+
+private:
+    struct SLOT {
+        size_t hash = 0;
+        const CPDFField* field = nullptr;  // borrowed from the form
+    };
+
+    void grow()
+    {
+        const std::vector<SLOT> old = std::move(m_slots);
+        m_slots = std::vector<SLOT>(std::max<size_t>(256, 2 * old.size()));
+        for (const SLOT& slot : old) {
+            size_t at = slot.hash & (m_slots.size() - 1);
+            while (slot.field && m_slots[at].field)
+                at = (at + 1) & (m_slots.size() - 1);
+            if (slot.field)
+                m_slots[at] = slot;
+        }
+    }
+
+    std::vector<SLOT> m_slots;  // a power of two of them
+    size_t m_count = 0;
+};
+
+class Exporter {
+public:
+    Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, std::string& out)
+        : m_document(document),
+          m_by_export(format == PDF_DATA_FORMAT::FDF || format == PDF_DATA_FORMAT::XFDF),
+          m_values(document.xref()),
+          m_writer(make_writer(format, out)),
+          m_out(out)
+    {
+    }
+
+    CPDFStatus run(const std::vector<CPDFField*>* fields)
+    {
+        const VXFailureCheck memory;
+        const auto visit = [this](CPDFField& field) { add(field); };
+        if (!fields)
+            for_each_field(m_document.form(), visit);
+        for (size_t i = 0; fields && i < fields->size(); ++i)
+            for_each_field(*(*fields)[i], visit);
+        if (m_status.ok())
+            m_status = m_writer->finish();
+        if (m_status.ok() && memory.failed())
+            m_status = CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to export the values");
+        return std::move(m_status);
+    }
+
+private:
+    void add(const CPDFField& field)
+    {
+        if (!m_status.ok() || !CPDFExportValues::is_exported(field))
+            return;
+        const std::string name = full_name(field);
+        if (!m_names.is_new(name, field))
+            return;
+        VALUE_TEXT value = m_values.value_of(field);
+        const bool is_export = m_by_export && export_of(field, value.text);
+        m_status = m_writer->add({name, field, value, is_export});
+        if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT))
+            m_status = CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
+    }
+
+    // Other programs know a button with options by its export value. Makes `state` that of the button that is on, where it
+    // has one and no other has the same.
+    bool export_of(const CPDFField& field, std::string& state)
+    {
+        if (field.m_type != FIELD_BUTTON || field.m_opt_cnt == 0 || field.m_value.type != PDF_OBJ_NAME)
+            return false;
+        const std::vector<PDF_BUTTON_CHOICE> choices = m_document.choices_of(field);
+        const auto on = std::find_if(choices.begin(), choices.end(), [&field](const PDF_BUTTON_CHOICE& choice) {
+            return field.m_value.is_name(choice.state.c_str());
+        });
+        const auto same = [&on](const PDF_BUTTON_CHOICE& choice) { return choice.export_value == on->export_value; };
+        if (on == choices.end() || std::count_if(choices.begin(), choices.end(), same) != 1)
+            return false;
+        state = on->export_value;
+        return true;
+    }
+
+    CPDFDocument& m_document;  // borrowed from the caller
+    bool m_by_export;          // whether the format is one that other programs read
+    CPDFExportValues m_values;
+    std::unique_ptr<CPDFDataWriter> m_writer;
+    const std::string& m_out;  // borrowed from the caller
+    SeenNames m_names = {};
+    CPDFStatus m_status = {};
+};
+
+}  // namespace
+
+CPDFStatus write_form_data(CPDFDocument& document, PDF_DATA_FORMAT format, const std::vector<CPDFField*>* fields,
+                           std::string& out)
+{
+    out.clear();
+    CPDFStatus status = Exporter(document, format, out).run(fields);
+    if (!status.ok())
+        out.clear();
+    return status;
+}

@@ -1,0 +1,44 @@
+#include "formats/import/form_data.h"
+
+#include <utility>
+
+#include "core/limits.h"
+#include "file/file_bytes.h"
+#include "formats/import/csv.h"
+#include "formats/import/fdf_data.h"
+#include "formats/import/json_data.h"
+#include "formats/import/xfdf_data.h"
+
+std::string suffix_of(std::string_view path)
+{
+    const size_t dot = path.rfind('.');
+    if (dot == std::string_view::npos || path.find('/', dot) != std::string_view::npos)
+        return {};
+    std::string suffix(path.substr(dot));
+    for (char& c : suffix)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return suffix;
+}
+
+CPDFStatus read_form_data(const std::string& path, CPDFFormData& out)
+{
+    out.clear();
+    const std::string suffix = suffix_of(path);
+    using Read = CPDFStatus (*)(std::string_view, CPDFFormData&);
+    constexpr std::pair<std::string_view, Read> READERS[] = {
+        {".json", read_json_data}, {".csv", read_csv_data}, {".fdf", read_fdf_data}, {".xfdf", read_xfdf_data}};
+    for (const auto& [name, read] : READERS) {
+        if (suffix != name)
+            continue;
+        CPDFFileBytes file;
+        CPDFStatus status = file.open(path);
+        if (!status.ok())
+            return status;
+        if (file.size() > LIMIT_DATA_FILE) {
+            return CPDFStatus::failed(PDF_CODE::LIMIT,
+                                      "a data file has at most " + std::to_string(LIMIT_DATA_FILE >> 20) + " MiB");
+        }
+        return read({reinterpret_cast<const char*>(file.data()), file.size()}, out);
+    }
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json, .csv, .fdf or .xfdf");
+}

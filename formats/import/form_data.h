@@ -1,0 +1,27 @@
+// Values for the fields of a form, as data files hold them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "document/fill/filler.h"
+#include "file/status.h"
+
+// A value for the field of this full name, both in UTF-8 as far as the file they come from is.
+struct CPDFFormEntry {
+    std::string name;
+    CPDFValue value;
+    PDF_WORDS words = PDF_WORDS::STATES_FIRST;
+    bool is_typed = false;  // not from a file: an empty text was meant
+};
+
+// In the order of the file. A name may come more than once.
+using CPDFFormData = std::vector<CPDFFormEntry>;
+
+// Reads a data file of up to LIMIT_DATA_FILE bytes by the suffix of its name: .json, .csv, .fdf or .xfdf, see the
+// readers of each. On failure, which the status tells without the file's name, `out` is empty.
+CPDFStatus read_form_data(const std::string& path, CPDFFormData& out);
+
+// The suffix of a file name with its dot, in small letters; empty when there is none.
+std::string suffix_of(std::string_view path);

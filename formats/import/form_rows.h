@@ -1,0 +1,46 @@
+// Data files with many rows, each of them the values of one filled form.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "file/file_bytes.h"
+#include "formats/import/csv.h"
+#include "formats/import/form_data.h"
+
+struct CPDFFormRow {
+    size_t number = 0;  // from 1; the names of a CSV file and empty lines don't count
+    CPDFFormData data;
+    std::string fault;  // why the row can't be read, and `data` is empty; empty when it can
+};
+
+// Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.
+class CPDFFormRows {
+public:
+    // Opens the file, which the suffix tells the form of, and counts its rows. Fails for a CSV file that breaks the
+    // rules of quotes anywhere.
+    CPDFStatus open(const std::string& path);
+
+    size_t count() const { return m_count; }
+
+    // The names in the first row of a CSV file; null for JSON, where every row has its own.
+    const std::vector<std::string>* columns() const { return m_json ? nullptr : &m_columns; }
+
+    // Reads the next row; false when there is none.
+    bool next(CPDFFormRow& row);
+
+private:
+    CPDFStatus start();
+    bool next_line(std::string_view& line);
+
+    CPDFFileBytes m_file;
+    std::string_view m_text;  // borrowed from m_file
+    CPDFCsvReader m_csv{""};
+    bool m_json = false;
+    std::vector<std::string> m_columns;
+    std::vector<std::string> m_cells;
+    size_t m_at = 0;  // position in m_text of the next line of JSON
+    size_t m_number = 0;
+    size_t m_count = 0;
+};

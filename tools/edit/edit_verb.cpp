@@ -1,0 +1,91 @@
+#include "tools/edit/edit_verb.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+
+#include "document/lookup/field_text.h"
+#include "formats/fill_plan.h"
+#include "tools/terminal_text.h"
+
+void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments)
+{
+    add_output(verb, arguments.output);
+    verb.add_flag("--force", arguments.force, "change what signatures forbid to change, too");
+}
+
+int edit_file(const EDIT_ARGUMENTS& arguments,
+              const std::function<std::vector<std::string>(CPDFDocument& document)>& change)
+{
+    if (const std::string wrong = wrong_output(arguments.input, arguments.output); !wrong.empty())
+        return complain_usage(wrong);
+    const std::string& path = arguments.input.path.text;
+    CPDFDocument document;
+    if (!open_document(document, arguments.input))
+        return COMMAND_REFUSED;
+    const std::vector<std::string> refusals = change(document);
+    for (const std::string& refusal : refusals)
+        complain(path, refusal);
+    if (!refusals.empty())
+        return COMMAND_REFUSED;
+    if (document.has_xfa())
+        complain(path, "note: the form also has XFA data, which stay as they are");
+    return end_with(save_output(document, arguments.input, arguments.output), path);
+}
+
+std::vector<std::string> refusals_of(const CPDFStatus& status)
+{
+    if (status.ok())
+        return {};
+    return {status.text};
+}
+
+bool read_count(const std::string& text, int32_t& out)
+{
+    constexpr int32_t MOST = 1000000000;
+    const char* end = text.data() + text.size();
+    const std::from_chars_result result = std::from_chars(text.data(), end, out);
+    return result.ec == std::errc() && result.ptr == end && out >= 0 && out <= MOST;
+}
+
+void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments)
+{
+    verb.add_option("--max-length", arguments.max_length, "text field: the most characters it takes")->option_text("N");
+    verb.add_option("--option", arguments.options, "combo or list box: an option and the text it shows; again for more")
+        ->option_text("VALUE[=TEXT]")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    verb.add_option("--default", arguments.defaults,
+                    "what a reset brings back; again for a list box that takes several")
+        ->option_text("VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+std::string read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
+{
+    for (const auto* words : {&arguments.options, &arguments.defaults}) {
+        for (const COMMAND_WORD& word : *words) {
+            if (!is_utf8(word.text))
+                return in_quotes(word.text) + " is not UTF-8";
+        }
+    }
+    if (const std::string& text = arguments.max_length.text; !text.empty()) {
+        change.max_length = 0;
+        if (text != "none" && !read_count(text, *change.max_length))
+            return in_quotes(text) + " is no number of characters";
+    }
+    if (!arguments.options.empty())
+        change.options.emplace();
+    for (const COMMAND_WORD& word : arguments.options) {
+        const size_t at = word.text.find('=');
+        change.options->push_back({word.text.substr(0, at), at == std::string::npos ? "" : word.text.substr(at + 1)});
+    }
+    std::vector<std::string> values;
+    for (const COMMAND_WORD& word : arguments.defaults)
+        values.push_back(word.text);
+    if (values.size() == 1)
+        change.default_value = values[0];
+    else if (!values.empty())
+        change.default_value = values;
+    return {};
+}

@@ -1,0 +1,54 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "formats/fill_plan.h"
+#include "forms/acro_form.h"
+#include "forms/field.h"
+#include "tools/edit/edit_verb.h"
+
+namespace {
+
+struct REMOVE_ARGUMENTS {
+    EDIT_ARGUMENTS edit;
+    std::vector<COMMAND_WORD> names;
+};
+
+// Names may lead to one field, and a field whose group was removed before it is gone as asked.
+std::vector<std::string> remove_all(CPDFDocument& document, const REMOVE_ARGUMENTS& arguments)
+{
+    std::vector<std::string> refusals;
+    std::vector<PDF_REF> fields;
+    for (const COMMAND_WORD& name : arguments.names) {
+        if (const CPDFField* field = document.field(name.text))
+            fields.push_back(field->m_ref);
+        else
+            refusals.push_back(no_such_field(name.text));
+    }
+    if (!refusals.empty())
+        return refusals;
+    for (const PDF_REF& ref : fields) {
+        CPDFField* field = document.form().find(ref);
+        if (!field)
+            continue;
+        if (const CPDFStatus status = document.remove_field(*field, arguments.edit.how()); !status.ok())
+            refusals.push_back(status.text);
+    }
+    return refusals;
+}
+
+}  // namespace
+
+void add_remove_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<REMOVE_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("remove", "Removes fields, with all under them and all that shows them");
+    add_input(verb, arguments->edit.input);
+    verb.add_option("NAME", arguments->names, "full names of fields or groups")->required()->option_text("...");
+    add_edit_options(verb, arguments->edit);
+    verb.footer("A group in which nothing is left goes, too.");
+    verb.callback([arguments, &action] {
+        action = [arguments] {
+            return edit_file(arguments->edit, [&](CPDFDocument& document) { return remove_all(document, *arguments); });
+        };
+    });
+}

@@ -1,0 +1,91 @@
+#include "tools/fill/batch_rows.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+
+#include "document/document.h"
+#include "formats/fill_plan.h"
+#include "tools/verb.h"
+
+bool BatchRows::open(const std::string& path)
+{
+    m_path = path;
+    const CPDFStatus status = m_rows.open(path);
+    if (!status.ok())
+        complain(path, status.text);
+    return status.ok();
+}
+
+bool BatchRows::check_columns(CPDFDocument& document) const
+{
+    const std::vector<std::string>* columns = m_rows.columns();
+    if (!columns)
+        return true;
+    bool good = true;
+    const auto refuse = [&](const std::string& sentence) {
+        complain(m_path, sentence);
+        good = false;
+    };
+    for (const std::string& column : *columns) {
+        if (!document.field(column) && !(m_pattern && m_pattern->names(column)))
+            refuse(no_such_field(column) + ", and no output name (-o) uses it");
+    }
+    for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
+        const auto times = std::count(columns->begin(), columns->end(), name);
+        if (times != 1)
+            refuse("the output name uses " + in_quotes(name) + ", which " +
+                   (times ? "more than one column has" : "is no column"));
+    }
+    return good;
+}
+
+void BatchRows::protect(const std::string& path)
+{
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) == 0)
+        m_protected.push_back({info.st_dev, info.st_ino});
+}
+
+bool BatchRows::is_protected(const std::string& path) const
+{
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) != 0)
+        return false;
+    return std::any_of(m_protected.begin(), m_protected.end(),
+                       [&](const FILE_ID& id) { return id.device == info.st_dev && id.number == info.st_ino; });
+}
+
+// The reason why the row can't have an output, or nothing.
+std::string BatchRows::claim_output(const CPDFFormRow& row, std::string& output)
+{
+    std::string path;
+    if (!m_pattern->make_path(row.data, path))
+        return path;
+    const auto [claim, is_first] = m_row_of.emplace(path, row.number);
+    if (!is_first)
+        return "its output " + path + " is that of row " + std::to_string(claim->second) + ", too";
+    if (is_protected(path))
+        return "its output " + path + " is a file that the batch reads";
+    output = std::move(path);
+    return {};
+}
+
+bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
+{
+    row = BATCH_ROW();
+    CPDFFormRow read;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_rows.next(read))
+            return false;
+        row.refusal = std::move(read.fault);
+        if (row.refusal.empty() && m_pattern)
+            row.refusal = claim_output(read, row.output);
+    }
+    row.number = read.number;
+    row.data = std::move(read.data);
+    std::erase_if(row.data, [&](const CPDFFormEntry& entry) {
+        return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name);
+    });
+    return true;
+}

@@ -1,0 +1,58 @@
+// Hands out the rows of a batch, each with the file it goes to.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "formats/import/form_rows.h"
+#include "tools/fill/output_pattern.h"
+
+class CPDFDocument;
+
+struct BATCH_ROW {
+    size_t number = 0;
+    CPDFFormData data;    // without the columns that only name the output
+    std::string output;   // empty when nothing is written
+    std::string refusal;  // why the row can't be done; empty when it can
+};
+
+// Rows come in their order, so that of two rows with one output name always the second is refused.
+class BatchRows {
+public:
+    // `pattern` is borrowed, and null when nothing is written.
+    explicit BatchRows(const OutputPattern* pattern) : m_pattern(pattern) {}
+
+    // Opens the file with the rows; false after a complaint.
+    bool open(const std::string& path);
+
+    // Complains about the columns of a CSV file that are neither fields nor in the pattern, and about what the pattern
+    // names and no column has; false when there are any.
+    bool check_columns(CPDFDocument& document) const;
+
+    // These files are not overwritten.
+    void protect(const std::string& path);
+
+    size_t count() const { return m_rows.count(); }
+
+    // Hands out the next row; false when there is none. Any thread, with a document of its own.
+    bool take(CPDFDocument& document, BATCH_ROW& row);
+
+private:
+    bool is_protected(const std::string& path) const;
+    std::string claim_output(const CPDFFormRow& row, std::string& output);
+
+    struct FILE_ID {
+        uint64_t device;
+        uint64_t number;
+    };
+
+    const OutputPattern* m_pattern;  // borrowed
+    std::string m_path;
+    std::mutex m_mutex;
+    CPDFFormRows m_rows;
+    std::unordered_map<std::string, size_t> m_row_of;  // by output
+    std::vector<FILE_ID> m_protected;
+};

@@ -1,0 +1,192 @@
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <memory>
+
+#include "document/document.h"
+#include "formats/fill_plan.h"
+#include "formats/import/form_data.h"
+#include "tools/fill/fill_internal.h"
+#include "tools/fill/fill_report.h"
+
+namespace {
+
+// Few values are reached faster one by one than through the whole form.
+constexpr size_t MOST_SINGLE_FIELDS = 16;
+
+// The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
+// Where none is, the text before the first '=' stands for the name.
+size_t find_assign(CPDFDocument& document, std::string_view assignment)
+{
+    const size_t first = assignment.find('=', 1);
+    for (size_t at = first; at != std::string_view::npos; at = assignment.find('=', at + 1)) {
+        if (document.field(assignment.substr(0, at)))
+            return at;
+    }
+    return first;
+}
+
+bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
+{
+    return open_document(document, arguments.input,
+                         values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM);
+}
+
+// The report goes to standard output unless the filled file does.
+void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
+{
+    std::string report;
+    append_report(report, document, items);
+    if (arguments.output.output.text == "-" && !arguments.dry_run)
+        std::fwrite(report.data(), 1, report.size(), stderr);
+    else
+        put(report);
+}
+
+void complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
+{
+    constexpr size_t MOST = 1000;
+    size_t refused = 0;
+    for (const FILL_ITEM& item : items) {
+        if (!item.refusal.empty() && ++refused <= MOST)
+            complain(arguments.input.path.text, item.refusal);
+    }
+    if (refused > MOST)
+        complain(arguments.input.path.text, std::to_string(refused - MOST) + " more values are refused");
+}
+
+int fill_once(const FILL_ARGUMENTS& arguments)
+{
+    CPDFFormData data;
+    if (!arguments.data.text.empty()) {
+        const CPDFStatus status = read_form_data(arguments.data.text, data);
+        if (!status.ok()) {
+            complain(arguments.data.text, status.text);
+            return COMMAND_REFUSED;
+        }
+        if (data.empty())
+            complain(arguments.data.text, "note: the file has no values");
+    }
+    CPDFDocument document;
+    if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
+        return COMMAND_REFUSED;
+    for (const COMMAND_WORD& assignment : arguments.assignments) {
+        const size_t at = find_assign(document, assignment.text);
+        data.push_back({assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
+    }
+    const std::vector<FILL_ITEM> items = plan_items(document, data, arguments.how());
+    complain_of_refusals(arguments, items);
+    CPDFStatus status = apply_items(document, items);
+    if (!status.ok()) {
+        complain(arguments.input.path.text, status.text);
+        return COMMAND_REFUSED;
+    }
+    if (arguments.report)
+        put_report(document, arguments, items);
+    if (!all_accepted(items))
+        return COMMAND_REFUSED;
+    if (arguments.dry_run)
+        return put_done();
+    note_xfa(document, arguments.input, arguments.xfa);
+    if (arguments.xfa)
+        status = document.reset_xfa();
+    if (status.ok())
+        status = save_output(document, arguments.input, arguments.output);
+    return end_with(status, arguments.input.path.text);
+}
+
+bool read_jobs(FILL_ARGUMENTS& arguments)
+{
+    constexpr int MOST_JOBS = 256;
+    const std::string& text = arguments.jobs.text;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), arguments.job_count);
+    return error == std::errc() && end == text.data() + text.size() && arguments.job_count >= 1 &&
+           arguments.job_count <= MOST_JOBS;
+}
+
+// What is wrong with where the result goes; empty when nothing is.
+std::string wrong_place(const FILL_ARGUMENTS& arguments)
+{
+    const std::string& output = arguments.output.output.text;
+    if (arguments.dry_run && output.empty() && !arguments.output.in_place)
+        return {};
+    const bool pattern = output != "-" && !arguments.output.in_place;
+    if (!arguments.batch.text.empty() && !pattern)
+        return "--batch writes many files: give -o a pattern such as out/{id}.pdf";
+    if (is_same_file(output, arguments.data.text))
+        return in_quotes(output) + " is the file with the data";
+    return wrong_output(arguments.input, arguments.output);
+}
+
+// What is wrong with the command line; empty when nothing is.
+std::string wrong_usage(FILL_ARGUMENTS& arguments)
+{
+    const bool has_data = !arguments.assignments.empty() || !arguments.data.text.empty();
+    const bool has_batch = !arguments.batch.text.empty();
+    for (const COMMAND_WORD& assignment : arguments.assignments) {
+        if (assignment.text.find('=', 1) == std::string::npos)
+            return in_quotes(assignment.text) + " is no NAME=VALUE";
+    }
+    if (!has_data && !has_batch)
+        return "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)";
+    if (has_data && has_batch)
+        return "--batch takes all values from its rows: give no NAME=VALUE and no --data with it";
+    if (!read_jobs(arguments))
+        return in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256";
+    return wrong_place(arguments);
+}
+
+int fill(FILL_ARGUMENTS& arguments)
+{
+    if (const std::string wrong = wrong_usage(arguments); !wrong.empty())
+        return complain_usage(wrong);
+    return arguments.batch.text.empty() ? fill_once(arguments) : fill_batch(arguments);
+}
+
+constexpr const char* FOOTER =
+    R"(A field takes, whatever the value comes from:
+  text field    a text, no longer than its maximum
+  check box     true, false, or the name of a state
+  radio group   the name of a state or an export value; Off for none
+  combo box     an export value or a shown text; any text when it is editable
+  list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
+Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.
+
+Data files, in UTF-8:
+  .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
+  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
+  .fdf    FDF, as formwork export and other programs write it
+  .xfdf   XFDF; of rich text the plain text beside it is read
+A value that the field has already is never refused.
+
+A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
+  formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
+-o is a pattern: {id} is the value that the row has in the column id, and {{ a brace. A column that is used there need not be a field. Rows are
+counted from 1 without the names. A row that is refused is told on standard error and not written; the others are. Several
+--jobs pay even on one processor, since each of them waits for the disk.
+
+--report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
+something else than it said, such as a shown text), kept (the field has it already) or refused, which why explains.)";
+
+}  // namespace
+
+void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
+{
+    const auto arguments = std::make_shared<FILL_ARGUMENTS>();
+    CLI::App& verb = *app.add_subcommand("fill", "Puts values into fields and saves the result");
+    add_input(verb, arguments->input);
+    verb.add_option("NAME=VALUE", arguments->assignments, "full name of a field and its new value, in UTF-8")
+        ->option_text("...");
+    verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
+        ->option_text("DATA");
+    verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
+        ->option_text("ROWS");
+    add_output(verb, arguments->output);
+    verb.add_flag("--xfa", arguments->xfa,
+                  "write the XFA data set anew from all fields, too; what no field holds goes");
+    verb.add_flag("--force", arguments->force, "fill read-only fields, and those that a signature locks, too");
+    verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
+    verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");
+    verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")->option_text("N");
+    verb.footer(FOOTER);
+    verb.callback([arguments, &action] { action = [arguments] { return fill(*arguments); }; });
+}

@@ -1,0 +1,28 @@
+// What the parts of the verb fill share.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "document/fill/filler.h"
+#include "tools/save_output.h"
+#include "tools/verb.h"
+
+struct FILL_ARGUMENTS {
+    COMMAND_INPUT input;
+    std::vector<COMMAND_WORD> assignments;
+    COMMAND_WORD data;
+    COMMAND_WORD batch;
+    OUTPUT_ARGUMENTS output;
+    COMMAND_WORD jobs{"1"};
+    int job_count = 1;
+    bool xfa = false;
+    bool force = false;
+    bool dry_run = false;
+    bool report = false;
+
+    PDF_FILL how() const { return force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY; }
+};
+
+// Fills the template once for every row; returns a COMMAND_EXIT.
+int fill_batch(const FILL_ARGUMENTS& arguments);

@@ -1,0 +1,63 @@
+#include "tools/fill/fill_report.h"
+
+#include "document/document.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/value_text.h"
+#include "formats/export/json_text.h"
+#include "forms/field.h"
+#include "tools/terminal_text.h"
+
+namespace {
+
+std::string clean(const std::string& text)
+{
+    return is_utf8(text) ? text : printable_lines(text);
+}
+
+const char* result_of(const PDF_FILL_PLAN& plan)
+{
+    if (plan.action == PDF_FILL_PLAN::KEEP)
+        return "kept";
+    return plan.coerced ? "coerced" : "set";
+}
+
+void append_given(std::string& out, const CPDFValue& value)
+{
+    if (const bool* flag = std::get_if<bool>(&value)) {
+        out += *flag ? "true" : "false";
+        return;
+    }
+    VALUE_TEXT given;
+    given.present = true;
+    if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
+        given.is_list = true;
+        for (const std::string& text : *texts)
+            given.items.push_back(clean(text));
+    } else {
+        given.text = clean(std::get<std::string>(value));
+    }
+    append_json_value(out, given);
+}
+
+}  // namespace
+
+void append_report(std::string& out, CPDFDocument& document, const std::vector<FILL_ITEM>& items, size_t row)
+{
+    for (const FILL_ITEM& item : items) {
+        out += '{';
+        if (row)
+            out.append("\"row\":").append(std::to_string(row)).append(",");
+        out += "\"name\":";
+        append_json_text(out, clean(item.name));
+        if (item.refusal.empty()) {
+            out.append(",\"result\":\"").append(result_of(item.plan)).append("\",\"value\":");
+            append_json_value(out, value_text(document.xref(), item.plan.field->m_value));
+        } else {
+            out += ",\"result\":\"refused\",\"why\":";
+            append_json_text(out, clean(item.refusal));
+            out += ",\"value\":";
+            append_given(out, item.value);
+        }
+        out += "}\n";
+    }
+}

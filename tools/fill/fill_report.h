@@ -1,0 +1,13 @@
+// The report of a fill: one line of JSON for each name.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "formats/fill_plan.h"
+
+// Appends {"name", "result", "why", "value"} for each item, "row" before them unless it is 0. "result" is "set",
+// "coerced" when the value was understood as something else than it said, "kept" when the field has it already, or "refused", which "why" explains. "value"
+// is what the field has now that the plans are carried out, or the value refused.
+void append_report(std::string& out, CPDFDocument& document, const std::vector<FILL_ITEM>& items, size_t row = 0);

@@ -1,0 +1,133 @@
+#include <algorithm>
+#include <array>
+#include <numeric>
+
+#include "document/document.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/value_text.h"
+#include "forms/field_kind.h"
+#include "forms/field_walk.h"
+#include "tools/list/list_internal.h"
+#include "tools/terminal_text.h"
+#include "tools/verb.h"
+
+namespace {
+
+enum LIST_COLUMN { COLUMN_KIND, COLUMN_NAME, COLUMN_VALUE, COLUMN_FLAGS, COLUMN_COUNT };
+
+using LIST_ROW = std::array<std::string, COLUMN_COUNT>;
+using LIST_WIDTHS = std::array<int, COLUMN_COUNT>;
+
+constexpr int GAP = 2;
+constexpr int LEAST_WIDTH = 8;
+
+// Where nothing is cut, columns are padded to no more than this, so that one long value does not widen every line.
+constexpr int MOST_PADDING = 60;
+
+// Words for the flags, by field type; FIELD_UNKNOWN stands for all types.
+constexpr struct {
+    uint32_t flag;
+    int32_t type;
+    const char* word;
+} FLAG_WORDS[] = {
+    {FIELD_READ_ONLY, FIELD_UNKNOWN, "read-only"},
+    {FIELD_REQUIRED, FIELD_UNKNOWN, "required"},
+    {FIELD_NO_EXPORT, FIELD_UNKNOWN, "no-export"},
+    {FIELD_MULTILINE, FIELD_TEXT, "multiline"},
+    {FIELD_PASSWORD, FIELD_TEXT, "password"},
+    {FIELD_FILE_SELECT, FIELD_TEXT, "file-select"},
+    {FIELD_NO_SPELL_CHECK, FIELD_TEXT, "no-spell-check"},
+    {FIELD_NO_SCROLL, FIELD_TEXT, "no-scroll"},
+    {FIELD_COMB, FIELD_TEXT, "comb"},
+    {FIELD_RICH_TEXT, FIELD_TEXT, "rich-text"},
+    {FIELD_NO_TOGGLE_TO_OFF, FIELD_BUTTON, "no-toggle-to-off"},
+    {FIELD_RADIOS_IN_UNISON, FIELD_BUTTON, "in-unison"},
+    {FIELD_EDIT, FIELD_CHOICE, "editable"},
+    {FIELD_SORT, FIELD_CHOICE, "sorted"},
+    {FIELD_MULTI_SELECT, FIELD_CHOICE, "multi-select"},
+    {FIELD_NO_SPELL_CHECK, FIELD_CHOICE, "no-spell-check"},
+    {FIELD_COMMIT_ON_CHANGE, FIELD_CHOICE, "commit-on-change"},
+};
+
+std::string flag_words(const CPDFField& field)
+{
+    std::string words;
+    for (const auto& entry : FLAG_WORDS) {
+        if (!(field.m_flags & entry.flag) || (entry.type != FIELD_UNKNOWN && entry.type != field.m_type))
+            continue;
+        if (!words.empty())
+            words += ' ';
+        words += entry.word;
+    }
+    return words;
+}
+
+LIST_ROW row_of(CPDFField& field, CPDFXRefTable& xref)
+{
+    return {field_kind(field.m_type, field.m_flags).name, printable(full_name_with_no(field)),
+            printable(value_text(xref, field.m_value).joined()), flag_words(field)};
+}
+
+void widen(LIST_WIDTHS& widths, const LIST_ROW& row, int limit)
+{
+    for (size_t i = 0; i < COLUMN_COUNT; ++i)
+        widths[i] = std::max(widths[i], std::min(columns_of(row[i]), limit));
+}
+
+// Takes from the widest column until the row fits `total`.
+void narrow(LIST_WIDTHS& widths, int total)
+{
+    int left = std::accumulate(widths.begin(), widths.end(), GAP * (COLUMN_COUNT - 1)) - total;
+    for (; left > 0; --left) {
+        int& widest = *std::max_element(widths.begin() + COLUMN_NAME, widths.end());
+        if (widest <= LEAST_WIDTH)
+            return;
+        --widest;
+    }
+}
+
+// The start of a long name is what it shares with others, so that is cut.
+void cut(LIST_ROW& row, const LIST_WIDTHS& widths)
+{
+    row[COLUMN_NAME] = cut_start(row[COLUMN_NAME], widths[COLUMN_NAME]);
+    row[COLUMN_VALUE] = cut_end(row[COLUMN_VALUE], widths[COLUMN_VALUE]);
+    row[COLUMN_FLAGS] = cut_end(row[COLUMN_FLAGS], widths[COLUMN_FLAGS]);
+}
+
+void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
+{
+    std::string line;
+    for (size_t i = 0; i < COLUMN_COUNT; ++i) {
+        line += row[i];
+        const int padding = std::max(widths[i] - columns_of(row[i]), 0) + GAP;
+        line.append(static_cast<size_t>(padding), ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    put(line += '\n');
+}
+
+}  // namespace
+
+// Two passes, so that the memory does not grow with the form.
+void put_list_table(CPDFDocument& document, LIST_WHAT what)
+{
+    const int terminal = terminal_columns();
+    const auto for_each_row = [&](auto&& use) {
+        for_each_field(document.form(), [&](CPDFField& field) {
+            if (is_listed(field, what))
+                use(row_of(field, document.xref()));
+        });
+    };
+    const LIST_ROW heading = {"KIND", "NAME", "VALUE", "FLAGS"};
+    LIST_WIDTHS widths{};
+    widen(widths, heading, LEAST_WIDTH);
+    for_each_row([&](const LIST_ROW& row) { widen(widths, row, terminal ? terminal : MOST_PADDING); });
+    if (terminal)
+        narrow(widths, terminal);
+    put_row(heading, widths);
+    for_each_row([&](LIST_ROW row) {
+        if (terminal)
+            cut(row, widths);
+        put_row(row, widths);
+    });
+}
