@@ -1,0 +1,114 @@
+#include "document/look/page_paint.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/alloc.h"
+#include "core/array.h"
+#include "core/dictionary.h"
+#include "core/limits.h"
+#include "core/xref_table.h"
+#include "document/edit/new_object.h"
+
+bool place_in(const PDF_BOX& box, const double (&m)[6], const PDF_BOX& rect, PDF_PLACEMENT& out)
+{
+    const double xs[] = {box.x0, box.x1};
+    const double ys[] = {box.y0, box.y1};
+    PDF_BOX seen = {INFINITY, INFINITY, -INFINITY, -INFINITY};
+    for (const double x : xs) {
+        for (const double y : ys) {
+            const double at_x = m[0] * x + m[2] * y + m[4];
+            const double at_y = m[1] * x + m[3] * y + m[5];
+            seen = {std::min(seen.x0, at_x), std::min(seen.y0, at_y), std::max(seen.x1, at_x), std::max(seen.y1, at_y)};
+        }
+    }
+    if (!(seen.width() > 0) || !(seen.height() > 0))
+        return false;
+    out.scale_x = rect.width() / seen.width();
+    out.scale_y = rect.height() / seen.height();
+    out.shift_x = rect.x0 - seen.x0 * out.scale_x;
+    out.shift_y = rect.y0 - seen.y0 * out.scale_y;
+    return std::isfinite(out.scale_x) && std::isfinite(out.scale_y) && std::isfinite(out.shift_x) &&
+           std::isfinite(out.shift_y);
+}
+
+CPDFPagePaint::CPDFPagePaint(CPDFXRefTable& xref, const CPDFDictionary& page) : m_xref(xref), m_page(page) {}
+
+// The page's own resources, or those of the nearest node above it that has some.
+bool CPDFPagePaint::copy_resources(CPDFObj& out, CPDFDictionary*& xobjects)
+{
+    constexpr CPDFKeySet KEYS{"Resources", "Parent"};
+    CPDFObj node;
+    const CPDFDictionary* at = &m_page;
+    for (int depth = 0; at && depth < LIMIT_PAGE_DEPTH; ++depth) {
+        if (const CPDFObj* entry = at->get_item("Resources")) {
+            resolve_obj(&m_xref, entry, out);
+            break;
+        }
+        const CPDFObj* parent = at->get_item(CPDFDictionary::sm_tag_parent);
+        const PDF_REF above = parent && parent->type == PDF_OBJ_REF ? parent->ref : PDF_REF{0, 0};
+        node.free();
+        m_xref.get_entity(node, above, &KEYS);
+        at = node.dictionary();
+    }
+    if (!out.dictionary())
+        out.set_dict();
+    CPDFObj* slot = out.dictionary() ? out.dict->value_slot("XObject") : nullptr;
+    if (!slot)
+        return false;
+    CPDFObj list;
+    resolve_obj(&m_xref, slot, list);
+    slot->take(list);
+    if (!slot->dictionary())
+        slot->set_dict();
+    xobjects = slot->dictionary();
+    return xobjects != nullptr;
+}
+
+std::string CPDFPagePaint::name_of(const PDF_REF& xobject)
+{
+    std::string& name = m_names[xobject.num];
+    if (!name.empty())
+        return name;
+    size_t number = m_names.size();
+    do
+        name = "Fw" + std::to_string(number++);
+    while (m_xobjects->get_item(name.c_str()));
+    m_xobjects->set_item_ref(name.c_str(), xobject);
+    return name;
+}
+
+void CPDFPagePaint::draw(const PDF_REF& xobject, const PDF_PLACEMENT& at)
+{
+    if (!m_xobjects && !copy_resources(m_resources, m_xobjects))
+        return;
+    m_content += "q " + number_syntax(at.scale_x) + " 0 0 " + number_syntax(at.scale_y) + ' ' +
+                 number_syntax(at.shift_x) + ' ' + number_syntax(at.shift_y) + " cm /" + name_of(xobject) + " Do Q\n";
+}
+
+// What the page shows is kept between a "q" and a "Q": its graphics state may be left changed at its end.
+bool CPDFPagePaint::finish(const PDF_REF& save_state, CPDFObj& contents, CPDFObj& resources)
+{
+    const PDF_REF drawing = new_stream(m_xref, "", "\nQ\n" + m_content);
+    if (!drawing.num || !save_state.num || !m_xobjects)
+        return false;
+    const VXFailureCheck memory;
+    const CPDFObj* before = m_page.get_item("Contents");
+    const CPDFEntryView list(&m_xref, before);
+    CPDFArray* parts = contents.set_array();
+    if (!parts)
+        return false;
+    parts->append_ref(save_state);
+    if (list->array()) {
+        for (int32_t i = 0; i < list->arr->count; ++i) {
+            if (list->arr->items[i].type == PDF_OBJ_REF)
+                parts->append_ref(list->arr->items[i].ref);
+        }
+    } else if (before && before->type == PDF_OBJ_REF) {
+        parts->append_ref(before->ref);
+    }
+    parts->append_ref(drawing);
+    resources.take(m_resources);
+    m_xobjects = nullptr;
+    return !memory.failed();
+}
