@@ -109,3 +109,11 @@ constexpr int LIMIT_PAGE_DEPTH = 128;
 // Pixels of a picture, on one side and in all (1 GiB). Cairo takes no longer side.
 constexpr int LIMIT_PICTURE_SIDE = 32767;
 constexpr int LIMIT_PICTURE_PIXELS = 1 << 28;
+
+// Bytes read of one embedded font program, and of one CMap or table of glyph numbers.
+constexpr int LIMIT_FONT_FILE = 64 << 20;
+constexpr int LIMIT_FONT_TABLE = 8 << 20;
+
+// Codes that one CMap tells the meaning of, and widths that one font lists; a CMap of a few bytes may spell any number.
+constexpr size_t LIMIT_FONT_CHARACTERS = 1u << 17;
+constexpr size_t LIMIT_FONT_WIDTHS = 1u << 17;

@@ -1,0 +1,60 @@
+// A font program as a file embeds it, asked which glyphs it has.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "appearance/font/standard/glyph_encoding.h"
+#include "core/xref_table.h"
+
+struct FT_FaceRec_;
+struct FT_LibraryRec_;
+
+// The stream is read with the first question. A program that can't be read answers 0, false or nothing. Glyph 0 is the one
+// for missing characters.
+class CPDFFontProgram {
+public:
+    // `file` is the stream; number 0 for a font that is not embedded. The store outlives the program.
+    CPDFFontProgram(CPDFXRefTable& xref, const PDF_REF& file) : m_xref(xref), m_file(file) {}
+    ~CPDFFontProgram();
+    CPDFFontProgram(const CPDFFontProgram&) = delete;
+    CPDFFontProgram& operator=(const CPDFFontProgram&) = delete;
+
+    bool is_embedded() const { return m_file.num != 0; }
+    bool is_readable() { return face() != nullptr; }
+
+    // Whether codes of a simple font find their glyphs through "cmap" tables; otherwise through glyph names.
+    bool is_truetype();
+
+    // Sets the names that the program gives to codes itself; those of StandardEncoding when it gives none.
+    void name_own_glyphs(GLYPH_NAMES& names);
+
+    uint32_t glyph_of_name(const std::string& name);
+    uint32_t glyph_of_character(char32_t c);
+    // The glyph of a code by the tables for symbolic fonts.
+    uint32_t glyph_of_code(uint8_t code);
+    // The glyph of a code of MacRomanEncoding.
+    uint32_t glyph_of_mac_code(uint8_t code);
+
+    // Between the CIDs and the glyphs of a program that has CIDs of its own; the same number in others.
+    uint32_t glyph_of_cid(uint32_t cid);
+    uint32_t cid_of_glyph(uint32_t glyph);
+
+    // Whether the program has the glyph, and whether there is something in it to see. Subsets keep numbers and drop outlines.
+    bool has_glyph(uint32_t glyph);
+    bool draws_glyph(uint32_t glyph);
+
+private:
+    FT_FaceRec_* face();
+    void load();
+    uint32_t glyph_in(uint32_t encoding, uint32_t code);
+
+    CPDFXRefTable& m_xref;
+    PDF_REF m_file;
+    std::string m_bytes;                  // what the face reads from
+    FT_LibraryRec_* m_library = nullptr;  // owned
+    FT_FaceRec_* m_face = nullptr;        // owned
+    bool m_loaded = false;
+    std::vector<uint16_t> m_glyph_of_cid;  // empty until it is needed
+};
