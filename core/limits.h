@@ -109,3 +109,10 @@ constexpr int LIMIT_PAGE_DEPTH = 128;
 // Pixels of a picture, on one side and in all (1 GiB). Cairo takes no longer side.
 constexpr int LIMIT_PICTURE_SIDE = 32767;
 constexpr int LIMIT_PICTURE_PIXELS = 1 << 28;
+
+// Characters of one value that are laid out: in one line, and in many. A page of text at 4 points has about as many.
+constexpr size_t LIMIT_DRAWN_LINE = 1 << 13;
+constexpr size_t LIMIT_DRAWN_TEXT = 1 << 17;
+
+// Cells of a comb that get a dividing line. More are solid black.
+constexpr int LIMIT_COMB_LINES = 1000;
