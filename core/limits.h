@@ -117,3 +117,10 @@ constexpr int LIMIT_FONT_TABLE = 8 << 20;
 // Codes that one CMap tells the meaning of, and widths that one font lists; a CMap of a few bytes may spell any number.
 constexpr size_t LIMIT_FONT_CHARACTERS = 1u << 17;
 constexpr size_t LIMIT_FONT_WIDTHS = 1u << 17;
+
+// Characters of one value that are laid out: in one line, and in many. A page of text at 4 points has about as many.
+constexpr size_t LIMIT_DRAWN_LINE = 1 << 13;
+constexpr size_t LIMIT_DRAWN_TEXT = 1 << 17;
+
+// Cells of a comb that get a dividing line. More are solid black.
+constexpr int LIMIT_COMB_LINES = 1000;
