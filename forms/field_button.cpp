@@ -11,7 +11,7 @@ constexpr CPDFKeySet VALUE_KEY_SET{"V"};
 
 bool is_off(const char* state)
 {
-    return std::strcmp(state, "Off") == 0;
+    return std::strcmp(state, PDF_STATE_OFF) == 0;
 }
 
 bool same_state(const char* a, const char* b)

@@ -8,6 +8,7 @@
 #include "core/xref_table.h"
 #include "engine/sign.h"
 #include "forms/field.h"
+#include "forms/field_kind.h"
 #include "forms/visit_set.h"
 
 namespace {
@@ -15,19 +16,6 @@ namespace {
 // What loading looks at; the appearance, action and layout entries of a field are not even built.
 constexpr CPDFKeySet FIELD_KEY_SET{"T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
-
-int32_t type_of_name(const CPDFObj& name, int32_t otherwise)
-{
-    constexpr struct {
-        const char* name;
-        int32_t type;
-    } KINDS[] = {{"Btn", FIELD_BUTTON}, {"Tx", FIELD_TEXT}, {"Ch", FIELD_CHOICE}, {"Sig", FIELD_SIGNATURE}};
-    for (const auto& kind : KINDS) {
-        if (name.is_name(kind.name))
-            return kind.type;
-    }
-    return otherwise;
-}
 
 }  // namespace
 
@@ -165,7 +153,7 @@ void CPDFField::load_kind(const CPDFDictionary& dict)
 {
     const CPDFEntryView type(m_xref, dict.get_item("FT"));
     if (type->type == PDF_OBJ_NAME) {
-        m_type = type_of_name(*type, m_type);
+        m_type = field_type(type->name_text(), m_type);
         m_inherited = 0;
     }
     if (const CPDFObj* flags = dict.get_item("Ff")) {

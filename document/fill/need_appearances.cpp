@@ -6,13 +6,11 @@
 namespace {
 
 constexpr const char* KEY = "NeedAppearances";
-constexpr const char* KEYS[] = {KEY};
-constexpr CPDFKeySet KEY_SET(KEYS);
+constexpr CPDFKeySet KEY_SET{KEY};
 
 bool is_raised(CPDFXRefTable& xref, const CPDFDictionary& form)
 {
-    CPDFObj scratch;
-    const CPDFObj* flag = view_obj(&xref, form.get_item(KEY), scratch);
+    const CPDFEntryView flag(&xref, form.get_item(KEY));
     return flag->type == PDF_OBJ_BOOL && flag->ival;
 }
 
