@@ -124,3 +124,6 @@ constexpr size_t LIMIT_DRAWN_TEXT = 1 << 17;
 
 // Cells of a comb that get a dividing line. More are solid black.
 constexpr int LIMIT_COMB_LINES = 1000;
+
+// Rows of a list box that are drawn, from the first one shown: more than any page has room for.
+constexpr int LIMIT_DRAWN_ROWS = 1000;

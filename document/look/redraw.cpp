@@ -1,0 +1,171 @@
+#include "document/look/redraw.h"
+
+#include <algorithm>
+
+#include "appearance/appearance_stream.h"
+#include "core/alloc.h"
+#include "core/dictionary.h"
+#include "core/text.h"
+#include "core/xref_table.h"
+#include "document/look/shown_value.h"
+#include "document/lookup/field_text.h"
+#include "engine/annot_widget.h"
+#include "forms/field.h"
+
+namespace {
+
+bool has_states(WIDGET_KIND kind)
+{
+    return kind == WIDGET_KIND::CHECK_BOX || kind == WIDGET_KIND::RADIO_BUTTON;
+}
+
+bool is_same(const WIDGET_PICTURE& a, const WIDGET_PICTURE& b)
+{
+    const auto same_font = [](const PICTURE_FONT& x, const PICTURE_FONT& y) { return x.font == y.font; };
+    return a.width == b.width && a.height == b.height && a.content == b.content &&
+           std::equal(std::begin(a.matrix), std::end(a.matrix), std::begin(b.matrix)) &&
+           std::equal(a.fonts.begin(), a.fonts.end(), b.fonts.begin(), b.fonts.end(), same_font);
+}
+
+}  // namespace
+
+struct CPDFRedraw::SHARED_PICTURE {
+    WIDGET_PICTURE picture;
+    PDF_REF ref;
+};
+
+CPDFRedraw::CPDFRedraw(CPDFXRefTable& xref, const CPDFDictionary* form)
+    : m_xref(xref), m_fonts(xref), m_reader(xref, m_fonts, form)
+{
+}
+
+CPDFRedraw::~CPDFRedraw() = default;
+
+size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets)
+{
+    return draw(field, widgets, WIDGETS::ALL);
+}
+
+size_t CPDFRedraw::draw_missing(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets)
+{
+    return draw(field, widgets, WIDGETS::WITHOUT_APPEARANCE);
+}
+
+size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which)
+{
+    const VXFailureCheck memory;
+    size_t drawn = 0;
+    for (const PDF_DRAWN_WIDGET& at : widgets) {
+        WIDGET_DESCRIPTION widget;
+        if (!m_reader.read(field, at.ref, widget))
+            continue;
+        ++drawn;
+        if (which == WIDGETS::WITHOUT_APPEARANCE && widget.dictionary.dict->get_item("AP"))
+            continue;
+        if (has_states(widget.look.kind))
+            draw_states(at, widget);
+        else if (widget.look.kind != WIDGET_KIND::PUSH_BUTTON || !widget.dictionary.dict->get_item("AP"))
+            draw_one(field, at.ref, widget);
+    }
+    m_pictures.clear();
+    m_failed = m_failed || memory.failed();
+    return drawn;
+}
+
+// What the appearance had for the pressed and the touched widget showed the value before.
+void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget)
+{
+    if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN)
+        return;
+    set_shown_value(field, widget);
+    WIDGET_PICTURE picture = draw_widget(widget.look, WIDGET_STATE::OFF);
+    note_missing(field, picture.missing);
+    const PDF_REF stream = stored(std::move(picture));
+    CPDFObj appearances;
+    if (CPDFDictionary* dict = appearances.set_dict())
+        dict->set_item_ref("N", stream);
+    store(ref, appearances);
+}
+
+// Adds the states that the widget lacks to the ones it has.
+void CPDFRedraw::draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget)
+{
+    CPDFObj appearances;
+    resolve_obj(&m_xref, widget.dictionary.dict->get_item("AP"), appearances);
+    if (!appearances.dictionary())
+        appearances.set_dict();
+    CPDFObj* slot = appearances.dictionary() ? appearances.dict->value_slot("N") : nullptr;
+    CPDFObj normal;
+    resolve_obj(&m_xref, slot, normal);
+    if (!slot || normal.type == PDF_OBJ_STREAM)
+        return;
+    if (!normal.dictionary())
+        normal.set_dict();
+    bool added = false;
+    const std::pair<const char*, WIDGET_STATE> states[] = {{at.on_state.c_str(), WIDGET_STATE::ON},
+                                                           {PDF_STATE_OFF, WIDGET_STATE::OFF}};
+    const bool has_any = normal.dictionary() && normal.dict->count > 0;
+    for (const auto& [name, state] : states) {
+        // Without a picture for "Off" a widget shows nothing, which may be what its maker wants.
+        if (!*name || !normal.dictionary() || normal.dict->get_item(name) || (has_any && state == WIDGET_STATE::OFF))
+            continue;
+        normal.dict->set_item_ref(name, stored(draw_widget(widget.look, state)));
+        added = true;
+    }
+    slot->take(normal);
+    if (added)
+        store(at.ref, appearances);
+}
+
+PDF_REF CPDFRedraw::stored(WIDGET_PICTURE picture)
+{
+    for (const SHARED_PICTURE& known : m_pictures) {
+        if (is_same(known.picture, picture))
+            return known.ref;
+    }
+    const PDF_REF ref = store_picture(m_xref, m_fonts, picture);
+    m_failed = m_failed || !ref.num;
+    m_pictures.push_back({std::move(picture), ref});
+    return ref;
+}
+
+void CPDFRedraw::store(const PDF_REF& ref, const CPDFObj& appearances)
+{
+    const PDF_ENTRY_CHANGE change[] = {{"AP", &appearances}};
+    if (!m_failed && m_xref.change_entries(ref, change) == PDF_CHANGE_RESULT::NO_MEMORY)
+        m_failed = true;
+}
+
+void CPDFRedraw::note_missing(const CPDFField& field, const std::u32string& missing)
+{
+    if (missing.empty())
+        return;
+    std::string characters;
+    for (const char32_t c : missing) {
+        char bytes[4];
+        characters.append(bytes, static_cast<size_t>(utf8_from_ucs(static_cast<uint32_t>(c), bytes)));
+    }
+    const std::string why = CPDFFormFonts::problem();
+    m_notes.push_back("field \"" + full_name(field) + "\" can't be shown whole: no font here has \"" + characters + "\"" +
+                      (why.empty() ? "" : " (" + why + ")"));
+}
+
+CPDFStatus CPDFRedraw::finish()
+{
+    const VXFailureCheck memory;
+    const bool embedded = m_fonts.embed();
+    const bool failed = m_failed || memory.failed();
+    m_failed = false;
+    if (failed)
+        return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to draw the fields");
+    if (!embedded)
+        m_notes.emplace_back("a font of this machine could not be embedded");
+    return {};
+}
+
+void CPDFRedraw::changes_dropped()
+{
+    m_fonts.changes_dropped();
+    m_notes.clear();
+    m_failed = false;
+}

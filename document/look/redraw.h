@@ -1,0 +1,65 @@
+// Drawing the widgets of fields as their values are now.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "appearance/draw/widget_picture.h"
+#include "appearance/form_fonts.h"
+#include "appearance/widget_reader.h"
+#include "file/status.h"
+
+class CPDFDictionary;
+class CPDFField;
+
+// A widget that is to be drawn.
+struct PDF_DRAWN_WIDGET {
+    PDF_REF ref;
+    std::string on_state;  // of a check box or radio button: the name of its on state; empty for other kinds
+};
+
+// Gives widgets the appearance streams that show their fields (ISO 32000-2, 12.7.4.3). Fonts are loaded once, so one of
+// these serves a document as long as it is open.
+class CPDFRedraw {
+public:
+    // The store outlives this; `form` is the form dictionary, null for none, and is copied from.
+    CPDFRedraw(CPDFXRefTable& xref, const CPDFDictionary* form);
+    ~CPDFRedraw();
+    CPDFRedraw(const CPDFRedraw&) = delete;
+    CPDFRedraw& operator=(const CPDFRedraw&) = delete;
+
+    // Draws the widgets of `field`, which has its value itself. Buttons get what they lack for their states, and keep what
+    // they have. Returns how many of `widgets` could be drawn; those without a rectangle can't. What can't be shown is noted.
+    size_t draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets);
+
+    // The same for the widgets that have no appearance at all.
+    size_t draw_missing(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets);
+
+    // Embeds fonts of this machine that were used. To be called before the document is saved. Fails when memory ran out
+    // since the last call.
+    CPDFStatus finish();
+
+    // To be called when all changes of the document were dropped.
+    void changes_dropped();
+
+    // A sentence for each field whose value can't be shown whole, since the last changes_dropped.
+    const std::vector<std::string>& notes() const { return m_notes; }
+
+private:
+    struct SHARED_PICTURE;
+    enum class WIDGETS { ALL, WITHOUT_APPEARANCE };
+
+    size_t draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which);
+    void draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget);
+    void draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget);
+    PDF_REF stored(WIDGET_PICTURE picture);
+    void store(const PDF_REF& ref, const CPDFObj& appearances);
+    void note_missing(const CPDFField& field, const std::u32string& missing);
+
+    CPDFXRefTable& m_xref;  // borrowed from the document
+    CPDFFormFonts m_fonts;
+    CPDFWidgetReader m_reader;
+    std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
+    std::vector<std::string> m_notes;
+    bool m_failed = false;
+};

@@ -1,0 +1,83 @@
+#include "document/look/shown_value.h"
+
+#include <algorithm>
+
+#include "core/limits.h"
+#include "core/text.h"
+#include "document/lookup/field_options.h"
+#include "document/lookup/value_text.h"
+#include "forms/field.h"
+#include "forms/field_inherit.h"
+
+namespace {
+
+std::u32string characters_of(const std::string& utf8)
+{
+    std::u32string out;
+    out.reserve(utf8.size());
+    const auto* at = reinterpret_cast<const unsigned char*>(utf8.data());
+    for (const unsigned char* const end = at + utf8.size(); at < end;)
+        out += static_cast<char32_t>(ucs_from_utf8(at, end));
+    return out;
+}
+
+// The value of the field, or of the nearest one above it of its kind that has one.
+const CPDFObj* value_of(const CPDFField& field)
+{
+    const CPDFField* holder = nearest_field(
+        field, [&field](const CPDFField& at) { return at.m_value.type != PDF_OBJ_NULL || at.m_type != field.m_type; });
+    return holder && holder->m_type == field.m_type ? &holder->m_value : nullptr;
+}
+
+std::vector<std::string> texts_of(const CPDFField& field)
+{
+    const CPDFObj* value = value_of(field);
+    if (!value)
+        return {};
+    if (value->type == PDF_OBJ_STREAM)
+        return {stream_text(*field.m_xref, *value->stream)};
+    VALUE_TEXT held = value_text(*field.m_xref, *value);
+    if (!held.present)
+        return {};
+    return held.is_list ? std::move(held.items) : std::vector<std::string>{std::move(held.text)};
+}
+
+std::string option_text(const CPDFFieldOptions& options, int32_t index)
+{
+    std::string text = options.text(index);
+    return text.empty() ? options.value(index) : text;
+}
+
+void set_rows(const CPDFField& field, const std::vector<std::string>& texts, WIDGET_DESCRIPTION& widget)
+{
+    WIDGET_LOOK& look = widget.look;
+    const CPDFFieldOptions options(field);
+    const int32_t top = std::clamp(widget.top_row, 0, std::max(options.count() - 1, 0));
+    const int32_t last = static_cast<int32_t>(std::min<int64_t>(options.count(), int64_t{top} + LIMIT_DRAWN_ROWS));
+    for (int32_t i = top; i < last; ++i)
+        look.rows.push_back(characters_of(option_text(options, i)));
+    for (const std::string& text : texts) {
+        const int32_t option = options.find(text);
+        if (option >= top && option < last)
+            look.selected.push_back(static_cast<size_t>(option - top));
+    }
+}
+
+}  // namespace
+
+void set_shown_value(const CPDFField& field, WIDGET_DESCRIPTION& widget)
+{
+    WIDGET_LOOK& look = widget.look;
+    if (look.kind == WIDGET_KIND::PUSH_BUTTON)
+        return;
+    const std::vector<std::string> texts = texts_of(field);
+    if (look.kind == WIDGET_KIND::LIST_BOX) {
+        set_rows(field, texts, widget);
+        return;
+    }
+    if (texts.empty())
+        return;
+    const CPDFFieldOptions options(field);
+    const int32_t option = look.kind == WIDGET_KIND::COMBO_BOX ? options.find(texts.front()) : -1;
+    look.text = characters_of(option >= 0 ? option_text(options, option) : texts.front());
+}
