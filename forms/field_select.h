@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
 #include "core/array.h"
+#include "core/growable.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 
@@ -24,7 +24,8 @@ public:
     CPDFFieldFinder(CPDFAcroForm& form, int32_t lookups);
 
     // The first field in tree order that `entry` designates: a reference by CPDFField::get, a string as the dotted path
-    // of its other form. Null when there is none, for any other entry, and for paths beyond LIMIT_SELECT_VISITS.
+    // of its other form. Null when there is none, for any other entry, for paths beyond LIMIT_SELECT_VISITS, and when memory
+    // runs out.
     CPDFField* find(const CPDFObj& entry);
 
 private:
@@ -33,7 +34,7 @@ private:
         size_t place;      // in tree order
         CPDFField* field;  // borrowed from the form
     };
-    using Index = std::vector<ENTRY>;
+    using Index = CPDFGrowable<ENTRY, 256, 1>;
 
     static bool comes_before(const ENTRY& a, const ENTRY& b);
 
@@ -42,13 +43,15 @@ private:
     CPDFField* find_path(const char* path);
     CPDFField* find_below(const CPDFField* top, size_t place, const char* path);
     bool is_reached(const CPDFField& field, const CPDFField* top, const char* path);
+    void add(Index& out, const ENTRY& entry) { m_failed = !out.push(entry) || m_failed; }
     void add_named(Index& out, std::string_view name, const CPDFField* top, size_t place);
 
     CPDFAcroForm& m_form;  // borrowed
     bool m_few;            // too few lookups for an index
     bool m_built = false;
-    int64_t m_visits = 0;  // fields looked at by find_below
-    Index m_refs;          // fields by their own number and those of their widgets
+    bool m_failed = false;  // memory has run out: the index lacks entries
+    int64_t m_visits = 0;   // fields looked at by find_below
+    Index m_refs;           // fields by their own number and those of their widgets
     Index m_names;
 };
 

@@ -1,15 +1,27 @@
 #include <cstring>
 #include <memory>
-#include <vector>
 
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/text.h"
 #include "core/xref_table.h"
 #include "engine/resources.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/visit_set.h"
+
+namespace {
+
+constexpr int FIND_LIMIT = 61;
+constexpr int GET_LIMIT = 254;
+
+bool is_text(const CPDFObj& value, const char* text)
+{
+    return value.type == PDF_OBJ_STRING ? value.str.equals(text) : value.is_name(text);
+}
+
+}  // namespace
 
 CPDFAcroForm::CPDFAcroForm()
     : m_ref{0, 0},
@@ -51,8 +63,8 @@ void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root,
         return;
     if (form->type == PDF_OBJ_REF)
         m_ref = form->ref;
-    CPDFObj scratch;
-    const CPDFDictionary* dict = view_obj(xref, form, scratch)->dictionary();
+    const CPDFEntryView entry(xref, form);
+    const CPDFDictionary* dict = entry->dictionary();
     m_loaded = 1;
     if (!dict)
         return;
@@ -70,14 +82,16 @@ void CPDFAcroForm::load_resources(const CPDFDictionary& dict)
     if (!entry)
         return;
     m_res = new CPDFResources;
+    if (!m_res)
+        return;
     m_res->bind(m_xref, entry);
     m_res->load_resource(m_xref, 0);
 }
 
 void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
 {
-    CPDFObj scratch;
-    const CPDFArray* fields = view_obj(m_xref, dict.get_item("Fields"), scratch)->array();
+    const CPDFEntryView fields_view(m_xref, dict.get_item("Fields"));
+    const CPDFArray* fields = fields_view->array();
     if (!fields || fields->count == 0)
         return;
     m_fields = vx_alloc_array<CPDFField*>(static_cast<size_t>(fields->count));
@@ -87,26 +101,21 @@ void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
     std::memset(m_fields, 0, static_cast<size_t>(m_field_cnt) * sizeof(CPDFField*));
     CPDFVisitSet visits;
     visits.put_off_kids = true;
-    std::vector<int32_t> kids;
-    for (int32_t i = 0; i < m_field_cnt; ++i) {
-        if (!load_top(i, fields->items[i], visits))
-            kids.push_back(i);
-    }
+    for (int32_t i = 0; i < m_field_cnt; ++i)
+        load_top(i, fields->items[i], visits);
     // Some files list kids here too: those that their parents have brought in by now are not loaded again.
     visits.put_off_kids = false;
-    for (const int32_t i : kids)
-        load_top(i, fields->items[i], visits);
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        if (!m_fields[i])
+            load_top(i, fields->items[i], visits);
+    }
 }
 
-bool CPDFAcroForm::load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits)
+void CPDFAcroForm::load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits)
 {
-    if (entry.type != PDF_OBJ_REF)
-        return false;
-    auto field = std::make_unique<CPDFField>();
-    if (!field->load_once(nullptr, m_xref, entry.ref, visits))
-        return false;
-    m_fields[slot] = field.release();
-    return true;
+    std::unique_ptr<CPDFField> field(entry.type == PDF_OBJ_REF ? new CPDFField : nullptr);
+    if (field && field->load_once(nullptr, m_xref, entry.ref, visits))
+        m_fields[slot] = field.release();
 }
 
 void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
@@ -115,8 +124,7 @@ void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
     if (!entry)
         return;
     m_has_xfa = 1;
-    CPDFObj scratch;
-    const CPDFObj* xfa = view_obj(m_xref, entry, scratch);
+    const CPDFEntryView xfa(m_xref, entry);
     if (const CPDFArray* packets = xfa->array()) {
         load_packets(*packets);
     } else if (xfa->type == PDF_OBJ_STREAM && entry->type == PDF_OBJ_REF) {
@@ -128,13 +136,51 @@ void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
 void CPDFAcroForm::load_packets(const CPDFArray& packets)
 {
     for (int32_t i = 0; i + 1 < packets.count; i += 2) {
-        PDF_String name;
-        m_xref->read_obj_string(name, &packets.items[i]);
+        const CPDFEntryView name(m_xref, &packets.items[i]);
         const CPDFObj& packet = packets.items[i + 1];
-        if (name.equals("datasets") && packet.type == PDF_OBJ_REF)
+        if (is_text(*name, "datasets") && packet.type == PDF_OBJ_REF)
             m_xfa_ref = packet.ref;
-        if (name.equals("template"))
+        if (is_text(*name, "template"))
             bind_template(&packet);
-        name.release();
     }
+}
+
+CPDFField* CPDFAcroForm::find(const PDF_REF& ref)
+{
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        CPDFField* found = m_fields[i] ? m_fields[i]->get(ref) : nullptr;
+        if (found)
+            return found;
+    }
+    return nullptr;
+}
+
+CPDFField* CPDFAcroForm::find_top(const wchar_t* name, int limit)
+{
+    wchar_t own[GET_LIMIT + 1];
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        if (!m_fields[i])
+            continue;
+        m_fields[i]->get_name(own, limit + 1);
+        if (ucs_cmp(own, name) == 0)
+            return m_fields[i];
+    }
+    return nullptr;
+}
+
+CPDFField* CPDFAcroForm::find(const wchar_t* name)
+{
+    return name[0] ? find_top(name, FIND_LIMIT) : nullptr;
+}
+
+CPDFField* CPDFAcroForm::get_field(const wchar_t* name)
+{
+    return find_top(name, GET_LIMIT);
+}
+
+CPDFField* CPDFAcroForm::get_field(const PDF_String& name)
+{
+    wchar_t wide[256];
+    cvt_text_to_ucs(&name, wide, 255);
+    return get_field(wide);
 }

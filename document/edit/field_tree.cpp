@@ -25,7 +25,7 @@ void drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
     const auto is_null = [](const CPDFField* field) { return !field; };
     if (std::none_of(form.m_fields, form.m_fields + form.m_field_cnt, is_null))
         return;
-    edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
+    static_cast<void>(edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
         const int32_t before = form.m_field_cnt;
         for (int32_t i = before - 1; i >= 0; --i) {
             const CPDFObj* entry = fields.at(i);
@@ -37,7 +37,7 @@ void drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
                          static_cast<size_t>(form.m_field_cnt - i) * sizeof(CPDFField*));
         }
         return form.m_field_cnt != before;
-    });
+    }));
 }
 
 }  // namespace

@@ -36,9 +36,9 @@ CPDFField& with_empty_groups(const EDIT_TARGET& target, CPDFField& field)
 
 void remove_from_order(EDIT_TARGET& target, const NumberSet& gone)
 {
-    edit_array(target.xref, target.form.m_ref, "CO", [&gone](CPDFArray& order) {
-        return remove_references(order, [&gone](uint32_t num) { return gone.count(num) > 0; });
-    });
+    const auto is_gone = [&gone](uint32_t num) { return gone.count(num) > 0; };
+    static_cast<void>(edit_array(target.xref, target.form.m_ref, "CO",
+                                 [&is_gone](CPDFArray& order) { return remove_references(order, is_gone); }));
 }
 
 // The objects of the fields and of all that shows them.

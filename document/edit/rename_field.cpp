@@ -194,7 +194,7 @@ CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, 
     if (!detach_field(target, field))
         return CPDFStatus::failed(PDF_CODE::DAMAGED, "field " + in_quotes(full_name(field)) +
                                                          " can't be moved: the list that holds it is damaged");
-    target.xref.change_entries(ref, inherited.changes);
+    static_cast<void>(target.xref.change_entries(ref, inherited.changes));
     moved = attach_field(target, parent, ref);
     remove_empty_groups(target, before, parent);
     return moved && !memory.failed() ? CPDFStatus() : no_memory_to_edit();

@@ -30,7 +30,7 @@ void set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& roo
         xref.get_entity(form, entry->ref, &KEY_SET);
         const PDF_ENTRY_CHANGE change[] = {{KEY, &yes}};
         if (form.dictionary() && !is_raised(xref, *form.dict))
-            xref.change_entries(entry->ref, change);
+            static_cast<void>(xref.change_entries(entry->ref, change));
     } else if (entry->dictionary() && !is_raised(xref, *entry->dict)) {
         entry->dict->set_item(KEY, &yes);
         xref.store_changed(root_ref, root);
