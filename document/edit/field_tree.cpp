@@ -19,13 +19,13 @@ namespace {
 using NumberSet = std::unordered_set<uint32_t>;
 
 // Some files list kids in "Fields" as well, where a null slot stands for them: these entries would bring them back.
-void drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
+PDF_CHANGE_RESULT drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
 {
     CPDFAcroForm& form = target.form;
     const auto is_null = [](const CPDFField* field) { return !field; };
     if (std::none_of(form.m_fields, form.m_fields + form.m_field_cnt, is_null))
-        return;
-    edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
+        return PDF_CHANGE_RESULT::STORED;
+    return edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
         const int32_t before = form.m_field_cnt;
         for (int32_t i = before - 1; i >= 0; --i) {
             const CPDFObj* entry = fields.at(i);
@@ -40,6 +40,14 @@ void drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
     });
 }
 
+// The operation takes one entry out of "Kids"; a field may stand there again.
+PDF_CHANGE_RESULT drop_from_kids(EDIT_TARGET& target, const CPDFField& parent, uint32_t num)
+{
+    return edit_array(target.xref, parent.m_ref, "Kids", [num](CPDFArray& kids) {
+        return remove_references(kids, [num](uint32_t at) { return at == num; });
+    });
+}
+
 }  // namespace
 
 CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& ref)
@@ -50,8 +58,10 @@ CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& r
     return field;
 }
 
-bool detach_field(EDIT_TARGET& target, CPDFField& field)
+PDF_CHANGE_RESULT detach_field(EDIT_TARGET& target, CPDFField& field)
 {
+    const VXFailureCheck memory;
+    const uint32_t num = field.m_ref.num;
     NumberSet gone;
     for_each_field(field, [&gone](const CPDFField& at) { gone.insert(at.m_ref.num); });
     const CPDFField* parent = field.m_parent;
@@ -62,10 +72,10 @@ bool detach_field(EDIT_TARGET& target, CPDFField& field)
     target.form.remove_field(&field);
     if (listed == before) {
         target.names.add(field);
-        return false;
+        return memory.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::NO_DICTIONARY;
     }
-    drop_null_slots(target, gone);
-    return true;
+    const PDF_CHANGE_RESULT slots = drop_null_slots(target, gone);
+    return parent ? both(slots, drop_from_kids(target, *parent, num)) : slots;
 }
 
 CPDFField* field_named(EDIT_TARGET& target, const std::string& name)
@@ -101,8 +111,7 @@ bool is_readable_name(const std::string& name)
 
 bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out)
 {
-    const char* const keys[] = {key};
-    const CPDFKeySet key_set(keys);
+    const CPDFKeySet key_set(key);
     for (const CPDFField* above = parent; above; above = above->m_parent) {
         CPDFObj dict;
         above->m_xref->get_entity(dict, above->m_ref, &key_set);
