@@ -88,8 +88,8 @@ void CPDFFileReader::make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t
     const size_t len = stream_length(xref, *out.dict, data_at);
     CPDFObj dict;
     dict.take(out);
-    out.stream = new CPDFStreamRec;
-    out.type = PDF_OBJ_STREAM;
+    if (!out.set_stream())
+        return;
     out.stream->dict.take(*dict.dict);
     out.stream->in_file = 1;
     out.stream->data_len = static_cast<uint32_t>(len);

@@ -41,13 +41,13 @@ void CPDFFieldFinder::build()
         return;
     m_built = true;
     for_each_field(m_form, [this](CPDFField& field) {
-        m_refs.push_back({field.m_ref.num, m_refs.size(), &field});
+        add(m_refs, {field.m_ref.num, m_refs.size(), &field});
         for (int32_t i = 0; i < field.m_widget_cnt; ++i)
-            m_refs.push_back({field.m_widgets[i].num, m_refs.size(), &field});
+            add(m_refs, {field.m_widgets[i].num, m_refs.size(), &field});
         char own[PARTIAL_NAME_SIZE];
         partial_name(field, own);
         if (is_named(own))
-            m_names.push_back({std::hash<std::string_view>{}(own), m_names.size(), &field});
+            add(m_names, {std::hash<std::string_view>{}(own), m_names.size(), &field});
     });
     std::sort(m_refs.begin(), m_refs.end(), comes_before);
     std::sort(m_names.begin(), m_names.end(), comes_before);
@@ -59,7 +59,7 @@ CPDFField* CPDFFieldFinder::find_ref(const PDF_REF& ref)
         return m_form.find(ref);
     build();
     const auto at = std::lower_bound(m_refs.begin(), m_refs.end(), ENTRY{ref.num, 0, nullptr}, comes_before);
-    return at != m_refs.end() && at->key == ref.num ? at->field : nullptr;
+    return at != m_refs.end() && at->key == ref.num && !m_failed ? at->field : nullptr;
 }
 
 CPDFField* CPDFFieldFinder::find_path(const char* path)
@@ -115,7 +115,7 @@ void CPDFFieldFinder::add_named(Index& out, std::string_view name, const CPDFFie
     const ENTRY first{std::hash<std::string_view>{}(name), place, nullptr};
     for (auto at = std::lower_bound(m_names.begin(), m_names.end(), first, comes_before);
          at != m_names.end() && at->key == first.key && !gave_up() && is_below(at->field); ++at) {
-        out.push_back(*at);
+        add(out, *at);
         ++m_visits;
     }
 }
@@ -130,6 +130,8 @@ CPDFField* CPDFFieldFinder::find_below(const CPDFField* top, size_t place, const
         end = whole.find('.', end + 1);
         add_named(starts, whole.substr(0, end), top, place);
     }
+    if (m_failed)
+        return nullptr;
     std::sort(starts.begin(), starts.end(), [](const ENTRY& a, const ENTRY& b) { return a.place < b.place; });
     for (const ENTRY& start : starts) {
         char own[PARTIAL_NAME_SIZE];
@@ -170,7 +172,7 @@ CPDFField* CPDFFieldFinder::find_last(const char* path)
     for (size_t begin = 0;; ++begin) {
         if (whole.size() - begin < PARTIAL_NAME_SIZE) {
             const Range range = named(whole.substr(begin));
-            ends.insert(ends.end(), range.first, range.second);
+            m_failed = !ends.append(range.first, static_cast<size_t>(range.second - range.first)) || m_failed;
         }
         begin = whole.find('.', begin);
         if (begin == whole.npos)
@@ -178,7 +180,7 @@ CPDFField* CPDFFieldFinder::find_last(const char* path)
     }
     std::sort(ends.begin(), ends.end(), [](const ENTRY& a, const ENTRY& b) { return a.place < b.place; });
     for (const ENTRY& end : ends) {
-        if (gave_up())
+        if (gave_up() || m_failed)
             return nullptr;
         char own[PARTIAL_NAME_SIZE];
         partial_name(*end.field, own);

@@ -22,8 +22,9 @@ PDF_CHANGE_RESULT edit_array(CPDFXRefTable& xref, const PDF_REF& owner, const ch
     CPDFObj list;
     take_obj(&xref, entry, list);
     if (!list.array()) {
-        list.set_array();
         apart = {0, 0};
+        if (!list.set_array())
+            return PDF_CHANGE_RESULT::NO_MEMORY;
     }
     const bool changed = edit(*list.arr);
     if (memory.failed())

@@ -40,14 +40,6 @@ PDF_CHANGE_RESULT drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
     });
 }
 
-// The operation takes one entry out of "Kids"; a field may stand there again.
-PDF_CHANGE_RESULT drop_from_kids(EDIT_TARGET& target, const CPDFField& parent, uint32_t num)
-{
-    return edit_array(target.xref, parent.m_ref, "Kids", [num](CPDFArray& kids) {
-        return remove_references(kids, [num](uint32_t at) { return at == num; });
-    });
-}
-
 }  // namespace
 
 CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& ref)
@@ -61,7 +53,6 @@ CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& r
 PDF_CHANGE_RESULT detach_field(EDIT_TARGET& target, CPDFField& field)
 {
     const VXFailureCheck memory;
-    const uint32_t num = field.m_ref.num;
     NumberSet gone;
     for_each_field(field, [&gone](const CPDFField& at) { gone.insert(at.m_ref.num); });
     const CPDFField* parent = field.m_parent;
@@ -74,8 +65,7 @@ PDF_CHANGE_RESULT detach_field(EDIT_TARGET& target, CPDFField& field)
         target.names.add(field);
         return memory.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::NO_DICTIONARY;
     }
-    const PDF_CHANGE_RESULT slots = drop_null_slots(target, gone);
-    return parent ? both(slots, drop_from_kids(target, *parent, num)) : slots;
+    return drop_null_slots(target, gone);
 }
 
 CPDFField* field_named(EDIT_TARGET& target, const std::string& name)

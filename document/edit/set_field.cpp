@@ -159,7 +159,9 @@ void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, FIELD
 
 void make_options(const std::vector<PDF_OPTION>& options, CPDFObj& out)
 {
-    CPDFArray& list = *out.set_array();
+    if (!out.set_array())
+        return;
+    CPDFArray& list = *out.arr;
     const auto append = [](CPDFArray& to, const std::string& text) {
         PDF_String string = pdf_string_of(text);
         to.append_str(string.buf, string.len);
@@ -232,7 +234,7 @@ std::vector<std::string> current_value(const CPDFField& field)
 void make_indices(const std::vector<PDF_OPTION>& options, const std::vector<std::string>& words, CPDFObj& out)
 {
     out.set_array();
-    for (size_t i = 0; i < options.size(); ++i) {
+    for (size_t i = 0; out.array() && i < options.size(); ++i) {
         if (std::find(words.begin(), words.end(), options[i].value) != words.end())
             out.arr->append_int(static_cast<int>(i));
     }
@@ -249,7 +251,7 @@ void set_kid_flags(CPDFField& field, const PDF_FIELD_CHANGE& change, const VXFai
         CPDFObj value;
         value.set_int(static_cast<int32_t>(flags));
         if (!kid->m_inherited && flags != kid->m_flags) {
-            change_entries(*kid, {{"Ff", &value}}, memory);
+            static_cast<void>(change_entries(*kid, {{"Ff", &value}}, memory));
             kid->m_flags = flags;
         }
         set_kid_flags(*kid, change, memory);

@@ -93,7 +93,8 @@ void apply_choice(FILL_TARGET& target, const PDF_FILL_PLAN& plan)
     const CPDFField& holder = options_holder(field);
     CPDFObj value;
     CPDFObj indices;
-    indices.set_array();
+    if (!indices.set_array())
+        return;
     if (plan.options.size() > 1)
         value.set_array();
     else if (shows_another_value(field))

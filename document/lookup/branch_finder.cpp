@@ -134,7 +134,9 @@ CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
     std::unique_ptr<CPDFField> top;
     CPDFField* above = nullptr;
     for (const PDF_REF& ref : m_path) {
-        auto field = std::make_unique<CPDFField>();
+        std::unique_ptr<CPDFField> field(new CPDFField);
+        if (!field)
+            return nullptr;
         if (above && above->m_type != FIELD_UNKNOWN) {
             field->m_type = above->m_type;
             field->m_flags = above->m_flags;

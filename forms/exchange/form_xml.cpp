@@ -100,6 +100,7 @@ char* CPDFField::get_form_xml2(int& len)
 
 char* CPDFAcroForm::get_url_xml(const CPDFArray* fields, int flags)
 {
+    const VXFailureCheck memory;  // a field that was not found for want of it is no field to leave out
     CPDFDataBuffer out;
     const bool all = selects_all(fields, flags);
     const bool enclosed = all && !m_has_xfa;
@@ -111,5 +112,5 @@ char* CPDFAcroForm::get_url_xml(const CPDFArray* fields, int flags)
     if (enclosed)
         out.append("</fields>");
     int len = 0;
-    return found ? out.release(len) : nullptr;
+    return found && !memory.failed() ? out.release(len) : nullptr;
 }
