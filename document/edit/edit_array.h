@@ -11,8 +11,7 @@
 template <typename Edit>
 PDF_CHANGE_RESULT edit_array(CPDFXRefTable& xref, const PDF_REF& owner, const char* key, Edit&& edit)
 {
-    const char* const keys[] = {key};
-    const CPDFKeySet key_set(keys);
+    const CPDFKeySet key_set(key);
     const VXFailureCheck memory;
     CPDFObj own;
     xref.get_entity(own, owner, &key_set);

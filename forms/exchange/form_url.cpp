@@ -116,9 +116,9 @@ char* CPDFAcroForm::get_url_para(const CPDFArray* fields, int flags)
     CPDFDataBuffer out;
     bool given = false;
     const auto append_one = selects_all(fields, flags) ? append_tree : append_own_pair;
-    for_each_selected_field(*this, fields, flags, [&](CPDFField& field) {
+    const bool found = for_each_selected_field(*this, fields, flags, [&](CPDFField& field) {
         append_joined(out, 0, field, [&](CPDFDataBuffer& joined, CPDFField& one) { given |= append_one(joined, one); });
     });
     int len = 0;
-    return given && !memory.failed() ? out.release(len) : nullptr;
+    return found && given && !memory.failed() ? out.release(len) : nullptr;
 }

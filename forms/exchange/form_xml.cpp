@@ -107,10 +107,10 @@ char* CPDFAcroForm::get_url_xml(const CPDFArray* fields, int flags)
     out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
     if (enclosed)
         out.append("<fields>");
-    for_each_selected_field(*this, fields, flags,
-                            [&](CPDFField& field) { all ? append_nested(out, field) : append_flat(out, field); });
+    const bool found = for_each_selected_field(
+        *this, fields, flags, [&](CPDFField& field) { all ? append_nested(out, field) : append_flat(out, field); });
     if (enclosed)
         out.append("</fields>");
     int len = 0;
-    return memory.failed() ? nullptr : out.release(len);
+    return found && !memory.failed() ? out.release(len) : nullptr;
 }
