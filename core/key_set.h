@@ -1,25 +1,32 @@
 // A short list of dictionary keys that a reader is interested in.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
-// The keys are borrowed literals, at most 16. Reading an object with a key set skips every other top-level entry of its
-// dictionary, so that nothing is built that nobody looks at.
+// At most 16 keys, borrowed literals: `constexpr CPDFKeySet KEYS{"Kids", "T"};`. Reading an object with a key set skips
+// every other top-level entry of its dictionary, so that nothing is built that nobody looks at.
 class CPDFKeySet {
 public:
+    template <std::convertible_to<const char*>... Keys>
+    explicit constexpr CPDFKeySet(const Keys&... keys)
+    {
+        static_assert(sizeof...(keys) > 0 && sizeof...(keys) <= MAX_KEYS);
+        uint8_t count = 0;
+        (add(keys, count), ...);
+    }
+
+    // The same from an array of keys.
     template <size_t N>
     explicit constexpr CPDFKeySet(const char* const (&keys)[N])
     {
         static_assert(N <= MAX_KEYS);
-        for (size_t i = 0; i < N; ++i) {
-            m_keys[i] = keys[i];
-            uint8_t& first = m_first[slot_of(keys[i], m_keys[i].size())];
-            m_next[i] = first;
-            first = static_cast<uint8_t>(i + 1);
-        }
+        uint8_t count = 0;
+        for (const char* key : keys)
+            add(key, count);
     }
 
     bool contains(const char* key, size_t len) const
@@ -36,6 +43,14 @@ public:
 private:
     static constexpr size_t MAX_KEYS = 16;
     static constexpr size_t SLOTS = 64;
+
+    constexpr void add(const char* key, uint8_t& count)
+    {
+        m_keys[count] = key;
+        uint8_t& first = m_first[slot_of(key, m_keys[count].size())];
+        m_next[count] = first;
+        first = ++count;
+    }
 
     // First character and length tell almost all keys of a dictionary apart.
     static constexpr size_t slot_of(const char* key, size_t len)

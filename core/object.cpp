@@ -165,8 +165,8 @@ int32_t integer_value(const CPDFObj& obj)
 
 int32_t resolve_integer(CPDFXRefTable* xref, const CPDFObj* entry)
 {
-    CPDFObj scratch;
-    return integer_value(*view_obj(xref, entry, scratch));
+    const CPDFEntryView value(xref, entry);
+    return integer_value(*value);
 }
 
 void resolve_obj(CPDFXRefTable* xref, const CPDFObj* src, CPDFObj& out)

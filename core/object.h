@@ -118,3 +118,21 @@ void take_obj(CPDFXRefTable* xref, CPDFObj* src, CPDFObj& out);
 // `scratch`, which receives the fetched object. Never null; a null `src` gives `scratch` at tag 0.
 // The result is borrowed from `src` or `scratch` and must not be changed.
 const CPDFObj* view_obj(CPDFXRefTable* xref, const CPDFObj* src, CPDFObj& scratch);
+
+// The view of an entry together with the value it may need: what `entry` is or refers to, never null, while both live.
+//     const CPDFEntryView kids(xref, dict.get_item("Kids"));
+//     if (const CPDFArray* array = kids->array()) ...
+class CPDFEntryView {
+public:
+    CPDFEntryView(CPDFXRefTable* xref, const CPDFObj* entry) : m_value(view_obj(xref, entry, m_fetched)) {}
+
+    const CPDFObj& operator*() const& { return *m_value; }
+    const CPDFObj* operator->() const& { return m_value; }
+    // What a view that ends at once gives would be gone.
+    const CPDFObj& operator*() const&& = delete;
+    const CPDFObj* operator->() const&& = delete;
+
+private:
+    CPDFObj m_fetched;
+    const CPDFObj* m_value;  // borrowed from the entry, or m_fetched
+};

@@ -276,8 +276,7 @@ bool CPDFXRefTable::splice(const PDF_REF& ref, PDF_ENTRY_CHANGES changes, PDF_St
 void CPDFXRefTable::read_obj_string(CPDFXRefTable* xref, PDF_String& out, const CPDFObj* obj)
 {
     out = {0, nullptr};
-    CPDFObj scratch;
-    const CPDFObj* value = view_obj(xref, obj, scratch);
+    const CPDFEntryView value(xref, obj);
     if (value->type == PDF_OBJ_STRING)
         out.assign(value->str.buf, value->str.len);
     else if (value->type == PDF_OBJ_NAME && value->name)

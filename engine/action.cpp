@@ -32,8 +32,8 @@ public:
         const uint32_t num = entry.type == PDF_OBJ_REF ? entry.ref.num : 0;
         if (num && std::find(m_above.begin(), m_above.end(), num) != m_above.end())
             return nullptr;
-        CPDFObj scratch;
-        const CPDFDictionary* dict = view_obj(&m_xref, &entry, scratch)->dictionary();
+        const CPDFEntryView dict_view(&m_xref, &entry);
+        const CPDFDictionary* dict = dict_view->dictionary();
         if (!dict)
             return nullptr;
         ++m_count;
@@ -72,8 +72,7 @@ private:
 
     int32_t type_of(const CPDFDictionary& dict)
     {
-        CPDFObj scratch;
-        const CPDFObj* name = view_obj(&m_xref, dict.get_item("S"), scratch);
+        const CPDFEntryView name(&m_xref, dict.get_item("S"));
         for (int32_t type = ACTION_GOTO; type <= ACTION_GOTO_DOCUMENT_PART; ++type) {
             if (name->is_name(TYPE_NAMES[type]))
                 return type;
@@ -83,10 +82,9 @@ private:
 
     void read_script(PDF_String& out, const CPDFObj* entry)
     {
-        CPDFObj scratch;
-        const CPDFObj* script = view_obj(&m_xref, entry, scratch);
+        const CPDFEntryView script(&m_xref, entry);
         if (script->type != PDF_OBJ_STREAM) {
-            m_xref.read_obj_string(out, script);
+            m_xref.read_obj_string(out, &*script);
             return;
         }
         const std::unique_ptr<CPDFStream> reader(m_xref.make_stream(script->stream));
@@ -99,13 +97,12 @@ private:
     // The name of a file: a string, or a dictionary that prefers the Unicode name (ISO 32000-2, 7.11.3).
     void read_file(PDF_String& out, const CPDFObj* entry)
     {
-        CPDFObj scratch;
-        const CPDFObj* file = view_obj(&m_xref, entry, scratch);
+        const CPDFEntryView file(&m_xref, entry);
         if (const CPDFDictionary* dict = file->dictionary()) {
             const CPDFObj* name = dict->get_item("UF");
             m_xref.read_obj_string(out, name ? name : dict->get_item("F"));
         } else {
-            m_xref.read_obj_string(out, file);
+            m_xref.read_obj_string(out, &*file);
         }
     }
 
@@ -113,8 +110,8 @@ private:
     {
         if (!entry)
             return;
-        CPDFObj scratch;
-        const CPDFArray* several = view_obj(&m_xref, entry, scratch)->array();
+        const CPDFEntryView several_view(&m_xref, entry);
+        const CPDFArray* several = several_view->array();
         const int32_t count = several ? several->count : 1;
         for (int32_t i = 0; i < count && m_count < LIMIT_ACTIONS; ++i) {
             if (auto next = parse(several ? several->items[i] : *entry))

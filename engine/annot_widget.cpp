@@ -10,8 +10,7 @@ namespace {
 
 constexpr const char* DEFAULT_ON = "Yes";
 
-constexpr const char* STATE_KEYS[] = {"AP", "AS"};
-constexpr CPDFKeySet STATE_KEY_SET(STATE_KEYS);
+constexpr CPDFKeySet STATE_KEY_SET{"AP", "AS"};
 
 char* copy_text(const char* text)
 {
@@ -50,18 +49,19 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
         return 0;
     m_xref = xref;
     m_ref = ref;
-    CPDFObj ap_scratch;
-    const CPDFDictionary* ap = view_obj(xref, dict->get_item("AP"), ap_scratch)->dictionary();
+    const CPDFEntryView ap(xref, dict->get_item("AP"));
+    const auto states = [&ap](const char* key) { return ap->dictionary() ? ap->dict->get_item(key) : nullptr; };
+    const CPDFEntryView normal(xref, states("N"));
+    const char* on = on_state_of(normal->dictionary());
     // Some writers have the on state among the pressed appearances only.
-    CPDFObj states[2];
-    const char* on = nullptr;
-    for (int i = 0; ap && !on && i < 2; ++i)
-        on = on_state_of(view_obj(xref, ap->get_item(i == 0 ? "N" : "D"), states[i])->dictionary());
+    const CPDFEntryView pressed(xref, on ? nullptr : states("D"));
+    if (!on)
+        on = on_state_of(pressed->dictionary());
     VXFree(m_on_state);
     m_on_state = on ? copy_text(on) : nullptr;
 
-    CPDFObj as_scratch;
-    const char* shown = view_obj(xref, dict->get_item("AS"), as_scratch)->name_text();
+    const CPDFEntryView as(xref, dict->get_item("AS"));
+    const char* shown = as->name_text();
     VXFree(m_alt_state);
     if (shown && (on || std::strcmp(shown, PDF_STATE_OFF) != 0))
         m_alt_state = copy_text(shown);

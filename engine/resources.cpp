@@ -8,8 +8,7 @@ namespace {
 
 std::string base_font_of(CPDFXRefTable* xref, const CPDFObj& font)
 {
-    static constexpr const char* KEYS[] = {"BaseFont"};
-    static constexpr CPDFKeySet KEY_SET(KEYS);
+    static constexpr CPDFKeySet KEY_SET{"BaseFont"};
     CPDFObj fetched;
     const CPDFDictionary* dict = font.dictionary();
     if (font.type == PDF_OBJ_REF) {
@@ -49,8 +48,8 @@ void CPDFResources::load_resource(CPDFXRefTable* xref, int)
         xref->get_entity(fetched, m_ref);
     const CPDFDictionary* dict = m_ref.num ? fetched.dictionary() : m_dict.dictionary();
     for (int32_t i = 0; dict && i < dict->count; ++i) {
-        CPDFObj scratch;
-        const CPDFDictionary* named = view_obj(xref, &dict->items[i]->value, scratch)->dictionary();
+        const CPDFEntryView named_view(xref, &dict->items[i]->value);
+        const CPDFDictionary* named = named_view->dictionary();
         const std::string category = dict->items[i]->key();
         for (int32_t k = 0; named && k < named->count; ++k) {
             const CPDFObj& value = named->items[k]->value;
@@ -70,8 +69,7 @@ int CPDFResources::append_font(CPDFXRefTable* xref, const char* name, const PDF_
 {
     if (!xref || m_ref.num == 0)
         return 0;
-    static constexpr const char* KEYS[] = {"Font"};
-    static constexpr CPDFKeySet KEY_SET(KEYS);
+    static constexpr CPDFKeySet KEY_SET{"Font"};
     const VXFailureCheck check;
     CPDFObj own;
     xref->get_entity(own, m_ref, &KEY_SET);

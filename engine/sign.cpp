@@ -8,8 +8,7 @@ namespace {
 
 std::string text_of(CPDFXRefTable* xref, const CPDFObj* entry)
 {
-    CPDFObj scratch;
-    const CPDFObj* value = view_obj(xref, entry, scratch);
+    const CPDFEntryView value(xref, entry);
     if (value->type == PDF_OBJ_NAME && value->name)
         return value->name;
     if (value->type == PDF_OBJ_STRING && value->str.buf)
@@ -21,16 +20,15 @@ std::string text_of(CPDFXRefTable* xref, const CPDFObj* entry)
 
 void CPDFSign::load(CPDFXRefTable* xref, const CPDFDictionary* dict)
 {
-    CPDFObj contents_scratch;
-    const CPDFObj* contents = view_obj(xref, dict->get_item("Contents"), contents_scratch);
+    const CPDFEntryView contents(xref, dict->get_item("Contents"));
     m_data_cnt = contents->type == PDF_OBJ_STRING ? contents->str.len : 0;
     m_filter = text_of(xref, dict->get_item(CPDFDictionary::sm_tag_filter));
     m_sub_filter = text_of(xref, dict->get_item("SubFilter"));
     m_name = text_of(xref, dict->get_item("Name"));
     m_date = text_of(xref, dict->get_item("M"));
     m_byte_range.clear();
-    CPDFObj range_scratch;
-    const CPDFArray* range = view_obj(xref, dict->get_item("ByteRange"), range_scratch)->array();
+    const CPDFEntryView range_view(xref, dict->get_item("ByteRange"));
+    const CPDFArray* range = range_view->array();
     for (int32_t i = 0; range && i < range->count; ++i)
         m_byte_range.push_back(resolve_integer(xref, &range->items[i]));
 }

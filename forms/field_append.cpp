@@ -9,8 +9,7 @@
 
 CPDFField* CPDFField::append_child(const PDF_REF& ref)
 {
-    static constexpr const char* KEYS[] = {"Kids"};
-    static constexpr CPDFKeySet KEY_SET(KEYS);
+    static constexpr CPDFKeySet KEY_SET{"Kids"};
     const VXFailureCheck check;
     CPDFObj own;
     m_xref->get_entity(own, m_ref, &KEY_SET);

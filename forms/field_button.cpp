@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr const char* VALUE_KEYS[] = {"V"};
-constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
+constexpr CPDFKeySet VALUE_KEY_SET{"V"};
 
 bool is_off(const char* state)
 {

@@ -13,12 +13,8 @@
 namespace {
 
 // What loading looks at; the appearance, action and layout entries of a field are not even built.
-constexpr const char* FIELD_KEYS[] = {
-    "T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen",
-};
-constexpr CPDFKeySet FIELD_KEY_SET(FIELD_KEYS);
-constexpr const char* VALUE_KEYS[] = {"V", "DV", "DA", "I"};
-constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
+constexpr CPDFKeySet FIELD_KEY_SET{"T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen"};
+constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
 
 int32_t type_of_name(const CPDFObj& name, int32_t otherwise)
 {
@@ -167,8 +163,7 @@ void CPDFField::show_value(const CPDFObj& value, const CPDFArray* sels)
 
 void CPDFField::load_kind(const CPDFDictionary& dict)
 {
-    CPDFObj scratch;
-    const CPDFObj* type = view_obj(m_xref, dict.get_item("FT"), scratch);
+    const CPDFEntryView type(m_xref, dict.get_item("FT"));
     if (type->type == PDF_OBJ_NAME) {
         m_type = type_of_name(*type, m_type);
         m_inherited = 0;
@@ -181,8 +176,7 @@ void CPDFField::load_kind(const CPDFDictionary& dict)
 
 void CPDFField::load_signature(const CPDFDictionary& dict)
 {
-    CPDFObj scratch;
-    const CPDFObj* value = view_obj(m_xref, dict.get_item("V"), scratch);
+    const CPDFEntryView value(m_xref, dict.get_item("V"));
     if (const CPDFDictionary* signature = value->dictionary()) {
         m_sign = new CPDFSign;
         m_sign->load(m_xref, signature);
@@ -194,8 +188,8 @@ void CPDFField::load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits)
     const CPDFObj* entry = dict.get_item("Kids");
     if (!entry)
         return;
-    CPDFObj scratch;
-    const CPDFArray* kids = view_obj(m_xref, entry, scratch)->array();
+    const CPDFEntryView kids_view(m_xref, entry);
+    const CPDFArray* kids = kids_view->array();
     if (!kids || kids->count == 0)
         return;
     const auto room = static_cast<size_t>(kids->count);
@@ -270,8 +264,8 @@ void CPDFField::load_opts(CPDFDictionary& dict)
 
 void CPDFField::load_sels(const CPDFObj* entry)
 {
-    CPDFObj scratch;
-    take_sels(view_obj(m_xref, entry, scratch)->array());
+    const CPDFEntryView sels(m_xref, entry);
+    take_sels(sels->array());
 }
 
 void CPDFField::take_sels(const CPDFArray* sels)

@@ -71,8 +71,7 @@ void CPDFField::get_vaue(char* buf, int size)
         break;
     case PDF_OBJ_ARRAY:
         if (m_value.arr->count == 1) {
-            CPDFObj scratch;
-            const CPDFObj* only = view_obj(m_xref, &m_value.arr->items[0], scratch);
+            const CPDFEntryView only(m_xref, &m_value.arr->items[0]);
             if (only->type == PDF_OBJ_STRING)
                 put_string(only->str, buf, size);
         }

@@ -12,8 +12,7 @@ namespace {
 
 constexpr int SIGNATURES_EXIST_APPEND_ONLY = 3;
 
-constexpr const char* FIELDS_KEYS[] = {"Fields"};
-constexpr CPDFKeySet FIELDS_KEY_SET(FIELDS_KEYS);
+constexpr CPDFKeySet FIELDS_KEY_SET{"Fields"};
 
 // Makes `out` the array behind "Fields" and returns it; null when there is none.
 CPDFArray* fetch_fields(CPDFXRefTable& xref, const PDF_REF& form, CPDFObj& out)

@@ -51,8 +51,8 @@ void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root,
         return;
     if (form->type == PDF_OBJ_REF)
         m_ref = form->ref;
-    CPDFObj scratch;
-    const CPDFDictionary* dict = view_obj(xref, form, scratch)->dictionary();
+    const CPDFEntryView entry(xref, form);
+    const CPDFDictionary* dict = entry->dictionary();
     m_loaded = 1;
     if (!dict)
         return;
@@ -76,8 +76,8 @@ void CPDFAcroForm::load_resources(const CPDFDictionary& dict)
 
 void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
 {
-    CPDFObj scratch;
-    const CPDFArray* fields = view_obj(m_xref, dict.get_item("Fields"), scratch)->array();
+    const CPDFEntryView fields_view(m_xref, dict.get_item("Fields"));
+    const CPDFArray* fields = fields_view->array();
     if (!fields || fields->count == 0)
         return;
     m_fields = vx_alloc_array<CPDFField*>(static_cast<size_t>(fields->count));
@@ -115,8 +115,7 @@ void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
     if (!entry)
         return;
     m_has_xfa = 1;
-    CPDFObj scratch;
-    const CPDFObj* xfa = view_obj(m_xref, entry, scratch);
+    const CPDFEntryView xfa(m_xref, entry);
     if (const CPDFArray* packets = xfa->array()) {
         load_packets(*packets);
     } else if (xfa->type == PDF_OBJ_STREAM && entry->type == PDF_OBJ_REF) {

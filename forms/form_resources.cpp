@@ -9,8 +9,7 @@
 namespace {
 
 constexpr const char* RESOURCES = "DR";
-constexpr const char* RESOURCES_KEYS[] = {RESOURCES};
-constexpr CPDFKeySet RESOURCES_KEY_SET(RESOURCES_KEYS);
+constexpr CPDFKeySet RESOURCES_KEY_SET{RESOURCES};
 
 // Makes `fonts` a dictionary: what `entry` is or refers to, with `font` under `name`.
 void build_fonts(CPDFXRefTable* xref, const CPDFObj* entry, const char* name, const PDF_REF& font, CPDFObj& fonts)

@@ -48,8 +48,7 @@ void bind_event(CPDFField& field, const PDF_FIELD_ENTRY& event)
 
 void CPDFAcroForm::bind_template(const CPDFObj* packet)
 {
-    CPDFObj scratch;
-    const CPDFObj* stream = view_obj(m_xref, packet, scratch);
+    const CPDFEntryView stream(m_xref, packet);
     if (stream->type != PDF_OBJ_STREAM)
         return;
     const std::unique_ptr<CPDFStream> reader(m_xref->make_stream(stream->stream));

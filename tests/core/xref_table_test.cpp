@@ -23,8 +23,7 @@ TEST(XRefTableTest, ReadersSeeTheNewestVersion)
     copy.dict->set_item_int("V", 4);
     EXPECT_EQ(doc.show(1), "<< /T (newest) /V 3 >>");
 
-    static constexpr const char* KEYS[] = {"V"};
-    static constexpr CPDFKeySet KEY_SET(KEYS);
+    static constexpr CPDFKeySet KEY_SET{"V"};
     CPDFObj part;
     doc.xref.get_entity(part, {1, 0}, &KEY_SET);
     EXPECT_EQ(show_object(part), "<< /V 3 >>");
