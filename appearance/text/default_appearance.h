@@ -8,12 +8,12 @@
 
 // How text is set. Lengths are points.
 struct TEXT_STYLE {
-    std::string font;      // resource name without slash; empty when none is named
-    double size = 0;       // 0: fitted to the box
-    PDF_COLOR color;       // no values: black
-    double rise = 0;       // above the baseline
-    double spacing = 0;    // added to the advance of every glyph
-    double stretch = 1;    // widths are multiplied with it
+    std::string font;    // resource name without slash; empty when none is named
+    double size = 0;     // 0: fitted to the box
+    PDF_COLOR color;     // no values: black
+    double rise = 0;     // above the baseline
+    double spacing = 0;  // added to the advance of every glyph
+    double stretch = 1;  // widths are multiplied with it
 };
 
 // Reads a default appearance string. Of operators that come twice the last one counts; what can't be read is passed over,
