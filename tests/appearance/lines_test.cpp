@@ -51,7 +51,7 @@ TEST(LinesTest, Break)
         {"word too long", U"a abcdefg", 15, "[a][abc][def][g]"},
         {"no room at all", U"ab c", -5, "[a][b][c]"},
         {"hyphen", U"well-known", 30, "[well-][known]"},
-        {"minus sign and number range", U"x -5 10-20", 20, "[x][-5][10-2][0]"},
+        {"minus sign and number range", U"xy -5 10-20", 20, "[xy][-5][10-2][0]"},
         {"no-break space", U"ab c\u00A0d", 25, "[ab][c#d]"},
         {"between ideographs", U"\u4E00\u4E8C\u4E09\u56DB", 10, "[##][##]"},
         {"not before closing punctuation", U"\u4E00\u4E8C\u3002\u4E09", 10, "[#][##][#]"},
