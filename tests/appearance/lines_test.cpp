@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "appearance/text/default_appearance.h"
 #include "core/limits.h"
 #include "tests/appearance/even_font.h"
@@ -112,12 +110,10 @@ TEST(LinesTest, MegabytesAreCut)
 {
     EvenChoice fonts;
     const std::u32string text(4 << 20, U'x');
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(shape_text(text, TEXT_LINES::ONE, fonts).glyphs.size(), LIMIT_DRAWN_LINE);
     const SHAPED_TEXT shaped = shape_text(text, TEXT_LINES::MANY, fonts);
     fit_many_lines(shaped, {100, 100}, line_box(fonts.own()), {});
     EXPECT_EQ(break_lines(shaped, 1, sized(10), SIZE_MAX).size(), LIMIT_DRAWN_TEXT);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
 }
 
 TEST(DefaultAppearanceTest, Reads)
