@@ -70,7 +70,7 @@ void draw_character(CPDFContentWriter& out, const WIDGET_LOOK& look, const WIDGE
     const SHAPED_TEXT shaped = shape_text(text, TEXT_LINES::ONE, *look.fonts);
     note_missing(picture, shaped);
     TEXT_STYLE style = look.style;
-    if (style.size <= 0) {
+    if (!has_size(style)) {
         const double height = std::max(frame.height - 2 * frame.padding, frame.height / 4);
         const double width = std::max(frame.width - 2 * frame.padding, frame.width / 4);
         style.size = height / line_height(line_box(look.fonts->own()));
@@ -109,7 +109,7 @@ void draw_caption(CPDFContentWriter& out, const WIDGET_LOOK& look, const WIDGET_
     if (shaped.glyphs.empty())
         return;
     TEXT_STYLE style = look.style;
-    if (style.size <= 0)
+    if (!has_size(style))
         style.size = fit_one_line(shaped, one_line_room(frame), line_box(look.fonts->own()), style);
     out.op("q");
     draw_middle(out, look, frame, shaped, style, picture);

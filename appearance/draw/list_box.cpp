@@ -23,7 +23,7 @@ public:
           m_style(look.style),
           m_box(line_box(look.fonts->own()))
     {
-        if (m_style.size <= 0)
+        if (!has_size(m_style))
             m_style.size = ROW_SIZE;
         if (m_style.color.count == 0)
             m_style.color = BLACK;

@@ -139,7 +139,7 @@ void draw_text(CPDFContentWriter& out, const WIDGET_LOOK& look, const WIDGET_FRA
     out.op("BMC");
     if (!shaped.glyphs.empty()) {
         TEXT_STYLE style = look.style;
-        if (style.size <= 0)
+        if (!has_size(style))
             style.size = fitted_size(look, frame, shaped);
         out.op("q");
         clip_to_inside(out, frame, look.kind == WIDGET_KIND::COMBO_BOX ? frame.inside : 0);

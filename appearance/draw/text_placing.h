@@ -6,6 +6,12 @@
 #include "appearance/draw/frame.h"
 #include "appearance/draw/text_painter.h"
 
+// Whether a style says how large text is. What is no size, or nothing that a page has room for, is fitted to the box.
+inline bool has_size(const TEXT_STYLE& style)
+{
+    return style.size >= 0.001 && style.size <= TEXT_SIZE_MAX;
+}
+
 // The baseline of a line in the middle of the widget: the font's box is centred, also where it is higher than the widget.
 inline double middle_baseline(const WIDGET_FRAME& frame, const TEXT_FONT_BOX& box, double size)
 {

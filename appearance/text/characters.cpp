@@ -81,8 +81,9 @@ bool is_line_end(char32_t c)
 
 bool is_break_space(char32_t c)
 {
-    return c == ' ' || c == '\t' || c == 0x1680 || (c >= 0x2000 && c <= 0x200A && c != 0x2007) || c == 0x200B ||
-           c == 0x205F || c == 0x3000;
+    if (c < 0x1680)
+        return c == ' ' || c == '\t';
+    return c == 0x1680 || (c >= 0x2000 && c <= 0x200B && c != 0x2007) || c == 0x205F || c == 0x3000;
 }
 
 bool is_never_drawn(char32_t c)

@@ -11,8 +11,6 @@
 
 namespace {
 
-// Larger sizes are nonsense that would only break the arithmetic of whoever draws.
-constexpr double SIZE_MAX_POINTS = 5000;
 constexpr double STRETCH_MAX = 10;
 
 constexpr int OPERANDS_MAX = 6;
@@ -113,9 +111,9 @@ private:
         if (op == "Tf")
             set_font();
         else if (op == "Ts")
-            m_style.rise = std::clamp(number_at(1, 0), -SIZE_MAX_POINTS, SIZE_MAX_POINTS);
+            m_style.rise = std::clamp(number_at(1, 0), -TEXT_SIZE_MAX, TEXT_SIZE_MAX);
         else if (op == "Tc")
-            m_style.spacing = std::clamp(number_at(1, 0), -SIZE_MAX_POINTS, SIZE_MAX_POINTS);
+            m_style.spacing = std::clamp(number_at(1, 0), -TEXT_SIZE_MAX, TEXT_SIZE_MAX);
         else if (op == "Tz")
             set_stretch(number_at(1, 100) / 100);
         else if (op == "g")
@@ -132,7 +130,7 @@ private:
     void set_font()
     {
         const double size = number_at(1, 0);
-        m_style.size = size > 0 ? std::min(size, SIZE_MAX_POINTS) : 0;
+        m_style.size = size > 0 ? std::min(size, TEXT_SIZE_MAX) : 0;
         if (m_count < 2 || m_operands[m_count - 2][0] != '/')
             return;
         m_style.font.clear();

@@ -6,6 +6,9 @@
 
 #include "appearance/text/color.h"
 
+// Larger sizes are nonsense that would only break the arithmetic of whoever draws.
+constexpr double TEXT_SIZE_MAX = 5000;
+
 // How text is set. Lengths are points.
 struct TEXT_STYLE {
     std::string font;    // resource name without slash; empty when none is named

@@ -125,7 +125,7 @@ double fit_one_line(const SHAPED_TEXT& shaped, const TEXT_ROOM& room, const TEXT
     const double width = width_of(shaped, 0, shaped.text.size(), fitted);
     if (width > room.width)
         fitted.size = std::min(fitted.size, std::max(fitted.size * room.width / width, TEXT_SIZE_MIN));
-    return std::floor(fitted.size * 1000) / 1000;
+    return std::floor(fitted.size * 1000 + 0.001) / 1000;
 }
 
 double fit_many_lines(const SHAPED_TEXT& shaped, const TEXT_ROOM& room, const TEXT_FONT_BOX& box,
