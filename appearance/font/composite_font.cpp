@@ -68,6 +68,9 @@ class CompositeFont : public CPDFMappedFont {
 public:
     CompositeFont(CPDFXRefTable& xref, const CPDFDictionary& font, const CPDFDictionary& cid_font);
 
+    // Without "ToUnicode" a text can be seen, and not be copied out: others come first, and this font is shaped as the last.
+    bool has(char32_t c) const override { return !m_characters.empty() && CPDFMappedFont::has(c); }
+
     void append_code(uint32_t code, std::string& bytes) override
     {
         for (int i = m_code_bytes - 1; i >= 0; --i)
@@ -122,10 +125,12 @@ bool CompositeFont::read_encoding(CPDFXRefTable& xref, const CPDFObj* entry)
     if (name_value(xref, entry) == "Identity-H")
         return true;
     FONT_CMAP map = read_cmap(stream_value(xref, entry, LIMIT_FONT_TABLE));
+    if (!map.complete || map.cids.empty() || map.code_bytes < 1 || map.code_bytes > 4)
+        return false;
     m_cids = std::move(map.cids);
     m_code_bytes = map.code_bytes;
     std::ranges::stable_sort(m_cids, {}, &CMAP_ENTRY::code);
-    return map.complete && !m_cids.empty() && m_code_bytes > 0 && m_code_bytes <= 4;
+    return true;
 }
 
 void CompositeFont::read_glyph_numbers(CPDFXRefTable& xref, const CPDFObj* entry)
@@ -198,8 +203,9 @@ bool CompositeFont::try_code(uint32_t code, char32_t c, ANSWER& answer) const
 CompositeFont::ANSWER CompositeFont::look_up(char32_t c) const
 {
     ANSWER answer;
-    for (const CMAP_ENTRY& entry : std::ranges::equal_range(m_characters, uint32_t{c}, {}, &CMAP_ENTRY::value)) {
-        if (try_code(entry.code, c, answer))
+    auto entry = std::ranges::lower_bound(m_characters, uint32_t{c}, {}, &CMAP_ENTRY::value);
+    for (; entry != m_characters.end() && entry->value == c; ++entry) {
+        if (try_code(entry->code, c, answer))
             return answer;
     }
     const uint32_t glyph = m_characters.empty() ? m_program->glyph_of_character(c) : 0;

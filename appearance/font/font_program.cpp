@@ -143,6 +143,6 @@ bool CPDFFontProgram::draws_glyph(uint32_t glyph)
 {
     if (!has_glyph(glyph))
         return false;
-    const FT_GlyphSlot slot = m_face->glyph;
-    return slot->format == FT_GLYPH_FORMAT_COMPOSITE ? slot->num_subglyphs > 0 : slot->outline.n_points > 0;
+    const FT_GlyphSlotRec& slot = *m_face->glyph;
+    return slot.format == FT_GLYPH_FORMAT_COMPOSITE ? slot.num_subglyphs > 0 : slot.outline.n_points > 0;
 }

@@ -104,9 +104,10 @@ void SimpleFont::choose_missing()
 
 const SHOWN_CHARACTER* SimpleFont::find(char32_t c) const
 {
-    for (const CHARACTER_CODE& entry : std::ranges::equal_range(m_codes, c, {}, &CHARACTER_CODE::character)) {
-        if (is_drawn(entry))
-            return &m_shown[entry.code];
+    auto entry = std::ranges::lower_bound(m_codes, c, {}, &CHARACTER_CODE::character);
+    for (; entry != m_codes.end() && entry->character == c; ++entry) {
+        if (is_drawn(*entry))
+            return &m_shown[entry->code];
     }
     return nullptr;
 }
