@@ -1,0 +1,88 @@
+#include "appearance/font/fallback/font_subset.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+namespace {
+
+// What a PDF reader draws outlines with.
+constexpr hb_tag_t KEPT_TABLES[] = {
+    HB_TAG('C', 'F', 'F', ' '), HB_TAG('g', 'l', 'y', 'f'), HB_TAG('h', 'e', 'a', 'd'), HB_TAG('h', 'h', 'e', 'a'),
+    HB_TAG('h', 'm', 't', 'x'), HB_TAG('l', 'o', 'c', 'a'), HB_TAG('m', 'a', 'x', 'p'),
+};
+
+std::vector<hb_tag_t> tables_of(const CPDFFontFile& file)
+{
+    const HARFBUZZ& hb = file.harfbuzz();
+    unsigned count = 0;
+    std::vector<hb_tag_t> tags(hb.hb_face_get_table_tags(file.face(), 0, &count, nullptr));
+    count = static_cast<unsigned>(tags.size());
+    hb.hb_face_get_table_tags(file.face(), 0, &count, tags.data());
+    return tags;
+}
+
+void choose_parts(hb_subset_input_t* input, const CPDFFontFile& file, const CPDFGlyphCodes& codes)
+{
+    const HARFBUZZ& hb = file.harfbuzz();
+    for (const auto& [code, entry] : codes.all()) {
+        if (entry.used)
+            hb.hb_set_add(hb.hb_subset_input_glyph_set(input), entry.glyph);
+    }
+    for (const hb_tag_t tag : tables_of(file)) {
+        if (std::find(std::begin(KEPT_TABLES), std::end(KEPT_TABLES), tag) == std::end(KEPT_TABLES))
+            hb.hb_set_add(hb.hb_subset_input_set(input, HB_SUBSET_SETS_DROP_TABLE_TAG), tag);
+    }
+    // Codes are glyph numbers in a CFF font without numbers of a character collection.
+    const unsigned numbers = file.is_cff() && !file.has_cids() ? HB_SUBSET_FLAGS_RETAIN_GIDS : HB_SUBSET_FLAGS_DEFAULT;
+    hb.hb_subset_input_set_flags(input, numbers | HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+}
+
+std::string bytes_of(const HARFBUZZ& hb, hb_blob_t* blob)
+{
+    const auto owned = harfbuzz_guard(blob, hb.hb_blob_destroy);
+    unsigned size = 0;
+    const char* data = hb.hb_blob_get_data(blob, &size);
+    return {data, size};
+}
+
+std::string glyphs_by_code(const HARFBUZZ& hb, const hb_map_t* new_glyphs, const CPDFGlyphCodes& codes)
+{
+    std::string out;
+    for (const auto& [code, entry] : codes.all()) {
+        if (!entry.used)
+            continue;
+        out.resize((size_t{code} + 1) * 2);
+        const hb_codepoint_t glyph = hb.hb_map_get(new_glyphs, entry.glyph);
+        if (glyph != HB_MAP_VALUE_INVALID) {
+            out[size_t{code} * 2] = static_cast<char>(glyph >> 8);
+            out[size_t{code} * 2 + 1] = static_cast<char>(glyph);
+        }
+    }
+    return out.empty() ? std::string(2, '\0') : out;
+}
+
+}  // namespace
+
+bool make_subset(FONT_SUBSET& out, const CPDFFontFile& file, const CPDFGlyphCodes& codes)
+{
+    const HARFBUZZ& hb = file.harfbuzz();
+    const auto input = harfbuzz_guard(hb.hb_subset_input_create_or_fail(), hb.hb_subset_input_destroy);
+    if (!input)
+        return false;
+    choose_parts(input.get(), file, codes);
+    const auto plan =
+        harfbuzz_guard(hb.hb_subset_plan_create_or_fail(file.face(), input.get()), hb.hb_subset_plan_destroy);
+    if (!plan)
+        return false;
+    const auto face = harfbuzz_guard(hb.hb_subset_plan_execute_or_fail(plan.get()), hb.hb_face_destroy);
+    if (!face)
+        return false;
+    if (file.is_cff())
+        out.program = bytes_of(hb, hb.hb_face_reference_table(face.get(), HB_TAG('C', 'F', 'F', ' ')));
+    else
+        out.program = bytes_of(hb, hb.hb_face_reference_blob(face.get()));
+    if (!file.is_cff())
+        out.cid_glyphs = glyphs_by_code(hb, hb.hb_subset_plan_old_to_new_glyph_mapping(plan.get()), codes);
+    return !out.program.empty();
+}
