@@ -14,6 +14,7 @@ struct TEXT_GLYPH {
     float advance = 0;     // to the right
     float x_offset = 0;    // where it is drawn, off the line's pen position
     float y_offset = 0;
+    float kern = 0;  // by how much the advance is more than the width that the font dictionary gives for the code
 };
 
 // What is above and below the baseline, as parts of the font size.

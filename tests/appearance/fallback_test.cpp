@@ -109,6 +109,21 @@ TEST_F(FallbackTest, LettersJoinAndMove)
     EXPECT_EQ(glyph_of(hindi[1]), glyph_of(shape(U"क")[0])) << "the vowel stands first";
 }
 
+// The pen is moved where the widths that the document gives would leave it elsewhere.
+TEST_F(FallbackTest, KernsAgainstTheWidths)
+{
+    for (const std::u32string text : {U"жж", U"AVAVA", U"र्क", U"ที่นี่"}) {
+        SCOPED_TRACE(static_cast<unsigned>(text[0]));
+        const std::vector<TEXT_GLYPH> glyphs = shape(text);
+        if (!font)
+            GTEST_SKIP() << "a font is missing";
+        for (const TEXT_GLYPH& glyph : glyphs) {
+            const int width = dynamic_cast<CPDFFallbackFont&>(*font).codes().all().at(glyph.code).width;
+            EXPECT_NEAR(glyph.advance, static_cast<float>(width) / 1000 + glyph.kern, 0.001);
+        }
+    }
+}
+
 // Every text is set, embedded, written into a file and read back from the CMap there.
 TEST_F(FallbackTest, TextComesBack)
 {

@@ -14,6 +14,14 @@ constexpr size_t CONTEXT = 16;
 // Characters that one cluster gives back; the rest is drawn only.
 constexpr size_t CLUSTER_TEXT_MAX = 64;
 
+// By how much a width in whole thousandths may be wrong.
+constexpr float WIDTH_ERROR = 0.0006f;
+
+int width_entry(float width)
+{
+    return static_cast<int>(std::lround(std::clamp(width, 0.0f, 32.0f) * 1000));
+}
+
 constexpr char32_t THAI_AM = 0x0E33;
 constexpr char32_t LAO_AM = 0x0EB3;
 
@@ -161,15 +169,12 @@ void CPDFFallbackFont::add_glyph(const TEXT_GLYPH& shaped, std::u32string_view t
                                  std::vector<TEXT_GLYPH>& glyphs)
 {
     const bool apart = must_stand_apart(text, right_to_left);
-    TEXT_GLYPH first = shaped;
-    first.code = code_of(shaped, apart ? text.substr(0, 1) : text);
+    const TEXT_GLYPH first = coded(shaped, apart ? text.substr(0, 1) : text);
     if (!right_to_left)
         glyphs.push_back(first);
-    for (size_t i = 1; apart && i < text.size(); ++i) {
-        TEXT_GLYPH rest = {m_empty_glyph, shaped.cluster, 0, 0, 0};
-        rest.code = code_of(rest, text.substr(right_to_left ? text.size() - i : i, 1));
-        glyphs.push_back(rest);
-    }
+    const TEXT_GLYPH empty = {m_empty_glyph, shaped.cluster};
+    for (size_t i = 1; apart && i < text.size(); ++i)
+        glyphs.push_back(coded(empty, text.substr(right_to_left ? text.size() - i : i, 1)));
     if (right_to_left)
         glyphs.push_back(first);
 }
@@ -183,14 +188,23 @@ bool CPDFFallbackFont::must_stand_apart(std::u32string_view text, bool right_to_
     return right_to_left || std::any_of(text.begin(), text.end(), [](char32_t c) { return c > 0xFFFF; });
 }
 
-uint32_t CPDFFallbackFont::code_of(const TEXT_GLYPH& shaped, std::u32string_view text)
+// The glyph with a code in place of its number.
+TEXT_GLYPH CPDFFallbackFont::coded(const TEXT_GLYPH& shaped, std::u32string_view text)
 {
     // A mark is as wide as it takes to come back to where it was moved from: readers see a gap there otherwise.
     const float width = shaped.advance == 0 ? std::max(0.0f, -shaped.x_offset) : m_file.width(shaped.code);
-    const GLYPH_CODE shown = {shaped.code, std::u32string(text), static_cast<int>(std::lround(width * 1000))};
-    if (!m_file.is_cff())
-        return m_codes.code_of(shown);
-    return m_codes.fixed_code(m_file.has_cids() ? m_file.cid_of(shown.glyph) : shown.glyph, shown);
+    const GLYPH_CODE shown = {shaped.code, std::u32string(text), width_entry(width)};
+    TEXT_GLYPH glyph = shaped;
+    if (m_file.is_cff())
+        glyph.code = m_codes.fixed_code(m_file.has_cids() ? m_file.cid_of(shaped.code) : shaped.code, shown);
+    else
+        glyph.code = m_codes.code_of(shown);
+    const auto known = m_codes.all().find(glyph.code);
+    const int given = known == m_codes.all().end() ? width_entry(m_file.width(0)) : known->second.width;
+    glyph.kern = shaped.advance - static_cast<float>(given) / 1000;
+    if (std::abs(glyph.kern) < WIDTH_ERROR)
+        glyph.kern = 0;
+    return glyph;
 }
 
 void CPDFFallbackFont::append_code(uint32_t code, std::string& bytes)

@@ -35,7 +35,7 @@ private:
     void add_glyph(const TEXT_GLYPH& shaped, std::u32string_view text, bool right_to_left,
                    std::vector<TEXT_GLYPH>& glyphs);
     bool must_stand_apart(std::u32string_view text, bool right_to_left) const;
-    uint32_t code_of(const TEXT_GLYPH& shaped, std::u32string_view text);
+    TEXT_GLYPH coded(const TEXT_GLYPH& shaped, std::u32string_view text);
 
     const CPDFFontFile& m_file;  // borrowed from the machine's fonts
     uint32_t m_empty_glyph;      // 0 when the file has none
