@@ -6,7 +6,7 @@
 namespace {
 
 // Characters that are shaped at a time: some scripts take more than linear time over what belongs together.
-constexpr size_t PIECE_MAX = 4096;
+constexpr size_t PIECE_MAX = 1024;
 
 // Characters before and after a piece that decide on its shape.
 constexpr size_t CONTEXT = 16;
