@@ -8,10 +8,10 @@
 class CPDFFallbackFont : public CPDFTextFont {
 public:
     // `file` is borrowed and outlives the font.
-    explicit CPDFFallbackFont(const CPDFFontFile& file) : m_file(file) {}
+    explicit CPDFFallbackFont(const CPDFFontFile& file) : m_file(file), m_empty_glyph(file.glyph_of(U' ')) {}
 
     TEXT_FONT_BOX box() const override { return m_file.box(); }
-    bool has(char32_t c) const override { return m_file.has(c); }
+    bool has(char32_t c) const override { return m_file.glyph_of(c) != 0; }
     void shape(std::u32string_view text, size_t begin, size_t end, bool right_to_left,
                std::vector<TEXT_GLYPH>& glyphs) override;
     void append_code(uint32_t code, std::string& bytes) override;
@@ -26,11 +26,19 @@ public:
 private:
     void shape_script(std::u32string_view text, size_t begin, size_t end, hb_script_t script, bool right_to_left,
                       std::vector<TEXT_GLYPH>& glyphs);
-    void set_codes(std::u32string_view text, size_t end, bool right_to_left, TEXT_GLYPH* glyphs, size_t count);
-    void set_cluster_codes(std::u32string_view text, TEXT_GLYPH* first, ptrdiff_t step, size_t count);
-    uint32_t code_of(uint32_t glyph, std::u32string_view text);
+    void add_clusters(std::u32string_view text, size_t end, bool right_to_left, const std::vector<TEXT_GLYPH>& shaped,
+                      std::vector<TEXT_GLYPH>& glyphs);
+    void join_vowel_am(std::u32string_view text, std::vector<TEXT_GLYPH>& cluster) const;
+    void add_cluster(std::u32string_view characters, bool right_to_left, const std::vector<TEXT_GLYPH>& cluster,
+                     std::vector<TEXT_GLYPH>& glyphs);
+    std::u32string taken_apart(std::u32string_view text, size_t count) const;
+    void add_glyph(const TEXT_GLYPH& shaped, std::u32string_view text, bool right_to_left,
+                   std::vector<TEXT_GLYPH>& glyphs);
+    bool must_stand_apart(std::u32string_view text, bool right_to_left) const;
+    TEXT_GLYPH coded(const TEXT_GLYPH& shaped, std::u32string_view text);
 
     const CPDFFontFile& m_file;  // borrowed from the machine's fonts
+    uint32_t m_empty_glyph;      // 0 when the file has none
     CPDFGlyphCodes m_codes;
     bool m_has_news = false;
 };

@@ -97,10 +97,10 @@ std::vector<uint8_t> CPDFFontFile::table(hb_tag_t tag, size_t bytes) const
     return {data, data + std::min<size_t>(size, bytes)};
 }
 
-bool CPDFFontFile::has(char32_t c) const
+uint32_t CPDFFontFile::glyph_of(char32_t c) const
 {
     hb_codepoint_t glyph = 0;
-    return m_hb.hb_font_get_nominal_glyph(m_font, c, &glyph) && glyph != 0;
+    return m_hb.hb_font_get_nominal_glyph(m_font, c, &glyph) ? glyph : 0;
 }
 
 TEXT_FONT_BOX CPDFFontFile::box() const

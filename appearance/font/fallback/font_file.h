@@ -34,7 +34,8 @@ public:
     hb_font_t* font() const { return m_font; }
     const std::string& name() const { return m_name; }
 
-    bool has(char32_t c) const;
+    // The glyph that shows `c` by itself; 0 for none.
+    uint32_t glyph_of(char32_t c) const;
 
     // Parts of the font size.
     TEXT_FONT_BOX box() const;

@@ -97,7 +97,7 @@ void set_widths(CPDFDictionary& dict, const CPDFFallbackFont& font)
             finish_run();
             widths.append_int(static_cast<int>(code));
         }
-        run.append_int(static_cast<int>(std::lround(font.file().width(entry.glyph) * 1000)));
+        run.append_int(entry.width);
         next = code + 1;
     }
     finish_run();

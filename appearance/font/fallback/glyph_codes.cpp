@@ -7,9 +7,6 @@ namespace {
 
 constexpr uint32_t LAST_CODE = 0xFFFF;
 
-// Characters that one code stands for; the rest of a longer text is left out. Readers take 512 bytes.
-constexpr size_t TEXT_MAX = 64;
-
 // What one section of a CMap may hold.
 constexpr size_t SECTION_MAX = 100;
 
@@ -37,11 +34,10 @@ void append_mapping(std::string& out, uint32_t code, const std::u32string& text)
 
 }  // namespace
 
-uint32_t CPDFGlyphCodes::code_of(uint32_t glyph, std::u32string_view text)
+uint32_t CPDFGlyphCodes::code_of(const GLYPH_CODE& shown)
 {
-    text = text.substr(0, TEXT_MAX);
-    std::u32string key(1, static_cast<char32_t>(glyph));
-    key += text;
+    std::u32string key(1, static_cast<char32_t>(static_cast<uint32_t>(shown.width) << 16 | shown.glyph));
+    key += shown.text;
     const auto known = m_known.find(key);
     if (known != m_known.end())
         return known->second;
@@ -49,18 +45,17 @@ uint32_t CPDFGlyphCodes::code_of(uint32_t glyph, std::u32string_view text)
         return 0;
     const uint32_t code = static_cast<uint32_t>(m_codes.size()) + 1;
     m_known.emplace(std::move(key), code);
-    m_codes[code] = {glyph, std::u32string(text), false};
+    m_codes.emplace(code, shown);
     return code;
 }
 
-uint32_t CPDFGlyphCodes::fixed_code(uint32_t code, uint32_t glyph, std::u32string_view text)
+uint32_t CPDFGlyphCodes::fixed_code(uint32_t code, const GLYPH_CODE& shown)
 {
     if (code == 0 || code > LAST_CODE)
         return 0;
-    GLYPH_CODE& entry = m_codes[code];
-    entry.glyph = glyph;
+    GLYPH_CODE& entry = m_codes.try_emplace(code, shown).first->second;
     if (entry.text.empty())
-        entry.text = text.substr(0, TEXT_MAX);
+        entry.text = shown.text;
     return code;
 }
 
@@ -77,7 +72,7 @@ std::string write_to_unicode(const CPDFGlyphCodes& codes)
 {
     std::vector<const std::pair<const uint32_t, GLYPH_CODE>*> used;
     for (const auto& entry : codes.all()) {
-        if (entry.second.used && !entry.second.text.empty())
+        if (entry.second.used)
             used.push_back(&entry);
     }
     std::string out = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"

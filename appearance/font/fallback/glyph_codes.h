@@ -10,6 +10,7 @@
 struct GLYPH_CODE {
     uint32_t glyph = 0;   // in the font file
     std::u32string text;  // empty for a glyph that adds nothing to the one before it
+    int width = 0;        // thousandths of the font size
     bool used = false;
 };
 
@@ -17,11 +18,11 @@ struct GLYPH_CODE {
 // parts of a letter that is drawn in another order than it is read still give the text back.
 class CPDFGlyphCodes {
 public:
-    // The code of `glyph` for `text`; 0, which shows that a character is missing, once all are handed out.
-    uint32_t code_of(uint32_t glyph, std::u32string_view text);
+    // The code that shows a glyph for a text; 0, which shows that a character is missing, once all are handed out.
+    uint32_t code_of(const GLYPH_CODE& shown);
 
     // The same where the font decides on the code, so that the glyph stands for the text that comes first.
-    uint32_t fixed_code(uint32_t code, uint32_t glyph, std::u32string_view text);
+    uint32_t fixed_code(uint32_t code, const GLYPH_CODE& shown);
 
     // True when the code was not used before.
     bool use(uint32_t code);
@@ -31,7 +32,7 @@ public:
 
 private:
     std::map<uint32_t, GLYPH_CODE> m_codes;
-    std::unordered_map<std::u32string, uint32_t> m_known;  // the glyph as one character and the text
+    std::unordered_map<std::u32string, uint32_t> m_known;  // glyph and width as one character, and the text
 };
 
 // The CMap that turns the used codes into their texts (ISO 32000-2, 9.10.3).

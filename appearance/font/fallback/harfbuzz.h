@@ -36,6 +36,7 @@
     F(hb_map_get)                                                                                                      \
     F(hb_set_add)                                                                                                      \
     F(hb_shape)                                                                                                        \
+    F(hb_unicode_decompose)                                                                                            \
     F(hb_unicode_funcs_get_default)                                                                                    \
     F(hb_unicode_script)
 #define HARFBUZZ_SUBSETS(F)                                                                                            \
@@ -50,7 +51,7 @@
     F(hb_subset_plan_old_to_new_glyph_mapping)
 
 struct HARFBUZZ {
-#define HARFBUZZ_MEMBER(name) decltype(&::name) name = nullptr;
+#define HARFBUZZ_MEMBER(name) decltype(&::name) name = nullptr;  // NOLINT(bugprone-macro-parentheses): a declaration
     HARFBUZZ_SHAPING(HARFBUZZ_MEMBER)
     HARFBUZZ_SUBSETS(HARFBUZZ_MEMBER)
 #undef HARFBUZZ_MEMBER

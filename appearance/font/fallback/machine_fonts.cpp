@@ -148,7 +148,7 @@ const CPDFFontFile* CPDFMachineFonts::search(const CHOICE& choice, char32_t c)
             !FcCharSetHasChar(characters, c))
             continue;
         const CPDFFontFile* file = file_of(choice.fonts->fonts[i]);
-        if (file && file->has(c))
+        if (file && file->glyph_of(c) != 0)
             return file;
     }
     return nullptr;
