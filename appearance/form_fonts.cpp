@@ -60,11 +60,11 @@ FONT_STYLE style_of(CPDFXRefTable& xref, const CPDFObj& entry)
 // A font with the object that it is in the document.
 struct CPDFFormFonts::FONT {
     std::unique_ptr<CPDFTextFont> font;
-    std::string name;        // of the resource
+    std::string name;  // of the resource
     FONT_STYLE style;
-    PDF_REF ref = {0, 0};    // number 0 until the document has it as an object
-    bool is_made = false;    // `ref` is an object that was made here
-    CPDFObj dictionary;      // what the object is made of
+    PDF_REF ref = {0, 0};  // number 0 until the document has it as an object
+    bool is_made = false;  // `ref` is an object that was made here
+    CPDFObj dictionary;    // what the object is made of
 };
 
 class CPDFFormFonts::Choice : public CPDFFontChoice {

@@ -204,8 +204,8 @@ void CPDFWidgetReader::read_frame(const CPDFDictionary& widget, WIDGET_LOOK& loo
 void CPDFWidgetReader::read_text(const CPDFDictionary& widget, const HANDED_DOWN& values, WIDGET_LOOK& look)
 {
     if (values.appearance.type == PDF_OBJ_STRING && values.appearance.str.buf)
-        look.style = read_default_appearance({reinterpret_cast<const char*>(values.appearance.str.buf),
-                                              static_cast<size_t>(values.appearance.str.len)});
+        look.style = read_default_appearance(
+            {reinterpret_cast<const char*>(values.appearance.str.buf), static_cast<size_t>(values.appearance.str.len)});
     if (look.kind == WIDGET_KIND::CHECK_BOX || look.kind == WIDGET_KIND::RADIO_BUTTON)
         look.style.font = "ZaDb";
     look.alignment = static_cast<TEXT_ALIGNMENT>(std::clamp(values.quadding, 0, 2));

@@ -40,9 +40,9 @@ private:
     void read_frame(const CPDFDictionary& widget, WIDGET_LOOK& look);
     void read_text(const CPDFDictionary& widget, const HANDED_DOWN& values, WIDGET_LOOK& look);
 
-    CPDFXRefTable& m_xref;                                     // borrowed, as the following
+    CPDFXRefTable& m_xref;  // borrowed, as the following
     CPDFFormFonts& m_fonts;
-    CPDFObj m_default_resources;                               // "DR" of the form
+    CPDFObj m_default_resources;  // "DR" of the form
     HANDED_DOWN m_form;
     std::unordered_map<uint32_t, HANDED_DOWN> m_handed_down;  // by the object number of the field above
 };

@@ -18,7 +18,7 @@ CPDFDocument::~CPDFDocument() = default;
 CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load)
 {
     return within_memory("open the file", [&] {
-        m_state = std::make_unique<State>();
+        renew_state();
         CPDFStatus status = m_state->bytes.open(path);
         return status.ok() ? m_state->load(load) : status;
     });
@@ -27,10 +27,17 @@ CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load)
 CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load)
 {
     return within_memory("open the file", [&] {
-        m_state = std::make_unique<State>();
+        renew_state();
         m_state->bytes.take(std::move(bytes));
         return m_state->load(load);
     });
+}
+
+void CPDFDocument::renew_state()
+{
+    auto state = std::make_unique<State>();
+    state->drawing = m_state->drawing;
+    m_state = std::move(state);
 }
 
 CPDFStatus CPDFDocument::State::load(PDF_LOAD load)
@@ -147,6 +154,8 @@ void CPDFDocument::State::forget_fields()
     widgets.clear();
     names.clear();
     filled.clear();
+    to_draw.clear();
+    redraw.reset();
     branches.emplace();
     page_map.reset();
     guard.reset();
@@ -237,7 +246,11 @@ void CPDFDocument::revert()
     State& state = *m_state;
     const CPDFReadAllowance allowance(state.reader->budget());
     state.xref->discard_changes();
-    state.asked_to_draw = false;
+    state.asked_to_draw = state.values_changed = false;
+    state.to_draw.clear();
+    state.notes.clear();
+    if (state.redraw)
+        state.redraw->changes_dropped();
     if (std::exchange(state.edited, false)) {
         state.forget_fields();
         state.form_loaded = false;
@@ -256,6 +269,8 @@ void CPDFDocument::revert()
 
 CPDFStatus CPDFDocument::State::make_update(std::string& update)
 {
+    if (CPDFStatus status = draw(); !status.ok())
+        return status;
     write_update(update, *xref, *reader, bytes.data(), bytes.size());
     if (bytes.size() + update.size() > UINT32_MAX)
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the output would be larger than 4 GiB, which is not supported");

@@ -25,6 +25,12 @@ enum class PDF_LOAD {
     NAMED_FIELDS,  // nothing: field() loads single fields, form() and everything that needs it the whole form
 };
 
+// Who draws widgets whose value changed.
+enum class PDF_DRAWING {
+    DRAW,              // this library, when the document is saved
+    LEAVE_TO_VIEWERS,  // viewers, which are asked to by "NeedAppearances" unless the file is signed
+};
+
 // One document. It owns the file's bytes, the object store and the form; everything it hands out is borrowed and ends
 // with it. One thread at a time. Where memory runs out, operations with a status answer NO_MEMORY; the others throw
 // std::bad_alloc.
@@ -86,7 +92,7 @@ public:
                            PDF_WORDS words = PDF_WORDS::STATES_FIRST);
 
     // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
-    // Viewers are asked to draw the texts anew unless the file is signed.
+    // The widgets are drawn anew, see set_drawing.
     CPDFStatus set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
     // The same for text fields only.
@@ -99,7 +105,7 @@ public:
     // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and
     // "I" of choices, in the field and all its widgets; without a default they end without a value. Push buttons and
     // signatures stay as they are, read-only fields do not. Refuses, and changes nothing then, where a signature locks
-    // one of the fields, unless `fill` is FORCE. Viewers are asked to draw as set_value asks them.
+    // one of the fields, unless `fill` is FORCE. The widgets are drawn anew, see set_drawing.
     CPDFStatus reset(PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
     CPDFStatus reset(const std::vector<CPDFField*>& fields, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
@@ -111,7 +117,7 @@ public:
     // nothing changed, what signatures forbid unless `edit` is FORCE, and what the functions that do it say (insert_field,
     // erase_field, set_field_name, set_field_parent in document/edit, set_field.h).
     // When memory runs out a part may be done. XFA data stay as they are. The new field is handed out in `added` unless
-    // that is null. Viewers are asked to draw, as set_value asks them, where texts look different: for a new text or
+    // that is null. Widgets are drawn anew, see set_drawing, where texts look different: for a new text or
     // choice field, changed options, another maximum length, and several lines, passwords or combs switched on or off.
     CPDFStatus add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES,
                          CPDFField** added = nullptr);
@@ -125,6 +131,20 @@ public:
                           CPDFField** moved = nullptr);
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Makes what the widgets show a part of the pages, and takes the form off the document, see flatten_form. Refuses a
+    // signed document unless `edit` is FORCE. Ends all fields.
+    CPDFStatus flatten(PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Who draws the widgets of fields that change from now on; DRAW at first. Drawing happens in save, flatten and the calls
+    // that change the structure: every widget of a changed text or choice field gets an appearance stream of its own or
+    // shared with equal ones, buttons get the states that they lack. Where the form asked viewers to draw, widgets without
+    // an appearance get one, and the request goes, unless the file is signed.
+    void set_drawing(PDF_DRAWING drawing);
+
+    // What could not be drawn as it is since the file was opened or reverted: a sentence for each field whose value has
+    // characters that no font has. Borrowed until the next call that draws.
+    const std::vector<std::string>& drawing_notes() const;
 
     // For whoever reads much through xref(): as much work as the opening of the file takes, after the form was loaded and
     // its widgets bound. When it is used up, objects read as absent.
@@ -144,6 +164,7 @@ public:
 
 private:
     struct State;
+    void renew_state();
 
     std::unique_ptr<State> m_state;  // owned
 };

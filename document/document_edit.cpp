@@ -11,8 +11,12 @@
 // What every edit begins with: the whole form, the checks, and what would not survive the change. `field` may be null.
 CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
 {
-    if (CPDFStatus status = load_whole_form(); !status.ok())
+    CPDFStatus status = load_whole_form();
+    if (status.ok())
+        status = draw();
+    if (!status.ok())
         return status;
+    redraw.reset();  // the form's fonts may change
     filled.clear();
     edited = true;
     return edit == PDF_EDIT::FORCE ? CPDFStatus() : signatures().check_edit(field);
@@ -43,8 +47,7 @@ CPDFStatus CPDFDocument::add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit, CP
             return status;
         if (out)
             *out = added;
-        const bool drawn = added->m_type == FIELD_TEXT || added->m_type == FIELD_CHOICE;
-        return drawn ? m_state->ask_to_draw() : status;
+        return m_state->show({&added, 1});
     });
 }
 
@@ -81,6 +84,7 @@ CPDFStatus CPDFDocument::change_field(CPDFField& field, const PDF_FIELD_CHANGE& 
         constexpr uint32_t DRAWN = FIELD_MULTILINE | FIELD_PASSWORD | FIELD_COMB;
         const bool drawn =
             change.options || change.max_length || ((change.set_flags | change.clear_flags) & DRAWN) != 0;
-        return status.ok() && drawn ? m_state->ask_to_draw() : status;
+        CPDFField* const shown = &field;
+        return status.ok() && drawn ? m_state->show({&shown, 1}) : status;
     });
 }

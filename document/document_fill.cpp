@@ -3,7 +3,6 @@
 #include "core/xref_table.h"
 #include "document/document.h"
 #include "document/document_state.h"
-#include "document/fill/need_appearances.h"
 #include "document/fill/reset.h"
 #include "document/lookup/field_text.h"
 #include "file/file_reader.h"
@@ -51,19 +50,11 @@ CPDFStatus CPDFDocument::State::apply(const PDF_FILL_PLAN& plan)
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
     const size_t before = filled.size();
-    CPDFStatus status = apply_fill(*xref, plan, button ? bound_widgets() : none, filled);
-    CPDFStatus asked = !button && filled.size() > before ? ask_to_draw() : CPDFStatus();
-    return status.ok() ? asked : status;
-}
-
-CPDFStatus CPDFDocument::State::ask_to_draw()
-{
-    if (asked_to_draw || signatures().is_signed())
-        return {};
-    if (set_need_appearances(*xref, root, root_ref) == PDF_CHANGE_RESULT::NO_MEMORY)
-        return no_memory_to("change the form");
-    asked_to_draw = true;
-    return {};
+    CPDFStatus status = button ? draw_states(*plan.field) : CPDFStatus();
+    if (status.ok())
+        status = apply_fill(*xref, plan, button ? bound_widgets() : none, filled);
+    CPDFStatus shown = show({filled.begin() + static_cast<std::ptrdiff_t>(before), filled.end()});
+    return status.ok() ? shown : status;
 }
 
 CPDFStatus CPDFDocument::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
@@ -119,14 +110,14 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
         return status;
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    bool texts = false;
-    status = apply_reset(*xref, plan, bound, filled, texts);
-    CPDFStatus asked = texts ? ask_to_draw() : CPDFStatus();
+    const size_t before = filled.size();
+    status = apply_reset(*xref, plan, bound, filled);
+    CPDFStatus shown = show({filled.begin() + static_cast<std::ptrdiff_t>(before), filled.end()});
     if (memory.failed())
         return no_memory_to(RESETTING);
     if (allowance.used_up())
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to reset than its size justifies");
-    return status.ok() ? asked : status;
+    return status.ok() ? shown : status;
 }
 
 CPDFStatus CPDFDocument::reset_xfa()

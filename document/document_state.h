@@ -8,6 +8,7 @@
 #include "core/alloc.h"
 #include "document/document.h"
 #include "document/edit/edit.h"
+#include "document/look/redraw.h"
 #include "document/lookup/branch_finder.h"
 #include "document/lookup/name_index.h"
 #include "document/lookup/page_map.h"
@@ -34,7 +35,12 @@ struct CPDFDocument::State {
     std::optional<CPDFSignatureGuard> guard;
     std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
     bool edited = false;             // fields were added, removed or changed in what they are
-    bool asked_to_draw = false;      // the form tells viewers to draw its texts anew
+    PDF_DRAWING drawing = PDF_DRAWING::DRAW;
+    bool asked_to_draw = false;       // the form tells viewers to draw its texts anew
+    bool values_changed = false;      // since the widgets were drawn
+    std::vector<CPDFField*> to_draw;  // borrowed; the fields whose widgets show what was before
+    std::optional<CPDFRedraw> redraw;
+    std::vector<std::string> notes;  // of what could not be drawn
 
     CPDFStatus load(PDF_LOAD load);
     CPDFStatus find_root();
@@ -58,6 +64,16 @@ struct CPDFDocument::State {
                            PDF_WORDS words);
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
     CPDFStatus ask_to_draw();
+
+    // The widgets of these fields show something else from now on.
+    CPDFStatus show(std::span<CPDFField* const> fields);
+    // Draws what show() noted, and all that lacks an appearance where the form asks viewers to draw.
+    CPDFStatus draw();
+    CPDFStatus draw_missing();
+    CPDFStatus draw_states(CPDFField& field);
+    CPDFRedraw& painter();
+    std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
+    CPDFStatus flatten();
     CPDFStatus reset(const std::vector<CPDFField*>* fields, PDF_FILL fill);
     CPDFStatus reset_xfa();
     CPDFStatus begin_edit(CPDFField* field, PDF_EDIT edit);

@@ -22,6 +22,7 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
     std::vector<CPDFField*> fields;
     if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
+    document.set_drawing(arguments.output.drawing());
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
     CPDFStatus status = fields.empty() ? document.reset(how) : document.reset(fields, how);
     if (status.ok())

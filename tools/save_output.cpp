@@ -17,6 +17,8 @@ void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments)
 {
     verb.add_option("-o,--output", arguments.output, "where to save; - is standard output")->option_text("OUT");
     verb.add_flag("--in-place", arguments.in_place, "replace the input");
+    verb.add_flag("--no-appearance", arguments.no_appearance,
+                  "leave it to viewers to draw what changed (NeedAppearances)");
 }
 
 std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
@@ -37,13 +39,23 @@ void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten
                                         : "note: the form also has XFA data, which stay as they are without --xfa");
 }
 
+void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    for (const std::string& note : document.drawing_notes())
+        complain(input.path.text, "note: " + note);
+}
+
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
 {
-    if (arguments.output.text != STANDARD_OUTPUT)
-        return document.save(arguments.in_place ? input.path.text : arguments.output.text);
-    std::vector<uint8_t> bytes;
-    CPDFStatus status = document.save(bytes);
-    put({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    CPDFStatus status;
+    if (arguments.output.text != STANDARD_OUTPUT) {
+        status = document.save(arguments.in_place ? input.path.text : arguments.output.text);
+    } else {
+        std::vector<uint8_t> bytes;
+        status = document.save(bytes);
+        put({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
+    note_drawing(document, input);
     return status;
 }
 

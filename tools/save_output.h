@@ -8,12 +8,15 @@
 struct OUTPUT_ARGUMENTS {
     COMMAND_WORD output;  // empty with --in-place
     bool in_place = false;
+    bool no_appearance = false;
+
+    PDF_DRAWING drawing() const { return no_appearance ? PDF_DRAWING::LEAVE_TO_VIEWERS : PDF_DRAWING::DRAW; }
 };
 
 // Whether both paths lead to one file that exists.
 bool is_same_file(const std::string& a, const std::string& b);
 
-// Adds the options -o and --in-place.
+// Adds the options -o, --in-place and --no-appearance.
 void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments);
 
 // What is wrong with the options, for complain_usage; empty when nothing is. The input is replaced only on request.
@@ -23,7 +26,10 @@ std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arg
 // they are `rewritten`; or that there are none to rewrite.
 void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten);
 
-// Saves the document, to standard output for "-".
+// Says on standard error what could not be drawn.
+void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input);
+
+// Saves the document, to standard output for "-", and says what could not be drawn.
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
 
 // Writes what is no PDF file to `path`, which is replaced as a whole, or to standard output for "" and "-".

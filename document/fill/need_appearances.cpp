@@ -15,9 +15,7 @@ bool is_raised(CPDFXRefTable& xref, const CPDFDictionary& form)
     return flag->type == PDF_OBJ_BOOL && flag->ival;
 }
 
-}  // namespace
-
-PDF_CHANGE_RESULT set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& root_ref)
+PDF_CHANGE_RESULT change_flag(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& root_ref, const CPDFObj& flag)
 {
     CPDFObj* entry = root.dict->get_item(CPDFDictionary::sm_tag_acro_form);
     const VXFailureCheck memory;
@@ -30,15 +28,34 @@ PDF_CHANGE_RESULT set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const
         return PDF_CHANGE_RESULT::NO_MEMORY;
     if (!dict)
         return PDF_CHANGE_RESULT::NO_DICTIONARY;
-    if (is_raised(xref, *dict))
+    if (is_raised(xref, *dict) == (flag.type != PDF_OBJ_NULL))
         return PDF_CHANGE_RESULT::STORED;
-    CPDFObj yes;
-    yes.set_bool(1);
-    const PDF_ENTRY_CHANGE change[] = {{KEY, &yes}};
+    const PDF_ENTRY_CHANGE change[] = {{KEY, &flag}};
     if (apart)
         return xref.change_entries(entry->ref, change);
-    dict->set_item(KEY, &yes);
+    dict->set_item(KEY, &flag);
     if (!memory.failed())
         xref.store_changed(root_ref, root);
     return memory.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::STORED;
 }
+
+}  // namespace
+
+bool needs_appearances(CPDFXRefTable& xref, const CPDFObj& root)
+{
+    const CPDFEntryView form(&xref, root.dict->get_item(CPDFDictionary::sm_tag_acro_form));
+    return form->dictionary() && is_raised(xref, *form->dict);
+}
+
+PDF_CHANGE_RESULT set_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& root_ref)
+{
+    CPDFObj yes;
+    yes.set_bool(1);
+    return change_flag(xref, root, root_ref, yes);
+}
+
+PDF_CHANGE_RESULT clear_need_appearances(CPDFXRefTable& xref, CPDFObj& root, const PDF_REF& root_ref)
+{
+    return change_flag(xref, root, root_ref, CPDFObj());
+}
+

@@ -261,7 +261,7 @@ CPDFStatus plan_reset(CPDFAcroForm& form, const std::vector<CPDFField*>* chosen,
 }
 
 CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CPDFWidgetBinder& widgets,
-                       std::vector<CPDFField*>& changed, bool& texts)
+                       std::vector<CPDFField*>& changed)
 {
     for (CPDFField* top : plan.tops) {
         top->reset();
@@ -272,7 +272,7 @@ CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CP
     }
     Reset reset(xref, widgets, changed);
     for (CPDFField* field : plan.fields)
-        texts = reset.run(*field) || texts;
+        reset.run(*field);
     if (!reset.lost())
         return {};
     return CPDFStatus::failed(PDF_CODE::DAMAGED, "field \"" + full_name(*reset.lost()) + "\" can't be reset: object " +

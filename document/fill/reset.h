@@ -22,8 +22,7 @@ CPDFStatus plan_reset(CPDFAcroForm& form, const std::vector<CPDFField*>* chosen,
                       PDF_RESET_PLAN& plan);
 
 // Carries out a plan: CPDFField::reset, then what it leaves to its callers: "V" and "I" of the fields ("RV" is
-// dropped), their memory, and all their widgets. Appends the fields whose values it changes to `changed`, and sets
-// `texts` when a text or choice field is among them. Nothing more changes once memory ran out. Fails where a field's
-// dictionary is missing.
+// dropped), their memory, and all their widgets. Appends the fields whose values it changes to `changed`. Nothing more
+// changes once memory ran out. Fails where a field's dictionary is missing.
 CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CPDFWidgetBinder& widgets,
-                       std::vector<CPDFField*>& changed, bool& texts);
+                       std::vector<CPDFField*>& changed);

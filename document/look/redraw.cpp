@@ -3,6 +3,9 @@
 #include <algorithm>
 
 #include "appearance/appearance_stream.h"
+#include "appearance/draw/widget_picture.h"
+#include "appearance/form_fonts.h"
+#include "appearance/widget_reader.h"
 #include "core/alloc.h"
 #include "core/dictionary.h"
 #include "core/text.h"
@@ -35,7 +38,9 @@ struct CPDFRedraw::SHARED_PICTURE {
 };
 
 CPDFRedraw::CPDFRedraw(CPDFXRefTable& xref, const CPDFDictionary* form)
-    : m_xref(xref), m_fonts(xref), m_reader(xref, m_fonts, form)
+    : m_xref(xref),
+      m_fonts(std::make_unique<CPDFFormFonts>(xref)),
+      m_reader(std::make_unique<CPDFWidgetReader>(xref, *m_fonts, form))
 {
 }
 
@@ -57,7 +62,7 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
     size_t drawn = 0;
     for (const PDF_DRAWN_WIDGET& at : widgets) {
         WIDGET_DESCRIPTION widget;
-        if (!m_reader.read(field, at.ref, widget))
+        if (!m_reader->read(field, at.ref, widget))
             continue;
         ++drawn;
         if (which == WIDGETS::WITHOUT_APPEARANCE && widget.dictionary.dict->get_item("AP"))
@@ -123,7 +128,7 @@ PDF_REF CPDFRedraw::stored(WIDGET_PICTURE picture)
         if (is_same(known.picture, picture))
             return known.ref;
     }
-    const PDF_REF ref = store_picture(m_xref, m_fonts, picture);
+    const PDF_REF ref = store_picture(m_xref, *m_fonts, picture);
     m_failed = m_failed || !ref.num;
     m_pictures.push_back({std::move(picture), ref});
     return ref;
@@ -146,26 +151,28 @@ void CPDFRedraw::note_missing(const CPDFField& field, const std::u32string& miss
         characters.append(bytes, static_cast<size_t>(utf8_from_ucs(static_cast<uint32_t>(c), bytes)));
     }
     const std::string why = CPDFFormFonts::problem();
-    m_notes.push_back("field \"" + full_name(field) + "\" can't be shown whole: no font here has \"" + characters + "\"" +
-                      (why.empty() ? "" : " (" + why + ")"));
+    m_notes.push_back("field \"" + full_name(field) + "\" can't be shown whole: no font here has \"" + characters +
+                      "\"" + (why.empty() ? "" : " (" + why + ")"));
 }
 
-CPDFStatus CPDFRedraw::finish()
+CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)
 {
     const VXFailureCheck memory;
-    const bool embedded = m_fonts.embed();
+    const bool embedded = m_fonts->embed();
     const bool failed = m_failed || memory.failed();
     m_failed = false;
     if (failed)
         return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to draw the fields");
     if (!embedded)
         m_notes.emplace_back("a font of this machine could not be embedded");
+    notes.insert(notes.end(), m_notes.begin(), m_notes.end());
+    m_notes.clear();
     return {};
 }
 
 void CPDFRedraw::changes_dropped()
 {
-    m_fonts.changes_dropped();
+    m_fonts->changes_dropped();
     m_notes.clear();
     m_failed = false;
 }

@@ -1,16 +1,19 @@
 // Drawing the widgets of fields as their values are now.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "appearance/draw/widget_picture.h"
-#include "appearance/form_fonts.h"
-#include "appearance/widget_reader.h"
+#include "core/object.h"
 #include "file/status.h"
 
 class CPDFDictionary;
 class CPDFField;
+class CPDFFormFonts;
+class CPDFWidgetReader;
+struct WIDGET_DESCRIPTION;
+struct WIDGET_PICTURE;
 
 // A widget that is to be drawn.
 struct PDF_DRAWN_WIDGET {
@@ -35,15 +38,12 @@ public:
     // The same for the widgets that have no appearance at all.
     size_t draw_missing(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets);
 
-    // Embeds fonts of this machine that were used. To be called before the document is saved. Fails when memory ran out
-    // since the last call.
-    CPDFStatus finish();
+    // Embeds fonts of this machine that were used, and adds to `notes` a sentence for each field whose value can't be shown
+    // whole. To be called before the document is saved. Fails when memory ran out since the last call.
+    CPDFStatus finish(std::vector<std::string>& notes);
 
     // To be called when all changes of the document were dropped.
     void changes_dropped();
-
-    // A sentence for each field whose value can't be shown whole, since the last changes_dropped.
-    const std::vector<std::string>& notes() const { return m_notes; }
 
 private:
     struct SHARED_PICTURE;
@@ -57,8 +57,8 @@ private:
     void note_missing(const CPDFField& field, const std::u32string& missing);
 
     CPDFXRefTable& m_xref;  // borrowed from the document
-    CPDFFormFonts m_fonts;
-    CPDFWidgetReader m_reader;
+    std::unique_ptr<CPDFFormFonts> m_fonts;
+    std::unique_ptr<CPDFWidgetReader> m_reader;
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
     bool m_failed = false;

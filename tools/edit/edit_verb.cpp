@@ -24,6 +24,7 @@ int edit_file(const EDIT_ARGUMENTS& arguments,
     CPDFDocument document;
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
+    document.set_drawing(arguments.output.drawing());
     const std::vector<std::string> refusals = change(document);
     for (const std::string& refusal : refusals)
         complain(path, refusal);

@@ -27,6 +27,7 @@ size_t find_assign(CPDFDocument& document, std::string_view assignment)
 
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
+    document.set_drawing(arguments.output.drawing());
     return open_document(document, arguments.input,
                          values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM);
 }
@@ -89,6 +90,8 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     note_xfa(document, arguments.input, arguments.xfa);
     if (arguments.xfa)
         status = document.reset_xfa();
+    if (status.ok() && arguments.flatten)
+        status = document.flatten(arguments.edit());
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     return end_with(status, arguments.input.path.text);
@@ -183,6 +186,7 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     add_output(verb, arguments->output);
     verb.add_flag("--xfa", arguments->xfa,
                   "write the XFA data set anew from all fields, too; what no field holds goes");
+    verb.add_flag("--flatten", arguments->flatten, "make what the fields show a part of the pages; the form goes");
     verb.add_flag("--force", arguments->force, "fill read-only fields, and those that a signature locks, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");

@@ -48,7 +48,11 @@ private:
             if (written.ok() && is_written)
                 written = m_arguments.xfa ? m_document.reset_xfa() : CPDFStatus();
             if (written.ok() && is_written)
+                written = m_arguments.flatten ? m_document.flatten(m_arguments.edit()) : CPDFStatus();
+            if (written.ok() && is_written)
                 written = m_document.save(row.output);
+            if (is_written)
+                note_drawing(m_document, m_arguments.input);
             if (is_written)
                 refusal = written.text;
             m_document.revert();
@@ -115,6 +119,8 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
         if (!open_document(*documents.back(), arguments.input))
             return COMMAND_REFUSED;
     }
+    for (const auto& document : documents)
+        document->set_drawing(arguments.output.drawing());
     note_xfa(*documents.front(), arguments.input, arguments.xfa);
     BatchOutput output(arguments.batch.text, rows.count());
     std::vector<BatchJob> jobs;

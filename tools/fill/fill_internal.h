@@ -17,11 +17,13 @@ struct FILL_ARGUMENTS {
     COMMAND_WORD jobs{"1"};
     int job_count = 1;
     bool xfa = false;
+    bool flatten = false;
     bool force = false;
     bool dry_run = false;
     bool report = false;
 
     PDF_FILL how() const { return force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY; }
+    PDF_EDIT edit() const { return force ? PDF_EDIT::FORCE : PDF_EDIT::RESPECT_SIGNATURES; }
 };
 
 // Fills the template once for every row; returns a COMMAND_EXIT.

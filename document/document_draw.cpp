@@ -1,0 +1,169 @@
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
+#include "core/dictionary.h"
+#include "core/xref_table.h"
+#include "document/document.h"
+#include "document/document_state.h"
+#include "document/fill/need_appearances.h"
+#include "document/look/flatten.h"
+#include "forms/field.h"
+#include "forms/field_inherit.h"
+#include "forms/field_walk.h"
+
+namespace {
+
+constexpr const char* DRAWING = "draw the fields";
+
+// What a field whose branch alone is loaded knows of its widgets: its own dictionary, which may be one, and the kids
+// without a name.
+void add_known_widgets(const CPDFField& field, std::vector<PDF_DRAWN_WIDGET>& widgets)
+{
+    widgets.push_back({field.m_ref, {}});
+    for (int32_t i = 0; i < field.m_widget_cnt; ++i)
+        widgets.push_back({field.m_widgets[i], {}});
+    for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
+        CPDFField* kid = field.m_kids[i];
+        if (kid && &value_field(*kid) != kid)
+            add_known_widgets(*kid, widgets);
+    }
+}
+
+}  // namespace
+
+CPDFStatus CPDFDocument::State::ask_to_draw()
+{
+    if (asked_to_draw || signatures().is_signed())
+        return {};
+    if (set_need_appearances(*xref, root, root_ref) == PDF_CHANGE_RESULT::NO_MEMORY)
+        return no_memory_to(DRAWING);
+    asked_to_draw = true;
+    return {};
+}
+
+CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
+{
+    const auto is_text = [](const CPDFField* field) {
+        return field->m_type == FIELD_TEXT || field->m_type == FIELD_CHOICE;
+    };
+    const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
+    if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
+        return texts ? ask_to_draw() : CPDFStatus();
+    values_changed = values_changed || !fields.empty();
+    std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
+    return {};
+}
+
+CPDFRedraw& CPDFDocument::State::painter()
+{
+    if (!redraw) {
+        const CPDFEntryView entry(xref.get(), form_entry());
+        redraw.emplace(*xref, entry->dictionary());
+    }
+    return *redraw;
+}
+
+std::vector<PDF_DRAWN_WIDGET> CPDFDocument::State::widgets_to_draw(CPDFField& field)
+{
+    std::vector<PDF_DRAWN_WIDGET> out;
+    if (field.m_type == FIELD_BUTTON) {
+        for (const PDF_BUTTON_CHOICE& choice : button_choices(field, bound_widgets()))
+            out.push_back({choice.widget->m_ref, choice.state});
+    } else if (form_loaded) {
+        for (const CPDFAnnotWidget* widget : bound_widgets().widgets_of(field))
+            out.push_back({widget->m_ref, {}});
+    } else {
+        add_known_widgets(field, out);
+    }
+    return out;
+}
+
+CPDFStatus CPDFDocument::State::draw()
+{
+    if (!std::exchange(values_changed, false))
+        return {};
+    const CPDFReadAllowance allowance(reader->budget());
+    const std::vector<CPDFField*> fields = std::exchange(to_draw, {});
+    std::unordered_set<const CPDFField*> drawn;
+    for (CPDFField* field : fields) {
+        if (!drawn.insert(field).second)
+            continue;
+        // A widget that only its page knows is found when the whole form is bound.
+        if (painter().draw(*field, widgets_to_draw(*field)) == 0 && !form_loaded) {
+            loaded_form();
+            painter().draw(*field, widgets_to_draw(*field));
+        }
+    }
+    CPDFStatus status = needs_appearances(*xref, root) && !signatures().is_signed() ? draw_missing() : CPDFStatus();
+    return status.ok() && redraw ? redraw->finish(notes) : status;
+}
+
+// Afterwards the form need not ask viewers any more.
+CPDFStatus CPDFDocument::State::draw_missing()
+{
+    for_each_field(loaded_form(), [this](CPDFField& field) {
+        if (&value_field(field) == &field && field.m_type != FIELD_UNKNOWN)
+            painter().draw_missing(field, widgets_to_draw(field));
+    });
+    const PDF_CHANGE_RESULT result = clear_need_appearances(*xref, root, root_ref);
+    return result == PDF_CHANGE_RESULT::NO_MEMORY ? no_memory_to(DRAWING) : CPDFStatus();
+}
+
+// Gives the buttons of a group what they lack to show their states.
+CPDFStatus CPDFDocument::State::draw_states(CPDFField& field)
+{
+    if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
+        return {};
+    const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, bound_widgets());
+    const auto lacks = [](const PDF_BUTTON_CHOICE& choice) { return !choice.widget->m_on_state; };
+    if (std::none_of(choices.begin(), choices.end(), lacks))
+        return {};
+    const VXFailureCheck memory;
+    for (const PDF_BUTTON_CHOICE& choice : choices) {
+        if (!lacks(choice))
+            continue;
+        painter().draw(field, {{choice.widget->m_ref, choice.state}});
+        choice.widget->load(xref.get(), choice.widget->m_ref);
+    }
+    return memory.failed() ? no_memory_to(DRAWING) : CPDFStatus();
+}
+
+CPDFStatus CPDFDocument::State::flatten()
+{
+    if (needs_appearances(*xref, root)) {
+        CPDFStatus status = draw_missing();
+        if (status.ok() && redraw)
+            status = redraw->finish(notes);
+        if (!status.ok())
+            return status;
+    }
+    EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
+    CPDFStatus status = flatten_form(target);
+    forget_fields();
+    form.unload();
+    return status;
+}
+
+void CPDFDocument::set_drawing(PDF_DRAWING drawing)
+{
+    m_state->drawing = drawing;
+}
+
+const std::vector<std::string>& CPDFDocument::drawing_notes() const
+{
+    return m_state->notes;
+}
+
+CPDFStatus CPDFDocument::flatten(PDF_EDIT edit)
+{
+    return within_memory("flatten the form", [&] {
+        State& state = *m_state;
+        CPDFStatus status = state.begin_edit(nullptr, edit);
+        if (status.ok() && edit != PDF_EDIT::FORCE && state.signatures().is_signed())
+            status =
+                CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is signed: flattening breaks its signatures");
+        return status.ok() ? state.flatten() : status;
+    });
+}
