@@ -192,7 +192,7 @@ void make_value(const FIELD_SHAPE& shape, const CPDFValue& value, CPDFObj& out)
         list.push_back({option ? *option : word, ""});
     }
     make_options(list, out);
-    if (list.size() != 1 || out.arr->count == 0)  // memory ran out
+    if (list.size() != 1 || !out.array() || out.arr->count == 0)  // memory ran out
         return;
     CPDFObj one;
     one.take(out.arr->items[0]);
@@ -303,7 +303,7 @@ CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const 
         make_options(shape.options, options);
         make_indices(shape.options, words, indices);
         changes.push_back({"Opt", &options});
-        changes.push_back({"I", indices.arr->count ? &indices : nullptr});
+        changes.push_back({"I", indices.array() && indices.arr->count ? &indices : nullptr});
     }
     if (change.default_value) {
         make_value(shape, *change.default_value, value);

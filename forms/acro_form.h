@@ -38,12 +38,13 @@ public:
     CPDFField* get_field(const PDF_String& name);
 
     // Data for a submit action (ISO 32000-2, 12.7.6.2), of the fields that `fields` and `flags` select as in
-    // forms/field_select.h. The caller owns the NUL-terminated text and releases it with VXFree.
+    // forms/field_select.h. The caller owns the NUL-terminated text and releases it with VXFree. Null when memory runs out,
+    // and beyond LIMIT_SELECT_VISITS.
     // The URL-encoded pairs, joined by '&': of the selected fields alone, or of all fields, where it may be empty. Null when
-    // none of the selected fields gives a pair, for a form without fields, and when memory runs out. The text is not yet what goes over the wire: cvt_url_to_ascii.
+    // none of the selected fields gives a pair, and for a form without fields. The text is not yet what goes over the wire: cvt_url_to_ascii.
     char* get_url_para(const CPDFArray* fields, int flags);
     // An XML document: the declaration, then the elements of the selected fields alone, or those of the whole tree, which
-    // <fields> encloses unless the form has "XFA". Null only when memory runs out.
+    // <fields> encloses unless the form has "XFA".
     char* get_url_xml(const CPDFArray* fields, int flags);
 
     // Carries out a reset action (ISO 32000-2, 12.7.6.3): CPDFField::reset on every top-level field, or, when `fields` is

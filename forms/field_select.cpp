@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "core/limits.h"
-#include "forms/field_walk.h"
 #include "forms/partial_name.h"
 
 namespace {
@@ -13,9 +12,62 @@ namespace {
 // An index costs about as much as this many searches of the tree.
 constexpr int32_t FEW_LOOKUPS = 8;
 
-bool is_prefix(const char* name, int len, const char* path)
+uint64_t key_of(std::string_view name)
 {
-    return std::strncmp(path, name, static_cast<size_t>(len)) == 0;
+    return std::hash<std::string_view>{}(name);
+}
+
+// What a search for `path` asks the kids of `field`, null for the top, as CPDFField::get does it: the rest of the path where
+// it begins with the name, all of it where it doesn't. Null when it does not ask them.
+const char* path_below(const CPDFField* field, const char* path, int64_t& visits)
+{
+    if (!field)
+        return path;
+    path = path_below(field->m_parent, path, visits);
+    if (!path)
+        return nullptr;
+    ++visits;
+    char own[PARTIAL_NAME_SIZE];
+    const auto len = static_cast<size_t>(partial_name(*field, own));
+    if (!is_named(own) || std::strncmp(path, own, len) != 0)
+        return path;
+    return path[len] == '.' ? path + len + 1 : nullptr;
+}
+
+bool designates(const char* path, const CPDFField& field, int64_t& visits)
+{
+    const char* rest = path_below(field.m_parent, path, visits);
+    char own[PARTIAL_NAME_SIZE];
+    partial_name(field, own);
+    ++visits;
+    return rest && std::strcmp(rest, own) == 0;
+}
+
+// Calls `take(std::string_view)` for what may be the name of the first field of a path: the path up to each of its dots,
+// and all of it.
+template <typename Take>
+void each_head(std::string_view path, Take&& take)
+{
+    for (size_t end = 0; end < PARTIAL_NAME_SIZE;) {
+        end = path.find('.', end + 1);
+        take(path.substr(0, end));
+    }
+}
+
+// The same for the last field: all of the path, and what is behind each of its dots.
+template <typename Take>
+void each_tail(std::string_view path, Take&& take)
+{
+    size_t begin = path.size() < PARTIAL_NAME_SIZE ? 0 : path.find('.', path.size() - PARTIAL_NAME_SIZE) + 1;
+    if (path.size() >= PARTIAL_NAME_SIZE && begin == 0)
+        return;
+    for (;;) {
+        take(path.substr(begin));
+        const size_t dot = path.find('.', begin);
+        if (dot == std::string_view::npos)
+            return;
+        begin = dot + 1;
+    }
 }
 
 }  // namespace
@@ -41,17 +93,32 @@ void CPDFFieldFinder::build()
     if (m_built)
         return;
     m_built = true;
-    for_each_field(m_form, [this](CPDFField& field) {
-        add(m_refs, {field.m_ref.num, m_refs.size(), &field});
-        for (int32_t i = 0; i < field.m_widget_cnt; ++i)
-            add(m_refs, {field.m_widgets[i].num, m_refs.size(), &field});
-        char own[PARTIAL_NAME_SIZE];
-        partial_name(field, own);
-        if (is_named(own))
-            add(m_names, {std::hash<std::string_view>{}(own), m_names.size(), &field});
-    });
+    for (int32_t i = 0; i < m_form.m_field_cnt; ++i) {
+        if (m_form.m_fields[i])
+            add_tree(*m_form.m_fields[i]);
+    }
     std::sort(m_refs.begin(), m_refs.end(), comes_before);
     std::sort(m_names.begin(), m_names.end(), comes_before);
+}
+
+void CPDFFieldFinder::add_tree(CPDFField& field)
+{
+    const size_t place = m_places++;
+    add(m_refs, {field.m_ref.num, place, 0, &field});
+    for (int32_t i = 0; i < field.m_widget_cnt; ++i)
+        add(m_refs, {field.m_widgets[i].num, place, 0, &field});
+    char own[PARTIAL_NAME_SIZE];
+    partial_name(field, own);
+    const size_t at = m_names.size();
+    if (is_named(own))
+        add(m_names, {key_of(own), place, 0, &field});
+    const bool added = m_names.size() > at;
+    for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
+        if (field.m_kids[i])
+            add_tree(*field.m_kids[i]);
+    }
+    if (added)
+        m_names[at].end = m_places;
 }
 
 CPDFField* CPDFFieldFinder::find_ref(const PDF_REF& ref)
@@ -59,15 +126,15 @@ CPDFField* CPDFFieldFinder::find_ref(const PDF_REF& ref)
     if (m_few)
         return m_form.find(ref);
     build();
-    const auto at = std::lower_bound(m_refs.begin(), m_refs.end(), ENTRY{ref.num, 0, nullptr}, comes_before);
-    return at != m_refs.end() && at->key == ref.num && !m_failed ? at->field : nullptr;
+    const auto at = std::lower_bound(m_refs.begin(), m_refs.end(), ENTRY{ref.num, 0, 0, nullptr}, comes_before);
+    return at != m_refs.end() && at->key == ref.num && !m_gave_up ? at->field : nullptr;
 }
 
 CPDFField* CPDFFieldFinder::find_path(const char* path)
 {
     if (!m_few) {
         build();
-        return find_below(nullptr, 0, path);
+        return m_gave_up ? nullptr : find_named(path);
     }
     CPDFField* found = nullptr;
     for (int32_t i = 0; i < m_form.m_field_cnt && !found; ++i)
@@ -75,60 +142,53 @@ CPDFField* CPDFFieldFinder::find_path(const char* path)
     return found;
 }
 
-// Whether a search for `path` that starts under `top` asks `field`: every field between lets it pass, for the path begins
-// with the name of none.
-bool CPDFFieldFinder::is_reached(const CPDFField& field, const CPDFField* top, const char* path)
+// The fields with this partial name, or with another of the same hash, in tree order.
+CPDFFieldFinder::Range CPDFFieldFinder::named(std::string_view name) const
 {
-    for (const CPDFField* above = field.m_parent; above != top; above = above->m_parent) {
-        char own[PARTIAL_NAME_SIZE];
-        const int len = partial_name(*above, own);
-        ++m_visits;
-        if (is_named(own) && is_prefix(own, len, path))
-            return false;
-    }
-    return true;
+    const uint64_t key = key_of(name);
+    const ENTRY* first = std::lower_bound(m_names.begin(), m_names.end(), ENTRY{key, 0, 0, nullptr}, comes_before);
+    return {first, std::upper_bound(first, m_names.end(), ENTRY{key, SIZE_MAX, 0, nullptr}, comes_before)};
 }
 
-// Adds the fields under `top`, from `place` on, that have the partial name `name`.
-void CPDFFieldFinder::add_named(Index& out, std::string_view name, const CPDFField* top, size_t place)
+// Makes `best` the first of `fields` that `path` designates, when it comes before `best`, which may be null.
+void CPDFFieldFinder::find_first(Range fields, const char* path, const ENTRY*& best)
 {
-    const auto is_below = [top](const CPDFField* field) {
-        while (field && field != top)
-            field = field->m_parent;
-        return field == top;
-    };
-    const ENTRY first{std::hash<std::string_view>{}(name), place, nullptr};
-    for (auto at = std::lower_bound(m_names.begin(), m_names.end(), first, comes_before);
-         at != m_names.end() && at->key == first.key && m_visits < LIMIT_SELECT_VISITS && is_below(at->field); ++at) {
-        add(out, *at);
-        ++m_visits;
+    for (const ENTRY& entry : fields) {
+        m_gave_up = m_gave_up || m_visits >= LIMIT_SELECT_VISITS;
+        if (m_gave_up || (best && entry.place >= best->place))
+            return;
+        if (designates(path, *entry.field, m_visits))
+            best = &entry;
     }
 }
 
-// CPDFField::get, asked of all fields under `top`, or of the whole form. The fields that take the first step of a match
-// are named like the path up to one of its dots, or like all of it.
-CPDFField* CPDFFieldFinder::find_below(const CPDFField* top, size_t place, const char* path)
+// The field that CPDFField::get finds is named like the end of the path, and below one that is named like its beginning.
+// Where many have one name, those with the rarer one are tried.
+CPDFField* CPDFFieldFinder::find_named(const char* path)
 {
-    const std::string_view whole(path);
-    Index starts;
-    for (size_t end = 0; end < PARTIAL_NAME_SIZE;) {
-        end = whole.find('.', end + 1);
-        add_named(starts, whole.substr(0, end), top, place);
-    }
-    if (m_failed)
-        return nullptr;
-    std::sort(starts.begin(), starts.end(), [](const ENTRY& a, const ENTRY& b) { return a.place < b.place; });
-    for (const ENTRY& start : starts) {
-        char own[PARTIAL_NAME_SIZE];
-        const int len = partial_name(*start.field, own);
-        // Where only the hash is the same, the fields below are candidates of their own.
-        if (!is_prefix(own, len, path) || !is_reached(*start.field, top, path))
-            continue;
-        if (path[len] == 0)
-            return start.field;
-        CPDFField* found = path[len] == '.' ? find_below(start.field, start.place + 1, path + len + 1) : nullptr;
-        if (found)
-            return found;
-    }
-    return nullptr;
+    size_t heads = 0;
+    size_t tails = 0;
+    each_head(path, [&](std::string_view name) { heads += named(name).size(); });
+    each_tail(path, [&](std::string_view name) { tails += named(name).size(); });
+    const ENTRY* best = nullptr;
+    each_tail(path, [&](std::string_view name) {
+        const Range last = named(name);
+        if (tails <= heads) {
+            find_first(last, path, best);
+            return;
+        }
+        each_head(path, [&](std::string_view head) {
+            for (const ENTRY& top : named(head)) {
+                if (m_gave_up || (best && top.place >= best->place))
+                    return;
+                ++m_visits;
+                const auto begin = std::lower_bound(last.begin(), last.end(), top.place,
+                                                    [](const ENTRY& at, size_t place) { return at.place < place; });
+                const auto end = std::lower_bound(begin, last.end(), top.end,
+                                                  [](const ENTRY& at, size_t place) { return at.place < place; });
+                find_first({begin, end}, path, best);
+            }
+        });
+    });
+    return m_gave_up ? nullptr : best ? best->field : nullptr;
 }
