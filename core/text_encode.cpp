@@ -2,6 +2,7 @@
 
 #include "core/alloc.h"
 #include "core/text.h"
+#include "core/xml_token.h"
 
 namespace {
 
@@ -34,12 +35,6 @@ private:
     int m_max;
     int m_len = 0;
 };
-
-bool is_xml_char(uint32_t c)
-{
-    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
-           (c >= 0x10000 && c <= 0x10FFFF);
-}
 
 const char* xml_entity(uint32_t c)
 {

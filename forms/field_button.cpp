@@ -9,7 +9,7 @@ namespace {
 
 bool is_off(const char* state)
 {
-    return std::strcmp(state, "Off") == 0;
+    return std::strcmp(state, PDF_STATE_OFF) == 0;
 }
 
 // Makes `value` the name `state`, with a null text when memory runs out; whether there is a text.

@@ -7,6 +7,7 @@
 #include "core/xref_table.h"
 #include "engine/sign.h"
 #include "forms/field.h"
+#include "forms/field_kind.h"
 #include "forms/visit_set.h"
 
 namespace {
@@ -14,19 +15,6 @@ namespace {
 // What loading looks at; the appearance, action and layout entries of a field are not even built.
 constexpr CPDFKeySet FIELD_KEY_SET{"T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
-
-int32_t type_of_name(const CPDFObj& name, int32_t otherwise)
-{
-    constexpr struct {
-        const char* name;
-        int32_t type;
-    } KINDS[] = {{"Btn", FIELD_BUTTON}, {"Tx", FIELD_TEXT}, {"Ch", FIELD_CHOICE}, {"Sig", FIELD_SIGNATURE}};
-    for (const auto& kind : KINDS) {
-        if (name.is_name(kind.name))
-            return kind.type;
-    }
-    return otherwise;
-}
 
 // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
 bool is_bare_widget(const CPDFDictionary& dict)
@@ -161,7 +149,7 @@ void CPDFField::load_kind(const CPDFDictionary& dict)
 {
     const CPDFEntryView type(m_xref, dict.get_item("FT"));
     if (type->type == PDF_OBJ_NAME) {
-        m_type = type_of_name(*type, m_type);
+        m_type = field_type(type->name_text(), m_type);
         m_inherited = 0;
     }
     if (const CPDFObj* flags = dict.get_item("Ff")) {
@@ -219,7 +207,7 @@ void CPDFField::load_kid(const PDF_REF& ref, CPDFVisitSet& visits)
         return;
     if (is_bare_widget(*dict)) {
         const CPDFEntryView type(m_xref, dict->get_item("FT"));
-        if (!loaded || type_of_name(*type, m_type) == m_type)
+        if (!loaded || field_type(type->name_text(), m_type) == m_type)
             m_widgets[m_widget_cnt++] = ref;
         return;
     }

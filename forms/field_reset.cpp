@@ -36,7 +36,7 @@ void CPDFField::reset()
 
 void CPDFField::reset_own()
 {
-    switch (field_kind(m_type, m_flags).id) {
+    switch (field_kind(*this).id) {
     case KIND_TEXT:
         if (m_widget)
             reset_text(*m_widget, m_def_value);

@@ -22,10 +22,9 @@ namespace {
 // What the kinds that can be added need.
 struct NEW_KIND {
     PDF_FIELD_KIND_ID id;
-    uint32_t flags;
+    uint32_t flags;  // besides those of the kind
     PDF_LOOK off;
     PDF_LOOK on;
-    const char* type;        // "FT"
     const char* appearance;  // "DA"
     const char* font;        // that "DA" names, null for none
     const char* base_font;
@@ -33,13 +32,13 @@ struct NEW_KIND {
 };
 
 constexpr NEW_KIND NEW_KINDS[] = {
-    {KIND_TEXT, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Tx", "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_COMBO, FIELD_COMBO, PDF_LOOK::BOX, PDF_LOOK::BOX, "Ch", "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_LIST, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Ch", "/Helv 10 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_CHECK, 0, PDF_LOOK::CHECK_OFF, PDF_LOOK::CHECK_ON, "Btn", "/ZaDb 0 Tf 0 g", "ZaDb", "ZapfDingbats", "/CA(4)"},
-    {KIND_RADIO, FIELD_RADIO | FIELD_NO_TOGGLE_TO_OFF, PDF_LOOK::RADIO_OFF, PDF_LOOK::RADIO_ON, "Btn", "/ZaDb 0 Tf 0 g",
-     "ZaDb", "ZapfDingbats", "/CA(l)"},
-    {KIND_SIGNATURE, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Sig", "", nullptr, nullptr, ""},
+    {KIND_TEXT, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_COMBO, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_LIST, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 10 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_CHECK, 0, PDF_LOOK::CHECK_OFF, PDF_LOOK::CHECK_ON, "/ZaDb 0 Tf 0 g", "ZaDb", "ZapfDingbats", "/CA(4)"},
+    {KIND_RADIO, FIELD_NO_TOGGLE_TO_OFF, PDF_LOOK::RADIO_OFF, PDF_LOOK::RADIO_ON, "/ZaDb 0 Tf 0 g", "ZaDb",
+     "ZapfDingbats", "/CA(l)"},
+    {KIND_SIGNATURE, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "", nullptr, nullptr, ""},
 };
 
 const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
@@ -47,17 +46,6 @@ const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
     const auto* found =
         std::find_if(std::begin(NEW_KINDS), std::end(NEW_KINDS), [id](const NEW_KIND& at) { return at.id == id; });
     return found == std::end(NEW_KINDS) ? nullptr : found;
-}
-
-const PDF_FIELD_KIND* row_of(const NEW_KIND& kind)
-{
-    constexpr struct {
-        const char* name;
-        int32_t type;
-    } TYPES[] = {{"Tx", FIELD_TEXT}, {"Ch", FIELD_CHOICE}, {"Btn", FIELD_BUTTON}, {"Sig", FIELD_SIGNATURE}};
-    const auto* type = std::find_if(std::begin(TYPES), std::end(TYPES),
-                                    [&](const auto& at) { return std::string(at.name) == kind.type; });
-    return &field_kind(type->type, kind.flags);
 }
 
 bool holds(const PDF_BOX& box, const PDF_RECT& rect)
@@ -90,9 +78,13 @@ public:
             return CPDFStatus::failed(
                 PDF_CODE::BAD_EDIT,
                 "fields of this kind can't be added: only text, check, radio, combo, list and signature");
-        m_shape = {row_of(*m_kind), m_kind->flags, 0, {}, m_field.states};
+        m_shape.kind = &field_kind(m_kind->id);
+        m_shape.flags = m_shape.kind->set | m_kind->flags;
+        m_states = m_field.states;
         check_name();
         check_states();
+        for (const std::string& state : m_states)
+            m_shape.buttons.push_back({nullptr, state, state});
         check_place();
         check_group();
         change_shape(m_field.entries, m_field.name, m_shape, m_refusals);
@@ -165,7 +157,7 @@ private:
     {
         const bool check = m_kind->id == KIND_CHECK;
         const bool radio = m_kind->id == KIND_RADIO;
-        std::vector<std::string>& states = m_shape.states;
+        std::vector<std::string>& states = m_states;
         const std::string field = "field \"" + m_field.name + "\"";
         if (check && states.empty())
             states.emplace_back("Yes");
@@ -203,7 +195,7 @@ private:
                                "," + number_syntax(box.y1));
         }
         const size_t rects = m_field.rects.size();
-        if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_shape.states.size()))
+        if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_states.size()))
             m_refusals.add("field \"" + m_field.name + "\" needs one rectangle" +
                            (m_kind->id == KIND_RADIO ? ", or one for each button" : ""));
     }
@@ -251,7 +243,8 @@ private:
     // The entries that make a dictionary the field.
     std::string field_entries(const CPDFField* parent) const
     {
-        std::string out = std::string("/FT/") + m_kind->type + "/T " + string_syntax(parts_of(m_field.name).back());
+        std::string out =
+            std::string("/FT/") + m_shape.kind->type_key + "/T " + string_syntax(parts_of(m_field.name).back());
         out += parent_entry(parent);
         CPDFObj above;
         if (m_shape.flags || inherited_entry(parent, "Ff", above))
@@ -262,7 +255,7 @@ private:
             out += "/MaxLen " + std::to_string(m_shape.max_length);
         if (m_field.entries.options)
             out += options_entry();
-        const bool button = m_kind->type == std::string("Btn");
+        const bool button = m_shape.kind->type == FIELD_BUTTON;
         for (const char* key : {"V", "DV"}) {
             CPDFObj value;
             if (button ? key == std::string("V") || inherited_entry(parent, key, value)
@@ -276,7 +269,7 @@ private:
     std::string options_entry() const
     {
         std::string out = "/Opt[";
-        for (const PDF_OPTION& option : m_shape.options) {
+        for (const PDF_OPTION& option : *m_field.entries.options) {
             const std::string value = string_syntax(option.value);
             out += option.text.empty() ? value : "[" + value + string_syntax(option.text) + "]";
         }
@@ -315,7 +308,7 @@ private:
 
     PDF_REF make_merged(const CPDFField* parent)
     {
-        const std::string state = m_kind->id == KIND_CHECK ? m_shape.states[0] : "";
+        const std::string state = m_kind->id == KIND_CHECK ? m_states[0] : "";
         const std::string entries = field_entries(parent) + widget_entries(m_field.rects[0], state);
         const PDF_REF ref = new_object(m_target.xref, "<<" + entries + ">>");
         if (ref.num)
@@ -329,7 +322,7 @@ private:
         if (m_field.rects.size() > 1)
             return m_field.rects[index];
         PDF_RECT rect = m_field.rects[0];
-        const auto count = static_cast<double>(m_shape.states.size());
+        const auto count = static_cast<double>(m_states.size());
         const auto place = static_cast<double>(index);
         if (rect.width >= rect.height) {
             rect.width /= count;
@@ -347,9 +340,8 @@ private:
     {
         const PDF_REF group = new_object(m_target.xref, "null");
         std::string kids;
-        for (size_t i = 0; i < m_shape.states.size(); ++i) {
-            const std::string entries =
-                "/Parent " + ref_syntax(group) + widget_entries(button_rect(i), m_shape.states[i]);
+        for (size_t i = 0; i < m_states.size(); ++i) {
+            const std::string entries = "/Parent " + ref_syntax(group) + widget_entries(button_rect(i), m_states[i]);
             const PDF_REF button = new_object(m_target.xref, "<<" + entries + ">>");
             if (button.num)
                 list_on_page(button);
@@ -364,7 +356,8 @@ private:
     EDIT_TARGET& m_target;
     const PDF_NEW_FIELD& m_field;
     const NEW_KIND* m_kind = nullptr;
-    FIELD_SHAPE m_shape = {};
+    std::vector<std::string> m_states;  // on states of a button
+    PDF_FIELD_SHAPE m_shape = {};
     CPDFRefusals m_refusals;
 };
 

@@ -15,6 +15,7 @@
 #include "document/edit/set_field.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/name_index.h"
+#include "engine/annot_widget.h"
 #include "forms/field.h"
 #include "forms/field_edit.h"
 #include "forms/field_inherit.h"
@@ -107,7 +108,7 @@ bool neutral_entry(const CPDFField& field, const std::string& key, CPDFObj& out)
     if (key == "Ff" || key == "Q")
         out.set_int(0);
     else if (value && field.m_type == FIELD_BUTTON)
-        out.set_name("Off");
+        out.set_name(PDF_STATE_OFF);
     else if (value)
         out.type = PDF_OBJ_STRING;
     else if (key == "AA")

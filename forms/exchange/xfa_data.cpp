@@ -50,7 +50,7 @@ bool append_all_packets(CPDFDataBuffer& text, const CPDFAcroForm& form, CPDFXRef
     if (!before || !reader->at_end())
         return false;
     const std::string_view packets(reinterpret_cast<const char*>(before.get()), static_cast<size_t>(len));
-    XFA_RANGE data_set;
+    PDF_XFA_RANGE data_set;
     if (!find_xfa_datasets(packets, data_set))
         return false;
     append_piece(text, packets.substr(0, data_set.begin));
