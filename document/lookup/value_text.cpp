@@ -75,9 +75,9 @@ VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value)
     }
     result.present = result.is_list = true;
     for (int32_t i = 0; i < array->count; ++i) {
-        CPDFObj scratch;
+        const CPDFEntryView entry(&xref, &array->items[i]);
         std::string item;
-        scalar_text(*view_obj(&xref, &array->items[i], scratch), item);
+        scalar_text(*entry, item);
         result.items.push_back(std::move(item));
     }
     return result;

@@ -27,6 +27,9 @@ public:
     // Binds the widgets of the whole form. Linear in the fields and annotations.
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
+    // The same for who lists the widgets: their states are not read, and the fields are not told of them.
+    void bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
+
     // Binds a field that was added to the form, with those under it. False, with nothing bound, where only binding the
     // whole form anew will do, because its object number is not above all that are bound.
     bool bind_added(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages);
@@ -54,6 +57,7 @@ private:
         uint32_t count;
     };
 
+    bool m_references_only = false;
     std::deque<CPDFAnnotWidget> m_widgets;
     std::vector<bool> m_bound;  // by object number
     std::vector<LINK> m_links;  // while binding, in the order of binding
