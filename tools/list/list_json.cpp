@@ -1,5 +1,6 @@
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/dictionary.h"
@@ -62,27 +63,34 @@ private:
     void append_field(CPDFField& field)
     {
         const PDF_FIELD_KIND& kind = field_kind(field);
-        m_out += "{\"name\":";
+        put_text("{\"name\":");
         append_json_text(m_out, m_names.name_of(field));
-        m_out.append(",\"type\":\"").append(kind.type_name).append("\",\"kind\":\"").append(kind.name);
-        m_out.append("\",\"flags\":").append(std::to_string(field.m_flags));
-        m_out.append(",\"readOnly\":").append(field.m_flags & FIELD_READ_ONLY ? "true" : "false");
-        m_out.append(",\"required\":").append(field.m_flags & FIELD_REQUIRED ? "true" : "false");
+        put_text(",\"type\":\"").put_text(kind.type_name).put_text("\",\"kind\":\"").put_text(kind.name);
+        put_text("\",\"flags\":").put_text(std::to_string(field.m_flags));
+        put_text(",\"readOnly\":").put_text(field.m_flags & FIELD_READ_ONLY ? "true" : "false");
+        put_text(",\"required\":").put_text(field.m_flags & FIELD_REQUIRED ? "true" : "false");
         append_value(",\"value\":", field.m_value);
         append_value(",\"default\":", field.m_def_value);
         append_options(field);
         append_numbers(",\"selected\":[", std::span(field.m_sels, static_cast<size_t>(field.m_sel_cnt)),
                        [](int32_t index) { return index; });
         const int32_t limit = field.m_type == FIELD_TEXT ? max_length(field) : 0;
-        m_out.append(",\"maxLength\":").append(limit > 0 ? std::to_string(limit) : "null");
-        m_out.append(",\"object\":").append(std::to_string(field.m_ref.num));
+        put_text(",\"maxLength\":").put_text(limit > 0 ? std::to_string(limit) : "null");
+        put_text(",\"object\":").put_text(std::to_string(field.m_ref.num));
         collect_widgets(field);
         append_numbers(",\"widgets\":[", m_widgets, [](const PDF_REF& widget) { return widget.num; });
         const int32_t page = page_of_widgets();
-        m_out.append(",\"page\":").append(page ? std::to_string(page) : "null").append("}");
+        put_text(",\"page\":").put_text(page ? std::to_string(page) : "null").put_text("}");
     }
 
-    void append_value(const char* key, const CPDFObj& object)
+    // Of literals the length is known, which adds up over many fields.
+    JsonList& put_text(std::string_view text)
+    {
+        m_out.append(text);
+        return *this;
+    }
+
+    void append_value(std::string_view key, const CPDFObj& object)
     {
         m_out += key;
         append_json_value(m_out, value_text(m_document.xref(), object));
@@ -92,11 +100,11 @@ private:
     {
         const CPDFFieldOptions options(field);
         const size_t before = m_out.size();
-        m_out += ",\"options\":[";
+        put_text(",\"options\":[");
         for (int32_t i = 0; i < options.count(); ++i) {
-            m_out += i ? ",{\"value\":" : "{\"value\":";
+            put_text(i ? ",{\"value\":" : "{\"value\":");
             append_json_text(m_out, options.value(i));
-            m_out += ",\"text\":";
+            put_text(",\"text\":");
             append_json_text(m_out, options.text(i));
             m_out += '}';
         }
@@ -105,13 +113,15 @@ private:
     }
 
     template <typename List, typename NumberOf>
-    void append_numbers(const char* key, const List& list, NumberOf&& number_of)
+    void append_numbers(std::string_view key, const List& list, NumberOf&& number_of)
     {
         m_out += key;
         bool first = true;
         for (const auto& item : list) {
-            m_out.append(first ? "" : ",").append(std::to_string(number_of(item)));
+            if (!first)
+                m_out += ',';
             first = false;
+            m_out += std::to_string(number_of(item));
         }
         m_out += ']';
     }
