@@ -47,7 +47,7 @@ std::string read_wide(size_t room, Read&& read)
 }
 
 // The most bytes of `text`, up to `size`, that end with a whole character.
-size_t whole_characters(const std::string& text, size_t size)
+size_t whole_characters(std::string_view text, size_t size)
 {
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
         --size;
@@ -163,4 +163,17 @@ PDF_String pdf_string_of(const std::string& text)
     PDF_String out = {0, nullptr};
     out.assign(bytes.data(), static_cast<int32_t>(bytes.size()));
     return out;
+}
+
+std::string in_quotes(std::string_view text)
+{
+    constexpr size_t MOST = 80;
+    if (text.size() <= MOST)
+        return "\"" + std::string(text) + "\"";
+    return "\"" + std::string(text.substr(0, whole_characters(text, MOST))) + "...\"";
+}
+
+CPDFStatus no_such_field(std::string_view name)
+{
+    return CPDFStatus::failed(PDF_CODE::NO_FIELD, "there is no field " + in_quotes(name));
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/object.h"
+#include "file/status.h"
 
 class CPDFAcroForm;
 class CPDFField;
@@ -46,6 +47,12 @@ inline bool is_utf8(std::string_view text)
 
 // The characters of a name, which are UTF-8 by custom (ISO 32000-2, 7.3.5); other bytes are read as PDFDocEncoding.
 std::string utf8_of_name(const std::string& name);
+
+// `text` between quotes, for a sentence; cut when it is long.
+std::string in_quotes(std::string_view text);
+
+// The refusal of a name that no field has.
+CPDFStatus no_such_field(std::string_view name);
 
 // `text`, UTF-8, as a PDF text string: 8-bit when every character is one that PDFDocEncoding and Latin-1 share, UTF-16BE
 // otherwise. The caller releases it. Malformed bytes become U+FFFD, and so does U+001B, which PDF text has no way to say.
