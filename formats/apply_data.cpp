@@ -21,7 +21,7 @@ bool any_text(const CPDFValue& value, Holds&& holds)
 }
 
 // Why the value is no text that PDF can hold.
-CPDFStatus check_text(const CPDFFormEntry& entry)
+CPDFStatus check_text(const PDF_FORM_ENTRY& entry)
 {
     const std::string value = "the value for " + in_quotes(entry.name);
     if (any_text(entry.value, [](const std::string& text) { return !is_utf8(text); }))
@@ -32,7 +32,7 @@ CPDFStatus check_text(const CPDFFormEntry& entry)
 }
 
 // Other programs write empty texts into their data files for signatures and push buttons.
-bool says_nothing(const CPDFFormEntry& entry, const CPDFField& field)
+bool says_nothing(const PDF_FORM_ENTRY& entry, const CPDFField& field)
 {
     const auto* text = std::get_if<std::string>(&entry.value);
     return !entry.is_typed && text && text->empty() && !field_kind(field).takes_value;
@@ -64,7 +64,7 @@ class Planner {
 public:
     Planner(CPDFDocument& document, PDF_FILL fill) : m_document(document), m_fill(fill) {}
 
-    void add(const CPDFFormEntry& entry)
+    void add(const PDF_FORM_ENTRY& entry)
     {
         PDF_DATA_ITEM item = {entry, {}, {}};
         item.plan.field = m_document.field(entry.name);
@@ -113,7 +113,7 @@ private:
 std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData& data, PDF_FILL fill)
 {
     Planner planner(document, fill);
-    for (const CPDFFormEntry& entry : data)
+    for (const PDF_FORM_ENTRY& entry : data)
         planner.add(entry);
     return planner.check();
 }

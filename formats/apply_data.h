@@ -16,7 +16,7 @@ class CPDFDocument;
 
 // An entry of the data and what becomes of it.
 struct PDF_DATA_ITEM {
-    CPDFFormEntry entry;
+    PDF_FORM_ENTRY entry;
     CPDFStatus status;   // why the entry is refused, in a sentence that names it; ok when it is not
     PDF_FILL_PLAN plan;  // of an entry that is accepted; its field is borrowed from the document
 };

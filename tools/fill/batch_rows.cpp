@@ -55,7 +55,7 @@ bool BatchRows::is_protected(const std::string& path) const
                        [&](const FILE_ID& id) { return id.device == info.st_dev && id.number == info.st_ino; });
 }
 
-CPDFStatus BatchRows::claim_output(const CPDFFormRow& row, std::string& output)
+CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
 {
     std::string path;
     if (CPDFStatus status = m_pattern->make_path(row.data, path); !status.ok())
@@ -73,7 +73,7 @@ CPDFStatus BatchRows::claim_output(const CPDFFormRow& row, std::string& output)
 bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
 {
     row = BATCH_ROW();
-    CPDFFormRow read;
+    PDF_FORM_ROW read;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_rows.next(read))
@@ -85,7 +85,7 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     }
     row.number = read.number;
     row.data = std::move(read.data);
-    std::erase_if(row.data, [&](const CPDFFormEntry& entry) {
+    std::erase_if(row.data, [&](const PDF_FORM_ENTRY& entry) {
         return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name);
     });
     return true;

@@ -27,7 +27,7 @@ void append_given(std::string& out, const CPDFValue& value)
         out += *flag ? "true" : "false";
         return;
     }
-    VALUE_TEXT given;
+    PDF_VALUE_TEXT given;
     given.present = true;
     if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
         given.is_list = true;
