@@ -34,10 +34,9 @@ CPDFStatus check_locks(const CPDFSignatureGuard& signatures, const std::vector<C
 CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill,
                                             PDF_FILL_PLAN& plan, PDF_WORDS words)
 {
-    const CPDFWidgetBinder none;
     const bool button = field.m_type == FIELD_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
-    CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : none, plan);
+    CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : widgets, plan);
     if (!status.ok() || fill == PDF_FILL::FORCE || plan.action == PDF_FILL_PLAN::KEEP)
         return status;
     status = signatures().check_fill(field);
@@ -46,13 +45,12 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
 
 CPDFStatus CPDFDocument::State::apply(const PDF_FILL_PLAN& plan)
 {
-    const CPDFWidgetBinder none;
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
     const size_t before = filled.size();
     CPDFStatus status = button ? draw_states(*plan.field) : CPDFStatus();
     if (status.ok())
-        status = apply_fill(*xref, plan, button ? bound_widgets() : none, filled);
+        status = apply_fill(*xref, plan, button ? bound_widgets() : widgets, filled);
     CPDFStatus shown = show({filled.begin() + static_cast<std::ptrdiff_t>(before), filled.end()});
     return status.ok() ? shown : status;
 }

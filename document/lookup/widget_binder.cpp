@@ -62,18 +62,20 @@ bool CPDFWidgetBinder::bind_first(uint32_t num)
 
 void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named)
 {
-    if (!bind_first(ref.num))
+    const auto bare = m_bare_types.find(ref.num);
+    const int32_t type = bare != m_bare_types.end() ? bare->second : FIELD_UNKNOWN;
+    if ((type != FIELD_UNKNOWN && type != shown.m_type) || !bind_first(ref.num))
         return;
     CPDFAnnotWidget& widget = m_widgets.emplace_back();
     widget.m_xref = &xref;
     widget.m_ref = ref;
     // The states of other kinds mean nothing: reading them would only cost time.
-    if (shown.m_type == FIELD_BUTTON && !widget.load(&xref, ref)) {
+    if (!m_references_only && shown.m_type == FIELD_BUTTON && !widget.load(&xref, ref)) {
         m_widgets.pop_back();
         return;
     }
     m_links.push_back({named.m_ref.num, &widget});
-    if (!shown.m_widget)
+    if (!m_references_only && !shown.m_widget)
         shown.m_widget = &widget;
 }
 
@@ -118,10 +120,22 @@ void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPD
 void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
 {
     clear();
+    // "Fields" may list widgets of other fields: what has no name and nothing below comes last.
+    std::vector<CPDFField*> last;
     for (int32_t i = 0; i < form.m_field_cnt; ++i) {
-        if (form.m_fields[i])
+        CPDFField* field = form.m_fields[i];
+        if (field && field->m_name.len <= 0 && field->m_kid_cnt == 0) {
+            last.push_back(field);
+            m_bare_types.emplace(field->m_ref.num, field->m_type);
+        }
+    }
+    for (int32_t i = 0; i < form.m_field_cnt; ++i) {
+        if (form.m_fields[i] && !m_bare_types.count(form.m_fields[i]->m_ref.num))
             add_tree(xref, *form.m_fields[i], pages);
     }
+    for (CPDFField* field : last)
+        add_tree(xref, *field, pages);
+    m_bare_types.clear();
     bind_orphans(xref, form, pages);
     sort_links();
     m_is_bound = true;
@@ -133,6 +147,13 @@ void CPDFWidgetBinder::bind_added(CPDFXRefTable& xref, CPDFField& field, const C
         return;
     add_tree(xref, field, pages);
     sort_links();
+}
+
+void CPDFWidgetBinder::bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
+{
+    m_references_only = true;
+    bind(xref, form, pages);
+    m_references_only = false;
 }
 
 void CPDFWidgetBinder::clear()

@@ -91,7 +91,7 @@ private:
                         ", which is not in the file");
         if (value.type == PDF_OBJ_NULL || (value.type == PDF_OBJ_NAME && !*value.name))
             return true;
-        VALUE_TEXT text;
+        PDF_VALUE_TEXT text;
         if (value.type == PDF_OBJ_STREAM) {
             text.present = true;
             text.text = stream_text(m_file.xref(), *value.stream);
@@ -115,7 +115,7 @@ private:
         const CPDFArray* list = value.array();
         for (int32_t i = 0; list && i < list->count; ++i) {
             CPDFObj scratch;
-            const VALUE_TEXT text = value_text(m_file.xref(), *view_obj(&m_file.xref(), &list->items[i], scratch));
+            const PDF_VALUE_TEXT text = value_text(m_file.xref(), *view_obj(&m_file.xref(), &list->items[i], scratch));
             if (!text.present || text.is_list)
                 return false;
         }

@@ -47,7 +47,7 @@ bool CPDFFormRows::next_line(std::string_view& line)
     return false;
 }
 
-bool CPDFFormRows::next(CPDFFormRow& row)
+bool CPDFFormRows::next(PDF_FORM_ROW& row)
 {
     CPDFStatus status;
     if (m_json) {

@@ -56,7 +56,7 @@ TEST(CsvTest, DataIsOneRowAndEmptyCellsAreLeftOut)
         CPDFFormData data = {{"left", "over"}};
         const CPDFStatus status = read_csv_data(c.text, data);
         std::vector<std::string> entries;
-        for (const CPDFFormEntry& entry : data)
+        for (const PDF_FORM_ENTRY& entry : data)
             entries.push_back(entry.name + "=" + std::get<std::string>(entry.value));
         EXPECT_EQ(entries, c.entries);
         EXPECT_EQ(status.ok(), *c.fault == 0);

@@ -47,7 +47,7 @@ size_t expect_round_trip(const std::vector<uint8_t>& file, PDF_DATA_FORMAT forma
     CPDFFormData entries;
     const CPDFStatus status = read(data, entries);
     EXPECT_TRUE(status.ok()) << status.text << "\n" << data;
-    for (const CPDFFormEntry& entry : entries) {
+    for (const PDF_FORM_ENTRY& entry : entries) {
         CPDFField* field = copy.field(entry.name);
         EXPECT_NE(field, nullptr) << entry.name;
         if (!field)

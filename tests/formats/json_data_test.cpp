@@ -33,7 +33,7 @@ TEST(JsonDataTest, ValuesReadInTheirOrder)
         const CPDFStatus status = read_json_data(c.text, data);
         EXPECT_TRUE(status.ok()) << status.text;
         std::string entries;
-        for (const CPDFFormEntry& entry : data)
+        for (const PDF_FORM_ENTRY& entry : data)
             entries += entry.name + "=" + show(entry.value) + " ";
         EXPECT_EQ(entries, c.entries);
     }

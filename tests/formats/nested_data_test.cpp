@@ -9,7 +9,7 @@ namespace {
 std::string show(const CPDFFormData& data)
 {
     std::string out;
-    for (const CPDFFormEntry& entry : data) {
+    for (const PDF_FORM_ENTRY& entry : data) {
         out += entry.name + "=";
         if (const auto* text = std::get_if<std::string>(&entry.value))
             out += *text;
