@@ -92,21 +92,11 @@ PDF_REF store_picture(CPDFXRefTable& xref, CPDFFormFonts& fonts, const WIDGET_PI
     int len = 0;
     bool is_packed = false;
     VXBlock<unsigned char> bytes = pack(xref, picture.content, len, is_packed);
-    CPDFObj object;
-    object.stream = new CPDFStreamRec;
-    object.type = PDF_OBJ_STREAM;
-    CPDFStreamRec& stream = *object.stream;
-    describe(stream.dict, fonts, picture);
+    CPDFDictionary dict;
+    describe(dict, fonts, picture);
     if (is_packed)
-        stream.dict.set_item_name(CPDFDictionary::sm_tag_filter, "FlateDecode");
-    stream.dict.set_item_int(CPDFDictionary::sm_tag_length, len);
-    stream.data_len = static_cast<uint32_t>(len);
-    stream.ref = ref;
-    stream.in_memory = 1;
-    if (bytes)
-        stream.handle = xref.set_mem_stream(ref, bytes.release(), len);
-    if (memory.failed())
+        dict.set_item_name(CPDFDictionary::sm_tag_filter, "FlateDecode");
+    if (memory.failed() || xref.take_stream(ref, dict, bytes.release(), len) != PDF_CHANGE_RESULT::STORED)
         return {0, 0};
-    xref.take_changed(ref, object);
-    return memory.failed() ? PDF_REF{0, 0} : ref;
+    return ref;
 }

@@ -74,6 +74,7 @@ void CPDFXRefTable::discard_changes()
     for (const PDF_MEM_STREAM& memory : m_mem_streams)
         VXFree(memory.data);
     m_mem_streams.cut(0);
+    m_last_mem_num = 0;
 }
 
 bool CPDFXRefTable::grow_entries(uint32_t num)
@@ -325,11 +326,15 @@ unsigned char* CPDFXRefTable::compress_data(const void* data, int len, int& out_
 // The data of stream object `num`, none yet for a new one; null when memory runs out.
 PDF_MEM_STREAM* CPDFXRefTable::mem_slot(uint32_t num)
 {
-    for (PDF_MEM_STREAM& memory : m_mem_streams) {
-        if (memory.num == num)
-            return &memory;
+    // Numbers of new objects only rise.
+    for (size_t i = num > m_last_mem_num ? 0 : m_mem_streams.size(); i-- > 0;) {
+        if (m_mem_streams[i].num == num)
+            return &m_mem_streams[i];
     }
-    return m_mem_streams.push({num, nullptr, 0}) ? &m_mem_streams.back() : nullptr;
+    if (!m_mem_streams.push({num, nullptr, 0}))
+        return nullptr;
+    m_last_mem_num = std::max(m_last_mem_num, num);
+    return &m_mem_streams.back();
 }
 
 uint64_t CPDFXRefTable::set_mem_stream(const PDF_REF& ref, unsigned char* data, int len)

@@ -157,5 +157,6 @@ private:
     int32_t m_changed_cap = 0;
     CPDFGrowable<PDF_PENDING_SECTION, 8> m_pending;
     CPDFGrowable<PDF_MEM_STREAM, 8> m_mem_streams;  // with the data
+    uint32_t m_last_mem_num = 0;                    // the highest object number among them
     CPDFObjectSource* m_source;                     // borrowed from the document
 };

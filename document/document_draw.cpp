@@ -117,7 +117,7 @@ CPDFStatus CPDFDocument::State::draw_states(CPDFField& field)
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
         return {};
     const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, bound_widgets());
-    const auto lacks = [](const PDF_BUTTON_CHOICE& choice) { return !choice.widget->m_on_state; };
+    const auto lacks = [](const PDF_BUTTON_CHOICE& choice) { return !choice.widget->m_has_picture; };
     if (std::none_of(choices.begin(), choices.end(), lacks))
         return {};
     const VXFailureCheck memory;

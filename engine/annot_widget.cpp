@@ -59,6 +59,8 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
         on = on_state_of(pressed->dictionary());
     VXFree(m_on_state);
     m_on_state = on ? copy_text(on) : nullptr;
+    const CPDFObj* picture = on && normal->dictionary() ? normal->dict->get_item(on) : nullptr;
+    m_has_picture = picture && picture->type == PDF_OBJ_REF;
 
     const CPDFEntryView as(xref, dict->get_item("AS"));
     const char* shown = as->name_text();

@@ -44,6 +44,7 @@ public:
     char* m_alt_state = nullptr;  // owned; "AS", or "Yes" where a widget without appearances shows nothing or "Off"
     PDF_String m_text = {0, nullptr};  // owned; see set_edit_value; null buffer before the first call
     int32_t m_choice = -1;             // see set_choice_sel; -1 before the first call
+    int32_t m_has_picture = 0;         // 1 when "N" has an object for the on state
 
 private:
     void show(const char* state);

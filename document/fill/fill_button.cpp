@@ -8,11 +8,17 @@
 
 namespace {
 
-std::string on_state_of(const CPDFAnnotWidget& widget)
+// The name of the widget's on state. Radio buttons without appearances do not differ in theirs: each that would have the
+// state of one before it goes by its place.
+std::string on_state_of(const CPDFField& field, const CPDFAnnotWidget& widget,
+                        const std::vector<PDF_BUTTON_CHOICE>& before)
 {
     if (widget.m_on_state)
         return widget.m_on_state;
-    return widget.m_alt_state ? widget.m_alt_state : PDF_STATE_OFF;
+    const std::string state = widget.m_alt_state ? widget.m_alt_state : PDF_STATE_OFF;
+    const auto same = [&state](const PDF_BUTTON_CHOICE& choice) { return choice.state == state; };
+    const bool known = (field.m_flags & FIELD_RADIO) && std::any_of(before.begin(), before.end(), same);
+    return known ? std::to_string(before.size()) : state;
 }
 
 // The first choice for which `is_it` holds, or -1.
@@ -54,7 +60,7 @@ std::vector<PDF_BUTTON_CHOICE> button_choices(const CPDFField& field, const CPDF
     std::vector<PDF_BUTTON_CHOICE> choices;
     for (CPDFAnnotWidget* widget : widgets.widgets_of(field)) {
         const auto position = static_cast<int32_t>(choices.size());
-        const std::string state = on_state_of(*widget);
+        const std::string state = on_state_of(field, *widget, choices);
         const bool mapped = position < field.m_opt_cnt && field.m_opts[position].val.buf;
         choices.push_back({widget, state, mapped ? utf8_of(field.m_opts[position].val) : utf8_of_name(state)});
     }

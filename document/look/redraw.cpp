@@ -111,8 +111,10 @@ void CPDFRedraw::draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& wid
                                                            {PDF_STATE_OFF, WIDGET_STATE::OFF}};
     const bool has_any = normal.dictionary() && normal.dict->count > 0;
     for (const auto& [name, state] : states) {
+        const CPDFObj* known = normal.dictionary() ? normal.dict->get_item(name) : nullptr;
         // Without a picture for "Off" a widget shows nothing, which may be what its maker wants.
-        if (!*name || !normal.dictionary() || normal.dict->get_item(name) || (has_any && state == WIDGET_STATE::OFF))
+        if (!*name || !normal.dictionary() || (known && known->type == PDF_OBJ_REF) ||
+            (has_any && state == WIDGET_STATE::OFF))
             continue;
         normal.dict->set_item_ref(name, stored(draw_widget(widget.look, state)));
         added = true;

@@ -36,7 +36,7 @@ std::vector<std::string> texts_of(const CPDFField& field)
         return {};
     if (value->type == PDF_OBJ_STREAM)
         return {stream_text(*field.m_xref, *value->stream)};
-    VALUE_TEXT held = value_text(*field.m_xref, *value);
+    PDF_VALUE_TEXT held = value_text(*field.m_xref, *value);
     if (!held.present)
         return {};
     return held.is_list ? std::move(held.items) : std::vector<std::string>{std::move(held.text)};
