@@ -15,6 +15,7 @@
 #include "document/lookup/page_map.h"
 #include "document/lookup/signature_guard.h"
 #include "document/lookup/widget_binder.h"
+#include "document/lookup/xml_fit.h"
 #include "file/file_bytes.h"
 #include "file/file_reader.h"
 #include "file/output_file.h"
@@ -366,6 +367,8 @@ CPDFStatus CPDFDocument::reset_xfa()
         return {};
     State& state = *m_state;
     if (CPDFStatus status = state.load_whole_form(); !status.ok())
+        return status;
+    if (CPDFStatus status = check_xfa_data(form()); !status.ok())
         return status;
     state.reader->renew_budget();
     const VXFailureCheck memory;

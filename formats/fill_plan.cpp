@@ -61,7 +61,7 @@ class Planner {
 public:
     Planner(CPDFDocument& document, PDF_FILL fill) : m_document(document), m_fill(fill) {}
 
-    void add(const CPDFFormEntry& entry)
+    void add(const PDF_FORM_ENTRY& entry)
     {
         CPDFField* field = m_document.field(entry.name);
         if (!field) {
@@ -110,7 +110,7 @@ private:
 std::vector<FILL_ITEM> plan_items(CPDFDocument& document, const CPDFFormData& data, PDF_FILL fill)
 {
     Planner planner(document, fill);
-    for (const CPDFFormEntry& entry : data)
+    for (const PDF_FORM_ENTRY& entry : data)
         planner.add(entry);
     return planner.check();
 }

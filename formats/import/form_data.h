@@ -9,7 +9,7 @@
 #include "file/status.h"
 
 // A value for the field of this full name, both in UTF-8 as far as the file they come from is.
-struct CPDFFormEntry {
+struct PDF_FORM_ENTRY {
     std::string name;
     CPDFValue value;
     PDF_WORDS words = PDF_WORDS::STATES_FIRST;
@@ -17,7 +17,7 @@ struct CPDFFormEntry {
 };
 
 // In the order of the file. A name may come more than once.
-using CPDFFormData = std::vector<CPDFFormEntry>;
+using CPDFFormData = std::vector<PDF_FORM_ENTRY>;
 
 // Reads a data file of up to LIMIT_DATA_FILE bytes by the suffix of its name: .json, .csv, .fdf or .xfdf, see the
 // readers of each. On failure, which the status tells without the file's name, `out` is empty.

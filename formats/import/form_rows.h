@@ -9,10 +9,10 @@
 #include "formats/import/csv.h"
 #include "formats/import/form_data.h"
 
-struct CPDFFormRow {
+struct PDF_FORM_ROW {
     size_t number = 0;  // from 1; the names of a CSV file and empty lines don't count
     CPDFFormData data;
-    std::string fault;  // why the row can't be read, and `data` is empty; empty when it can
+    CPDFStatus status;  // failed for a row that can't be read; `data` is empty then
 };
 
 // Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.
@@ -28,7 +28,7 @@ public:
     const std::vector<std::string>* columns() const { return m_json ? nullptr : &m_columns; }
 
     // Reads the next row; false when there is none.
-    bool next(CPDFFormRow& row);
+    bool next(PDF_FORM_ROW& row);
 
 private:
     CPDFStatus start();

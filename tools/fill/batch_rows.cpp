@@ -56,7 +56,7 @@ bool BatchRows::is_protected(const std::string& path) const
 }
 
 // The reason why the row can't have an output, or nothing.
-std::string BatchRows::claim_output(const CPDFFormRow& row, std::string& output)
+std::string BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
 {
     std::string path;
     if (!m_pattern->make_path(row.data, path))
@@ -73,18 +73,18 @@ std::string BatchRows::claim_output(const CPDFFormRow& row, std::string& output)
 bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
 {
     row = BATCH_ROW();
-    CPDFFormRow read;
+    PDF_FORM_ROW read;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_rows.next(read))
             return false;
-        row.refusal = std::move(read.fault);
+        row.refusal = std::move(read.status.text);
         if (row.refusal.empty() && m_pattern)
             row.refusal = claim_output(read, row.output);
     }
     row.number = read.number;
     row.data = std::move(read.data);
-    std::erase_if(row.data, [&](const CPDFFormEntry& entry) {
+    std::erase_if(row.data, [&](const PDF_FORM_ENTRY& entry) {
         return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name);
     });
     return true;

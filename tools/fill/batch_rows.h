@@ -42,7 +42,7 @@ public:
 
 private:
     bool is_protected(const std::string& path) const;
-    std::string claim_output(const CPDFFormRow& row, std::string& output);
+    std::string claim_output(const PDF_FORM_ROW& row, std::string& output);
 
     struct FILE_ID {
         uint64_t device;

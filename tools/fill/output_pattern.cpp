@@ -89,7 +89,7 @@ bool OutputPattern::make_path(const CPDFFormData& row, std::string& path) const
             made += part.text;
             continue;
         }
-        const auto named = [&part](const CPDFFormEntry& entry) { return entry.name == part.text; };
+        const auto named = [&part](const PDF_FORM_ENTRY& entry) { return entry.name == part.text; };
         const auto entry = std::find_if(row.begin(), row.end(), named);
         std::string text;
         const char* fault = nullptr;
