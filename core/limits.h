@@ -87,8 +87,8 @@ constexpr size_t LIMIT_NAME_PARTS = 64;
 constexpr size_t LIMIT_EXPORT = size_t{512} << 20;
 constexpr size_t LIMIT_EXPORT_STREAMS = size_t{64} << 20;
 
-// Work on comparing options with values while choices are exported, in bytes and options; fields may share long lists.
-constexpr int64_t LIMIT_OPTION_WORK = int64_t{1} << 28;
+// Bytes of options that one list of fields shows; many fields may share a long list of options.
+constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
 
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;

@@ -26,32 +26,10 @@ bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
 CPDFFileReader::CPDFFileReader(const uint8_t* data, size_t size)
     : m_data(data),
       m_size(size),
+      m_budget(size),
       m_streams(std::clamp(size * LIMIT_OBJECT_STREAM_CACHE_RATIO, LIMIT_OBJECT_STREAM_CACHE,
                            LIMIT_OBJECT_STREAM_CACHE_LARGE))
 {
-    renew_budget();
-}
-
-void CPDFFileReader::renew_budget()
-{
-    m_budget = LIMIT_PARSE_WORK + LIMIT_PARSE_WORK_PER_BYTE * (m_size + m_unpacked_size);
-    m_decode_budget = LIMIT_DECODE_WORK + LIMIT_DECODE_WORK_PER_BYTE * m_size;
-}
-
-bool CPDFFileReader::spend(size_t bytes)
-{
-    const bool enough = bytes <= m_budget;
-    m_budget = enough ? m_budget - bytes : 0;
-    return enough;
-}
-
-// Counts the bytes of an object stream as the file's own, once.
-void CPDFFileReader::count_unpacked(uint32_t num, size_t bytes)
-{
-    if (!m_unpacked.insert(num).second)
-        return;
-    m_unpacked_size += bytes;
-    m_budget += LIMIT_PARSE_WORK_PER_BYTE * bytes;
 }
 
 void CPDFFileReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
@@ -66,7 +44,7 @@ void CPDFFileReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num
 // An object in the file: "num gen obj", the value, and for a stream "stream", its data and "endstream".
 bool CPDFFileReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys)
 {
-    if (at >= m_size || m_budget == 0)
+    if (at >= m_size || !m_budget.may_parse())
         return false;
     CPDFParser parser(m_data + at, m_data + m_size, m_data);
     CPDFLexer& lexer = parser.lexer();
@@ -75,7 +53,7 @@ bool CPDFFileReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t a
     if (out.type == PDF_OBJ_DICT)
         lexer.skip_space();
     // What can't be read has taken its time as well.
-    if (!spend(static_cast<size_t>(lexer.at() - (m_data + at)) + parser.work()) || !found) {
+    if (!m_budget.spend(static_cast<size_t>(lexer.at() - (m_data + at)) + parser.work()) || !found) {
         out.free();
         return false;
     }
@@ -100,8 +78,8 @@ void CPDFFileReader::make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t
     const size_t len = stream_length(xref, *out.dict, data_at);
     CPDFObj dict;
     dict.take(out);
-    out.stream = new CPDFStreamRec;
-    out.type = PDF_OBJ_STREAM;
+    if (!out.set_stream())
+        return;
     out.stream->dict.take(*dict.dict);
     out.stream->in_file = 1;
     out.stream->data_len = static_cast<uint32_t>(len);
@@ -127,7 +105,7 @@ size_t CPDFFileReader::stream_length(CPDFXRefTable& xref, const CPDFDictionary& 
         CPDFLexer lexer(m_data + data_at + len, m_data + m_size);
         while (is_space(lexer.peek()) && !lexer.done())
             lexer.move_to(lexer.at() + 1);
-        if (!spend(static_cast<size_t>(lexer.at() - (m_data + data_at + len))))
+        if (!m_budget.spend(static_cast<size_t>(lexer.at() - (m_data + data_at + len))))
             return 0;
         if (lexer.begins("endstream"))
             return static_cast<size_t>(len);
@@ -141,12 +119,12 @@ size_t CPDFFileReader::search_stream_end(size_t data_at)
     const size_t left = m_size - data_at;
     const void* found = memmem(begin, left, "endstream", 9);
     if (!found) {
-        if (!spend(left))
+        if (!m_budget.spend(left))
             return 0;
         found = memmem(begin, left, "endobj", 6);
     }
     size_t len = found ? static_cast<size_t>(static_cast<const uint8_t*>(found) - begin) : left;
-    if (!spend(len))
+    if (!m_budget.spend(len))
         return 0;
     if (len > 0 && begin[len - 1] == '\n')
         --len;
@@ -164,8 +142,8 @@ void CPDFFileReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_
     if (!stream || !stream->find(num, entry.gen, begin, end))
         return;
     CPDFParser parser(begin, end, nullptr);
-    const bool found = m_budget > 0 && parser.parse(out, keys);
-    if (!spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) || !found)
+    const bool found = m_budget.may_parse() && parser.parse(out, keys);
+    if (!m_budget.spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) || !found)
         out.free();
 }
 
@@ -184,12 +162,12 @@ bool CPDFFileReader::splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_
         end = m_data + m_size;
     }
     CPDFLexer text(begin, end);
-    if (m_budget == 0 || (entry.type == PDF_XREF_IN_FILE && !accept_object_start(text, num, gen)))
+    if (!m_budget.may_parse() || (entry.type == PDF_XREF_IN_FILE && !accept_object_start(text, num, gen)))
         return false;
     const bool spliced = m_splicer.splice(text, changes, out);
     if (spliced)
         text.skip_space();
-    if (spend(static_cast<size_t>(text.at() - begin)) && spliced && !text.starts("stream"))
+    if (m_budget.spend(static_cast<size_t>(text.at() - begin)) && spliced && !text.starts("stream"))
         return true;
     out.release();
     return false;
@@ -198,14 +176,14 @@ bool CPDFFileReader::splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_
 bool CPDFFileReader::splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out)
 {
     CPDFLexer lexer(text.buf, text.buf + text.len);
-    return spend(static_cast<size_t>(text.len)) && m_splicer.splice(lexer, changes, out);
+    return m_budget.spend(static_cast<size_t>(text.len)) && m_splicer.splice(lexer, changes, out);
 }
 
 void CPDFFileReader::read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys)
 {
     CPDFParser parser(text.buf, text.buf + text.len, nullptr);
-    const bool found = m_budget > 0 && parser.parse(out, keys);
-    if (!spend(static_cast<size_t>(text.len) + parser.work()) || !found)
+    const bool found = m_budget.may_parse() && parser.parse(out, keys);
+    if (!m_budget.spend(static_cast<size_t>(text.len) + parser.work()) || !found)
         out.free();
 }
 
@@ -214,7 +192,7 @@ const CPDFObjectStream* CPDFFileReader::object_stream(CPDFXRefTable& xref, uint3
     if (const CPDFObjectStream* known = m_streams.find(num))
         return known;
     // What an object stream's own dictionary refers to may not lie in an object stream: it could be the same one.
-    if (m_in_container || m_decode_budget == 0)
+    if (m_in_container || !m_budget.may_decode())
         return nullptr;
     const RaisedFlag flag(m_in_container);
     return load_object_stream(xref, num);
@@ -230,9 +208,9 @@ const CPDFObjectStream* CPDFFileReader::load_object_stream(CPDFXRefTable& xref, 
         return nullptr;
     const CPDFStreamRec& rec = *container.stream;
     CPDFBytes bytes;
-    if (!decode(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || m_decode_budget == 0)
+    if (!decode(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !m_budget.may_decode())
         return nullptr;
-    count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
+    m_budget.count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
     const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
     return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
@@ -243,8 +221,8 @@ bool CPDFFileReader::decode(CPDFXRefTable* xref, const CPDFDictionary& dict, con
                             CPDFBytes& out)
 {
     uint64_t work = 0;
-    const bool decoded = m_decode_budget > 0 && decode_stream(xref, dict, data, size, out, &work);
-    m_decode_budget -= std::min(m_decode_budget, work);
+    const bool decoded = m_budget.may_decode() && decode_stream(xref, dict, data, size, out, &work);
+    m_budget.spend_decoding(work);
     return decoded;
 }
 

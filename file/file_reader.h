@@ -9,6 +9,7 @@
 #include "core/object_source.h"
 #include "file/filter/filters.h"
 #include "file/object_stream.h"
+#include "file/read_budget.h"
 #include "file/status.h"
 #include "file/syntax/splice.h"
 
@@ -52,11 +53,8 @@ public:
     void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys) override;
     unsigned char* compress(const void* data, int len, int& out_len) override;
 
-    // Whether the budget ended: what was read since then may be absent without being so.
-    bool exhausted() const { return m_budget == 0 || m_decode_budget == 0; }
-
-    // Allows the reading of as many bytes again as at the start.
-    void renew_budget();
+    // The work that may still be done.
+    CPDFReadBudget& budget() { return m_budget; }
 
     // The trailer of the newest section; "Root" and the like are filled in from older ones where it lacks them.
     const CPDFDictionary& trailer() const { return m_trailer; }
@@ -94,19 +92,14 @@ private:
                           const CPDFKeySet* keys);
     const CPDFObjectStream* object_stream(CPDFXRefTable& xref, uint32_t num);
     const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
-    bool spend(size_t bytes);
     bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
-    void count_unpacked(uint32_t num, size_t bytes);
 
     const uint8_t* m_data;  // borrowed from the document
     size_t m_size;
     size_t m_shift = 0;
-    uint64_t m_budget = 0;                    // bytes that may still be parsed before objects read as absent
-    uint64_t m_decode_budget = 0;             // the same for bytes that may still be decoded
-    uint64_t m_unpacked_size = 0;             // decoded bytes of the object streams, each counted once
-    std::unordered_set<uint32_t> m_unpacked;  // the object streams counted
-    bool m_in_length = false;                 // a stream's indirect length is being fetched
-    bool m_in_container = false;              // an object stream is being decoded
+    CPDFReadBudget m_budget;
+    bool m_in_length = false;     // a stream's indirect length is being fetched
+    bool m_in_container = false;  // an object stream is being decoded
     PDF_SECTION_KIND m_newest_kind = PDF_SECTION_KIND::NONE;
     uint32_t m_newest_pos = 0;
     CPDFDictionary m_trailer;

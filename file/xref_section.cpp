@@ -178,7 +178,7 @@ int CPDFFileReader::read_section(CPDFXRefTable& xref, uint32_t pos)
 bool CPDFFileReader::read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION_KIND& kind)
 {
     m_sections.insert(at);
-    if (m_budget == 0)
+    if (!m_budget.may_parse())
         return false;
     CPDFLexer lexer(m_data + at, m_data + m_size);
     if (std::memcmp(lexer.at(), "xref", std::min<size_t>(4, lexer.left())) != 0) {
@@ -188,7 +188,7 @@ bool CPDFFileReader::read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION
     kind = PDF_SECTION_KIND::TABLE;
     lexer.move_to(lexer.at() + 4);
     const bool found = read_table(xref, lexer);
-    return spend(static_cast<size_t>(lexer.at() - (m_data + at))) && found;
+    return m_budget.spend(static_cast<size_t>(lexer.at() - (m_data + at))) && found;
 }
 
 uint32_t CPDFFileReader::largest_number() const

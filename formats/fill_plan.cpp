@@ -32,12 +32,12 @@ bool says_nothing(const FILL_ITEM& item)
 {
     const auto* text = std::get_if<std::string>(&item.value);
     const CPDFField& field = *item.plan.field;
-    return !item.is_typed && text && text->empty() && !takes_values(field.m_type, field.m_flags);
+    return !item.is_typed && text && text->empty() && !field_kind(field).takes_value;
 }
 
 bool takes_several(const CPDFField& field)
 {
-    return field_kind(field.m_type, field.m_flags).id == KIND_LIST && (field.m_flags & FIELD_MULTI_SELECT);
+    return field_kind(field).id == KIND_LIST && (field.m_flags & FIELD_MULTI_SELECT);
 }
 
 // Adds `more` to the list that `value` is or becomes; false when either is true or false.

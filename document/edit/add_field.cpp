@@ -8,9 +8,12 @@
 #include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
 #include "document/edit/new_object.h"
+#include "document/edit/page_annots.h"
+#include "document/edit/remove_field.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/page_box.h"
 #include "document/lookup/page_map.h"
-#include "engine/annot_widget.h"
+#include "document/lookup/widget_binder.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 
@@ -19,10 +22,9 @@ namespace {
 // What the kinds that can be added need.
 struct NEW_KIND {
     PDF_FIELD_KIND_ID id;
-    uint32_t flags;
+    uint32_t flags;  // besides those of the kind
     PDF_LOOK off;
     PDF_LOOK on;
-    const char* type;        // "FT"
     const char* appearance;  // "DA"
     const char* font;        // that "DA" names, null for none
     const char* base_font;
@@ -30,13 +32,13 @@ struct NEW_KIND {
 };
 
 constexpr NEW_KIND NEW_KINDS[] = {
-    {KIND_TEXT, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Tx", "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_COMBO, FIELD_COMBO, PDF_LOOK::BOX, PDF_LOOK::BOX, "Ch", "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_LIST, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Ch", "/Helv 10 Tf 0 g", "Helv", "Helvetica", ""},
-    {KIND_CHECK, 0, PDF_LOOK::CHECK_OFF, PDF_LOOK::CHECK_ON, "Btn", "/ZaDb 0 Tf 0 g", "ZaDb", "ZapfDingbats", "/CA(4)"},
-    {KIND_RADIO, FIELD_RADIO | FIELD_NO_TOGGLE_TO_OFF, PDF_LOOK::RADIO_OFF, PDF_LOOK::RADIO_ON, "Btn", "/ZaDb 0 Tf 0 g",
-     "ZaDb", "ZapfDingbats", "/CA(l)"},
-    {KIND_SIGNATURE, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "Sig", "", nullptr, nullptr, ""},
+    {KIND_TEXT, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_COMBO, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 0 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_LIST, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "/Helv 10 Tf 0 g", "Helv", "Helvetica", ""},
+    {KIND_CHECK, 0, PDF_LOOK::CHECK_OFF, PDF_LOOK::CHECK_ON, "/ZaDb 0 Tf 0 g", "ZaDb", "ZapfDingbats", "/CA(4)"},
+    {KIND_RADIO, FIELD_NO_TOGGLE_TO_OFF, PDF_LOOK::RADIO_OFF, PDF_LOOK::RADIO_ON, "/ZaDb 0 Tf 0 g", "ZaDb",
+     "ZapfDingbats", "/CA(l)"},
+    {KIND_SIGNATURE, 0, PDF_LOOK::BOX, PDF_LOOK::BOX, "", nullptr, nullptr, ""},
 };
 
 const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
@@ -46,15 +48,11 @@ const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
     return found == std::end(NEW_KINDS) ? nullptr : found;
 }
 
-const PDF_FIELD_KIND* row_of(const NEW_KIND& kind)
+bool holds(const PDF_BOX& box, const PDF_RECT& rect)
 {
-    constexpr struct {
-        const char* name;
-        int32_t type;
-    } TYPES[] = {{"Tx", FIELD_TEXT}, {"Ch", FIELD_CHOICE}, {"Btn", FIELD_BUTTON}, {"Sig", FIELD_SIGNATURE}};
-    const auto* type = std::find_if(std::begin(TYPES), std::end(TYPES),
-                                    [&](const auto& at) { return std::string(at.name) == kind.type; });
-    return &field_kind(type->type, kind.flags);
+    constexpr double SLACK = PDF_RECT::SMALLEST;
+    return rect.x >= box.x0 - SLACK && rect.y >= box.y0 - SLACK && rect.x + rect.width <= box.x1 + SLACK &&
+           rect.y + rect.height <= box.y1 + SLACK;
 }
 
 // The parts of a full name.
@@ -80,9 +78,13 @@ public:
             return CPDFStatus::failed(
                 PDF_CODE::BAD_EDIT,
                 "fields of this kind can't be added: only text, check, radio, combo, list and signature");
-        m_shape = {row_of(*m_kind), m_kind->flags, 0, {}, m_field.states};
+        m_shape.kind = &field_kind(m_kind->id);
+        m_shape.flags = m_shape.kind->set | m_kind->flags;
+        m_states = m_field.states;
         check_name();
         check_states();
+        for (const std::string& state : m_states)
+            m_shape.buttons.push_back({nullptr, state, state});
         check_place();
         check_group();
         change_shape(m_field.entries, m_field.name, m_shape, m_refusals);
@@ -103,9 +105,27 @@ public:
         CPDFField* parent = make_parents();
         const PDF_REF ref = m_field.kind == KIND_RADIO ? make_group(parent) : make_merged(parent);
         added = memory.failed() ? nullptr : attach_field(m_target, parent, ref);
+        if (added)
+            m_target.widgets.bind_added(m_target.xref, *added, m_target.pages);
         if (m_kind->id == KIND_SIGNATURE)
             m_target.form.set_sign_flag(1);
         return added && !memory.failed() ? CPDFStatus() : no_memory_to_edit();
+    }
+
+    // The default is also the value.
+    CPDFStatus set_default(CPDFField& field) const
+    {
+        const std::optional<CPDFValue>& value = m_field.entries.default_value;
+        if (!value)
+            return {};
+        PDF_FIELD_CHANGE change;
+        change.default_value = value;
+        CPDFStatus status = change_field(field, change, m_target.widgets);
+        PDF_FILL_PLAN plan;
+        if (status.ok())
+            status = plan_fill(field, *value, PDF_FILL::FORCE, PDF_WORDS::STATES_FIRST, m_target.widgets, plan);
+        std::vector<CPDFField*> changed;
+        return status.ok() ? apply_fill(m_target.xref, plan, m_target.widgets, changed) : status;
     }
 
 private:
@@ -137,7 +157,7 @@ private:
     {
         const bool check = m_kind->id == KIND_CHECK;
         const bool radio = m_kind->id == KIND_RADIO;
-        std::vector<std::string>& states = m_shape.states;
+        std::vector<std::string>& states = m_states;
         const std::string field = "field \"" + m_field.name + "\"";
         if (check && states.empty())
             states.emplace_back("Yes");
@@ -163,19 +183,19 @@ private:
         if (!there)
             m_refusals.add("there is no page " + std::to_string(m_field.page) + ": the document has " +
                            std::to_string(pages));
-        const PDF_RECT box = there ? page_box(m_target.xref, page_ref()) : PDF_RECT();
+        const PDF_BOX box = there ? read_page_box(m_target.xref, page_ref()).crop : PDF_BOX();
         for (const PDF_RECT& rect : m_field.rects) {
             const std::string shown = "the rectangle " + number_syntax(rect.x) + "," + number_syntax(rect.y) + "," +
                                       number_syntax(rect.width) + "," + number_syntax(rect.height);
             if (rect.width < PDF_RECT::SMALLEST || rect.height < PDF_RECT::SMALLEST)
                 m_refusals.add(shown + " is empty");
-            else if (there && !box.holds(rect))
+            else if (there && !holds(box, rect))
                 m_refusals.add(shown + " is not on page " + std::to_string(m_field.page) + ", which goes from " +
-                               number_syntax(box.x) + "," + number_syntax(box.y) + " to " +
-                               number_syntax(box.x + box.width) + "," + number_syntax(box.y + box.height));
+                               number_syntax(box.x0) + "," + number_syntax(box.y0) + " to " + number_syntax(box.x1) +
+                               "," + number_syntax(box.y1));
         }
         const size_t rects = m_field.rects.size();
-        if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_shape.states.size()))
+        if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_states.size()))
             m_refusals.add("field \"" + m_field.name + "\" needs one rectangle" +
                            (m_kind->id == KIND_RADIO ? ", or one for each button" : ""));
     }
@@ -223,7 +243,8 @@ private:
     // The entries that make a dictionary the field.
     std::string field_entries(const CPDFField* parent) const
     {
-        std::string out = std::string("/FT/") + m_kind->type + "/T " + string_syntax(parts_of(m_field.name).back());
+        std::string out =
+            std::string("/FT/") + m_shape.kind->type_key + "/T " + string_syntax(parts_of(m_field.name).back());
         out += parent_entry(parent);
         CPDFObj above;
         if (m_shape.flags || inherited_entry(parent, "Ff", above))
@@ -234,7 +255,7 @@ private:
             out += "/MaxLen " + std::to_string(m_shape.max_length);
         if (m_field.entries.options)
             out += options_entry();
-        const bool button = m_kind->type == std::string("Btn");
+        const bool button = m_shape.kind->type == FIELD_BUTTON;
         for (const char* key : {"V", "DV"}) {
             CPDFObj value;
             if (button ? key == std::string("V") || inherited_entry(parent, key, value)
@@ -248,7 +269,7 @@ private:
     std::string options_entry() const
     {
         std::string out = "/Opt[";
-        for (const PDF_OPTION& option : m_shape.options) {
+        for (const PDF_OPTION& option : *m_field.entries.options) {
             const std::string value = string_syntax(option.value);
             out += option.text.empty() ? value : "[" + value + string_syntax(option.text) + "]";
         }
@@ -287,7 +308,7 @@ private:
 
     PDF_REF make_merged(const CPDFField* parent)
     {
-        const std::string state = m_kind->id == KIND_CHECK ? m_shape.states[0] : "";
+        const std::string state = m_kind->id == KIND_CHECK ? m_states[0] : "";
         const std::string entries = field_entries(parent) + widget_entries(m_field.rects[0], state);
         const PDF_REF ref = new_object(m_target.xref, "<<" + entries + ">>");
         if (ref.num)
@@ -301,7 +322,7 @@ private:
         if (m_field.rects.size() > 1)
             return m_field.rects[index];
         PDF_RECT rect = m_field.rects[0];
-        const auto count = static_cast<double>(m_shape.states.size());
+        const auto count = static_cast<double>(m_states.size());
         const auto place = static_cast<double>(index);
         if (rect.width >= rect.height) {
             rect.width /= count;
@@ -319,9 +340,8 @@ private:
     {
         const PDF_REF group = new_object(m_target.xref, "null");
         std::string kids;
-        for (size_t i = 0; i < m_shape.states.size(); ++i) {
-            const std::string entries =
-                "/Parent " + ref_syntax(group) + widget_entries(button_rect(i), m_shape.states[i]);
+        for (size_t i = 0; i < m_states.size(); ++i) {
+            const std::string entries = "/Parent " + ref_syntax(group) + widget_entries(button_rect(i), m_states[i]);
             const PDF_REF button = new_object(m_target.xref, "<<" + entries + ">>");
             if (button.num)
                 list_on_page(button);
@@ -336,16 +356,25 @@ private:
     EDIT_TARGET& m_target;
     const PDF_NEW_FIELD& m_field;
     const NEW_KIND* m_kind = nullptr;
-    FIELD_SHAPE m_shape = {};
+    std::vector<std::string> m_states;  // on states of a button
+    PDF_FIELD_SHAPE m_shape = {};
     CPDFRefusals m_refusals;
 };
 
 }  // namespace
 
-CPDFStatus add_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added)
+CPDFStatus insert_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added)
 {
     added = nullptr;
     FieldMaker maker(target, field);
     CPDFStatus status = maker.check();
-    return status.ok() ? maker.make(added) : status;
+    if (status.ok())
+        status = maker.make(added);
+    if (added && status.ok())
+        status = maker.set_default(*added);
+    if (!added || status.ok())
+        return status;
+    (void)erase_field(target, *added);  // the first failure is the one to tell
+    added = nullptr;
+    return status;
 }

@@ -2,19 +2,11 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "document/edit/edit.h"
 #include "document/fill/filler.h"
-#include "forms/field_kind.h"
-
-// One option of a choice field, in UTF-8. An empty `text` shows the value.
-struct PDF_OPTION {
-    std::string value;
-    std::string text;
-};
 
 // What is to change; what is not given stays.
 struct PDF_FIELD_CHANGE {
@@ -25,36 +17,15 @@ struct PDF_FIELD_CHANGE {
     std::optional<std::vector<PDF_OPTION>> options;  // of a choice field
 };
 
-// A flag that people may set, under its public name, and the kinds of fields that have it.
-struct PDF_FLAG_WORD {
-    const char* word;
-    uint32_t flag;   // PDF_FIELD_FLAG
-    uint32_t kinds;  // a bit for each PDF_FIELD_KIND_ID
-    const char* help;
-};
-
-std::span<const PDF_FLAG_WORD> flag_words();
-
-// A field as it will be, and as far as a change is checked against it.
-struct FIELD_SHAPE {
-    const PDF_FIELD_KIND* kind;  // a row of the table
-    uint32_t flags = 0;
-    int32_t max_length = 0;
-    std::vector<PDF_OPTION> options;
-    std::vector<std::string> states;  // on states of a button, bytes of names
-};
-
 // Makes `change` on `shape` and notes in `refusals` what does not fit the kind or contradicts itself; `name` is for the
-// sentences.
-void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, FIELD_SHAPE& shape, CPDFRefusals& refusals);
-
-// Makes `out` what "Opt" or "DV" say.
-void make_options(const std::vector<PDF_OPTION>& options, CPDFObj& out);
-void make_value(const FIELD_SHAPE& shape, const CPDFValue& value, CPDFObj& out);
+// sentences. The shape borrows the options of `change`.
+void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, PDF_FIELD_SHAPE& shape,
+                  CPDFRefusals& refusals);
 
 // Notes in `refusals` when the value of the text field `field` has more than `most` characters; 0 for no limit.
 void check_length(CPDFField& field, int32_t most, CPDFRefusals& refusals);
 
 // Changes `field`, which must have a name of its own; refuses what change_shape does, and a maximum or options that its
-// value does not fit. `widgets` are those of the form. Nothing is changed then.
+// value does not fit; a default is taken as a value is that fills the field. `widgets` are those of the form. Nothing is
+// changed then. Fails where the field's dictionary, or that of a kid without a name, is missing.
 CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const CPDFWidgetBinder& widgets);

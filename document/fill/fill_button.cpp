@@ -61,15 +61,13 @@ std::vector<PDF_BUTTON_CHOICE> button_choices(const CPDFField& field, const CPDF
     return choices;
 }
 
-CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF_WORDS words, PDF_FILL_PLAN& plan)
 {
-    const CPDFField& field = *plan.field;
-    const bool radio = (field.m_flags & FIELD_RADIO) != 0;
+    const bool radio = shape.kind->id == KIND_RADIO;
     plan.action = PDF_FILL_PLAN::SET_BUTTON;
-    const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, widgets);
+    const std::vector<PDF_BUTTON_CHOICE>& choices = shape.buttons;
     const auto refuse = [&](const std::string& what) {
-        return refuse_fill(PDF_CODE::WRONG_KIND, field,
-                           "has no state " + what + ": it takes " + quoted_list(accepted_words(choices)));
+        return refuse_value("has no state " + what + ": it takes " + quoted_list(accepted_words(choices)));
     };
     const auto take_bool = [&](bool on) {
         plan.button = on ? 0 : -1;
@@ -78,7 +76,7 @@ CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidget
         return CPDFStatus();
     };
     if (std::holds_alternative<std::vector<std::string>>(value))
-        return refuse_fill(PDF_CODE::WRONG_KIND, field, "takes one state");
+        return refuse_value("takes one state");
     if (const bool* on = std::get_if<bool>(&value))
         return take_bool(*on);
 
@@ -96,13 +94,13 @@ CPDFStatus plan_button(const CPDFValue& value, PDF_WORDS words, const CPDFWidget
     return refuse('"' + word + '"');
 }
 
-void apply_button(FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets)
+void apply_button(PDF_FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets)
 {
-    const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(*plan.field, widgets);
-    const PDF_BUTTON_CHOICE* chosen = plan.button >= 0 ? &choices[static_cast<size_t>(plan.button)] : nullptr;
-    for (const PDF_BUTTON_CHOICE& choice : choices)
+    const PDF_FIELD_SHAPE shape = shape_of(*plan.field, widgets);
+    const PDF_BUTTON_CHOICE* chosen = plan.button >= 0 ? &shape.buttons[static_cast<size_t>(plan.button)] : nullptr;
+    for (const PDF_BUTTON_CHOICE& choice : shape.buttons)
         choice.widget->set_check_value(chosen && goes_with(*plan.field, choice, *chosen));
     CPDFObj value;
-    value.set_name(chosen ? chosen->state.c_str() : PDF_STATE_OFF);
+    make_value(shape, plan, value);
     store_value(target, *plan.field, value, nullptr);
 }

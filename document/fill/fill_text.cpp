@@ -1,8 +1,5 @@
 #include "core/text.h"
 #include "document/fill/filler_internal.h"
-#include "document/lookup/field_text.h"
-#include "forms/field.h"
-#include "forms/field_inherit.h"
 
 namespace {
 
@@ -18,30 +15,21 @@ int64_t character_count(const std::string& text)
 
 }  // namespace
 
-CPDFStatus plan_text(const CPDFValue& value, PDF_FILL_PLAN& plan)
+CPDFStatus plan_text(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF_FILL_PLAN& plan)
 {
     plan.action = PDF_FILL_PLAN::SET_TEXT;
     if (std::holds_alternative<std::vector<std::string>>(value))
-        return refuse_fill(PDF_CODE::WRONG_KIND, *plan.field, "is a text field, which takes one text");
+        return refuse_value("is a text field, which takes one text");
     if (const bool* state = std::get_if<bool>(&value)) {
         plan.text = *state ? "true" : "false";
         plan.coerced = true;
     } else {
         plan.text = std::get<std::string>(value);
     }
-    const int32_t most = max_length(*plan.field);
+    const int32_t most = shape.max_length;
     const int64_t count = character_count(plan.text);
     if (most > 0 && count > most)
-        return refuse_fill(PDF_CODE::LIMIT, *plan.field,
-                           "takes at most " + std::to_string(most) + " characters, not " + std::to_string(count));
+        return refuse_value("takes at most " + std::to_string(most) + " characters, not " + std::to_string(count),
+                            PDF_CODE::LIMIT);
     return {};
-}
-
-void apply_text(FILL_TARGET& target, const PDF_FILL_PLAN& plan)
-{
-    PDF_String text = pdf_string_of(plan.text);
-    CPDFObj value;
-    value.set_string(text.buf, text.len);
-    text.release();
-    store_value(target, *plan.field, value, nullptr);
 }

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 
+#include "core/array.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/fill/filler_internal.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/value_text.h"
+#include "engine/annot_widget.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
-#include "forms/field_kind.h"
-
-CPDFStatus refuse_fill(PDF_CODE code, const CPDFField& field, const std::string& why)
-{
-    return CPDFStatus::failed(code, "field \"" + full_name(field) + "\" " + why);
-}
 
 std::string quoted_list(const std::vector<std::string>& words)
 {
@@ -38,7 +34,7 @@ std::vector<std::string> words_of(const VALUE_TEXT& held)
 // Whether `value` says what the field has; options count in any order.
 bool has_value(const CPDFField& field, const CPDFValue& value)
 {
-    if (!takes_values(field.m_type, field.m_flags) || std::holds_alternative<bool>(value))
+    if (!field_kind(field).takes_value || std::holds_alternative<bool>(value))
         return false;
     const std::string* text = std::get_if<std::string>(&value);
     const CPDFObj& stored = field.m_value;
@@ -56,26 +52,68 @@ bool has_value(const CPDFField& field, const CPDFValue& value)
     return has == given;
 }
 
-CPDFStatus plan_kind(const CPDFValue& value, PDF_WORDS words, const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
+// `status`, which ends a sentence, with the field that it is about.
+CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
 {
-    const CPDFField& field = *plan.field;
-    switch (field.m_type) {
-    case FIELD_TEXT:
-        return plan_text(value, plan);
-    case FIELD_CHOICE:
-        return plan_choice(value, plan);
-    case FIELD_BUTTON:
-        if (!(field.m_flags & FIELD_PUSH_BUTTON) || (field.m_flags & FIELD_RADIO))
-            return plan_button(value, words, widgets, plan);
-        return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a push button, which has no value");
-    case FIELD_SIGNATURE:
-        return refuse_fill(PDF_CODE::WRONG_KIND, field, "is a signature field, which can't be filled");
-    default:
-        return refuse_fill(PDF_CODE::WRONG_KIND, field, "only groups other fields and has no value");
-    }
+    if (!status.ok())
+        status.text = "field \"" + full_name(field) + "\" " + status.text;
+    return status;
 }
 
 }  // namespace
+
+PDF_FIELD_SHAPE shape_of(const CPDFField& field, const CPDFWidgetBinder& widgets)
+{
+    PDF_FIELD_SHAPE shape = {&field_kind(field), field.m_flags, 0, {}, {}};
+    if (field.m_type == FIELD_TEXT)
+        shape.max_length = max_length(field);
+    else if (field.m_type == FIELD_CHOICE)
+        shape.options = CPDFFieldOptions(field);
+    else if (field.m_type == FIELD_BUTTON)
+        shape.buttons = button_choices(field, widgets);
+    return shape;
+}
+
+CPDFStatus plan_value(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF_WORDS words, PDF_FILL_PLAN& plan)
+{
+    switch (shape.kind->id) {
+    case KIND_TEXT:
+        return plan_text(shape, value, plan);
+    case KIND_COMBO:
+    case KIND_LIST:
+        return plan_choice(shape, value, plan);
+    case KIND_CHECK:
+    case KIND_RADIO:
+        return plan_button(shape, value, words, plan);
+    case KIND_PUSH:
+        return refuse_value("is a push button, which has no value");
+    case KIND_SIGNATURE:
+        return refuse_value("is a signature field, which can't be filled");
+    default:
+        return refuse_value("only groups other fields and has no value");
+    }
+}
+
+void make_value(const PDF_FIELD_SHAPE& shape, const PDF_FILL_PLAN& plan, CPDFObj& out)
+{
+    if (plan.action == PDF_FILL_PLAN::SET_BUTTON) {
+        const bool on = plan.button >= 0;
+        out.set_name(on ? shape.buttons[static_cast<size_t>(plan.button)].state.c_str() : PDF_STATE_OFF);
+    } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() == 1) {
+        shape.options.make_value(plan.options[0], out);
+    } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() > 1) {
+        CPDFArray& list = *out.set_array();
+        for (const int option : plan.options) {
+            CPDFObj value;
+            shape.options.make_value(option, value);
+            list.append_str(value.str.buf, value.str.len);
+        }
+    } else {
+        PDF_String text = pdf_string_of(plan.text);
+        out.set_string(text.buf, text.len);
+        text.release();
+    }
+}
 
 CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, PDF_WORDS words,
                      const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan)
@@ -85,12 +123,12 @@ CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, PD
     plan.field = &field;
     CPDFStatus status;
     if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
-        status = refuse_fill(PDF_CODE::READ_ONLY, field, "is read-only");
+        status = refuse_value("is read-only", PDF_CODE::READ_ONLY);
     else
-        status = plan_kind(value, words, widgets, plan);
+        status = plan_value(shape_of(field, widgets), value, words, plan);
     if (!status.ok() && plan_keep(field, value, plan))
         return {};
-    return status;
+    return about_field(field, std::move(status));
 }
 
 bool plan_keep(CPDFField& shown, const CPDFValue& value, PDF_FILL_PLAN& plan)
@@ -107,10 +145,12 @@ bool plan_keep(CPDFField& shown, const CPDFValue& value, PDF_FILL_PLAN& plan)
 CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets,
                       std::vector<CPDFField*>& changed)
 {
-    FILL_TARGET target = {xref, changed};
+    PDF_FILL_TARGET target = {xref, changed};
+    CPDFObj text;
     switch (plan.action) {
     case PDF_FILL_PLAN::SET_TEXT:
-        apply_text(target, plan);
+        make_value({}, plan, text);
+        store_value(target, *plan.field, text, nullptr);
         break;
     case PDF_FILL_PLAN::SET_BUTTON:
         apply_button(target, plan, widgets);
@@ -122,18 +162,17 @@ CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDF
         break;
     }
     if (target.memory.failed())
-        return refuse_fill(PDF_CODE::NO_MEMORY, *plan.field, "can't be filled: memory ran out");
-    if (target.lost)
-        return refuse_fill(PDF_CODE::DAMAGED, *target.lost,
-                           "can't be filled: object " + std::to_string(target.lost->m_ref.num) +
-                               " is missing or damaged");
-    return {};
+        return about_field(*plan.field, refuse_value("can't be filled: memory ran out", PDF_CODE::NO_MEMORY));
+    if (!target.lost)
+        return {};
+    const std::string object = std::to_string(target.lost->m_ref.num);
+    return about_field(*target.lost,
+                       refuse_value("can't be filled: object " + object + " is missing or damaged", PDF_CODE::DAMAGED));
 }
 
 namespace {
 
-constexpr const char* VALUE_KEYS[] = {"V"};
-constexpr CPDFKeySet VALUE_KEY_SET(VALUE_KEYS);
+constexpr CPDFKeySet VALUE_KEY_SET{"V"};
 
 bool has_own_value(CPDFXRefTable& xref, const CPDFField& field)
 {
@@ -145,7 +184,7 @@ bool has_own_value(CPDFXRefTable& xref, const CPDFField& field)
 
 }  // namespace
 
-void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
+void drop_kid_values(PDF_FILL_TARGET& target, const CPDFField& field)
 {
     for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
         CPDFField* kid = field.m_kids[i];
@@ -158,7 +197,7 @@ void drop_kid_values(FILL_TARGET& target, const CPDFField& field)
     }
 }
 
-void store_value(FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices)
+void store_value(PDF_FILL_TARGET& target, CPDFField& field, const CPDFObj& value, const CPDFObj* indices)
 {
     if (target.memory.failed())
         return;

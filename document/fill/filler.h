@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "core/object.h"
+#include "document/lookup/field_options.h"
 #include "file/status.h"
+#include "forms/field_kind.h"
 
 class CPDFAnnotWidget;
 class CPDFField;
@@ -46,10 +48,36 @@ struct PDF_FILL_PLAN {
     bool coerced = false;  // the value was understood as something else than it said, such as a shown text
 };
 
+// What a widget of a button field stands for.
+struct PDF_BUTTON_CHOICE {
+    CPDFAnnotWidget* widget;   // borrowed from the binder; null of a field that is not made yet
+    std::string state;         // the on state
+    std::string export_value;  // from "Opt" by position, else the state
+};
+
+// What a field is, as far as values are checked against it: a field of a form, or what one is to become.
+struct PDF_FIELD_SHAPE {
+    const PDF_FIELD_KIND* kind;  // a row of the table
+    uint32_t flags = 0;
+    int32_t max_length = 0;                  // of a text field; 0 for no limit
+    CPDFFieldOptions options;                // of a choice field
+    std::vector<PDF_BUTTON_CHOICE> buttons;  // of a button field, in the order of its widgets
+};
+
+PDF_FIELD_SHAPE shape_of(const CPDFField& field, const CPDFWidgetBinder& widgets);
+
+// Decides what `value` means for a field of this shape, whatever it has now; all of `plan` but the field. The refusal, of
+// a kind that takes no value or not such a one, a text longer than the maximum, and a state or option that isn't there,
+// is the end of a sentence that begins with the field.
+CPDFStatus plan_value(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF_WORDS words, PDF_FILL_PLAN& plan);
+
+// What a plan for this shape stores as "V", and what "DV" is for the same value; an empty text for no option.
+void make_value(const PDF_FIELD_SHAPE& shape, const PDF_FILL_PLAN& plan, CPDFObj& out);
+
 // Decides what `value` means for `field`; for a field without a name, which only shows the value of the one above it, for
-// that one. Refuses, in a sentence that names the field, a kind that takes no value or not such a one, a read-only
-// field, a text longer than the maximum, and a state or option that isn't there; nothing is changed. A value that
-// the field has already is never refused: forms in use hold what their fields don't take, and so do exports of those.
+// that one. Refuses, in a sentence that names the field, what plan_value does and a read-only field; nothing is changed. A
+// value that the field has already is never refused: forms in use hold what their fields don't take, and so do exports of
+// those.
 CPDFStatus plan_fill(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_WORDS words,
                      const CPDFWidgetBinder& widgets, PDF_FILL_PLAN& plan);
 
@@ -62,10 +90,4 @@ CPDFStatus apply_fill(CPDFXRefTable& xref, const PDF_FILL_PLAN& plan, const CPDF
                       std::vector<CPDFField*>& changed);
 
 // What the widgets of a button field stand for, in their order.
-struct PDF_BUTTON_CHOICE {
-    CPDFAnnotWidget* widget;   // borrowed from the binder
-    std::string state;         // the on state
-    std::string export_value;  // from "Opt" by position, else the state
-};
-
 std::vector<PDF_BUTTON_CHOICE> button_choices(const CPDFField& field, const CPDFWidgetBinder& widgets);

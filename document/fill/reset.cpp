@@ -4,7 +4,6 @@
 #include <cstring>
 #include <iterator>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "core/array.h"
@@ -18,24 +17,12 @@
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
-#include "forms/field_kind.h"
 #include "forms/field_walk.h"
 
 namespace {
 
 constexpr const char* STORED_KEYS[] = {"I", "RV", "V"};
 constexpr CPDFKeySet STORED_KEY_SET(STORED_KEYS);
-
-PDF_FIELD_KIND_ID kind_of(const CPDFField& field)
-{
-    return field_kind(field.m_type, field.m_flags).id;
-}
-
-bool takes_value(const CPDFField& field)
-{
-    const PDF_FIELD_KIND_ID kind = kind_of(field);
-    return kind != KIND_CONTAINER && kind != KIND_PUSH && kind != KIND_SIGNATURE;
-}
 
 // The field whose "DV" counts, or null.
 const CPDFField* default_holder(const CPDFField& field)
@@ -66,7 +53,7 @@ void collect(CPDFField& field, const std::unordered_set<uint32_t>& chosen, bool 
         inside = true;
         plan.tops.push_back(&field);
     }
-    if (inside && takes_value(field) && &value_field(field) == &field)
+    if (inside && field_kind(field).takes_value && &value_field(field) == &field)
         plan.fields.push_back(&field);
     for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
         if (field.m_kids[i])
@@ -91,7 +78,7 @@ public:
         const size_t before = m_target.changed.size();
         CPDFObj value;
         read_default(field, value);
-        const PDF_FIELD_KIND_ID kind = kind_of(field);
+        const PDF_FIELD_KIND_ID kind = field_kind(field).id;
         if (kind == KIND_CHECK || kind == KIND_RADIO) {
             reset_button(field, value);
             return false;
@@ -104,12 +91,6 @@ public:
     }
 
 private:
-    // Numbers of a choice field's options by export value and by shown text, in UTF-8.
-    struct OPTIONS {
-        std::unordered_map<std::string, int> by_value;
-        std::unordered_map<std::string, int> by_text;
-    };
-
     // A stream can't stand inside a dictionary: of such a default it is the reference that counts.
     void read_default(const CPDFField& field, CPDFObj& value)
     {
@@ -188,13 +169,14 @@ private:
         const std::string word = utf8_of_name(state);
         if (button < 0)
             button = position([&word](const PDF_BUTTON_CHOICE& c) { return c.export_value == word; });
-        return button < 0 && !choices.empty() && kind_of(field) == KIND_CHECK ? 0 : button;
+        return button < 0 && !choices.empty() && field_kind(field).id == KIND_CHECK ? 0 : button;
     }
 
     void reset_button(CPDFField& field, CPDFObj& value)
     {
         PDF_FILL_PLAN plan;
         plan.field = &field;
+        plan.action = PDF_FILL_PLAN::SET_BUTTON;
         plan.button = chosen_button(field, value, m_widgets);
         if (plan.button >= 0) {
             apply_button(m_target, plan, m_widgets);
@@ -213,9 +195,10 @@ private:
     {
         PDF_FILL_PLAN plan;
         plan.field = &field;
+        plan.action = PDF_FILL_PLAN::SET_OPTIONS;
         if (value.type != PDF_OBJ_NULL)
             plan.options = options_named(field, value);
-        if (kind_of(field) == KIND_COMBO) {
+        if (field_kind(field).id == KIND_COMBO) {
             for (CPDFAnnotWidget* widget : m_widgets.widgets_of(field))
                 widget->set_choice_sel(plan.options.empty() ? -1 : plan.options[0]);
         }
@@ -233,12 +216,11 @@ private:
     {
         std::vector<int> found;
         const CPDFArray* words = value.array();
-        const OPTIONS& options = options_of(options_holder(field));
+        const CPDFFieldOptions options(field);
         const int32_t count = words ? words->count : 1;
         for (int32_t i = 0; i < count; ++i) {
-            CPDFObj scratch;
-            const CPDFObj* word = words ? view_obj(&m_target.xref, &words->items[i], scratch) : &value;
-            const int option = word->type == PDF_OBJ_STRING ? find_option(options, utf8_of(word->str)) : -1;
+            const CPDFEntryView word(&m_target.xref, words ? &words->items[i] : &value);
+            const int option = word->type == PDF_OBJ_STRING ? m_options.find(options, utf8_of(word->str)) : -1;
             if (option < 0)
                 return {};
             found.push_back(option);
@@ -248,32 +230,9 @@ private:
         return found;
     }
 
-    static int find_option(const OPTIONS& options, const std::string& word)
-    {
-        for (const auto* names : {&options.by_value, &options.by_text}) {
-            const auto found = names->find(word);
-            if (found != names->end())
-                return found->second;
-        }
-        return -1;
-    }
-
-    // Many fields may share the options of one holder, so these are looked through once.
-    const OPTIONS& options_of(const CPDFField& holder)
-    {
-        const auto [place, is_new] = m_options.try_emplace(&holder);
-        OPTIONS& options = place->second;
-        for (int32_t i = 0; is_new && i < holder.m_opt_cnt; ++i) {
-            options.by_value.emplace(utf8_of(holder.m_opts[i].val), i);
-            if (holder.m_opts[i].text.buf)
-                options.by_text.emplace(utf8_of(holder.m_opts[i].text), i);
-        }
-        return options;
-    }
-
-    FILL_TARGET m_target;
+    PDF_FILL_TARGET m_target;
     const CPDFWidgetBinder& m_widgets;  // borrowed from the caller
-    std::unordered_map<const CPDFField*, OPTIONS> m_options;
+    CPDFOptionIndex m_options;
 };
 
 }  // namespace
@@ -307,7 +266,7 @@ CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CP
     for (CPDFField* top : plan.tops) {
         top->reset();
         for_each_field(*top, [&changed](CPDFField& field) {
-            if (kind_of(field) == KIND_RADIO)  // the value of others does not change
+            if (field_kind(field).id == KIND_RADIO)  // the value of others does not change
                 changed.push_back(&field);
         });
     }

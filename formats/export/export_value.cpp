@@ -3,9 +3,7 @@
 #include <algorithm>
 
 #include "core/dictionary.h"
-#include "document/lookup/field_text.h"
 #include "forms/field.h"
-#include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 
 namespace {
@@ -20,7 +18,7 @@ void drop_list(VALUE_TEXT& value)
 
 bool CPDFExportValues::is_exported(const CPDFField& field)
 {
-    return field.m_name.len > 0 && takes_values(field.m_type, field.m_flags);
+    return field.m_name.len > 0 && field_kind(field).takes_value;
 }
 
 VALUE_TEXT CPDFExportValues::value_of(const CPDFField& field)
@@ -56,11 +54,10 @@ void CPDFExportValues::read_choice(const CPDFField& field, VALUE_TEXT& value)
     std::vector<std::string>& words = value.items;
     if (!value.is_list)
         words.push_back(std::move(value.text));
-    const CPDFField* holder =
-        nearest_field(field, [](const CPDFField& at) { return at.m_opt_cnt > 0 || at.m_type != FIELD_CHOICE; });
+    const CPDFFieldOptions list(field);
     std::vector<int32_t> options;
     for (const std::string& word : words) {
-        const int32_t option = holder && holder->m_type == FIELD_CHOICE ? find_option(*holder, word) : -1;
+        const int32_t option = m_options.find(list, word);
         if (option >= 0)
             options.push_back(option);
     }
@@ -70,7 +67,7 @@ void CPDFExportValues::read_choice(const CPDFField& field, VALUE_TEXT& value)
         options.erase(std::unique(options.begin(), options.end()), options.end());
         words.clear();
         for (const int32_t option : options)
-            words.push_back(utf8_of(holder->m_opts[option].val));
+            words.push_back(list.value(option));
     }
     const bool is_none = words.empty() || (words.size() == 1 && words.front().empty() && options.empty());
     value.is_list = words.size() > 1;
@@ -79,19 +76,4 @@ void CPDFExportValues::read_choice(const CPDFField& field, VALUE_TEXT& value)
     value.present = !is_none || field.m_def_value.type != PDF_OBJ_NULL;
     value.text = words.empty() ? "" : std::move(words.front());
     words.clear();
-}
-
-// The option with this export value, else with this shown text, or -1; as a fill does it.
-int32_t CPDFExportValues::find_option(const CPDFField& holder, const std::string& word)
-{
-    int32_t shown = -1;
-    for (int32_t i = 0; i < holder.m_opt_cnt && !over_limit(); ++i) {
-        const PDF_FIELD_OPT& option = holder.m_opts[i];
-        if (utf8_of(option.val) == word)
-            return i;
-        if (shown < 0 && option.text.buf && utf8_of(option.text) == word)
-            shown = i;
-        m_option_work += 8 + option.val.len + option.text.len;
-    }
-    return shown;
 }

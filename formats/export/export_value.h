@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 
 #include "core/limits.h"
+#include "document/lookup/field_options.h"
 #include "document/lookup/value_text.h"
 
 class CPDFField;
@@ -25,14 +25,13 @@ public:
     VALUE_TEXT value_of(const CPDFField& field);
 
     // Whether the values cost more than the limits allow: the last one may be wrong then.
-    bool over_limit() const { return m_stream_bytes > LIMIT_EXPORT_STREAMS || m_option_work > LIMIT_OPTION_WORK; }
+    bool over_limit() const { return m_stream_bytes > LIMIT_EXPORT_STREAMS; }
 
 private:
     void read_text(const CPDFField& field, VALUE_TEXT& value);
     void read_choice(const CPDFField& field, VALUE_TEXT& value);
-    int32_t find_option(const CPDFField& holder, const std::string& word);
 
     CPDFXRefTable& m_xref;
     size_t m_stream_bytes = 0;
-    int64_t m_option_work = 0;
+    CPDFOptionIndex m_options;
 };

@@ -27,7 +27,7 @@ std::string tree_of(CPDFDocument& document)
 {
     std::string text;
     for_each_field(document.form(), [&](CPDFField& field) {
-        text += full_name_with_no(field) + ":" + field_kind(field.m_type, field.m_flags).name + " ";
+        text += full_name_with_no(field) + ":" + field_kind(field).name + " ";
         EXPECT_TRUE(field.m_name.len <= 0 || document.field(full_name(field))) << full_name(field);
     });
     return text;

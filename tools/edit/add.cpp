@@ -101,9 +101,9 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     add_change_options(verb, arguments->change);
-    for (const PDF_FLAG_WORD& word : flag_words()) {
-        bool& given = arguments->flags.emplace_back(word.flag, false).second;
-        verb.add_flag(std::string("--") + word.word, given, word.help);
+    for (const FLAG_OPTION& option : flag_options()) {
+        bool& given = arguments->flags.emplace_back(option.flag, false).second;
+        verb.add_flag(option.name(), given, option.help);
     }
     add_edit_options(verb, arguments->edit);
     verb.footer(FOOTER);

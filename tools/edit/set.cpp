@@ -61,9 +61,9 @@ void add_set_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::App& verb = *app.add_subcommand("set", "Changes flags, maximum length, default and options of fields");
     add_input(verb, arguments->edit.input);
     verb.add_option("NAME", arguments->names, "full names of fields")->required()->option_text("...");
-    for (const PDF_FLAG_WORD& word : flag_words()) {
-        COMMAND_WORD& value = arguments->flags.emplace_back(word.flag, COMMAND_WORD()).second;
-        verb.add_option(std::string("--") + word.word, value, word.help)->option_text("on|off");
+    for (const FLAG_OPTION& option : flag_options()) {
+        COMMAND_WORD& value = arguments->flags.emplace_back(option.flag, COMMAND_WORD()).second;
+        verb.add_option(option.name(), value, option.help)->option_text("on|off");
     }
     add_change_options(verb, arguments->change);
     add_edit_options(verb, arguments->edit);

@@ -51,7 +51,7 @@ private:
 
     void append_field(CPDFField& field)
     {
-        const PDF_FIELD_KIND& kind = field_kind(field.m_type, field.m_flags);
+        const PDF_FIELD_KIND& kind = field_kind(field);
         m_out += "{\"name\":";
         append_json_text(m_out, full_name_with_no(field));
         m_out.append(",\"type\":\"").append(kind.type_name).append("\",\"kind\":\"").append(kind.name);

@@ -24,48 +24,24 @@ constexpr int LEAST_WIDTH = 8;
 // Where nothing is cut, columns are padded to no more than this, so that one long value does not widen every line.
 constexpr int MOST_PADDING = 60;
 
-// Words for the flags, by field type; FIELD_UNKNOWN stands for all types.
-constexpr struct {
-    uint32_t flag;
-    int32_t type;
-    const char* word;
-} FLAG_WORDS[] = {
-    {FIELD_READ_ONLY, FIELD_UNKNOWN, "read-only"},
-    {FIELD_REQUIRED, FIELD_UNKNOWN, "required"},
-    {FIELD_NO_EXPORT, FIELD_UNKNOWN, "no-export"},
-    {FIELD_MULTILINE, FIELD_TEXT, "multiline"},
-    {FIELD_PASSWORD, FIELD_TEXT, "password"},
-    {FIELD_FILE_SELECT, FIELD_TEXT, "file-select"},
-    {FIELD_NO_SPELL_CHECK, FIELD_TEXT, "no-spell-check"},
-    {FIELD_NO_SCROLL, FIELD_TEXT, "no-scroll"},
-    {FIELD_COMB, FIELD_TEXT, "comb"},
-    {FIELD_RICH_TEXT, FIELD_TEXT, "rich-text"},
-    {FIELD_NO_TOGGLE_TO_OFF, FIELD_BUTTON, "no-toggle-to-off"},
-    {FIELD_RADIOS_IN_UNISON, FIELD_BUTTON, "in-unison"},
-    {FIELD_EDIT, FIELD_CHOICE, "editable"},
-    {FIELD_SORT, FIELD_CHOICE, "sorted"},
-    {FIELD_MULTI_SELECT, FIELD_CHOICE, "multi-select"},
-    {FIELD_NO_SPELL_CHECK, FIELD_CHOICE, "no-spell-check"},
-    {FIELD_COMMIT_ON_CHANGE, FIELD_CHOICE, "commit-on-change"},
-};
-
-std::string flag_words(const CPDFField& field)
+std::string flag_words(const CPDFField& field, const PDF_FIELD_KIND& kind)
 {
     std::string words;
-    for (const auto& entry : FLAG_WORDS) {
-        if (!(field.m_flags & entry.flag) || (entry.type != FIELD_UNKNOWN && entry.type != field.m_type))
+    for (const PDF_FIELD_FLAG_WORD& at : field_flag_words()) {
+        if (!(field.m_flags & at.flag) || !at.has_kind(kind))
             continue;
         if (!words.empty())
             words += ' ';
-        words += entry.word;
+        words += at.word;
     }
     return words;
 }
 
 LIST_ROW row_of(CPDFField& field, CPDFXRefTable& xref)
 {
-    return {field_kind(field.m_type, field.m_flags).name, printable(full_name_with_no(field)),
-            printable(value_text(xref, field.m_value).joined()), flag_words(field)};
+    const PDF_FIELD_KIND& kind = field_kind(field);
+    return {kind.name, printable(full_name_with_no(field)), printable(value_text(xref, field.m_value).joined()),
+            flag_words(field, kind)};
 }
 
 void widen(LIST_WIDTHS& widths, const LIST_ROW& row, int limit)
