@@ -36,10 +36,9 @@ CPDFStatus check_locks(const CPDFSignatureGuard& signatures, const std::vector<C
 CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill,
                                             PDF_FILL_PLAN& plan, PDF_WORDS words)
 {
-    const CPDFWidgetBinder none;
     const bool button = field.m_type == FIELD_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
-    CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : none, plan);
+    CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : widgets, plan);
     if (!status.ok() || fill == PDF_FILL::FORCE || plan.action == PDF_FILL_PLAN::KEEP)
         return status;
     status = signatures().check_fill(field);
@@ -48,11 +47,10 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
 
 CPDFStatus CPDFDocument::State::apply(const PDF_FILL_PLAN& plan)
 {
-    const CPDFWidgetBinder none;
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
     const size_t before = filled.size();
-    CPDFStatus status = apply_fill(*xref, plan, button ? bound_widgets() : none, filled);
+    CPDFStatus status = apply_fill(*xref, plan, button ? bound_widgets() : widgets, filled);
     CPDFStatus asked = !button && filled.size() > before ? ask_to_draw() : CPDFStatus();
     return status.ok() ? asked : status;
 }

@@ -99,11 +99,11 @@ CPDFStatus find_page(CPDFDocument& document, int32_t number, PDF_DRAWN_PAGE& pag
     const std::string name = "page " + std::to_string(number);
     const int32_t count = pages.page_count();
     if (number < 1 || number > count)
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA, "there is no " + name + ": the document has " +
+        return CPDFStatus::failed(PDF_CODE::NOT_FOUND, "there is no " + name + ": the document has " +
                                                           std::to_string(count) + (count == 1 ? " page" : " pages"));
     page.ref = pages.page_ref(number);
     if (page.ref.num == 0)
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA, name + " is no object of its own, which is not supported");
+        return CPDFStatus::failed(PDF_CODE::NOT_FOUND, name + " is no object of its own, which is not supported");
     page.box = read_page_box(document.xref(), page.ref);
     return {};
 }
