@@ -1,12 +1,10 @@
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 
 #include "document/action_list.h"
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "formats/export/json_text.h"
-#include "formats/fill_plan.h"
 #include "forms/field.h"
 #include "tools/terminal_text.h"
 #include "tools/verb.h"
@@ -38,11 +36,11 @@ void append_names(std::string& out, const List& list, NameOf&& name_of)
     out += ']';
 }
 
-std::string json_of(const PDF_LISTED_ACTION& action)
+std::string json_of(const PDF_LISTED_ACTION& action, CPDFNumberedNames& names)
 {
     std::string out = "{\"name\":";
     if (action.field)
-        append_json_text(out, full_name_with_no(*action.field));
+        append_json_text(out, names.name_of(*action.field));
     else
         out += "null";
     out += ",\"page\":" + (action.page ? std::to_string(action.page) : "null");
@@ -77,9 +75,9 @@ std::string indented(const std::string& text)
     return out + "\n";
 }
 
-std::string text_of(const PDF_LISTED_ACTION& action)
+std::string text_of(const PDF_LISTED_ACTION& action, CPDFNumberedNames& names)
 {
-    std::string out = action.field  ? full_name_with_no(*action.field)
+    std::string out = action.field  ? names.name_of(*action.field)
                       : action.page ? "page " + std::to_string(action.page)
                                     : "document";
     out += ": " + action.event + ": " + (action.type.empty() ? "unknown action" : action.type);
@@ -90,10 +88,10 @@ std::string text_of(const PDF_LISTED_ACTION& action)
     return printable(out) + "\n" + (action.script.empty() ? "" : indented(action.script));
 }
 
-void put_order(const std::vector<CPDFField*>& order, bool json)
+void put_order(const std::vector<CPDFField*>& order, CPDFNumberedNames& names, bool json)
 {
     std::string out;
-    const auto name_of = [](const CPDFField* field) { return full_name_with_no(*field); };
+    const auto name_of = [&names](const CPDFField* field) { return names.name_of(*field); };
     if (json) {
         append_names(out, order, name_of);
         put("],\n\"calculationOrder\":" + out + "}\n");
@@ -110,18 +108,14 @@ int put_actions(const ACTIONS_ARGUMENTS& arguments)
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
     std::vector<CPDFField*> fields;
-    for (const COMMAND_WORD& name : arguments.names) {
-        fields.push_back(document.field(name.text));
-        if (!fields.back())
-            complain(arguments.input.path.text, no_such_field(name.text));
-    }
-    if (std::find(fields.begin(), fields.end(), nullptr) != fields.end())
+    if (!find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
     if (fields.empty())
         fields.push_back(nullptr);
     bool first = true;
+    CPDFNumberedNames names(document.form());
     const auto put_one = [&](const PDF_LISTED_ACTION& action) {
-        put(arguments.json ? (first ? "\n" : ",\n") + json_of(action) : text_of(action));
+        put(arguments.json ? (first ? "\n" : ",\n") + json_of(action, names) : text_of(action, names));
         first = false;
     };
     put(arguments.json ? "{\"actions\":[" : "");
@@ -130,7 +124,7 @@ int put_actions(const ACTIONS_ARGUMENTS& arguments)
         status = list_actions(document, fields[i], put_one);
     if (first && status.ok() && !arguments.json)
         put(printable(arguments.input.path.text) + " has no actions there\n");
-    put_order(arguments.names.empty() ? calculation_order(document) : std::vector<CPDFField*>(), arguments.json);
+    put_order(arguments.names.empty() ? calculation_order(document) : std::vector<CPDFField*>(), names, arguments.json);
     return end_with(status, arguments.input.path.text);
 }
 

@@ -4,8 +4,8 @@
 
 #include "core/limits.h"
 #include "document/document.h"
+#include "document/lookup/field_text.h"
 #include "file/file_bytes.h"
-#include "formats/fill_plan.h"
 #include "render/cairo/cairo_picture.h"
 #include "render/page/draw_page.h"
 #include "tools/save_output.h"

@@ -81,15 +81,16 @@ void note_fields(const EXPORT_JOB& job, const char* why, const std::vector<std::
 // Notes, for a program that reads the text by other rules than those of XML may still want it.
 void note_misfits(const EXPORT_JOB& job)
 {
+    CPDFNumberedNames all(job.document.form());
     std::vector<std::string> names;
     std::vector<std::string> values;
     const auto look_at = [&](const CPDFField& field) {
         if (field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_PUSH_BUTTON))
             return;
         if (!has_xml_name(field))
-            names.push_back(full_name_with_no(field));
+            names.push_back(all.name_of(field));
         if (!has_xml_value(field))
-            values.push_back(full_name_with_no(field));
+            values.push_back(all.name_of(field));
     };
     if (job.fields.empty())
         for_each_field(job.document.form(), look_at);

@@ -16,8 +16,8 @@ struct RESET_ARGUMENTS {
 
 int reset_fields(const RESET_ARGUMENTS& arguments)
 {
-    if (const std::string wrong = wrong_output(arguments.input, arguments.output); !wrong.empty())
-        return complain_usage(wrong);
+    if (const CPDFStatus usage = check_output(arguments.input, arguments.output); !usage.ok())
+        return complain_usage(usage.text);
     CPDFDocument document;
     std::vector<CPDFField*> fields;
     if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))

@@ -19,13 +19,13 @@ void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments)
     verb.add_flag("--in-place", arguments.in_place, "replace the input");
 }
 
-std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
+CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
 {
     const std::string& output = arguments.output.text;
     if (output.empty() != arguments.in_place)
-        return "give either -o OUT or --in-place";
+        return wrong_usage("give either -o OUT or --in-place");
     if (is_same_file(output, input.path.text))
-        return '"' + output + "\" is the input itself; give --in-place instead of -o to replace it";
+        return wrong_usage('"' + output + "\" is the input itself; give --in-place instead of -o to replace it");
     return {};
 }
 

@@ -16,8 +16,8 @@ bool is_same_file(const std::string& a, const std::string& b);
 // Adds the options -o and --in-place.
 void add_output(CLI::App& verb, OUTPUT_ARGUMENTS& arguments);
 
-// What is wrong with the options, for complain_usage; empty when nothing is. The input is replaced only on request.
-std::string wrong_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
+// Whether the options say where the result goes. The input is replaced only on request.
+CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments);
 
 // Says on standard error what a change of values leaves undone: XFA data that the form keeps beside its fields, unless
 // they are `rewritten`; or that there are none to rewrite.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "document/lookup/field_text.h"
 #include "tools/terminal_text.h"
 
 bool lexical_cast(const std::string& input, COMMAND_WORD& output)
@@ -34,7 +35,7 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
         if (CPDFField* field = document.field(name.text))
             fields.push_back(field);
         else
-            complain(input.path.text, "there is no field \"" + name.text + '"');
+            complain(input.path.text, no_such_field(name.text).text);
     }
     return fields.size() == names.size();
 }

@@ -67,6 +67,12 @@ void complain(std::string_view file, std::string_view sentence);
 // How a verb ends: put_done, or a complaint about `file` when `status` is a failure. Returns a COMMAND_EXIT.
 int end_with(const CPDFStatus& status, std::string_view file);
 
+// What is wrong with the command line.
+inline CPDFStatus wrong_usage(std::string sentence)
+{
+    return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, std::move(sentence));
+}
+
 // Complains about a wrong command line; returns COMMAND_USAGE.
 int complain_usage(std::string_view sentence);
 

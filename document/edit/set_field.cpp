@@ -110,7 +110,7 @@ void make_options(const std::vector<PDF_OPTION>& options, CPDFObj& out)
 // Plans the value that the field has now for what the field will be: with nothing to plan where it has none.
 CPDFStatus plan_current(const CPDFField& field, const PDF_FIELD_SHAPE& shape, PDF_FILL_PLAN& plan)
 {
-    VALUE_TEXT value = value_text(*field.m_xref, field.m_value);
+    PDF_VALUE_TEXT value = value_text(*field.m_xref, field.m_value);
     if (!value.present || value.joined().empty() || (field.m_type != FIELD_TEXT && field.m_type != FIELD_CHOICE))
         return {};
     const bool several = value.is_list && value.items.size() > 1;

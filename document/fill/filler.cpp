@@ -26,7 +26,7 @@ std::string quoted_list(const std::vector<std::string>& words)
 
 namespace {
 
-std::vector<std::string> words_of(const VALUE_TEXT& held)
+std::vector<std::string> words_of(const PDF_VALUE_TEXT& held)
 {
     return held.is_list ? held.items : std::vector<std::string>{held.text};
 }
@@ -40,7 +40,7 @@ bool has_value(const CPDFField& field, const CPDFValue& value)
     const CPDFObj& stored = field.m_value;
     if (stored.type == PDF_OBJ_STREAM)
         return text && stream_text(*field.m_xref, *stored.stream) == *text;
-    const VALUE_TEXT held = value_text(*field.m_xref, stored);
+    const PDF_VALUE_TEXT held = value_text(*field.m_xref, stored);
     if (!held.present)
         return text && text->empty();
     std::vector<std::string> has = words_of(held);

@@ -6,6 +6,7 @@
 #include "core/alloc.h"
 #include "core/limits.h"
 #include "core/text.h"
+#include "forms/acro_form.h"
 #include "forms/field.h"
 
 namespace {
@@ -46,7 +47,7 @@ std::string read_wide(size_t room, Read&& read)
 }
 
 // The most bytes of `text`, up to `size`, that end with a whole character.
-size_t whole_characters(const std::string& text, size_t size)
+size_t whole_characters(std::string_view text, size_t size)
 {
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
         --size;
@@ -75,16 +76,31 @@ std::string full_name(const CPDFField& field)
     return name;
 }
 
-std::string full_name_with_no(const CPDFField& field)
-{
-    return field.m_name.len > 0 ? full_name(field) : full_name(field) + '#' + std::to_string(field.m_index);
-}
-
 std::string full_name_without_index(const CPDFField& field)
 {
     auto& reader = const_cast<CPDFField&>(field);
     const size_t room = std::min(name_room(field), LIMIT_FULL_NAME);
     return read_wide(room, [&](wchar_t* buf, int size) { return reader.get_full_name(buf, size); });
+}
+
+std::string CPDFNumberedNames::name_of(const CPDFField& field)
+{
+    if (field.m_name.len > 0)
+        return full_name(field);
+    return (field.m_parent ? name_of(*field.m_parent) : "") + '#' + std::to_string(place_of(field));
+}
+
+// Fields at the top don't know their place.
+int32_t CPDFNumberedNames::place_of(const CPDFField& field)
+{
+    if (field.m_parent)
+        return field.m_index;
+    for (int32_t i = 0; i < m_form.m_field_cnt; ++i) {
+        const int32_t place = (m_last + i) % m_form.m_field_cnt;
+        if (m_form.m_fields[place] == &field)
+            return m_last = place;
+    }
+    return field.m_index;
 }
 
 std::string utf8_of(const PDF_String& text)
@@ -147,4 +163,17 @@ PDF_String pdf_string_of(const std::string& text)
     PDF_String out = {0, nullptr};
     out.assign(bytes.data(), static_cast<int32_t>(bytes.size()));
     return out;
+}
+
+std::string in_quotes(std::string_view text)
+{
+    constexpr size_t MOST = 80;
+    if (text.size() <= MOST)
+        return "\"" + std::string(text) + "\"";
+    return "\"" + std::string(text.substr(0, whole_characters(text, MOST))) + "...\"";
+}
+
+CPDFStatus no_such_field(std::string_view name)
+{
+    return CPDFStatus::failed(PDF_CODE::NO_FIELD, "there is no field " + in_quotes(name));
 }

@@ -52,7 +52,7 @@ bool scalar_text(const CPDFObj& value, std::string& out)
 
 }  // namespace
 
-std::string VALUE_TEXT::joined() const
+std::string PDF_VALUE_TEXT::joined() const
 {
     if (!is_list)
         return text;
@@ -65,9 +65,9 @@ std::string VALUE_TEXT::joined() const
     return out;
 }
 
-VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value)
+PDF_VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value)
 {
-    VALUE_TEXT result;
+    PDF_VALUE_TEXT result;
     const CPDFArray* array = value.array();
     if (!array) {
         result.present = scalar_text(value, result.text);
@@ -75,9 +75,9 @@ VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value)
     }
     result.present = result.is_list = true;
     for (int32_t i = 0; i < array->count; ++i) {
-        CPDFObj scratch;
+        const CPDFEntryView entry(&xref, &array->items[i]);
         std::string item;
-        scalar_text(*view_obj(&xref, &array->items[i], scratch), item);
+        scalar_text(*entry, item);
         result.items.push_back(std::move(item));
     }
     return result;

@@ -70,12 +70,12 @@ void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& s
     widget.m_xref = &xref;
     widget.m_ref = ref;
     // The states of other kinds mean nothing: reading them would only cost time.
-    if (shown.m_type == FIELD_BUTTON && !widget.load(&xref, ref)) {
+    if (!m_references_only && shown.m_type == FIELD_BUTTON && !widget.load(&xref, ref)) {
         m_widgets.pop_back();
         return;
     }
     m_links.push_back({named.m_ref.num, &widget});
-    if (!shown.m_widget)
+    if (!m_references_only && !shown.m_widget)
         shown.m_widget = &widget;
 }
 
@@ -147,6 +147,13 @@ void CPDFWidgetBinder::bind_added(CPDFXRefTable& xref, CPDFField& field, const C
         return;
     add_tree(xref, field, pages);
     sort_links();
+}
+
+void CPDFWidgetBinder::bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
+{
+    m_references_only = true;
+    bind(xref, form, pages);
+    m_references_only = false;
 }
 
 void CPDFWidgetBinder::clear()

@@ -28,6 +28,9 @@ public:
     // Binds the widgets of the whole form anew. Linear in the fields and annotations.
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
+    // The same for who lists the widgets: their states are not read, and the fields are not told of them.
+    void bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
+
     // Whether a form is bound.
     bool is_bound() const { return m_is_bound; }
 
@@ -61,6 +64,7 @@ private:
         CPDFAnnotWidget** first;  // borrowed from m_sorted
     };
 
+    bool m_references_only = false;
     std::deque<CPDFAnnotWidget> m_widgets;
     std::unordered_map<uint32_t, int32_t> m_bare_types;  // while binding: the top-level fields that may be only widgets
     std::vector<bool> m_bound;                           // by object number

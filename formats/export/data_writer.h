@@ -13,8 +13,8 @@ class CPDFField;
 struct PDF_EXPORT_ITEM {
     const std::string& name;  // full name
     const CPDFField& field;
-    const VALUE_TEXT& value;  // absent when the field has none
-    bool is_export = false;   // of a button: `value` is an export value, not the state
+    const PDF_VALUE_TEXT& value;  // absent when the field has none
+    bool is_export = false;       // of a button: `value` is an export value, not the state
 };
 
 // Writes one file: begins it when it is made, then takes the fields one after the other. `out` is borrowed and outlives

@@ -78,7 +78,7 @@ private:
         if (!m_seen.insert(&field).second)
             return;
         const std::string name = full_name(field);
-        VALUE_TEXT value = m_values.value_of(field);
+        PDF_VALUE_TEXT value = m_values.value_of(field);
         const bool is_export = m_by_export && export_of(field, value.text);
         m_status = m_writer->add({name, field, value, is_export});
         if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT))

@@ -9,7 +9,7 @@
 namespace {
 
 // A list that can be no list of options, or a text, has one value at most.
-void drop_list(VALUE_TEXT& value)
+void drop_list(PDF_VALUE_TEXT& value)
 {
     value.present = value.present && !value.is_list;
 }
@@ -21,9 +21,9 @@ bool CPDFExportValues::is_exported(const CPDFField& field)
     return field.m_name.len > 0 && field_kind(field).takes_value;
 }
 
-VALUE_TEXT CPDFExportValues::value_of(const CPDFField& field)
+PDF_VALUE_TEXT CPDFExportValues::value_of(const CPDFField& field)
 {
-    VALUE_TEXT value;
+    PDF_VALUE_TEXT value;
     if (field.m_value.type != PDF_OBJ_STREAM)
         value = value_text(m_xref, field.m_value);
     if (field.m_type == FIELD_TEXT) {
@@ -37,7 +37,7 @@ VALUE_TEXT CPDFExportValues::value_of(const CPDFField& field)
     return value;
 }
 
-void CPDFExportValues::read_text(const CPDFField& field, VALUE_TEXT& value)
+void CPDFExportValues::read_text(const CPDFField& field, PDF_VALUE_TEXT& value)
 {
     drop_list(value);
     if (field.m_value.type != PDF_OBJ_STREAM || over_limit())
@@ -47,7 +47,7 @@ void CPDFExportValues::read_text(const CPDFField& field, VALUE_TEXT& value)
     m_stream_bytes += value.text.size() + field.m_value.stream->data_len;
 }
 
-void CPDFExportValues::read_choice(const CPDFField& field, VALUE_TEXT& value)
+void CPDFExportValues::read_choice(const CPDFField& field, PDF_VALUE_TEXT& value)
 {
     if (!value.present)
         return;

@@ -22,14 +22,14 @@ public:
     // The value of an exported field, such that filling the field with it changes nothing: a text or state, or for a
     // choice the export values of several options in their order. Absent where the field has no value of its own kind;
     // no option of a choice is none, too, unless it has a default that would show instead.
-    VALUE_TEXT value_of(const CPDFField& field);
+    PDF_VALUE_TEXT value_of(const CPDFField& field);
 
     // Whether the values cost more than the limits allow: the last one may be wrong then.
     bool over_limit() const { return m_stream_bytes > LIMIT_EXPORT_STREAMS; }
 
 private:
-    void read_text(const CPDFField& field, VALUE_TEXT& value);
-    void read_choice(const CPDFField& field, VALUE_TEXT& value);
+    void read_text(const CPDFField& field, PDF_VALUE_TEXT& value);
+    void read_choice(const CPDFField& field, PDF_VALUE_TEXT& value);
 
     CPDFXRefTable& m_xref;
     size_t m_stream_bytes = 0;

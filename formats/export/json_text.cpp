@@ -19,7 +19,7 @@ void append_json_text(std::string& out, const std::string& text)
         out += nlohmann::json(text).dump(-1, ' ', may_drive_terminal, nlohmann::json::error_handler_t::replace);
 }
 
-void append_json_value(std::string& out, const VALUE_TEXT& value)
+void append_json_value(std::string& out, const PDF_VALUE_TEXT& value)
 {
     if (!value.present) {
         out += "null";

@@ -3,10 +3,10 @@
 
 #include <string>
 
-struct VALUE_TEXT;
+struct PDF_VALUE_TEXT;
 
 // Appends `text`, UTF-8, as a JSON string that can't drive a terminal either.
 void append_json_text(std::string& out, const std::string& text);
 
 // Appends a value: null, a string or an array of strings.
-void append_json_value(std::string& out, const VALUE_TEXT& value);
+void append_json_value(std::string& out, const PDF_VALUE_TEXT& value);

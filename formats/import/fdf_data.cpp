@@ -88,7 +88,7 @@ private:
                         ", which is not in the file");
         if (value.type == PDF_OBJ_NULL || (value.type == PDF_OBJ_NAME && !*value.name))
             return true;
-        VALUE_TEXT text;
+        PDF_VALUE_TEXT text;
         if (value.type == PDF_OBJ_STREAM) {
             text.present = true;
             text.text = stream_text(m_file.xref(), *value.stream);
@@ -112,7 +112,7 @@ private:
         const CPDFArray* list = value.array();
         for (int32_t i = 0; list && i < list->count; ++i) {
             const CPDFEntryView item(&m_file.xref(), &list->items[i]);
-            const VALUE_TEXT text = value_text(m_file.xref(), *item);
+            const PDF_VALUE_TEXT text = value_text(m_file.xref(), *item);
             if (!text.present || text.is_list)
                 return false;
         }

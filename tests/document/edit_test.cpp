@@ -27,8 +27,9 @@ std::string pdf_with(const std::string& catalog, const std::string& page = "", c
 std::string tree_of(CPDFDocument& document)
 {
     std::string text;
+    CPDFNumberedNames names(document.form());
     for_each_field(document.form(), [&](CPDFField& field) {
-        text += full_name_with_no(field) + ":" + field_kind(field).name + " ";
+        text += names.name_of(field) + ":" + field_kind(field).name + " ";
         EXPECT_TRUE(field.m_name.len <= 0 || document.field(full_name(field))) << full_name(field);
     });
     return text;

@@ -50,8 +50,9 @@ public:
     std::string memory()
     {
         std::string text;
-        for_each_field(document.form(), [&text](CPDFField& field) {
-            text += full_name_with_no(field) + "=" + show_object(field.m_value);
+        CPDFNumberedNames names(document.form());
+        for_each_field(document.form(), [&](CPDFField& field) {
+            text += names.name_of(field) + "=" + show_object(field.m_value);
             for (int32_t i = 0; i < field.m_sel_cnt; ++i)
                 text += " " + std::to_string(field.m_sels[i]);
             text += ";";

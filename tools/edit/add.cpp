@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "document/lookup/field_text.h"
-#include "formats/fill_plan.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/terminal_text.h"
 
@@ -38,26 +37,26 @@ bool read_rect(const std::string& text, PDF_RECT& out)
     return at == end;
 }
 
-// Returns what is wrong with the command line; empty when nothing is.
-std::string read_field(const ADD_ARGUMENTS& arguments, PDF_NEW_FIELD& field)
+// Fails where the command line makes no sense.
+CPDFStatus read_field(const ADD_ARGUMENTS& arguments, PDF_NEW_FIELD& field)
 {
     const PDF_FIELD_KIND* kind = field_kind(arguments.kind.text.c_str());
     if (!kind)
-        return in_quotes(arguments.kind.text) +
-               " is no kind of field: give text, check, radio, combo, list or signature";
+        return wrong_usage(in_quotes(arguments.kind.text) +
+                           " is no kind of field: give text, check, radio, combo, list or signature");
     field.kind = kind->id;
     field.name = arguments.name.text;
     if (!is_utf8(field.name))
-        return "the name " + in_quotes(field.name) + " is not UTF-8";
+        return wrong_usage("the name " + in_quotes(field.name) + " is not UTF-8");
     if (!read_count(arguments.page.text, field.page))
-        return in_quotes(arguments.page.text) + " is no page number";
+        return wrong_usage(in_quotes(arguments.page.text) + " is no page number");
     for (const COMMAND_WORD& rect : arguments.rects) {
         if (!read_rect(rect.text, field.rects.emplace_back()))
-            return in_quotes(rect.text) + " is no rectangle: give X,Y,WIDTH,HEIGHT in points";
+            return wrong_usage(in_quotes(rect.text) + " is no rectangle: give X,Y,WIDTH,HEIGHT in points");
     }
     for (const COMMAND_WORD& state : arguments.states) {
         if (!is_utf8(state.text))
-            return in_quotes(state.text) + " is not UTF-8";
+            return wrong_usage(in_quotes(state.text) + " is not UTF-8");
         field.states.push_back(state.text);
     }
     for (const auto& [flag, given] : arguments.flags)
@@ -68,10 +67,10 @@ std::string read_field(const ADD_ARGUMENTS& arguments, PDF_NEW_FIELD& field)
 int add(const ADD_ARGUMENTS& arguments)
 {
     PDF_NEW_FIELD field;
-    if (const std::string wrong = read_field(arguments, field); !wrong.empty())
-        return complain_usage(wrong);
+    if (const CPDFStatus usage = read_field(arguments, field); !usage.ok())
+        return complain_usage(usage.text);
     return edit_file(arguments.edit, [&](CPDFDocument& document) {
-        return refusals_of(document.add_field(field, arguments.edit.how()));
+        return std::vector{document.add_field(field, arguments.edit.how())};
     });
 }
 

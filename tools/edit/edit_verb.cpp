@@ -5,7 +5,6 @@
 #include <charconv>
 
 #include "document/lookup/field_text.h"
-#include "formats/fill_plan.h"
 #include "forms/field.h"
 #include "tools/terminal_text.h"
 
@@ -16,29 +15,25 @@ void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments)
 }
 
 int edit_file(const EDIT_ARGUMENTS& arguments,
-              const std::function<std::vector<std::string>(CPDFDocument& document)>& change)
+              const std::function<std::vector<CPDFStatus>(CPDFDocument& document)>& change)
 {
-    if (const std::string wrong = wrong_output(arguments.input, arguments.output); !wrong.empty())
-        return complain_usage(wrong);
+    if (const CPDFStatus usage = check_output(arguments.input, arguments.output); !usage.ok())
+        return complain_usage(usage.text);
     const std::string& path = arguments.input.path.text;
     CPDFDocument document;
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
-    const std::vector<std::string> refusals = change(document);
-    for (const std::string& refusal : refusals)
-        complain(path, refusal);
-    if (!refusals.empty())
+    bool refused = false;
+    for (const CPDFStatus& status : change(document)) {
+        if (!status.ok())
+            complain(path, status.text);
+        refused = refused || !status.ok();
+    }
+    if (refused)
         return COMMAND_REFUSED;
     if (document.has_xfa())
         complain(path, "note: the form also has XFA data, which stay as they are");
     return end_with(save_output(document, arguments.input, arguments.output), path);
-}
-
-std::vector<std::string> refusals_of(const CPDFStatus& status)
-{
-    if (status.ok())
-        return {};
-    return {status.text};
 }
 
 bool read_count(const std::string& text, int32_t& out)
@@ -85,18 +80,18 @@ void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-std::string read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
+CPDFStatus read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
 {
     for (const auto* words : {&arguments.options, &arguments.defaults}) {
         for (const COMMAND_WORD& word : *words) {
             if (!is_utf8(word.text))
-                return in_quotes(word.text) + " is not UTF-8";
+                return wrong_usage(in_quotes(word.text) + " is not UTF-8");
         }
     }
     if (const std::string& text = arguments.max_length.text; !text.empty()) {
         change.max_length = 0;
         if (text != "none" && !read_count(text, *change.max_length))
-            return in_quotes(text) + " is no number of characters";
+            return wrong_usage(in_quotes(text) + " is no number of characters");
     }
     if (!arguments.options.empty())
         change.options.emplace();

@@ -21,13 +21,10 @@ struct EDIT_ARGUMENTS {
 // Adds the output and --force. The file is the verb's own first argument.
 void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments);
 
-// Opens the document, carries out `change` and saves. `change` returns a refusal for everything that can't be done;
-// nothing is written when there is one. Returns a COMMAND_EXIT.
+// Opens the document, carries out `change` and saves. `change` returns how each of its operations went; nothing is written
+// when one was refused. Returns a COMMAND_EXIT.
 int edit_file(const EDIT_ARGUMENTS& arguments,
-              const std::function<std::vector<std::string>(CPDFDocument& document)>& change);
-
-// The refusals of one operation: none when it went well.
-std::vector<std::string> refusals_of(const CPDFStatus& status);
+              const std::function<std::vector<CPDFStatus>(CPDFDocument& document)>& change);
 
 // Flags, maximum length, default and options as words of the command line. --option comes as VALUE or VALUE=TEXT.
 struct CHANGE_ARGUMENTS {
@@ -48,8 +45,8 @@ std::span<const FLAG_OPTION> flag_options();
 
 void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments);
 
-// Makes `change` out of them, except for the flags. Returns what is wrong with a word; empty when nothing is.
-std::string read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change);
+// Makes `change` out of them, except for the flags. Fails for a word that makes no sense.
+CPDFStatus read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change);
 
 // Reads a whole number of decimal digits, at most one billion; false for anything else.
 bool read_count(const std::string& text, int32_t& out);

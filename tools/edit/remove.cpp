@@ -1,7 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "formats/fill_plan.h"
+#include "document/lookup/field_text.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "tools/edit/edit_verb.h"
@@ -14,26 +14,23 @@ struct REMOVE_ARGUMENTS {
 };
 
 // Names may lead to one field, and a field whose group was removed before it is gone as asked.
-std::vector<std::string> remove_all(CPDFDocument& document, const REMOVE_ARGUMENTS& arguments)
+std::vector<CPDFStatus> remove_all(CPDFDocument& document, const REMOVE_ARGUMENTS& arguments)
 {
-    std::vector<std::string> refusals;
+    std::vector<CPDFStatus> results;
     std::vector<PDF_REF> fields;
     for (const COMMAND_WORD& name : arguments.names) {
         if (const CPDFField* field = document.field(name.text))
             fields.push_back(field->m_ref);
         else
-            refusals.push_back(no_such_field(name.text));
+            results.push_back(no_such_field(name.text));
     }
-    if (!refusals.empty())
-        return refusals;
+    if (!results.empty())
+        return results;
     for (const PDF_REF& ref : fields) {
-        CPDFField* field = document.form().find(ref);
-        if (!field)
-            continue;
-        if (const CPDFStatus status = document.remove_field(*field, arguments.edit.how()); !status.ok())
-            refusals.push_back(status.text);
+        if (CPDFField* field = document.form().find(ref))
+            results.push_back(document.remove_field(*field, arguments.edit.how()));
     }
-    return refusals;
+    return results;
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <memory>
 
 #include "document/lookup/field_text.h"
-#include "formats/fill_plan.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/terminal_text.h"
 
@@ -17,9 +16,9 @@ struct RENAME_ARGUMENTS {
     bool has_under = false;
 };
 
-std::vector<std::string> rename(CPDFDocument& document, const RENAME_ARGUMENTS& arguments)
+std::vector<CPDFStatus> rename(CPDFDocument& document, const RENAME_ARGUMENTS& arguments)
 {
-    std::vector<std::string> refusals;
+    std::vector<CPDFStatus> refusals;
     CPDFField* field = document.field(arguments.name.text);
     CPDFField* parent = arguments.under.text.empty() ? nullptr : document.field(arguments.under.text);
     if (!field)
@@ -31,11 +30,11 @@ std::vector<std::string> rename(CPDFDocument& document, const RENAME_ARGUMENTS& 
     if (parent || arguments.to_top) {
         if (const CPDFStatus status = document.move_field(*field, parent, arguments.edit.how(), &field);
             !status.ok() || !field)
-            return refusals_of(status);
+            return {status};
     }
     if (arguments.new_name.text.empty())
         return {};
-    return refusals_of(document.rename_field(*field, arguments.new_name.text, arguments.edit.how()));
+    return {document.rename_field(*field, arguments.new_name.text, arguments.edit.how())};
 }
 
 int rename_or_move(const RENAME_ARGUMENTS& arguments)

@@ -2,7 +2,7 @@
 #include <list>
 #include <memory>
 
-#include "formats/fill_plan.h"
+#include "document/lookup/field_text.h"
 #include "tools/edit/edit_verb.h"
 
 namespace {
@@ -14,8 +14,8 @@ struct SET_ARGUMENTS {
     std::list<std::pair<uint32_t, COMMAND_WORD>> flags;  // every flag, and on, off or nothing
 };
 
-// Returns what is wrong with the command line; empty when nothing is.
-std::string read_all(const SET_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
+// Fails where the command line makes no sense.
+CPDFStatus read_all(const SET_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
 {
     for (const auto& [flag, word] : arguments.flags) {
         if (word.text == "on")
@@ -23,33 +23,31 @@ std::string read_all(const SET_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change)
         else if (word.text == "off")
             change.clear_flags |= flag;
         else if (!word.text.empty())
-            return in_quotes(word.text) + " is neither on nor off";
+            return wrong_usage(in_quotes(word.text) + " is neither on nor off");
     }
-    if (std::string wrong = read_change(arguments.change, change); !wrong.empty())
-        return wrong;
+    if (CPDFStatus usage = read_change(arguments.change, change); !usage.ok())
+        return usage;
     const bool any =
         change.set_flags || change.clear_flags || change.max_length || change.options || change.default_value;
-    return any ? "" : "there is nothing to set (`formwork set --help` tells more)";
+    return any ? CPDFStatus() : wrong_usage("there is nothing to set (`formwork set --help` tells more)");
 }
 
-std::vector<std::string> set_all(CPDFDocument& document, const SET_ARGUMENTS& arguments, const PDF_FIELD_CHANGE& change)
+std::vector<CPDFStatus> set_all(CPDFDocument& document, const SET_ARGUMENTS& arguments, const PDF_FIELD_CHANGE& change)
 {
-    std::vector<std::string> refusals;
+    std::vector<CPDFStatus> results;
     for (const COMMAND_WORD& name : arguments.names) {
         CPDFField* field = document.field(name.text);
-        const CPDFStatus status = field ? document.change_field(*field, change, arguments.edit.how())
-                                        : CPDFStatus::failed(PDF_CODE::NO_FIELD, no_such_field(name.text));
-        if (!status.ok())
-            refusals.push_back(status.text);
+        results.push_back(field ? document.change_field(*field, change, arguments.edit.how())
+                                : no_such_field(name.text));
     }
-    return refusals;
+    return results;
 }
 
 int set(const SET_ARGUMENTS& arguments)
 {
     PDF_FIELD_CHANGE change;
-    if (const std::string wrong = read_all(arguments, change); !wrong.empty())
-        return complain_usage(wrong);
+    if (const CPDFStatus usage = read_all(arguments, change); !usage.ok())
+        return complain_usage(usage.text);
     return edit_file(arguments.edit, [&](CPDFDocument& document) { return set_all(document, arguments, change); });
 }
 

@@ -10,10 +10,10 @@ BatchOutput::BatchOutput(std::string rows_file, size_t rows)
 {
 }
 
-void BatchOutput::done(size_t row, std::string refusal, std::string report)
+void BatchOutput::done(size_t row, CPDFStatus status, std::string report)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_waiting.emplace(row, RESULT{std::move(refusal), std::move(report)});
+    m_waiting.emplace(row, RESULT{std::move(status), std::move(report)});
     for (auto at = m_waiting.begin(); at != m_waiting.end() && at->first == m_next; at = m_waiting.erase(at)) {
         say(at->first, at->second);
         ++m_next;
@@ -33,14 +33,14 @@ size_t BatchOutput::finish()
 
 void BatchOutput::say(size_t row, const RESULT& result)
 {
-    if (result.report.empty() && result.refusal.empty())
+    if (result.report.empty() && result.status.ok())
         return;
     clear_bar();
     put(result.report);
-    if (result.refusal.empty())
+    if (result.status.ok())
         return;
     ++m_refused;
-    complain(m_rows_file, "row " + std::to_string(row) + ": " + result.refusal);
+    complain(m_rows_file, "row " + std::to_string(row) + ": " + result.status.text);
 }
 
 void BatchOutput::draw_bar()

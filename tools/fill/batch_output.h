@@ -6,20 +6,22 @@
 #include <mutex>
 #include <string>
 
+#include "file/status.h"
+
 class BatchOutput {
 public:
     // `rows_file` is named in complaints, `rows` are to be done.
     BatchOutput(std::string rows_file, size_t rows);
 
-    // Says that a row is done: why it was refused, empty when it was not, and its lines of the report. Any thread.
-    void done(size_t row, std::string refusal, std::string report);
+    // Says that a row is done, how it went, and its lines of the report. Any thread.
+    void done(size_t row, CPDFStatus status, std::string report);
 
     // To be called when no job runs: removes the progress bar and returns how many rows were refused.
     size_t finish();
 
 private:
     struct RESULT {
-        std::string refusal;
+        CPDFStatus status;
         std::string report;
     };
 

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "document/document.h"
-#include "formats/fill_plan.h"
+#include "document/lookup/field_text.h"
 #include "tools/verb.h"
 
 bool BatchRows::open(const std::string& path)
@@ -28,7 +28,7 @@ bool BatchRows::check_columns(CPDFDocument& document) const
     };
     for (const std::string& column : *columns) {
         if (!document.field(column) && !(m_pattern && m_pattern->names(column)))
-            refuse(no_such_field(column) + ", and no output name (-o) uses it");
+            refuse(no_such_field(column).text + ", and no output name (-o) uses it");
     }
     for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
         const auto times = std::count(columns->begin(), columns->end(), name);
@@ -55,17 +55,17 @@ bool BatchRows::is_protected(const std::string& path) const
                        [&](const FILE_ID& id) { return id.device == info.st_dev && id.number == info.st_ino; });
 }
 
-// The reason why the row can't have an output, or nothing.
-std::string BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
+CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
 {
     std::string path;
-    if (!m_pattern->make_path(row.data, path))
-        return path;
+    if (CPDFStatus status = m_pattern->make_path(row.data, path); !status.ok())
+        return status;
     const auto [claim, is_first] = m_row_of.emplace(path, row.number);
     if (!is_first)
-        return "its output " + path + " is that of row " + std::to_string(claim->second) + ", too";
+        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
+                                  "its output " + path + " is that of row " + std::to_string(claim->second) + ", too");
     if (is_protected(path))
-        return "its output " + path + " is a file that the batch reads";
+        return CPDFStatus::failed(PDF_CODE::BAD_DATA, "its output " + path + " is a file that the batch reads");
     output = std::move(path);
     return {};
 }
@@ -78,9 +78,9 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_rows.next(read))
             return false;
-        row.refusal = std::move(read.status.text);
-        if (row.refusal.empty() && m_pattern)
-            row.refusal = claim_output(read, row.output);
+        row.status = std::move(read.status);
+        if (row.status.ok() && m_pattern)
+            row.status = claim_output(read, row.output);
     }
     row.number = read.number;
     row.data = std::move(read.data);

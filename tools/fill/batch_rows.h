@@ -14,9 +14,9 @@ class CPDFDocument;
 
 struct BATCH_ROW {
     size_t number = 0;
-    CPDFFormData data;    // without the columns that only name the output
-    std::string output;   // empty when nothing is written
-    std::string refusal;  // why the row can't be done; empty when it can
+    CPDFFormData data;   // without the columns that only name the output
+    std::string output;  // empty when nothing is written
+    CPDFStatus status;   // why the row can't be done
 };
 
 // Rows come in their order, so that of two rows with one output name always the second is refused.
@@ -42,7 +42,7 @@ public:
 
 private:
     bool is_protected(const std::string& path) const;
-    std::string claim_output(const PDF_FORM_ROW& row, std::string& output);
+    CPDFStatus claim_output(const PDF_FORM_ROW& row, std::string& output);
 
     struct FILE_ID {
         uint64_t device;

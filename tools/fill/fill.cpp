@@ -3,7 +3,8 @@
 #include <memory>
 
 #include "document/document.h"
-#include "formats/fill_plan.h"
+#include "document/lookup/field_text.h"
+#include "formats/apply_data.h"
 #include "formats/import/form_data.h"
 #include "tools/fill/fill_internal.h"
 #include "tools/fill/fill_report.h"
@@ -32,7 +33,7 @@ bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size
 }
 
 // The report goes to standard output unless the filled file does.
-void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
+void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<PDF_DATA_ITEM>& items)
 {
     std::string report;
     append_report(report, document, items);
@@ -42,16 +43,18 @@ void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const s
         put(report);
 }
 
-void complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<FILL_ITEM>& items)
+// Returns whether there are none.
+bool complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<PDF_DATA_ITEM>& items)
 {
     constexpr size_t MOST = 1000;
     size_t refused = 0;
-    for (const FILL_ITEM& item : items) {
-        if (!item.refusal.empty() && ++refused <= MOST)
-            complain(arguments.input.path.text, item.refusal);
+    for (const PDF_DATA_ITEM& item : items) {
+        if (!item.status.ok() && ++refused <= MOST)
+            complain(arguments.input.path.text, item.status.text);
     }
     if (refused > MOST)
         complain(arguments.input.path.text, std::to_string(refused - MOST) + " more values are refused");
+    return refused == 0;
 }
 
 int fill_once(const FILL_ARGUMENTS& arguments)
@@ -59,10 +62,8 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     CPDFFormData data;
     if (!arguments.data.text.empty()) {
         const CPDFStatus status = read_form_data(arguments.data.text, data);
-        if (!status.ok()) {
-            complain(arguments.data.text, status.text);
-            return COMMAND_REFUSED;
-        }
+        if (!status.ok())
+            return end_with(status, arguments.data.text);
         if (data.empty())
             complain(arguments.data.text, "note: the file has no values");
     }
@@ -73,16 +74,14 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         const size_t at = find_assign(document, assignment.text);
         data.push_back({assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
     }
-    const std::vector<FILL_ITEM> items = plan_items(document, data, arguments.how());
-    complain_of_refusals(arguments, items);
-    CPDFStatus status = apply_items(document, items);
-    if (!status.ok()) {
-        complain(arguments.input.path.text, status.text);
-        return COMMAND_REFUSED;
-    }
+    const std::vector<PDF_DATA_ITEM> items = plan_data(document, data, arguments.how());
+    const bool accepted = complain_of_refusals(arguments, items);
+    CPDFStatus status = apply_data(document, items);
+    if (!status.ok())
+        return end_with(status, arguments.input.path.text);
     if (arguments.report)
         put_report(document, arguments, items);
-    if (!all_accepted(items))
+    if (!accepted)
         return COMMAND_REFUSED;
     if (arguments.dry_run)
         return put_done();
@@ -103,42 +102,42 @@ bool read_jobs(FILL_ARGUMENTS& arguments)
            arguments.job_count <= MOST_JOBS;
 }
 
-// What is wrong with where the result goes; empty when nothing is.
-std::string wrong_place(const FILL_ARGUMENTS& arguments)
+// Whether the result goes to a place that makes sense.
+CPDFStatus check_place(const FILL_ARGUMENTS& arguments)
 {
     const std::string& output = arguments.output.output.text;
     if (arguments.dry_run && output.empty() && !arguments.output.in_place)
         return {};
     const bool pattern = output != "-" && !arguments.output.in_place;
     if (!arguments.batch.text.empty() && !pattern)
-        return "--batch writes many files: give -o a pattern such as out/{id}.pdf";
+        return wrong_usage("--batch writes many files: give -o a pattern such as out/{id}.pdf");
     if (is_same_file(output, arguments.data.text))
-        return in_quotes(output) + " is the file with the data";
-    return wrong_output(arguments.input, arguments.output);
+        return wrong_usage(in_quotes(output) + " is the file with the data");
+    return check_output(arguments.input, arguments.output);
 }
 
-// What is wrong with the command line; empty when nothing is.
-std::string wrong_usage(FILL_ARGUMENTS& arguments)
+CPDFStatus check_usage(FILL_ARGUMENTS& arguments)
 {
     const bool has_data = !arguments.assignments.empty() || !arguments.data.text.empty();
     const bool has_batch = !arguments.batch.text.empty();
     for (const COMMAND_WORD& assignment : arguments.assignments) {
         if (assignment.text.find('=', 1) == std::string::npos)
-            return in_quotes(assignment.text) + " is no NAME=VALUE";
+            return wrong_usage(in_quotes(assignment.text) + " is no NAME=VALUE");
     }
     if (!has_data && !has_batch)
-        return "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)";
+        return wrong_usage(
+            "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)");
     if (has_data && has_batch)
-        return "--batch takes all values from its rows: give no NAME=VALUE and no --data with it";
+        return wrong_usage("--batch takes all values from its rows: give no NAME=VALUE and no --data with it");
     if (!read_jobs(arguments))
-        return in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256";
-    return wrong_place(arguments);
+        return wrong_usage(in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256");
+    return check_place(arguments);
 }
 
 int fill(FILL_ARGUMENTS& arguments)
 {
-    if (const std::string wrong = wrong_usage(arguments); !wrong.empty())
-        return complain_usage(wrong);
+    if (const CPDFStatus usage = check_usage(arguments); !usage.ok())
+        return complain_usage(usage.text);
     return arguments.batch.text.empty() ? fill_once(arguments) : fill_batch(arguments);
 }
 

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "document/document.h"
-#include "formats/fill_plan.h"
+#include "formats/apply_data.h"
 #include "tools/fill/batch_output.h"
 #include "tools/fill/batch_rows.h"
 #include "tools/fill/fill_internal.h"
@@ -25,35 +25,28 @@ public:
         BATCH_ROW row;
         while (m_rows.take(m_document, row)) {
             std::string report;
-            std::string refusal = row.refusal.empty() ? fill_row(row, report) : row.refusal;
-            m_output.done(row.number, std::move(refusal), std::move(report));
+            CPDFStatus status = row.status.ok() ? fill_row(row, report) : row.status;
+            m_output.done(row.number, std::move(status), std::move(report));
         }
     }
 
 private:
-    // Why the row was refused; empty when it was written.
-    std::string fill_row(const BATCH_ROW& row, std::string& report)
+    CPDFStatus fill_row(const BATCH_ROW& row, std::string& report)
     {
-        const std::vector<FILL_ITEM> items = plan_items(m_document, row.data, m_arguments.how());
-        std::string refusal;
-        for (const FILL_ITEM& item : items) {
-            if (!item.refusal.empty())
-                refusal.append(refusal.empty() ? "" : "; ").append(item.refusal);
-        }
-        const bool is_written = refusal.empty() && !m_arguments.dry_run;
-        if (is_written || m_arguments.report) {
-            CPDFStatus written = apply_items(m_document, items);
-            if (m_arguments.report)
-                append_report(report, m_document, items, row.number);
-            if (written.ok() && is_written)
-                written = m_arguments.xfa ? m_document.reset_xfa() : CPDFStatus();
-            if (written.ok() && is_written)
-                written = m_document.save(row.output);
-            if (is_written)
-                refusal = written.text;
-            m_document.revert();
-        }
-        return refusal;
+        const std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
+        CPDFStatus status = refusals_of(items);
+        const bool is_written = status.ok() && !m_arguments.dry_run;
+        if (!is_written && !m_arguments.report)
+            return status;
+        CPDFStatus written = apply_data(m_document, items);
+        if (m_arguments.report)
+            append_report(report, m_document, items, row.number);
+        if (written.ok() && is_written && m_arguments.xfa)
+            written = m_document.reset_xfa();
+        if (written.ok() && is_written)
+            written = m_document.save(row.output);
+        m_document.revert();
+        return is_written ? written : status;
     }
 
     CPDFDocument& m_document;  // borrowed from the caller, as the following

@@ -27,7 +27,7 @@ void append_given(std::string& out, const CPDFValue& value)
         out += *flag ? "true" : "false";
         return;
     }
-    VALUE_TEXT given;
+    PDF_VALUE_TEXT given;
     given.present = true;
     if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
         given.is_list = true;
@@ -41,22 +41,22 @@ void append_given(std::string& out, const CPDFValue& value)
 
 }  // namespace
 
-void append_report(std::string& out, CPDFDocument& document, const std::vector<FILL_ITEM>& items, size_t row)
+void append_report(std::string& out, CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items, size_t row)
 {
-    for (const FILL_ITEM& item : items) {
+    for (const PDF_DATA_ITEM& item : items) {
         out += '{';
         if (row)
             out.append("\"row\":").append(std::to_string(row)).append(",");
         out += "\"name\":";
-        append_json_text(out, clean(item.name));
-        if (item.refusal.empty()) {
+        append_json_text(out, clean(item.entry.name));
+        if (item.status.ok()) {
             out.append(",\"result\":\"").append(result_of(item.plan)).append("\",\"value\":");
             append_json_value(out, value_text(document.xref(), item.plan.field->m_value));
         } else {
             out += ",\"result\":\"refused\",\"why\":";
-            append_json_text(out, clean(item.refusal));
+            append_json_text(out, clean(item.status.text));
             out += ",\"value\":";
-            append_given(out, item.value);
+            append_given(out, item.entry.value);
         }
         out += "}\n";
     }

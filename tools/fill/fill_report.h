@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "formats/fill_plan.h"
+#include "formats/apply_data.h"
 
 // Appends {"name", "result", "why", "value"} for each item, "row" before them unless it is 0. "result" is "set",
 // "coerced" when the value was understood as something else than it said, "kept" when the field has it already, or "refused", which "why" explains. "value"
 // is what the field has now that the plans are carried out, or the value refused.
-void append_report(std::string& out, CPDFDocument& document, const std::vector<FILL_ITEM>& items, size_t row = 0);
+void append_report(std::string& out, CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items, size_t row = 0);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/fill_plan.h"
+#include "document/lookup/field_text.h"
 #include "tools/terminal_text.h"
 
 namespace {
@@ -29,6 +29,11 @@ const char* fault_of(const std::string& text)
     if (text == "." || text.find("..") != std::string::npos)
         return "has dots that stand for a folder";
     return printable(text) != text ? "has a control character or is not UTF-8" : nullptr;
+}
+
+CPDFStatus refuse_path(std::string why)
+{
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, std::move(why));
 }
 
 // Placeholders side by side can make up what none of them may be alone.
@@ -81,7 +86,7 @@ std::string OutputPattern::fixed_folder() const
     return slash == std::string::npos ? "" : head.substr(0, std::max<size_t>(slash, 1));
 }
 
-bool OutputPattern::make_path(const CPDFFormData& row, std::string& path) const
+CPDFStatus OutputPattern::make_path(const CPDFFormData& row, std::string& path) const
 {
     std::string made;
     for (const PART& part : m_parts) {
@@ -97,13 +102,12 @@ bool OutputPattern::make_path(const CPDFFormData& row, std::string& path) const
             fault = "is empty";
         else
             fault = text_of(entry->value, text) ? fault_of(text) : "is a list";
-        if (fault) {
-            path = "the value of " + in_quotes(part.text) + " can't be part of a file name: it " + fault;
-            return false;
-        }
+        if (fault)
+            return refuse_path("the value of " + in_quotes(part.text) + " can't be part of a file name: it " + fault);
         made += text;
     }
-    const bool is_safe = !has_dot_folder(std::string_view(made).substr(fixed_folder().size()));
-    path = is_safe ? made : "the output " + made + " has dots that stand for a folder";
-    return is_safe;
+    if (has_dot_folder(std::string_view(made).substr(fixed_folder().size())))
+        return refuse_path("the output " + made + " has dots that stand for a folder");
+    path = std::move(made);
+    return {};
 }

@@ -20,9 +20,9 @@ public:
     // The folder in which all outputs lie, as far as it has no placeholder: "out" for out/{id}.pdf, "" for {id}.pdf.
     std::string fixed_folder() const;
 
-    // Makes the file name for one row. False, with the reason in `path`, when the row has no text for a placeholder or
-    // one that would name another folder: path separators, control characters, "." and ".." are refused.
-    bool make_path(const CPDFFormData& row, std::string& path) const;
+    // Makes the file name for one row. Fails when the row has no text for a placeholder or one that would name another
+    // folder: path separators, control characters, "." and ".." are refused.
+    CPDFStatus make_path(const CPDFFormData& row, std::string& path) const;
 
 private:
     struct PART {

@@ -1,6 +1,8 @@
 // The two ways in which the verb list shows fields.
 #pragma once
 
+#include "file/status.h"
+
 class CPDFDocument;
 class CPDFField;
 
@@ -12,6 +14,7 @@ enum class LIST_WHAT {
 // Whether the list has the field.
 bool is_listed(const CPDFField& field, LIST_WHAT what);
 
-// Each writes to standard output: a JSON array with one object a line, or a table that fits the terminal.
-void put_list_json(CPDFDocument& document, LIST_WHAT what);
+// Each writes to standard output: a JSON array with one object a line, which ends early where the fields share too many
+// options, or a table that fits the terminal.
+CPDFStatus put_list_json(CPDFDocument& document, LIST_WHAT what);
 void put_list_table(CPDFDocument& document, LIST_WHAT what);

@@ -1,12 +1,17 @@
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/dictionary.h"
+#include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/document.h"
+#include "document/lookup/field_options.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/value_text.h"
+#include "document/lookup/widget_binder.h"
 #include "formats/export/json_text.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
@@ -18,19 +23,22 @@ namespace {
 
 constexpr size_t FLUSH_SIZE = 1 << 16;
 
-constexpr const char* WIDGET_KEYS[] = {"Subtype", "P"};
-constexpr CPDFKeySet WIDGET_KEY_SET(WIDGET_KEYS);
+constexpr CPDFKeySet WIDGET_KEYS{"Subtype", "P"};
 
 // Writes the objects of the list, one field at a time.
 class JsonList {
 public:
-    explicit JsonList(CPDFDocument& document) : m_document(document) { m_pages.load(document.xref(), document.root()); }
+    explicit JsonList(CPDFDocument& document) : m_document(document), m_names(document.form())
+    {
+        m_pages.load(document.xref(), document.root());
+        m_binder.bind_references(document.xref(), document.form(), m_pages);
+    }
 
-    void put_all(LIST_WHAT what)
+    CPDFStatus put_all(LIST_WHAT what)
     {
         m_out = "[";
         for_each_field(m_document.form(), [&](CPDFField& field) {
-            if (!is_listed(field, what))
+            if (!is_listed(field, what) || m_option_bytes > LIMIT_LISTED_OPTIONS)
                 return;
             m_out += m_first ? "\n" : ",\n";
             m_first = false;
@@ -40,6 +48,9 @@ public:
         });
         m_out += m_first ? "]\n" : "\n]\n";
         flush();
+        if (m_option_bytes <= LIMIT_LISTED_OPTIONS)
+            return {};
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "the options of its fields are larger than what is supported");
     }
 
 private:
@@ -52,26 +63,34 @@ private:
     void append_field(CPDFField& field)
     {
         const PDF_FIELD_KIND& kind = field_kind(field);
-        m_out += "{\"name\":";
-        append_json_text(m_out, full_name_with_no(field));
-        m_out.append(",\"type\":\"").append(kind.type_name).append("\",\"kind\":\"").append(kind.name);
-        m_out.append("\",\"flags\":").append(std::to_string(field.m_flags));
-        m_out.append(",\"readOnly\":").append(field.m_flags & FIELD_READ_ONLY ? "true" : "false");
-        m_out.append(",\"required\":").append(field.m_flags & FIELD_REQUIRED ? "true" : "false");
+        put_text("{\"name\":");
+        append_json_text(m_out, m_names.name_of(field));
+        put_text(",\"type\":\"").put_text(kind.type_name).put_text("\",\"kind\":\"").put_text(kind.name);
+        put_text("\",\"flags\":").put_text(std::to_string(field.m_flags));
+        put_text(",\"readOnly\":").put_text(field.m_flags & FIELD_READ_ONLY ? "true" : "false");
+        put_text(",\"required\":").put_text(field.m_flags & FIELD_REQUIRED ? "true" : "false");
         append_value(",\"value\":", field.m_value);
         append_value(",\"default\":", field.m_def_value);
         append_options(field);
-        append_numbers(",\"selected\":[", field.m_sels, field.m_sel_cnt);
+        append_numbers(",\"selected\":[", std::span(field.m_sels, static_cast<size_t>(field.m_sel_cnt)),
+                       [](int32_t index) { return index; });
         const int32_t limit = field.m_type == FIELD_TEXT ? max_length(field) : 0;
-        m_out.append(",\"maxLength\":").append(limit > 0 ? std::to_string(limit) : "null");
-        m_out.append(",\"object\":").append(std::to_string(field.m_ref.num));
+        put_text(",\"maxLength\":").put_text(limit > 0 ? std::to_string(limit) : "null");
+        put_text(",\"object\":").put_text(std::to_string(field.m_ref.num));
         collect_widgets(field);
-        append_numbers(",\"widgets\":[", m_widgets.data(), m_widgets.size());
+        append_numbers(",\"widgets\":[", m_widgets, [](const PDF_REF& widget) { return widget.num; });
         const int32_t page = page_of_widgets();
-        m_out.append(",\"page\":").append(page ? std::to_string(page) : "null").append("}");
+        put_text(",\"page\":").put_text(page ? std::to_string(page) : "null").put_text("}");
     }
 
-    void append_value(const char* key, const CPDFObj& object)
+    // Of literals the length is known, which adds up over many fields.
+    JsonList& put_text(std::string_view text)
+    {
+        m_out.append(text);
+        return *this;
+    }
+
+    void append_value(std::string_view key, const CPDFObj& object)
     {
         m_out += key;
         append_json_value(m_out, value_text(m_document.xref(), object));
@@ -79,56 +98,48 @@ private:
 
     void append_options(const CPDFField& field)
     {
-        m_out += ",\"options\":[";
-        for (int32_t i = 0; i < field.m_opt_cnt; ++i) {
-            m_out += i ? ",{\"value\":" : "{\"value\":";
-            append_json_text(m_out, utf8_of(field.m_opts[i].val));
-            m_out += ",\"text\":";
-            append_json_text(m_out, utf8_of(field.m_opts[i].text));
+        const CPDFFieldOptions options(field);
+        const size_t before = m_out.size();
+        put_text(",\"options\":[");
+        for (int32_t i = 0; i < options.count(); ++i) {
+            put_text(i ? ",{\"value\":" : "{\"value\":");
+            append_json_text(m_out, options.value(i));
+            put_text(",\"text\":");
+            append_json_text(m_out, options.text(i));
             m_out += '}';
         }
         m_out += ']';
+        m_option_bytes += m_out.size() - before;
     }
 
-    template <typename Number, typename Count>
-    void append_numbers(const char* key, const Number* numbers, Count count)
+    template <typename List, typename NumberOf>
+    void append_numbers(std::string_view key, const List& list, NumberOf&& number_of)
     {
         m_out += key;
-        for (Count i = 0; i < count; ++i) {
-            if (i)
+        bool first = true;
+        for (const auto& item : list) {
+            if (!first)
                 m_out += ',';
-            m_out += std::to_string(numbers[i]);
+            first = false;
+            m_out += std::to_string(number_of(item));
         }
         m_out += ']';
     }
 
-    // The widgets that show `field`: its own, and for a named field those of the kids without a name.
-    void collect_widgets(const CPDFField& field)
+    // The widgets that show `field`; of a field without a name, which shows the value of the one above it, its own.
+    void collect_widgets(CPDFField& field)
     {
         m_widgets.clear();
-        collect_own_widgets(field);
-        if (field.m_name.len > 0)
-            collect_widgets_of_unnamed_kids(field);
-    }
-
-    void collect_own_widgets(const CPDFField& field)
-    {
-        if (is_widget(field.m_ref))
-            m_widgets.push_back(field.m_ref.num);
-        for (int32_t i = 0; i < field.m_widget_cnt; ++i) {
-            if (field.m_widgets[i].num != field.m_ref.num)
-                m_widgets.push_back(field.m_widgets[i].num);
+        if (&value_field(field) == &field) {
+            for (const CPDFAnnotWidget* widget : m_binder.widgets_of(field))
+                m_widgets.push_back(widget->m_ref);
+            return;
         }
-    }
-
-    void collect_widgets_of_unnamed_kids(const CPDFField& field)
-    {
-        for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
-            const CPDFField* kid = field.m_kids[i];
-            if (!kid || kid->m_name.len > 0)
-                continue;
-            collect_own_widgets(*kid);
-            collect_widgets_of_unnamed_kids(*kid);
+        if (is_widget(field.m_ref))
+            m_widgets.push_back(field.m_ref);
+        for (const PDF_REF& widget : std::span(field.m_widgets, static_cast<size_t>(field.m_widget_cnt))) {
+            if (widget.num != field.m_ref.num)
+                m_widgets.push_back(widget);
         }
     }
 
@@ -137,7 +148,7 @@ private:
         if (m_pages.page_of_annotation(ref.num))
             return true;
         CPDFObj object;
-        m_document.xref().get_entity(object, ref, &WIDGET_KEY_SET);
+        m_document.xref().get_entity(object, ref, &WIDGET_KEYS);
         const CPDFDictionary* dict = object.dictionary();
         const CPDFObj* subtype = dict ? dict->get_item(CPDFDictionary::sm_tag_subtype) : nullptr;
         return subtype && subtype->is_name("Widget");
@@ -145,13 +156,13 @@ private:
 
     int32_t page_of_widgets()
     {
-        for (const uint32_t num : m_widgets) {
-            if (const int32_t page = m_pages.page_of_annotation(num))
+        for (const PDF_REF& widget : m_widgets) {
+            if (const int32_t page = m_pages.page_of_annotation(widget.num))
                 return page;
         }
-        for (const uint32_t num : m_widgets) {
+        for (const PDF_REF& widget : m_widgets) {
             CPDFObj object;
-            m_document.xref().get_entity(object, {num, 0}, &WIDGET_KEY_SET);
+            m_document.xref().get_entity(object, widget, &WIDGET_KEYS);
             const CPDFDictionary* dict = object.dictionary();
             const CPDFObj* page = dict ? dict->get_item("P") : nullptr;
             const int32_t number = page && page->type == PDF_OBJ_REF ? m_pages.page_of(page->ref.num) : 0;
@@ -161,16 +172,19 @@ private:
         return 0;
     }
 
-    CPDFDocument& m_document;
+    CPDFDocument& m_document;  // borrowed from the caller
+    CPDFNumberedNames m_names;
     CPDFPageMap m_pages;
-    std::vector<uint32_t> m_widgets;  // of the field being written
+    CPDFWidgetBinder m_binder;
+    std::vector<PDF_REF> m_widgets;  // of the field being written
+    size_t m_option_bytes = 0;
     std::string m_out;
     bool m_first = true;
 };
 
 }  // namespace
 
-void put_list_json(CPDFDocument& document, LIST_WHAT what)
+CPDFStatus put_list_json(CPDFDocument& document, LIST_WHAT what)
 {
-    JsonList(document).put_all(what);
+    return JsonList(document).put_all(what);
 }

@@ -37,10 +37,10 @@ std::string flag_words(const CPDFField& field, const PDF_FIELD_KIND& kind)
     return words;
 }
 
-LIST_ROW row_of(CPDFField& field, CPDFXRefTable& xref)
+LIST_ROW row_of(CPDFField& field, CPDFNumberedNames& names)
 {
     const PDF_FIELD_KIND& kind = field_kind(field);
-    return {kind.name, printable(full_name_with_no(field)), printable(value_text(xref, field.m_value).joined()),
+    return {kind.name, printable(names.name_of(field)), printable(value_text(*field.m_xref, field.m_value).joined()),
             flag_words(field, kind)};
 }
 
@@ -88,10 +88,11 @@ void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
 void put_list_table(CPDFDocument& document, LIST_WHAT what)
 {
     const int terminal = terminal_columns();
+    CPDFNumberedNames names(document.form());
     const auto for_each_row = [&](auto&& use) {
         for_each_field(document.form(), [&](CPDFField& field) {
             if (is_listed(field, what))
-                use(row_of(field, document.xref()));
+                use(row_of(field, names));
         });
     };
     const LIST_ROW heading = {"KIND", "NAME", "VALUE", "FLAGS"};
