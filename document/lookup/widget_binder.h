@@ -27,7 +27,7 @@ public:
     // Binds the widgets of the whole form. Linear in the fields and annotations.
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
-    // The same for who lists the widgets: their states are not read, and the fields are not told of them.
+    // The same for who lists the widgets of a form: their states are not read.
     void bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
     // Binds a field that was added to the form, with those under it. False, with nothing bound, where only binding the
