@@ -78,7 +78,7 @@ public:
     }
     void added(size_t count) { m_size += count; }
 
-    [[nodiscard]] bool append(const T* records, size_t count)
+    [[nodiscard]] bool append(const void* records, size_t count)
     {
         T* at = count ? room(count) : nullptr;
         if (at)

@@ -93,8 +93,8 @@ constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;
 
-// Fields looked at while the paths of one selection are looked up: where many have the names of its first step, and many
-// those of its last, a path may have to try them all.
+// Fields looked at while the paths of one selection are looked up: where many have the names of a path, it may have to try
+// them all. Form data are refused then.
 constexpr int64_t LIMIT_SELECT_VISITS = 20000000;
 
 // XML that is parsed recursively: levels, then elements and attributes in all, then attributes of one element
@@ -103,7 +103,7 @@ constexpr int LIMIT_XML_DEPTH = 256;
 constexpr size_t LIMIT_XML_NODES = 1000000;
 constexpr size_t LIMIT_XML_ATTRIBUTES = 512;
 
-// Levels of the page tree, and of a name tree.
+// Levels of the page tree and of name trees. Deeper ones exhaust the stack of recursive walks.
 constexpr int LIMIT_PAGE_DEPTH = 128;
 
 // Pixels of a picture, on one side and in all (1 GiB). Cairo takes no longer side.

@@ -62,7 +62,9 @@ bool CPDFWidgetBinder::bind_first(uint32_t num)
 
 void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named)
 {
-    if (!bind_first(ref.num))
+    const auto bare = m_bare_types.find(ref.num);
+    const int32_t type = bare != m_bare_types.end() ? bare->second : FIELD_UNKNOWN;
+    if ((type != FIELD_UNKNOWN && type != shown.m_type) || !bind_first(ref.num))
         return;
     CPDFAnnotWidget& widget = m_widgets.emplace_back();
     widget.m_xref = &xref;
@@ -118,10 +120,22 @@ void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPD
 void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
 {
     clear();
+    // "Fields" may list widgets of other fields: what has no name and nothing below comes last.
+    std::vector<CPDFField*> last;
     for (int32_t i = 0; i < form.m_field_cnt; ++i) {
-        if (form.m_fields[i])
+        CPDFField* field = form.m_fields[i];
+        if (field && field->m_name.len <= 0 && field->m_kid_cnt == 0) {
+            last.push_back(field);
+            m_bare_types.emplace(field->m_ref.num, field->m_type);
+        }
+    }
+    for (int32_t i = 0; i < form.m_field_cnt; ++i) {
+        if (form.m_fields[i] && !m_bare_types.count(form.m_fields[i]->m_ref.num))
             add_tree(xref, *form.m_fields[i], pages);
     }
+    for (CPDFField* field : last)
+        add_tree(xref, *field, pages);
+    m_bare_types.clear();
     bind_orphans(xref, form, pages);
     sort_links();
     m_is_bound = true;

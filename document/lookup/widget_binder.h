@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "core/object.h"
@@ -61,6 +62,7 @@ private:
     };
 
     std::deque<CPDFAnnotWidget> m_widgets;
+    std::unordered_map<uint32_t, int32_t> m_bare_types;  // while binding: the top-level fields that may be only widgets
     std::vector<bool> m_bound;                           // by object number
     std::vector<LINK> m_links;                           // while binding, in the order of binding
     std::deque<std::vector<CPDFAnnotWidget*>> m_sorted;  // one for each call that bound some; they never grow

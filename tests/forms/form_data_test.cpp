@@ -164,28 +164,24 @@ TEST(FormDataTest, LongListsFindTheSameFields)
     EXPECT_TRUE(found > 200 && found < 1800) << found;
 }
 
-// Neither many fields of one name on the way nor at its end make a long list slow.
+// Many fields of one name, above and below: each path names the kid of its own group.
 TEST(FormDataTest, LongListsOfEqualNames)
 {
-    constexpr int FIELDS = 10000;
-    for (const bool same_first : {true, false}) {
-        std::string tops;
-        std::string objects;
-        CPDFArray list;
-        for (int i = 0; i < FIELDS; ++i) {
-            const std::string number = std::to_string(i);
-            const std::string first = same_first ? "a" : "a" + number;
-            const std::string last = same_first ? "k" + number : "k";
-            tops += std::to_string(2 * i + 2) + " 0 R ";
-            objects += std::string(i ? "; " : "") + "/T (" + first + ") /Kids [" + std::to_string(2 * i + 3) +
-                       " 0 R]; /FT /Tx /V (v) /T (" + last + ") /Parent " + std::to_string(2 * i + 2) + " 0 R";
-            const std::string path = first + "." + last;
-            list.append_str(path.data(), static_cast<int32_t>(path.size()));
-        }
-        FormFixture f("/Fields [" + tops + "]", objects);
-        const std::string text = taken(f.form.get_url_para(&list, 0));
-        EXPECT_EQ(std::count(text.begin(), text.end(), '='), FIELDS);
+    constexpr uint32_t GROUPS = 3000;
+    std::string tops, objects = "/X 1";
+    CPDFArray selected[2];
+    for (uint32_t i = 0; i < GROUPS; ++i) {
+        const std::string num = std::to_string(3 + 2 * i);
+        tops += num + " 0 R ";
+        objects += "; /T (a) /Kids [" + std::to_string(4 + 2 * i) + " 0 R]; /FT /Tx /T (k" + std::to_string(i) + ")";
+        selected[0].append_str(("a.k" + std::to_string(i)).c_str(), static_cast<int>(3 + std::to_string(i).size()));
+        selected[1].append_str("a.none", 6);
     }
+    FormFixture f("/Fields [" + tops + "]", objects);
+    const std::string data = taken(f.form.get_url_para(&selected[0], 0));
+    EXPECT_EQ(std::count(data.begin(), data.end(), '='), GROUPS);
+    EXPECT_NE(data.find("k2999="), std::string::npos);
+    EXPECT_EQ(taken(f.form.get_url_para(&selected[1], 0)), "null");
 }
 
 TEST(FormDataTest, FailedAllocationsGiveNull)
