@@ -110,7 +110,7 @@ public:
     CPDFStatus reset(const std::vector<CPDFField*>& fields, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
     // Writes the XFA data set, if the form has one, anew from the values of the fields. Refuses, and changes nothing
-    // then, where the XFA data have no data set that can be replaced.
+    // then, where the XFA data have no data set that can be replaced, and where a name or value does not fit into XML.
     CPDFStatus reset_xfa();
 
     // The structure of the form. Each loads the whole form, keeps names, widgets and tree in step, and refuses, with

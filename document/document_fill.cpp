@@ -5,6 +5,7 @@
 #include "document/document_state.h"
 #include "document/fill/reset.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/xml_fit.h"
 #include "file/file_reader.h"
 #include "forms/field.h"
 
@@ -128,6 +129,8 @@ CPDFStatus CPDFDocument::State::reset_xfa()
     if (!has_xfa())
         return {};
     if (CPDFStatus status = load_whole_form(); !status.ok())
+        return status;
+    if (CPDFStatus status = check_xfa_data(form); !status.ok())
         return status;
     const CPDFReadAllowance allowance(reader->budget());
     const VXFailureCheck memory;

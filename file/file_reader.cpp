@@ -128,14 +128,9 @@ bool CPDFFileReader::object_at(size_t at) const
     if (at >= m_size || (at > 0 && is_digit(m_data[at - 1])))
         return false;
     CPDFLexer lexer(m_data + at, m_data + at + std::min(LONGEST_START, m_size - at));
-    uint32_t number = 0;
-    if (!lexer.read_u32(number))
-        return false;
-    lexer.skip_space();
-    if (!lexer.read_u32(number))
-        return false;
-    lexer.skip_space();
-    return lexer.left() >= 3 && std::memcmp(lexer.at(), "obj", 3) == 0;
+    uint32_t num = 0;
+    uint32_t gen = 0;
+    return lexer.accept_object(num, gen);
 }
 
 // A section some bytes before or behind `base`, as hand-edited files have it. Tables go first: an object so near is

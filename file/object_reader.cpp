@@ -18,17 +18,7 @@ bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
 {
     uint32_t found = 0;
     lexer.skip_space();
-    if (!lexer.read_u32(found) || found != num)
-        return false;
-    lexer.skip_space();
-    if (!lexer.read_u32(gen))
-        return false;
-    lexer.skip_space();
-    // Some writers leave no space between "obj" and the value.
-    if (lexer.left() < 3 || std::memcmp(lexer.at(), "obj", 3) != 0)
-        return false;
-    lexer.move_to(lexer.at() + 3);
-    return true;
+    return lexer.accept_object(found, gen) && found == num;
 }
 
 }  // namespace
@@ -68,7 +58,7 @@ bool CPDFObjectReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t
         out.free();
         return false;
     }
-    if (out.type != PDF_OBJ_DICT || lexer.left() < 6 || std::memcmp(lexer.at(), "stream", 6) != 0)
+    if (out.type != PDF_OBJ_DICT || !lexer.begins("stream"))
         return true;
     if (keys) {
         out.free();
@@ -118,7 +108,7 @@ size_t CPDFObjectReader::stream_length(CPDFXRefTable& xref, const CPDFDictionary
             lexer.move_to(lexer.at() + 1);
         if (!m_budget.spend(static_cast<size_t>(lexer.at() - (m_data + data_at + len))))
             return 0;
-        if (lexer.left() >= 9 && std::memcmp(lexer.at(), "endstream", 9) == 0)
+        if (lexer.begins("endstream"))
             return static_cast<size_t>(len);
     }
     return search_stream_end(data_at);

@@ -5,12 +5,12 @@
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/text.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/xml_fit.h"
 #include "formats/export/export_data.h"
 #include "forms/field_walk.h"
-#include "forms/partial_name.h"
 #include "tools/save_output.h"
 #include "tools/verb.h"
-#include "tools/xml_name.h"
 
 namespace {
 
@@ -65,39 +65,44 @@ CPDFStatus export_url(const EXPORT_JOB& job, std::string& out)
     return memory.failed() ? no_memory() : CPDFStatus();
 }
 
-// A note, for a program that reads the text by other rules than those of XML may still want it.
-void note_names(const EXPORT_JOB& job)
+void note_fields(const EXPORT_JOB& job, const char* why, const std::vector<std::string>& names)
 {
     constexpr size_t MOST = 10;
-    std::vector<std::string> wrong;
-    const auto look_at = [&wrong](const CPDFField& field) {
+    if (names.empty())
+        return;
+    std::string list;
+    for (size_t i = 0; i < std::min(names.size(), MOST); ++i)
+        list += (i ? ", \"" : "\"") + names[i] + '"';
+    if (names.size() > MOST)
+        list += " and " + std::to_string(names.size() - MOST) + " more";
+    complain(job.arguments.input.path.text, std::string("note: the XML is not well-formed, for ") + why + list);
+}
+
+// Notes, for a program that reads the text by other rules than those of XML may still want it.
+void note_misfits(const EXPORT_JOB& job)
+{
+    CPDFNumberedNames all(job.document.form());
+    std::vector<std::string> names;
+    std::vector<std::string> values;
+    const auto look_at = [&](const CPDFField& field) {
         if (field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_PUSH_BUTTON))
             return;
-        char name[PARTIAL_NAME_SIZE];
-        partial_name(field, name);
-        if (is_named(name) && !is_xml_name(name))
-            wrong.emplace_back(name);
+        if (!has_xml_name(field))
+            names.push_back(all.name_of(field));
+        if (!has_xml_value(field))
+            values.push_back(all.name_of(field));
     };
     if (job.fields.empty())
         for_each_field(job.document.form(), look_at);
     for (const CPDFField* field : job.fields)
         look_at(*field);
-    std::sort(wrong.begin(), wrong.end());
-    wrong.erase(std::unique(wrong.begin(), wrong.end()), wrong.end());
-    if (wrong.empty())
-        return;
-    std::string list;
-    for (size_t i = 0; i < std::min(wrong.size(), MOST); ++i)
-        list += (i ? ", \"" : "\"") + wrong[i] + '"';
-    if (wrong.size() > MOST)
-        list += " and " + std::to_string(wrong.size() - MOST) + " more";
-    complain(job.arguments.input.path.text,
-             "note: the XML is not well-formed, for these names are no XML names: " + list);
+    note_fields(job, "the names of these fields are no XML names: ", names);
+    note_fields(job, "XML can't hold the values of these fields: ", values);
 }
 
 CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
 {
-    note_names(job);
+    note_misfits(job);
     const VXFailureCheck memory;
     CPDFArray refs;
     list_refs(job, refs);
@@ -109,7 +114,7 @@ CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
 
 CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
 {
-    note_names(job);
+    note_misfits(job);
     int len = 0;
     const VXBlock<char> text(job.document.form().get_xfa_data(len));
     if (!text)

@@ -31,13 +31,9 @@ CPDFStatus plan_choice(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
     plan.action = PDF_FILL_PLAN::SET_OPTIONS;
     if (std::holds_alternative<bool>(value))
         return refuse_value("takes an option, not true or false");
-    std::vector<std::string> words;
-    if (const std::string* word = std::get_if<std::string>(&value)) {
-        if (!word->empty() || shape.options.find("") >= 0)
-            words.push_back(*word);
-    } else {
-        words = std::get<std::vector<std::string>>(value);
-    }
+    const std::string* none = std::get_if<std::string>(&value);
+    const bool chooses = !none || !none->empty() || shape.options.find("") >= 0;
+    const std::vector<std::string> words = chooses ? texts_of(value) : std::vector<std::string>();
     const bool combo = shape.kind->id == KIND_COMBO;
     if (words.size() > 1 && (combo || !(shape.flags & FIELD_MULTI_SELECT)))
         return refuse_value("takes one option, not " + std::to_string(words.size()));

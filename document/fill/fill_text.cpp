@@ -20,12 +20,8 @@ CPDFStatus plan_text(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF_F
     plan.action = PDF_FILL_PLAN::SET_TEXT;
     if (std::holds_alternative<std::vector<std::string>>(value))
         return refuse_value("is a text field, which takes one text");
-    if (const bool* state = std::get_if<bool>(&value)) {
-        plan.text = *state ? "true" : "false";
-        plan.coerced = true;
-    } else {
-        plan.text = std::get<std::string>(value);
-    }
+    plan.text = texts_of(value)[0];
+    plan.coerced = std::holds_alternative<bool>(value);
     const int32_t most = shape.max_length;
     const int64_t count = character_count(plan.text);
     if (most > 0 && count > most)

@@ -12,6 +12,15 @@
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 
+std::vector<std::string> texts_of(const CPDFValue& value)
+{
+    if (const bool* on = std::get_if<bool>(&value))
+        return {*on ? "true" : "false"};
+    if (const std::string* text = std::get_if<std::string>(&value))
+        return {*text};
+    return std::get<std::vector<std::string>>(value);
+}
+
 std::string quoted_list(const std::vector<std::string>& words)
 {
     constexpr size_t MOST = 12;
@@ -26,11 +35,6 @@ std::string quoted_list(const std::vector<std::string>& words)
 
 namespace {
 
-std::vector<std::string> words_of(const PDF_VALUE_TEXT& held)
-{
-    return held.is_list ? held.items : std::vector<std::string>{held.text};
-}
-
 // Whether `value` says what the field has; options count in any order.
 bool has_value(const CPDFField& field, const CPDFValue& value)
 {
@@ -43,8 +47,8 @@ bool has_value(const CPDFField& field, const CPDFValue& value)
     const PDF_VALUE_TEXT held = value_text(*field.m_xref, stored);
     if (!held.present)
         return text && text->empty();
-    std::vector<std::string> has = words_of(held);
-    std::vector<std::string> given = text ? std::vector<std::string>{*text} : std::get<std::vector<std::string>>(value);
+    std::vector<std::string> has = held.is_list ? held.items : std::vector<std::string>{held.text};
+    std::vector<std::string> given = texts_of(value);
     if (field.m_type == FIELD_CHOICE) {
         std::sort(has.begin(), has.end());
         std::sort(given.begin(), given.end());
@@ -102,11 +106,12 @@ void make_value(const PDF_FIELD_SHAPE& shape, const PDF_FILL_PLAN& plan, CPDFObj
     } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() == 1) {
         shape.options.make_value(plan.options[0], out);
     } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() > 1) {
-        CPDFArray& list = *out.set_array();
+        CPDFArray* list = out.set_array();
         for (const int option : plan.options) {
             CPDFObj value;
             shape.options.make_value(option, value);
-            list.append_str(value.str.buf, value.str.len);
+            if (list)
+                list->append_str(value.str.buf, value.str.len);
         }
     } else {
         PDF_String text = pdf_string_of(plan.text);

@@ -19,6 +19,9 @@ class CPDFXRefTable;
 // several options of a list box.
 using CPDFValue = std::variant<std::string, bool, std::vector<std::string>>;
 
+// The texts of a value: one, or those of a list; "true" and "false" are texts, too.
+std::vector<std::string> texts_of(const CPDFValue& value);
+
 // Whether a read-only field may be changed.
 enum class PDF_FILL {
     RESPECT_READ_ONLY,

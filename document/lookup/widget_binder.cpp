@@ -75,7 +75,7 @@ void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& s
         return;
     }
     m_links.push_back({named.m_ref.num, &widget});
-    if (!m_references_only && !shown.m_widget)
+    if (!shown.m_widget)
         shown.m_widget = &widget;
 }
 

@@ -28,7 +28,7 @@ public:
     // Binds the widgets of the whole form anew. Linear in the fields and annotations.
     void bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
-    // The same for who lists the widgets: their states are not read, and the fields are not told of them.
+    // The same for who lists the widgets of a form: their states are not read.
     void bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages);
 
     // Whether a form is bound.

@@ -48,10 +48,16 @@ void CPDFLexer::skip_space_run()
     m_at = at;
 }
 
+bool CPDFLexer::begins(const char* word) const
+{
+    const size_t size = std::strlen(word);
+    return left() >= size && std::memcmp(m_at, word, size) == 0;
+}
+
 bool CPDFLexer::starts(const char* word) const
 {
     const size_t size = std::strlen(word);
-    return left() >= size && std::memcmp(m_at, word, size) == 0 && (left() == size || !is_regular(m_at[size]));
+    return begins(word) && (left() == size || !is_regular(m_at[size]));
 }
 
 bool CPDFLexer::accept(const char* word)
@@ -75,6 +81,20 @@ bool CPDFLexer::read_u32(uint32_t& out)
         return false;
     m_at = p;
     out = static_cast<uint32_t>(value);
+    return true;
+}
+
+bool CPDFLexer::accept_object(uint32_t& num, uint32_t& gen)
+{
+    if (!read_u32(num))
+        return false;
+    skip_space();
+    if (!read_u32(gen))
+        return false;
+    skip_space();
+    if (!begins("obj"))
+        return false;
+    m_at += 3;
     return true;
 }
 

@@ -75,6 +75,13 @@ public:
     bool starts(const char* word) const;
     bool accept(const char* word);
 
+    // Whether the bytes of `word` stand at the cursor, whatever follows.
+    bool begins(const char* word) const;
+
+    // Reads "num gen obj", the start of an object; some writers leave no space behind it. When false, the cursor is where
+    // the text differs.
+    bool accept_object(uint32_t& num, uint32_t& gen);
+
     // Reads an unsigned decimal number at the cursor. Returns false, with the cursor where it was, when there is no digit
     // there or the number does not fit 32 bits.
     bool read_u32(uint32_t& out);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <unordered_set>
 
 #include "core/alloc.h"
 #include "core/limits.h"
@@ -34,47 +35,13 @@ std::unique_ptr<CPDFDataWriter> make_writer(PDF_DATA_FORMAT format, std::string&
     }
 }
 
-// The full names that were met: a hash table of the fields that bear them. Names are compared anew where their hashes
-// are the same: kept, long ones would take many times the size of the file.
-class SeenNames {
-public:
-    // Whether no field with this name was met before.
-    bool is_new(const std::string& name, const CPDFField& field)
-    {
-        if (2 * m_count >= m_slots.size())
-            grow();
-        const size_t hash = std::hash<std::string>()(name);
-        size_t at = hash & (m_slots.size() - 1);
-        for (; m_slots[at].field; at = (at + 1) & (m_slots.size() - 1)) {
-            if (m_slots[at].hash == hash && full_name(*m_slots[at].field) == name)
-                return false;
-        }
-        m_slots[at] = {hash, &field};
-        ++m_count;
-        return true;
-    }
-
-private:
-    struct SLOT {
-        size_t hash = 0;
-        const CPDFField* field = nullptr;  // borrowed from the form
-    };
-
-    void grow()
-    {
-        const std::vector<SLOT> old = std::move(m_slots);
-        m_slots = std::vector<SLOT>(std::max<size_t>(256, 2 * old.size()));
-        for (const SLOT& slot : old) {
-            size_t at = slot.hash & (m_slots.size() - 1);
-            while (slot.field && m_slots[at].field)
-                at = (at + 1) & (m_slots.size() - 1);
-            if (slot.field)
-                m_slots[at] = slot;
-        }
-    }
-
-    std::vector<SLOT> m_slots;  // a power of two of them
-    size_t m_count = 0;
+// Fields by their full names, which are compared anew where their hashes are the same: kept, long ones would take many
+// times the size of the file.
+struct NAME_HASH {
+    size_t operator()(const CPDFField* field) const { return std::hash<std::string>()(full_name(*field)); }
+};
+struct SAME_NAME {
+    bool operator()(const CPDFField* a, const CPDFField* b) const { return full_name(*a) == full_name(*b); }
 };
 
 class Exporter {
@@ -108,9 +75,9 @@ private:
     {
         if (!m_status.ok() || !CPDFExportValues::is_exported(field))
             return;
-        const std::string name = full_name(field);
-        if (!m_names.is_new(name, field))
+        if (!m_seen.insert(&field).second)
             return;
+        const std::string name = full_name(field);
         PDF_VALUE_TEXT value = m_values.value_of(field);
         const bool is_export = m_by_export && export_of(field, value.text);
         m_status = m_writer->add({name, field, value, is_export});
@@ -139,8 +106,8 @@ private:
     bool m_by_export;          // whether the format is one that other programs read
     CPDFExportValues m_values;
     std::unique_ptr<CPDFDataWriter> m_writer;
-    const std::string& m_out;  // borrowed from the caller
-    SeenNames m_names = {};
+    const std::string& m_out;                                           // borrowed from the caller
+    std::unordered_set<const CPDFField*, NAME_HASH, SAME_NAME> m_seen;  // the first of each name
     CPDFStatus m_status = {};
 };
 

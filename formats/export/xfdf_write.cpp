@@ -1,3 +1,4 @@
+#include "core/xml_token.h"
 #include "formats/export/data_writer.h"
 #include "formats/export/name_path.h"
 
@@ -6,23 +7,17 @@
 
 namespace {
 
-// Appends character data; false at a character that XML 1.0 forbids. Line ends and tabs are spelled where a reader
+// Appends character data; false when XML has not all of its characters. Line ends and tabs are spelled where a reader
 // would make other white space of them.
 bool append_xml(std::string& out, std::string_view text, std::string_view spelled)
 {
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        const auto byte = static_cast<unsigned char>(c);
-        const bool is_white = c == '\t' || c == '\n' || c == '\r';
-        const std::string_view character = text.substr(i, 3);
-        if ((byte < 0x20 && !is_white) || character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF")
-            return false;
+    for (const char c : text) {
         if (spelled.find(c) == std::string_view::npos)
             out += c;
         else
-            out.append("&#").append(std::to_string(byte)).append(";");
+            out.append("&#").append(std::to_string(c)).append(";");
     }
-    return true;
+    return find_xml_forbidden(text) == std::string_view::npos;
 }
 
 class XfdfWriter : public CPDFDataWriter {

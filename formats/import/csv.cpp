@@ -28,7 +28,7 @@ CPDFCsvReader::CPDFCsvReader(std::string_view text) : m_text(text)
 
 bool CPDFCsvReader::fail(size_t line, const char* what)
 {
-    m_fault = "line " + std::to_string(line) + ": " + what;
+    m_status = failure("line " + std::to_string(line) + ": " + what);
     return false;
 }
 
@@ -50,7 +50,7 @@ bool CPDFCsvReader::next(std::vector<std::string>& cells)
     cells.clear();
     while (m_at < m_text.size() && at_line_end())
         pass_line_end();
-    if (m_at == m_text.size() || !m_fault.empty())
+    if (m_at == m_text.size() || !m_status.ok())
         return false;
     for (;;) {
         if (cells.size() == LIMIT_DATA_VALUES)
@@ -118,14 +118,14 @@ CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out)
     std::vector<std::string> more;
     const bool has_row = reader.next(columns) && reader.next(cells);
     const bool has_more = has_row && reader.next(more);
-    if (!reader.fault().empty())
-        return failure(reader.fault());
+    if (!reader.status().ok())
+        return reader.status();
     if (columns.empty())
         return failure("the file has no row of names");
     if (!has_row)
         return failure("there is no row of values behind the row of names");
     if (has_more)
-        return failure("there is more than one row of values: --batch takes such a file");
+        return failure("there is more than one row of values; a batch takes such a file");
     CPDFStatus status = data_of_row(columns, cells, out);
     if (!status.ok())
         status.text = "the row of values is wrong: " + status.text;

@@ -15,11 +15,11 @@ public:
     explicit CPDFCsvReader(std::string_view text);
 
     // Reads the next row. False at the end, and for a row that breaks the rules of quotes, behind which nothing can be
-    // read: fault() tells.
+    // read: status() tells.
     bool next(std::vector<std::string>& cells);
 
-    // What is wrong with the text, with its line; empty when nothing is.
-    const std::string& fault() const { return m_fault; }
+    // What is wrong with the text, with its line.
+    const CPDFStatus& status() const { return m_status; }
 
 private:
     bool at_line_end() const;
@@ -31,7 +31,7 @@ private:
     std::string_view m_text;
     size_t m_at = 0;
     size_t m_line = 1;
-    std::string m_fault;
+    CPDFStatus m_status;
 };
 
 // What one row says: an entry for every cell that is not empty. Fails when it has not as many cells as there are columns.

@@ -17,12 +17,11 @@ public:
     {
     }
 
-    std::string run()
+    CPDFStatus run()
     {
-        m_fault = m_file.start();
-        if (m_fault.empty()) {
-            CPDFObj scratch;
-            const CPDFObj* encoding = view_obj(&m_file.xref(), m_file.fdf()->get_item("Encoding"), scratch);
+        m_status = m_file.start();
+        if (m_status.ok()) {
+            const CPDFEntryView encoding(&m_file.xref(), m_file.fdf()->get_item("Encoding"));
             const CPDFObj* fields = m_file.fdf()->get_item("Fields");
             if (encoding->type == PDF_OBJ_NAME && !encoding->is_name("PDFDocEncoding"))
                 fail("the texts are in " + utf8_of_name(encoding->name) + ", which is not supported");
@@ -30,14 +29,14 @@ public:
                 read_fields(*fields, nullptr, 0);
         }
         if (m_file.exhausted())
-            m_fault = "the file takes more work to read than its size justifies";
-        return std::move(m_fault);
+            fail("the file takes more work to read than its size justifies");
+        return std::move(m_status);
     }
 
 private:
     bool fail(const std::string& why)
     {
-        m_fault = why;
+        m_status = CPDFStatus::failed(PDF_CODE::BAD_DATA, why);
         return false;
     }
 
@@ -45,18 +44,17 @@ private:
     bool read_fields(const CPDFObj& list, const std::string* above, int depth)
     {
         const std::string where = above ? "the kids of field \"" + *above + "\"" : "the fields of the file";
-        CPDFObj scratch;
-        const CPDFArray* fields = view_obj(&m_file.xref(), &list, scratch)->array();
+        const CPDFEntryView view(&m_file.xref(), &list);
+        const CPDFArray* fields = view->array();
         if (!fields)
             return fail(where + " are no array");
         if (depth >= LIMIT_FIELD_DEPTH)
             return fail(where + " nest deeper than " + std::to_string(LIMIT_FIELD_DEPTH) + " levels");
         for (int32_t i = 0; i < fields->count; ++i) {
-            CPDFObj own;
-            const CPDFDictionary* field = view_obj(&m_file.xref(), &fields->items[i], own)->dictionary();
-            if (!field)
+            const CPDFEntryView field(&m_file.xref(), &fields->items[i]);
+            if (!field->dictionary())
                 return fail("entry " + std::to_string(i + 1) + " of " + where + " is no field");
-            if (!read_field(*field, above, depth))
+            if (!read_field(*field->dictionary(), above, depth))
                 return false;
         }
         return true;
@@ -64,8 +62,7 @@ private:
 
     bool read_field(const CPDFDictionary& field, const std::string* above, int depth)
     {
-        CPDFObj scratch;
-        const CPDFObj* part = view_obj(&m_file.xref(), field.get_item("T"), scratch);
+        const CPDFEntryView part(&m_file.xref(), field.get_item("T"));
         std::string name;
         if (part->type == PDF_OBJ_STRING) {
             if (!CPDFEntryList::join(above ? *above : "", !above, utf8_of(part->str), name))
@@ -84,8 +81,8 @@ private:
 
     bool read_value(const CPDFObj& entry, const std::string& name)
     {
-        CPDFObj scratch;
-        const CPDFObj& value = *view_obj(&m_file.xref(), &entry, scratch);
+        const CPDFEntryView view(&m_file.xref(), &entry);
+        const CPDFObj& value = *view;
         if (value.type == PDF_OBJ_NULL && entry.type == PDF_OBJ_REF && !m_file.xref().entry_of(entry.ref.num))
             return fail("the value of field \"" + name + "\" is object " + std::to_string(entry.ref.num) +
                         ", which is not in the file");
@@ -114,8 +111,8 @@ private:
     {
         const CPDFArray* list = value.array();
         for (int32_t i = 0; list && i < list->count; ++i) {
-            CPDFObj scratch;
-            const PDF_VALUE_TEXT text = value_text(m_file.xref(), *view_obj(&m_file.xref(), &list->items[i], scratch));
+            const CPDFEntryView item(&m_file.xref(), &list->items[i]);
+            const PDF_VALUE_TEXT text = value_text(m_file.xref(), *item);
             if (!text.present || text.is_list)
                 return false;
         }
@@ -125,7 +122,7 @@ private:
     CPDFFdfFile m_file;
     CPDFEntryList m_entries;
     size_t m_stream_bytes = 0;
-    std::string m_fault;
+    CPDFStatus m_status;
 };
 
 }  // namespace
@@ -133,9 +130,8 @@ private:
 CPDFStatus read_fdf_data(std::string_view bytes, CPDFFormData& out)
 {
     out.clear();
-    std::string fault = FdfReader(bytes, out).run();
-    if (fault.empty())
-        return {};
-    out.clear();
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, std::move(fault));
+    CPDFStatus status = FdfReader(bytes, out).run();
+    if (!status.ok())
+        out.clear();
+    return status;
 }

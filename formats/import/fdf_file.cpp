@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 #include "core/dictionary.h"
+#include "core/key_set.h"
 #include "core/limits.h"
 #include "file/syntax/parser.h"
 
@@ -14,16 +14,8 @@
 
 namespace {
 
-constexpr const char* SCAN_KEYS[] = {"FDF", "Length"};
-constexpr CPDFKeySet SCAN_KEY_SET(SCAN_KEYS);
-
-constexpr std::string_view END = "endstream";
-
-bool starts_with(const CPDFLexer& lexer, const char* word)
-{
-    const size_t size = std::strlen(word);
-    return lexer.left() >= size && std::memcmp(lexer.at(), word, size) == 0;
-}
+constexpr CPDFKeySet SCAN_KEYS{"FDF"};
+constexpr const char* END_OF_STREAM = "endstream";
 
 }  // namespace
 
@@ -34,19 +26,15 @@ CPDFFdfFile::CPDFFdfFile(const uint8_t* data, size_t size)
 
 bool CPDFFdfFile::fail(const uint8_t* at, const std::string& why)
 {
-    m_fault = "byte " + std::to_string(at - m_data) + ": " + why;
+    m_status = CPDFStatus::failed(PDF_CODE::BAD_DATA, "byte " + std::to_string(at - m_data) + ": " + why);
     return false;
 }
 
-std::string CPDFFdfFile::start()
+CPDFStatus CPDFFdfFile::start()
 {
     while (is_space(m_lexer.peek()) && !m_lexer.done())
         m_lexer.move_to(m_lexer.at() + 1);
-    if (!starts_with(m_lexer, "%FDF-")) {
-        fail(m_lexer.at(), "this is no FDF, which begins with %FDF-");
-        return m_fault;
-    }
-    bool fine = true;
+    bool fine = m_lexer.begins("%FDF-") || fail(m_lexer.at(), "this is no FDF, which begins with %FDF-");
     for (m_lexer.skip_space(); fine && !m_lexer.done(); m_lexer.skip_space()) {
         if (is_digit(m_lexer.peek()))
             fine = scan_object();
@@ -59,7 +47,7 @@ std::string CPDFFdfFile::start()
     }
     if (fine)
         find_fdf();
-    return m_fault;
+    return m_status;
 }
 
 // At a digit: an object, or a number that means nothing, such as the one behind "startxref".
@@ -68,16 +56,9 @@ bool CPDFFdfFile::scan_object()
     const uint8_t* begin = m_lexer.at();
     uint32_t num = 0;
     uint32_t gen = 0;
-    if (!m_lexer.read_u32(num)) {
+    if (!m_lexer.accept_object(num, gen)) {
+        m_lexer.move_to(begin);
         m_lexer.skip_regular();
-        return true;
-    }
-    const uint8_t* behind = m_lexer.at();
-    m_lexer.skip_space();
-    const bool has_gen = m_lexer.read_u32(gen);
-    m_lexer.skip_space();
-    if (!has_gen || !starts_with(m_lexer, "obj")) {
-        m_lexer.move_to(behind);
         return true;
     }
     const size_t most = std::max<size_t>(LIMIT_OBJECT_NUMBER_SMALL_FILE, static_cast<size_t>(m_lexer.end() - m_data));
@@ -86,41 +67,35 @@ bool CPDFFdfFile::scan_object()
         return fail(begin, "the object number " + std::to_string(num) + " is too large");
     *entry = {PDF_XREF_IN_FILE, static_cast<uint32_t>(begin - m_data), gen};
 
-    CPDFParser parser(m_lexer.at() + 3, m_lexer.end(), m_data);
+    CPDFParser parser(m_lexer.at(), m_lexer.end(), m_data);
     CPDFObj value;
-    parser.parse(value, &SCAN_KEY_SET);
-    parser.lexer().skip_space();
+    parser.parse(value, &SCAN_KEYS);
+    m_lexer.move_to(parser.lexer().at());
+    m_lexer.skip_space();
     const CPDFDictionary* dict = value.dictionary();
     if (dict && dict->get_item("FDF"))
         m_candidate = {num, gen};
-    if (dict && starts_with(parser.lexer(), "stream") && !pass_stream(parser, value))
+    if (dict && m_lexer.begins("stream") && !pass_stream({num, gen}))
         return fail(begin, "the stream object " + std::to_string(num) + " has no end");
-    m_lexer.move_to(parser.lexer().at());
     if (!m_lexer.accept("endobj"))
         return fail(m_lexer.at(),
                     "object " + std::to_string(num) + " is damaged, cut off or too large; reading ended here");
     return true;
 }
 
-bool CPDFFdfFile::pass_stream(CPDFParser& parser, const CPDFObj& dict)
+// Moves behind a stream, whose end only its reader knows.
+bool CPDFFdfFile::pass_stream(const PDF_REF& ref)
 {
-    CPDFLexer& lexer = parser.lexer();
-    const uint8_t* data = lexer.at() + std::strlen("stream");
-    const CPDFObj* length = dict.dict->get_item(CPDFDictionary::sm_tag_length);
-    const auto left = static_cast<size_t>(lexer.end() - data);
-    const void* end = nullptr;
-    // "Length" counts from behind the end of the line, which may be two characters.
-    if (length && length->type == PDF_OBJ_INT && length->ival > 0 && static_cast<size_t>(length->ival) < left) {
-        lexer.move_to(data + length->ival);
-        constexpr size_t LINE_ENDS = 6;
-        end = memmem(lexer.at(), std::min(lexer.left(), LINE_ENDS + END.size()), END.data(), END.size());
-    }
-    if (!end)
-        end = memmem(data, left, END.data(), END.size());
-    if (!end)
+    CPDFObj object;
+    m_xref.get_entity(object, ref);
+    if (object.type != PDF_OBJ_STREAM)
         return false;
-    lexer.move_to(static_cast<const uint8_t*>(end) + END.size());
-    lexer.skip_space();
+    m_lexer.move_to(m_data + object.stream->handle + object.stream->data_len);
+    m_lexer.skip_space();
+    if (!m_lexer.begins(END_OF_STREAM))
+        return false;
+    m_lexer.move_to(m_lexer.at() + std::strlen(END_OF_STREAM));
+    m_lexer.skip_space();
     return true;
 }
 
@@ -149,9 +124,8 @@ bool CPDFFdfFile::find_fdf()
     CPDFObj root;
     m_xref.get_entity(root, ref);
     const CPDFDictionary* dict = root.dictionary();
-    CPDFObj scratch;
-    if (dict)
-        m_fdf.copy_from(view_obj(&m_xref, dict->get_item("FDF"), scratch));
+    const CPDFEntryView fdf(&m_xref, dict ? dict->get_item("FDF") : nullptr);
+    m_fdf.copy_from(&*fdf);
     if (m_fdf.type == PDF_OBJ_DICT)
         return true;
     const PDF_XREF_ENTRY* entry = m_xref.entry_of(ref.num);

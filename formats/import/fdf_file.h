@@ -7,17 +7,16 @@
 
 #include "core/xref_table.h"
 #include "file/file_reader.h"
+#include "file/status.h"
 #include "file/syntax/lexer.h"
-
-class CPDFParser;
 
 // Finds the objects by walking over the file once. `data` is borrowed.
 class CPDFFdfFile {
 public:
     CPDFFdfFile(const uint8_t* data, size_t size);
 
-    // Finds every object and the FDF dictionary. Returns why that fails, with the byte where; empty when it does not.
-    std::string start();
+    // Finds every object and the FDF dictionary. A failure tells the byte where.
+    CPDFStatus start();
 
     CPDFXRefTable& xref() { return m_xref; }
 
@@ -29,7 +28,7 @@ public:
 
 private:
     bool scan_object();
-    bool pass_stream(CPDFParser& parser, const CPDFObj& dict);
+    bool pass_stream(const PDF_REF& ref);
     bool take_trailer();
     bool find_fdf();
     bool fail(const uint8_t* at, const std::string& why);
@@ -41,5 +40,5 @@ private:
     PDF_REF m_root = {0, 0};       // what the trailer names
     PDF_REF m_candidate = {0, 0};  // the last object with an entry "FDF"
     CPDFObj m_fdf;
-    std::string m_fault;
+    CPDFStatus m_status;
 };

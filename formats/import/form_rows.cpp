@@ -20,8 +20,8 @@ CPDFStatus CPDFFormRows::open(const std::string& path)
     std::string_view line;
     while (m_json ? next_line(line) : m_csv.next(m_cells))
         ++m_count;
-    if (!m_csv.fault().empty())
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA, m_csv.fault());
+    if (!m_csv.status().ok())
+        return m_csv.status();
     return start();
 }
 
@@ -31,8 +31,8 @@ CPDFStatus CPDFFormRows::start()
     m_csv = CPDFCsvReader(m_json ? std::string_view() : m_text);
     if (m_json || m_csv.next(m_columns))
         return {};
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                              m_csv.fault().empty() ? "the file has no row of names" : m_csv.fault());
+    return m_csv.status().ok() ? CPDFStatus::failed(PDF_CODE::BAD_DATA, "the file has no row of names")
+                               : m_csv.status();
 }
 
 bool CPDFFormRows::next_line(std::string_view& line)
@@ -49,7 +49,7 @@ bool CPDFFormRows::next_line(std::string_view& line)
 
 bool CPDFFormRows::next(PDF_FORM_ROW& row)
 {
-    CPDFStatus status;
+    CPDFStatus& status = row.status;
     if (m_json) {
         std::string_view line;
         if (!next_line(line))
@@ -63,6 +63,5 @@ bool CPDFFormRows::next(PDF_FORM_ROW& row)
         status = data_of_row(m_columns, m_cells, row.data);
     }
     row.number = ++m_number;
-    row.fault = std::move(status.text);
     return true;
 }

@@ -12,7 +12,7 @@
 struct PDF_FORM_ROW {
     size_t number = 0;  // from 1; the names of a CSV file and empty lines don't count
     CPDFFormData data;
-    std::string fault;  // why the row can't be read, and `data` is empty; empty when it can
+    CPDFStatus status;  // failed for a row that can't be read; `data` is empty then
 };
 
 // Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.

@@ -1,4 +1,5 @@
-// Damaged copies of real files: nothing may crash, take ten seconds or a gibibyte, or lose a value when it is saved.
+// Damaged copies of real files: nothing may crash, take ten seconds of processor time or a gibibyte, or lose a value when it is
+// saved.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -8,27 +9,41 @@
 
 #include "fuzz/open_form_check.h"
 #include "tests/support/pdf_builder.h"
+#include "tests/support/processor_time.h"
 
 namespace {
 constexpr unsigned SECONDS = 10;
 constexpr rlim_t MEMORY = rlim_t{1} << 30;
 
-// Bounds the memory of the process; the sanitizer's own memory has no bound.
-void watch()
-{
+// Bounds the memory of the program while it lives; the sanitizer's own has no bound.
+class DamageTest : public testing::TestWithParam<std::string> {
+protected:
+    void SetUp() override
+    {
 #if !defined(__SANITIZE_ADDRESS__)
-    size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    const rlimit bound = {pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + MEMORY, RLIM_INFINITY};
-    ASSERT_EQ(::setrlimit(RLIMIT_AS, &bound), 0);
+        size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        bound_memory(pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + MEMORY);
 #endif
-}
+    }
+    void TearDown() override
+    {
+        bound_memory(RLIM_INFINITY);
+    }
+
+private:
+    static void bound_memory(rlim_t bytes)
+    {
+        const rlimit bound = {bytes, RLIM_INFINITY};
+        ASSERT_EQ(::setrlimit(RLIMIT_AS, &bound), 0);
+    }
+};
 
 // Names what is being opened where a crash shows it last, and lets it run for so long.
 void begin_variant(const std::string& label)
 {
     std::fprintf(stderr, "opening %s\n", label.c_str());
-    ::alarm(SECONDS);
+    bound_processor_time(SECONDS);
 }
 
 // Positions of bytes that belong to the structure, not to the data of a stream.
@@ -49,7 +64,7 @@ void open_variant(const std::string& label, const std::string& text)
 {
     begin_variant(label);
     const char* fault = open_form_fault({text.begin(), text.end()}, 4);
-    ::alarm(0);
+    bound_processor_time(0);
     EXPECT_STREQ(fault, nullptr) << label;
 }
 
@@ -76,7 +91,7 @@ void open_damaged(const std::string& path)
 }  // namespace
 
 // Many references to one thing that takes long, or much memory, to read: the work for all of them has a bound.
-TEST(DamageTest, SharedThingsTakeNoTime)
+TEST_F(DamageTest, SharedThingsTakeNoTime)
 {
     constexpr uint32_t FIRST = 100;
     constexpr uint32_t COUNT = 20000;
@@ -120,29 +135,20 @@ TEST(DamageTest, SharedThingsTakeNoTime)
         {"an object stream", searched.stream(7, first, repeated("1 0 ", 2000000) + places).xref_stream(9).text},
         {"the end of trailers", nested.table("/Prev " + std::to_string(here)).text},
     };
-    watch();
     for (const auto& [label, text] : cases) {
         begin_variant(std::string("a file that shares ") + label);
         CPDFDocument document;
         const PDF_CODE code = document.open(std::vector<uint8_t>(text.begin(), text.end())).code;
         EXPECT_TRUE(code == PDF_CODE::OK || code == PDF_CODE::LIMIT) << label;
-        ::alarm(0);
+        bound_processor_time(0);
     }
 }
 
-TEST(DamageTest, Samples)
+TEST_P(DamageTest, DamagedCopiesOpenOrAreRefused)
 {
-    watch();
-    for (const std::string& path : pdf_files(FORMWORK_SAMPLES_DIR))
-        open_damaged(path);
+    open_damaged(GetParam());
 }
 
-TEST(DamageTest, RealFiles)
-{
-    const std::vector<std::string> files = corpus_files();
-    if (files.empty())
-        GTEST_SKIP() << "FORMWORK_CORPUS names no folder with real files";
-    watch();
-    for (const std::string& path : files)
-        open_damaged(path);
-}
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(DamageTest);
+INSTANTIATE_TEST_SUITE_P(Samples, DamageTest, testing::ValuesIn(pdf_files(FORMWORK_SAMPLES_DIR)), file_label);
+INSTANTIATE_TEST_SUITE_P(RealFiles, DamageTest, testing::ValuesIn(corpus_sample()), file_label);

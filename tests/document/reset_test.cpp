@@ -165,6 +165,31 @@ TEST(ResetTest, XfaDataFollowTheFields)
     EXPECT_TRUE(FormAtWork(form_of({"/T(t)"})).document.reset_xfa().ok());
 }
 
+// The engine writes names as tags and the states of buttons as their bytes.
+TEST(ResetTest, XfaDataStayWhereAFieldDoesNotFitIntoXml)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"/FT/Tx/T(t t)", "field \"t t\" does not fit into the XFA data: its name"},
+        {"/FT/Tx/T(1)", "its name"},
+        {"/FT/Btn/T(c)/V/Verf#FCgbar#26x", "field \"c\" does not fit into the XFA data: XML can't hold its value"},
+        {"/FT/Btn/T(c)/V/a#3Cb#3E#3C#2Fb#3E", "its value"},
+        {"/FT/Btn/Ff 32768/T(r)/V/a#26b", "its value"},
+        {"/FT/Btn/T(c)/V/J#C3#BC", ""},
+        {"/FT/Btn/T(c)/V/0/Opt[(a & b)]", ""},
+        {"/FT/Btn/Ff 65536/T(p p)/V/a#26b", ""},
+        {"/FT/Tx/T(#t t[0])/V(<\\001&)", ""},
+    };
+    for (const auto& [field, why] : cases) {
+        SCOPED_TRACE(field);
+        PdfBuilder file = begin_form({field}, "", "/XFA[(datasets)5 0 R]");
+        FormAtWork f(file.stream(5, "", "<old/>").table().text);
+        const CPDFStatus status = f.document.reset_xfa();
+        EXPECT_EQ(status.ok(), !*why);
+        EXPECT_NE(status.text.find(why), std::string::npos) << status.text;
+        EXPECT_EQ(f.saved() == file.text, !status.ok());
+    }
+}
+
 TEST(ResetTest, AllocationFailures)
 {
     const std::string file = form_of(

@@ -174,6 +174,24 @@ std::vector<std::string> corpus_files()
     return pdf_files(corpus ? corpus : "");
 }
 
+std::vector<std::string> corpus_sample()
+{
+    constexpr size_t STEP = 4;
+    const std::vector<std::string> files = corpus_files();
+    std::vector<std::string> sample;
+    for (size_t i = 0; i < files.size(); i += std::getenv("FORMWORK_FULL") ? 1 : STEP)
+        sample.push_back(files[i]);
+    return sample;
+}
+
+std::string file_label(const testing::TestParamInfo<std::string>& file)
+{
+    std::string label = std::filesystem::path(file.param).stem().string();
+    std::replace_if(
+        label.begin(), label.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    return label;
+}
+
 std::vector<std::string> pdf_files(const std::string& folder)
 {
     std::vector<std::string> files;

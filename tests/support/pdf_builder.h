@@ -85,8 +85,14 @@ std::string repeated(const std::string& piece, size_t times);
 
 std::string read_text_file(const std::string& path);
 
-// The real files that the environment names; none when it names no folder.
+// The real files that FORMWORK_CORPUS names; none when it names no folder.
 std::vector<std::string> corpus_files();
+
+// Every fourth of them, for tests that take long; all of them with FORMWORK_FULL.
+std::vector<std::string> corpus_sample();
+
+// A file as the parameter of a test: what stands for it in the name of the case.
+std::string file_label(const testing::TestParamInfo<std::string>& file);
 
 // The PDF files directly in `folder`, sorted; none when there is no such folder.
 std::vector<std::string> pdf_files(const std::string& folder);

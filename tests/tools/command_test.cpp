@@ -15,15 +15,15 @@ std::string form_file()
     return pdf_of({
         "<</Type/Catalog/Pages 2 0 R/AcroForm 3 0 R>>",
         "<</Type/Pages/Count 7/Kids[4 0 R]>>",
-        "<</Fields[5 0 R 6 0 R 7 0 R 8 0 R 9 0 R 10 0 R 11 0 R 12 0 R 13 0 R 18 0 R]>>",
-        "<</Type/Page/Parent 2 0 R/Annots[5 0 R 16 0 R]>>",
+        "<</Fields[5 0 R 6 0 R 7 0 R 8 0 R 9 0 R 10 0 R 11 0 R 12 0 R 13 0 R 18 0 R 20 0 R 21 0 R]>>",
+        "<</Type/Page/Parent 2 0 R/Annots[5 0 R 16 0 R 19 0 R]>>",
         "<</FT/Tx/T(name)/V(Ann)/DV<FEFF005A00FC>/Subtype/Widget>>",
         "<</FT/Tx/T(locked)/Ff 1/V(old)>>",
         "<</FT/Tx/T(code)/Ff 16777218/MaxLen 3>>",
         "<</FT/Btn/T(agree)/V/Yes/Subtype/Widget/P 4 0 R>>",
         "<</FT/Tx/T(a=b)>>",
         "<</FT/Tx/T([x,y])>>",
-        "<</FT/Ch/T(pick)/Ff 2097152/V[(b)(c)]/Opt[(a)[(b)(Bee)]]/I[1]>>",
+        "<</FT/Ch/T(pick)/Ff 2097152/V[(b)(c)]/Opt[(a)[(b)(Bee)]]/I[1]/Kids[22 0 R]>>",
         "<</FT/Btn/Ff 65536/T(evil)/V/#1b#5d0;x#07#0a#c2#9b>>",
         "<</T(group)/Kids[14 0 R 17 0 R]>>",
         "<</FT/Btn/Ff 32768/T(radio)/Parent 13 0 R/V/On/Kids[15 0 R 16 0 R]>>",
@@ -31,6 +31,11 @@ std::string form_file()
         "<</Subtype/Widget/Parent 14 0 R>>",
         "<</FT/Sig/T(sign)/Parent 13 0 R/V<</Contents<00>>>>>",
         "<</FT/Tx/T(\xEF\xBB\xBF漢字e\xCC\x81)/V(wide)>>",
+        "<</Subtype/Widget/Parent 7 0 R>>",
+        "<</FT/Tx/Kids[23 0 R]>>",
+        "<</FT/Tx>>",
+        "<</Subtype/Widget/Parent 11 0 R>>",
+        "<</FT/Btn/Parent 20 0 R>>",
     });
 }
 
@@ -110,10 +115,10 @@ TEST_F(CommandTest, JsonTellsEveryProperty)
             R"("default":"Zü","options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1})"},
         {2,
          R"({"name":"code","type":"text","kind":"text","flags":16777218,"readOnly":false,"required":true,"value":null,)"
-         R"("default":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[],"page":null})"},
+         R"("default":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[19],"page":1})"},
         {6, R"({"name":"pick","type":"choice","kind":"list","flags":2097152,"readOnly":false,"required":false,)"
             R"("value":["b","c"],"default":null,"options":[{"value":"a","text":""},{"value":"b","text":"Bee"}],)"
-            R"("selected":[1],"maxLength":null,"object":11,"widgets":[],"page":null})"},
+            R"("selected":[1],"maxLength":null,"object":11,"widgets":[22],"page":null})"},
         {9, R"({"name":"group.radio","type":"button","kind":"radio","flags":32768,"readOnly":false,"required":false,)"
             R"("value":"On","default":null,"options":[],"selected":[],"maxLength":null,"object":14,"widgets":[15,16],)"
             R"("page":1})"},
@@ -127,9 +132,14 @@ TEST_F(CommandTest, JsonTellsEveryProperty)
         EXPECT_EQ(result.out.find(c), std::string::npos);
 
     const ordered_json all = ordered_json::parse(folder.run({"list", form, "--json", "--all"}).out);
-    ASSERT_EQ(all.size(), 14u);
-    EXPECT_EQ(all[11]["name"], "group.radio#1");
-    EXPECT_EQ(all[11]["widgets"], ordered_json::array({16}));
+    ASSERT_EQ(all.size(), 18u);
+    EXPECT_EQ(all[7]["name"], "pick#0");
+    EXPECT_EQ(all[7]["options"], all[6]["options"]);
+    EXPECT_EQ(all[12]["name"], "group.radio#1");
+    EXPECT_EQ(all[12]["widgets"], ordered_json::array({16}));
+    EXPECT_EQ(all[15]["name"].get<std::string>() + all[16]["name"].get<std::string>() +
+                  all[17]["name"].get<std::string>(),
+              "#10#10#0#11");
 }
 
 TEST_F(CommandTest, GetPrintsOneLineForEachNameOrNothing)
@@ -207,7 +217,7 @@ TEST_F(CommandTest, TheTableFitsTheTerminalAndIsHarmless)
                   "KIND   NAME                  VALUE                  FLAGS",
                   "text   漢e\xCC\x81                   \\u009b2J\\a\\n           read-only required",
                   "text   ….first.second.third  漢漢漢漢漢漢漢漢漢漢…  multiline",
-                  "combo  c                     x                      editable",
+                  "combo  c                     x                      edit",
               }));
     const CommandResult piped = folder.run({"list", file});
     EXPECT_EQ(piped.out.find('\x1b'), std::string::npos);

@@ -78,8 +78,7 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_rows.next(read))
             return false;
-        if (!read.fault.empty())
-            row.status = CPDFStatus::failed(PDF_CODE::BAD_DATA, std::move(read.fault));
+        row.status = std::move(read.status);
         if (row.status.ok() && m_pattern)
             row.status = claim_output(read, row.output);
     }

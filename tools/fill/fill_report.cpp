@@ -1,5 +1,7 @@
 #include "tools/fill/fill_report.h"
 
+#include <algorithm>
+
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/value_text.h"
@@ -23,20 +25,14 @@ const char* result_of(const PDF_FILL_PLAN& plan)
 
 void append_given(std::string& out, const CPDFValue& value)
 {
-    if (const bool* flag = std::get_if<bool>(&value)) {
-        out += *flag ? "true" : "false";
-        return;
-    }
-    PDF_VALUE_TEXT given;
-    given.present = true;
-    if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
-        given.is_list = true;
-        for (const std::string& text : *texts)
-            given.items.push_back(clean(text));
-    } else {
-        given.text = clean(std::get<std::string>(value));
-    }
-    append_json_value(out, given);
+    std::vector<std::string> texts = texts_of(value);
+    std::transform(texts.begin(), texts.end(), texts.begin(), clean);
+    if (std::holds_alternative<std::vector<std::string>>(value))
+        append_json_value(out, {true, true, "", std::move(texts)});
+    else if (std::holds_alternative<bool>(value))
+        out += texts[0];
+    else
+        append_json_text(out, texts[0]);
 }
 
 }  // namespace

@@ -7,18 +7,6 @@
 
 namespace {
 
-// The text that `value` gives to a file name; false for a list.
-bool text_of(const CPDFValue& value, std::string& text)
-{
-    if (const bool* flag = std::get_if<bool>(&value))
-        text = *flag ? "true" : "false";
-    else if (const auto* given = std::get_if<std::string>(&value))
-        text = *given;
-    else
-        return false;
-    return true;
-}
-
 // Why `text` can't be part of a file name; null when it can. A backslash separates folders where the files may be taken.
 const char* fault_of(const std::string& text)
 {
@@ -96,12 +84,9 @@ CPDFStatus OutputPattern::make_path(const CPDFFormData& row, std::string& path) 
         }
         const auto named = [&part](const PDF_FORM_ENTRY& entry) { return entry.name == part.text; };
         const auto entry = std::find_if(row.begin(), row.end(), named);
-        std::string text;
-        const char* fault = nullptr;
-        if (entry == row.end())
-            fault = "is empty";
-        else
-            fault = text_of(entry->value, text) ? fault_of(text) : "is a list";
+        const bool is_list = entry != row.end() && std::holds_alternative<std::vector<std::string>>(entry->value);
+        const std::string text = entry == row.end() || is_list ? "" : texts_of(entry->value)[0];
+        const char* fault = is_list ? "is a list" : fault_of(text);
         if (fault)
             return refuse_path("the value of " + in_quotes(part.text) + " can't be part of a file name: it " + fault);
         made += text;

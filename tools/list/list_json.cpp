@@ -23,7 +23,7 @@ namespace {
 
 constexpr size_t FLUSH_SIZE = 1 << 16;
 
-constexpr CPDFKeySet WIDGET_KEYS{"Subtype", "P"};
+constexpr CPDFKeySet PAGE_KEY{"P"};
 
 // Writes the objects of the list, one field at a time.
 class JsonList {
@@ -135,23 +135,12 @@ private:
                 m_widgets.push_back(widget->m_ref);
             return;
         }
-        if (is_widget(field.m_ref))
+        if (field.m_widget && field.m_widget->m_ref.num == field.m_ref.num)
             m_widgets.push_back(field.m_ref);
         for (const PDF_REF& widget : std::span(field.m_widgets, static_cast<size_t>(field.m_widget_cnt))) {
             if (widget.num != field.m_ref.num)
                 m_widgets.push_back(widget);
         }
-    }
-
-    bool is_widget(const PDF_REF& ref)
-    {
-        if (m_pages.page_of_annotation(ref.num))
-            return true;
-        CPDFObj object;
-        m_document.xref().get_entity(object, ref, &WIDGET_KEYS);
-        const CPDFDictionary* dict = object.dictionary();
-        const CPDFObj* subtype = dict ? dict->get_item(CPDFDictionary::sm_tag_subtype) : nullptr;
-        return subtype && subtype->is_name("Widget");
     }
 
     int32_t page_of_widgets()
@@ -162,7 +151,7 @@ private:
         }
         for (const PDF_REF& widget : m_widgets) {
             CPDFObj object;
-            m_document.xref().get_entity(object, widget, &WIDGET_KEYS);
+            m_document.xref().get_entity(object, widget, &PAGE_KEY);
             const CPDFDictionary* dict = object.dictionary();
             const CPDFObj* page = dict ? dict->get_item("P") : nullptr;
             const int32_t number = page && page->type == PDF_OBJ_REF ? m_pages.page_of(page->ref.num) : 0;
