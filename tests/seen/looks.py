@@ -1,0 +1,91 @@
+"""Judges one widget after the fill: the criteria that all have to hold, and the facts that hand-made cases add."""
+
+import collections
+import math
+
+from pdf_reader import Stream
+from viewers import Mupdf, Poppler, VIEWERS, changed, difference, inside, plain
+
+APART = 45  # levels of grey; see docs/appearance.md
+
+CRITERIA = ("text in poppler", "text in MuPDF", "pictures agree", "picture changed", "appearance", "no flag")
+
+
+class Page:
+    """A page of a file in both viewers: texts, and pictures before and after."""
+
+    def __init__(self, path, number, texts, before, after):
+        self.path, self.number = path, number
+        self.texts, self.before, self.after = texts, before, after
+
+
+class Look:
+    """A widget of a filled field as both viewers show it."""
+
+    def __init__(self, page, fill, before, after):
+        self.page, self.fill, self.before, self.after = page, fill, before, after
+        self.rect = before.shown_rect()
+        self.items = {viewer: inside(page.texts[viewer], self.rect) for viewer in VIEWERS}
+        self.chars = [char for char in self.items[Mupdf] if char.text.strip()]
+
+    def rows(self, viewer, pictures=None, rect=None, inset=0):
+        return (pictures or self.page.after)[viewer].rows(rect or self.rect, inset)
+
+    def text(self, viewer):
+        return plain("".join(item.text for item in self.items[viewer]))
+
+    def criteria(self):
+        """The criteria that this widget has, and whether they hold."""
+        held = {}
+        if self.fill.shown:
+            held["text in poppler"] = self.shows(self.text(Poppler)) or self.shows(
+                plain(Poppler.text_in(self.page.path, self.page.number, self.rect))
+            )
+            held["text in MuPDF"] = self.shows(self.text(Mupdf))
+        held["pictures agree"] = self.difference() <= APART
+        if self.should_change():
+            held["picture changed"] = all(
+                changed(self.rows(viewer, self.page.before), self.rows(viewer)) for viewer in VIEWERS
+            )
+        held["appearance"] = self.has_appearance()
+        held["no flag"] = self.after.pdf.form.get("/NeedAppearances") is not True
+        return held
+
+    def difference(self):
+        return difference(*(self.rows(viewer) for viewer in VIEWERS))
+
+    def shows(self, found):
+        return all(shows(text, found) for text in self.fill.shown)
+
+    def state(self):
+        """The state that a button's widget is to have."""
+        own, wanted = self.after.on_states() or self.before.on_states(), f"/{self.fill.value}"
+        return wanted if wanted in own else "/Off"
+
+    def should_change(self):
+        if self.fill.shown:
+            return True
+        was = self.before.entries.get("/AS", "/Off")
+        was_on = was in self.before.on_states()
+        return was_on != (self.state() != "/Off") or (was_on and was != self.state())
+
+    def has_appearance(self):
+        normal = self.after.normal_appearance()
+        if self.fill.shown:
+            return normal == "stream"
+        state = self.after.entries.get("/AS")
+        return isinstance(normal, set) and state == self.state() and (state in normal or state == "/Off")
+
+
+def is_loose(text):
+    """Right-to-left and Indic text, of which viewers give back the letters, but not always in the order of reading."""
+    return any(0x0590 <= ord(c) <= 0x08FF or 0x0900 <= ord(c) <= 0x0DFF for c in text)
+
+
+def shows(text, found):
+    """Whether what was found in a rectangle holds the text: its words, or the stars or dots of a password."""
+    if text and set(text) == {"*"}:
+        return any(found.count(mark) >= len(text) for mark in "*\u2022\u25cf\u2217\u00b7")
+    if is_loose(text):
+        return not collections.Counter(plain(text)) - collections.Counter(found)
+    return all(plain(word) in found for word in text.split())

@@ -1,0 +1,151 @@
+"""What the two viewers show: the text of a page with its places, and pictures of pages in grey."""
+
+import collections
+import html
+import re
+import subprocess
+import unicodedata
+
+RESOLUTION = 100  # pixels an inch
+WINDOW = 10  # pixels: 7 points, a line of small text
+DIFFERS = 48  # levels of grey between two pixels that anti-aliasing does not explain
+PIXELS_CHANGED = 6  # fewer than the smallest letter has
+
+# A word or a character: where it is on the page as shown, and where its baseline starts (MuPDF alone tells).
+Item = collections.namedtuple("Item", "x0 y0 x1 y1 text x y size", defaults=(0, 0, 0))
+
+
+def run(*command):
+    """The text a command prints; whatever it warns of is seen in its output or not at all."""
+    done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300)
+    return done.stdout.decode("utf-8", "replace")
+
+
+class Poppler:
+    name = "poppler"
+    WORD = re.compile(r'<word xMin="([-\d.]+)" yMin="([-\d.]+)" xMax="([-\d.]+)" yMax="([-\d.]+)">(.*?)</word>', re.S)
+
+    @classmethod
+    def texts(cls, path, pages):
+        first, last = min(pages) + 1, max(pages) + 1
+        out = run("pdftotext", "-q", "-cropbox", "-bbox", "-f", first, "-l", last, path, "-")
+        found = [
+            [Item(*map(float, word[:4]), html.unescape(word[4])) for word in cls.WORD.findall(part)]
+            for part in out.split("<page ")[1:]
+        ]
+        return {first - 1 + i: items for i, items in enumerate(found)}
+
+    @staticmethod
+    def draw(path, pages, folder):
+        first, last = min(pages) + 1, max(pages) + 1
+        ask = ("-gray", "-r", RESOLUTION, "-cropbox", "-f", first, "-l", last, "-sep", "", "-forcenum")
+        run("pdftoppm", "-q", *ask, path, folder / "poppler")
+        made = {int(file.stem[len("poppler") :]) - 1: file for file in folder.glob("poppler*.pgm")}
+        return made
+
+    @staticmethod
+    def text_in(path, page, rect):
+        """The text of a rectangle alone: finds what a word that runs on beside the rectangle hides."""
+        x0, y0, x1, y1 = (round(value) for value in rect)
+        crop = ("-x", x0, "-y", y0, "-W", max(1, x1 - x0), "-H", max(1, y1 - y0))
+        return run("pdftotext", "-q", "-cropbox", "-f", page + 1, "-l", page + 1, *crop, path, "-")
+
+
+class Mupdf:
+    name = "MuPDF"
+    CHAR = re.compile(r'<font [^>]*size="([-\d.]+)"|<char quad="([^"]*)" x="([-\d.]+)" y="([-\d.]+)"[^>]* c="([^"]*)"')
+
+    @classmethod
+    def texts(cls, path, pages):
+        out = run("mutool", "draw", "-q", "-F", "stext", "-o", "-", path, listed(pages))
+        return dict(zip(sorted(pages), (list(cls.characters(part)) for part in out.split("<page ")[1:])))
+
+    @classmethod
+    def characters(cls, part):
+        size = 0.0
+        for font_size, quad, x, y, text in cls.CHAR.findall(part):
+            if font_size:
+                size = float(font_size)
+                continue
+            corners = [float(value) for value in quad.split()]
+            xs, ys = corners[0::2], corners[1::2]
+            yield Item(min(xs), min(ys), max(xs), max(ys), html.unescape(text), float(x), float(y), size)
+
+    @staticmethod
+    def draw(path, pages, folder):
+        run("mutool", "draw", "-q", "-r", RESOLUTION, "-c", "gray", "-F", "pnm", "-o", folder / "mupdf%d.pgm", path, listed(pages))
+        return {page: folder / f"mupdf{page + 1}.pgm" for page in pages}
+
+
+VIEWERS = (Poppler, Mupdf)
+
+
+def listed(pages):
+    return ",".join(str(page + 1) for page in sorted(pages))
+
+
+def inside(items, rect, spare=1.0):
+    """The items whose middle is in the rectangle."""
+    x0, y0, x1, y1 = rect
+    return [
+        item for item in items
+        if x0 - spare <= (item.x0 + item.x1) / 2 <= x1 + spare and y0 - spare <= (item.y0 + item.y1) / 2 <= y1 + spare
+    ]
+
+
+def plain(text):
+    """Text without white space and invisible marks, with ligatures and presentation forms taken apart."""
+    marks = ("Cf", "Zs", "Zl", "Zp", "Cc")
+    text = unicodedata.normalize("NFKC", text)
+    return "".join(c for c in text if unicodedata.category(c) not in marks and not 0xFE00 <= ord(c) <= 0xFE0F)
+
+
+class Picture:
+    """A page in grey, one byte a pixel."""
+
+    def __init__(self, path):
+        data = path.read_bytes() if path and path.exists() else b"P5 0 0 255\n"
+        head = re.match(rb"P5\s+(\d+)\s+(\d+)\s+255\s", data)
+        self.width, self.height = int(head[1]), int(head[2])
+        self.data = memoryview(data)[head.end() :]
+
+    def rows(self, rect, inset=0):
+        """The rows of a rectangle given in points."""
+        scale = RESOLUTION / 72
+        x0, y0 = (max(0, round(value * scale) + inset) for value in rect[:2])
+        x1 = min(self.width, round(rect[2] * scale) - inset)
+        y1 = min(self.height, round(rect[3] * scale) - inset)
+        if x1 <= x0:
+            return []
+        return [bytes(self.data[y * self.width + x0 : y * self.width + x1]) for y in range(y0, y1)]
+
+
+def changed(before, after):
+    """Whether enough pixels differ for a letter to have come or gone."""
+    if len(before) != len(after):
+        return True
+    count = 0
+    for row, other in zip(before, after):
+        if row != other:
+            count += sum(abs(a - b) > DIFFERS for a, b in zip(row, other))
+    return count >= PIXELS_CHANGED
+
+
+def window_means(rows):
+    """The mean grey of overlapping windows, which neither anti-aliasing nor a shift of half a point changes much."""
+    step = WINDOW // 2
+    for top in range(0, max(1, len(rows) - step), step):
+        band = rows[top : top + WINDOW]
+        sums = [sum(column) for column in zip(*band)]
+        for left in range(0, max(1, len(sums) - step), step):
+            part = sums[left : left + WINDOW]
+            yield sum(part) / (len(part) * len(band))
+
+
+def difference(rows, others):
+    """How far two pictures are apart: the largest difference between the means of a window, 0 to 255."""
+    if not rows or not others:
+        return 0 if rows == others else 255
+    height, width = min(len(rows), len(others)), min(len(rows[0]), len(others[0]))
+    rows, others = ([row[:width] for row in each[:height]] for each in (rows, others))
+    return max(abs(a - b) for a, b in zip(window_means(rows), window_means(others)))
