@@ -68,17 +68,19 @@ def judge_file(options, path):
         before = Pdf(path)
         judged.left_out.update(widget.why_unseen() for widget in before.widgets if widget.why_unseen())
         fills = fillers.plan(options.command, path, before, folder, judged.left_out)
-        for look in fill_and_look(options, path, before, fills, folder) if fills else ():
-            judged.widgets.append((look_name(look), look.criteria()))
     except (Unreadable, fillers.Refused) as error:
         judged.why = "qpdf can't read it" if isinstance(error, Unreadable) else str(error)
+        fills = []
+    try:
+        for look in fill_and_look(options, path, before, fills, folder) if fills else ():
+            judged.widgets.append((look.name(), look.criteria()))
+    except (Unreadable, fillers.Refused) as error:
+        # What was not written is not seen.
+        judged.why = "the output can't be read" if isinstance(error, Unreadable) else str(error)
+        judged.widgets = [(fill.name, dict.fromkeys(CRITERIA, False)) for fill in fills for _ in fill.widgets]
     if not options.keeps:
         shutil.rmtree(folder)
     return judged
-
-
-def look_name(look):
-    return f"{look.fill.name} (page {look.page.number + 1}, {look.fill.kind}, {look.fill.value!r})"
 
 
 def share(part, whole):
@@ -99,13 +101,13 @@ def table_of_files(results):
           sum(not judged.widgets and not judged.why for judged in results), "files with nothing to fill.")
     for judged in results:
         if judged.why:
-            print(f"Not measured: {judged.name}: {judged.why}")
+            print(f"{'Failed' if judged.widgets else 'Not measured'}: {judged.name}: {judged.why.splitlines()[0]}")
     print()
 
 
 def tell_failures(results):
     for judged in results:
-        for name, held in judged.widgets:
+        for name, held in () if judged.why else judged.widgets:
             missed = [criterion for criterion, holds in held.items() if not holds]
             if missed:
                 print(f"{judged.name}: {name}: not {', not '.join(missed)}")

@@ -9,6 +9,7 @@ import unicodedata
 RESOLUTION = 100  # pixels an inch
 WINDOW = 10  # pixels: 7 points, a line of small text
 DIFFERS = 48  # levels of grey between two pixels that anti-aliasing does not explain
+FAINT = 0.35  # of the ink that the other viewer shows
 PIXELS_CHANGED = 6  # fewer than the smallest letter has
 
 # A word or a character: where it is on the page as shown, and where its baseline starts (MuPDF alone tells).
@@ -132,7 +133,7 @@ def changed(before, after):
 
 
 def window_means(rows):
-    """The mean grey of overlapping windows, which neither anti-aliasing nor a shift of half a point changes much."""
+    """The means of overlapping windows, which neither anti-aliasing nor a shift of half a point changes much."""
     step = WINDOW // 2
     for top in range(0, max(1, len(rows) - step), step):
         band = rows[top : top + WINDOW]
@@ -142,10 +143,18 @@ def window_means(rows):
             yield sum(part) / (len(part) * len(band))
 
 
-def difference(rows, others):
-    """How far two pictures are apart: the largest difference between the means of a window, 0 to 255."""
-    if not rows or not others:
-        return 0 if rows == others else 255
-    height, width = min(len(rows), len(others)), min(len(rows[0]), len(others[0]))
-    rows, others = ([row[:width] for row in each[:height]] for each in (rows, others))
-    return max(abs(a - b) for a, b in zip(window_means(rows), window_means(others)))
+def difference(before, after):
+    """How far the pictures of two viewers are apart, 0 to 255, where a fill changed one of them.
+
+    `before` and `after` have the rows of each viewer. Counted is the largest difference of ink in a window that one viewer
+    leaves nearly empty. Ink is what differs from the most common grey of the first picture. A font or a line that one viewer
+    draws bolder leaves the other more than FAINT of the ink and is no difference; something that one alone draws is.
+    """
+    if not all(after):
+        return 255 if any(after) else 0
+    height, width = min(map(len, after)), min(len(rows[0]) for rows in after)
+    paper = collections.Counter(b"".join(after[0])).most_common(1)[0][0]
+    ink = bytes(abs(level - paper) for level in range(256))
+    means = [window_means([row[:width].translate(ink) for row in rows[:height]]) for rows in (*before, *after)]
+    touched = [(a, b) for was_a, was_b, a, b in zip(*means) if abs(a - was_a) > 2 or abs(b - was_b) > 2]
+    return max((abs(a - b) for a, b in touched if min(a, b) < FAINT * max(a, b)), default=0)
