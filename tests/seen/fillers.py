@@ -42,12 +42,15 @@ def fields_of(command, path):
 
 
 def fill_of(field, pdf, value):
-    """What the field is to show when it holds `value`, a text or a list of texts."""
+    """What the field is to show when it holds `value`: a text, a list of texts, a bool, or None for what it holds now."""
     widgets = [pdf.by_number[number] for number in field["widgets"] if number in pdf.by_number]
-    shown = [] if field["type"] == "button" else value if isinstance(value, list) else [value]
+    if isinstance(value, bool):
+        states = [state[1:] for widget in widgets for state in sorted(widget.on_states())]
+        value = (states or ["Yes"])[0] if value else "Off"
+    shown = [] if field["type"] == "button" or value is None else value if isinstance(value, list) else [value]
     texts = {option["value"]: option["text"] or option["value"] for option in field["options"]}
     shown = [texts.get(text, text) for text in shown]
-    if field["flags"] & PASSWORD and field["type"] == "text":
+    if field["flags"] & PASSWORD and field["type"] == "text" and shown:
         shown = ["*" * len(value)]
     return Fill(field["name"], field["kind"], field["flags"], widgets, value, shown)
 
@@ -157,13 +160,13 @@ def fdf(fills):
         dumped = [Name(text) if fill.kind in ("check", "radio") else text for text in texts]
         return dumped if isinstance(fill.value, list) else dumped[0]
 
-    fields = [{"T": fill.name, "V": value(fill)} for fill in fills]
+    fields = [{"T": fill.name, "V": value(fill)} for fill in fills if fill.value is not None]
     return b"%FDF-1.2\n1 0 obj\n" + dump({"FDF": {"Fields": fields}}) + b"\nendobj\ntrailer\n<< /Root 1 0 R >>\n%%EOF\n"
 
 
 def with_formwork(command, path, fills, out):
     data = out.with_suffix(".json")
-    data.write_text(json.dumps({fill.name: fill.value for fill in fills}))
+    data.write_text(json.dumps({fill.name: fill.value for fill in fills if fill.value is not None}))
     return output_of(command, "fill", "--data", data, path, "-o", out)
 
 

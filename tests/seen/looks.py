@@ -75,8 +75,13 @@ class Look:
         return all(shows(text, found) for text in self.fill.shown)
 
     def state(self):
-        """The state that a button's widget is to have."""
-        own, wanted = self.after.on_states() or self.before.on_states(), f"/{self.fill.value}"
+        """The state that a button's widget is to have: its own when it is the field's value, else Off.
+
+        A widget without appearances has no state of its own before the fill: the filler names it.
+        """
+        own, wanted = self.before.on_states(), f"/{self.fill.value}"
+        if not own:
+            own, wanted = self.after.on_states(), self.after.inherited("/V")
         return wanted if wanted in own else "/Off"
 
     def should_change(self):

@@ -12,6 +12,7 @@ import collections
 import concurrent.futures
 import os
 import pathlib
+import re
 import shutil
 import sys
 import tempfile
@@ -21,6 +22,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.append(str(ROOT / "samples"))
 
 import fillers
+from cases import all_cases
+from facts import FACTS
 from looks import CRITERIA, Look, Page
 from pdf_reader import Pdf, Unreadable
 from viewers import VIEWERS, Picture
@@ -83,6 +86,33 @@ def judge_file(options, path):
     return judged
 
 
+def judge_case(options, case):
+    """The facts of a hand-made case: the criteria of its filled widgets and what it declares."""
+    judged = Judged(f"{case.group}: {case.name}")
+    folder = pathlib.Path(tempfile.mkdtemp(prefix=re.sub(r"\W+", "-", judged.name) + "-", dir=options.keep))
+    path = folder / "case.pdf"
+    path.write_bytes(case.pdf())
+    before, fills = Pdf(path), []
+    for field in fillers.fields_of(options.command, path):
+        if field["name"] in case.fills or field["name"] in case.facts:
+            fill = fillers.fill_of(field, before, case.fills.get(field["name"]))
+            fill.shown = case.facts.get(fill.name, {}).get("shown", fill.shown)
+            fills.append(fill)
+    try:
+        for look in fill_and_look(options, path, before, fills, folder):
+            held = {} if look.fill.value is None else look.criteria()
+            held.update((name, FACTS[name](look, wanted)) for name, wanted in case.facts_of(look.fill).items())
+            judged.widgets.append((look.name(), held))
+    except (Unreadable, fillers.Refused) as error:
+        judged.why = str(error)
+        for fill in fills:
+            held = dict.fromkeys([*(CRITERIA if fill.value is not None else ()), *case.facts_of(fill)], False)
+            judged.widgets += [(fill.name, held)] * len(fill.widgets)
+    if not options.keeps:
+        shutil.rmtree(folder)
+    return judged
+
+
 def share(part, whole):
     return f"{part} of {whole} | {100 * part / whole:.1f} %" if whole else "none | "
 
@@ -105,8 +135,21 @@ def table_of_files(results):
     print()
 
 
+def table_of_cases(results):
+    print("| hand-made cases | cases whole | | facts | |\n|---|---:|---:|---:|---:|")
+    groups = collections.defaultdict(list)
+    for judged in results:
+        groups[judged.name.split(":")[0]].append(judged)
+    for name, group in [*groups.items(), ("**all**", results)]:
+        facts = [fact for judged in group for _, held in judged.widgets for fact in held.values()]
+        print(f"| {name} | {share(sum(judged.is_whole() for judged in group), len(group))} | {share(sum(facts), len(facts))} |")
+    print()
+
+
 def tell_failures(results):
     for judged in results:
+        if judged.why:
+            print(f"{judged.name}: {judged.why.splitlines()[0]}")
         for name, held in () if judged.why else judged.widgets:
             missed = [criterion for criterion, holds in held.items() if not holds]
             if missed:
@@ -128,18 +171,22 @@ def parsed():
 def main():
     options = parsed()
     options.keeps = options.keep is not None
+    cases = [case for case in all_cases() if options.only in f"{case.group}: {case.name}"]
     with tempfile.TemporaryDirectory() as folder:
         options.keep = options.keep or folder
         pathlib.Path(options.keep).mkdir(exist_ok=True)
         files = sorted(pathlib.Path(options.corpus).glob("*.pdf")) if options.corpus else []
         files = [path for path in files if options.only in path.name]
         with concurrent.futures.ProcessPoolExecutor(options.jobs) as pool:
-            results = list(pool.map(judge_file, [options] * len(files), files))
-    if results:
-        table_of_files(results)
+            real = list(pool.map(judge_file, [options] * len(files), files))
+            made = list(pool.map(judge_case, [options] * len(cases), cases))
+    if real:
+        table_of_files(real)
+    if made:
+        table_of_cases(made)
     if options.verbose:
-        tell_failures(results)
-    return 0 if results else 1
+        tell_failures(real + made)
+    return 0 if real or made else 1
 
 
 if __name__ == "__main__":
