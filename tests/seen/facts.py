@@ -70,6 +70,11 @@ def size(look, wanted):
     return bool(look.chars) and all(wanted[0] - 0.1 <= char.size <= wanted[1] + 0.1 for char in look.chars)
 
 
+def font(look, name):
+    """The text is drawn with a font of this name."""
+    return bool(look.chars) and all(name in char.font for char in look.chars)
+
+
 def absent(look, text):
     """The text is not there any more."""
     return all(plain(text) not in look.text(viewer) for viewer in VIEWERS)
@@ -163,5 +168,5 @@ def glyphs(look, _):
 
 
 FACTS = {fact.__name__: fact for fact in (
-    turned, align, cells, lines, size, absent, untouched, gone, edges, paper, darkest, marked, state, on, drawn, stream, ink, glyphs
+    turned, align, cells, lines, size, font, absent, untouched, gone, edges, paper, darkest, marked, state, on, drawn, stream, ink, glyphs
 )}

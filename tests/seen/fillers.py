@@ -4,6 +4,7 @@ import dataclasses
 import json
 import re
 import subprocess
+import tempfile
 
 from pdf_reader import text_of
 from pdf_writer import Name, dump
@@ -42,7 +43,7 @@ def fields_of(command, path):
 
 
 def fill_of(field, pdf, value):
-    """What the field is to show when it holds `value`: a text, a list of texts, a bool, or None for what it holds now."""
+    """What the field is to show when it holds `value`: a text, a list of texts or a bool; None keeps what it holds."""
     widgets = [pdf.by_number[number] for number in field["widgets"] if number in pdf.by_number]
     if isinstance(value, bool):
         states = [state[1:] for widget in widgets for state in sorted(widget.on_states())]
@@ -119,7 +120,7 @@ def new_value(field, widgets, number):
     return new_state(field, widgets)
 
 
-def plan(command, path, pdf, folder, left_out):
+def plan(command, path, pdf, left_out):
     """The fills of a real file: a new value for every field that can take one. Counts the widgets left out, by reason."""
     fields, wishes = {}, {}
     for number, field in enumerate(fields_of(command, path)):
@@ -128,52 +129,55 @@ def plan(command, path, pdf, folder, left_out):
         seen = [w for w in map(pdf.by_number.get, field["widgets"]) if w and not w.why_unseen()]
         left_out["on no page"] += sum(w not in pdf.by_number for w in field["widgets"])
         value = new_value(field, seen, number) if seen and not field["readOnly"] else None
-        if field["readOnly"] or value is None:
-            left_out["read-only" if field["readOnly"] else "nothing to change"] += len(seen)
+        if value is None:
+            left_out["read-only" if field["readOnly"] else "without another value"] += len(seen)
             continue
         fields[field["name"]], wishes[field["name"]] = field, value
-    for result in dry_run(command, path, wishes, folder):
+    for result in dry_run(command, path, wishes):
         if result["result"] == "refused":
-            seen = [w for w in fields[result["name"]]["widgets"] if w in pdf.by_number]
-            left_out["refused (signed)" if "lock" in result["why"] else "refused"] += len(seen)
+            left_out["refused"] += sum(number in pdf.by_number for number in fields[result["name"]]["widgets"])
             del wishes[result["name"]]
         elif isinstance(wishes[result["name"]], bool):
             wishes[result["name"]] = result["value"]
     return [fill_of(fields[name], pdf, value) for name, value in wishes.items()]
 
 
-def dry_run(command, path, wishes, folder):
-    data = folder / "wishes.json"
-    data.write_text(json.dumps(wishes))
-    lines = output_of(command, "fill", "--dry-run", "--report", "--data", data, path)[1].splitlines()
+def dry_run(command, path, wishes):
+    with tempfile.NamedTemporaryFile("w", suffix=".json") as data:
+        json.dump(wishes, data)
+        data.flush()
+        lines = output_of(command, "fill", "--dry-run", "--report", "--data", data.name, path)[1].splitlines()
     return [json.loads(line) for line in lines if line.startswith("{")]
 
 
 # Programs that fill
 
 
-def fdf(fills):
-    """The values in FDF; the names of states are names."""
-
-    def value(fill):
-        texts = fill.value if isinstance(fill.value, list) else [fill.value]
-        dumped = [Name(text) if fill.kind in ("check", "radio") else text for text in texts]
-        return dumped if isinstance(fill.value, list) else dumped[0]
-
-    fields = [{"T": fill.name, "V": value(fill)} for fill in fills if fill.value is not None]
-    return b"%FDF-1.2\n1 0 obj\n" + dump({"FDF": {"Fields": fields}}) + b"\nendobj\ntrailer\n<< /Root 1 0 R >>\n%%EOF\n"
-
-
 def with_formwork(command, path, fills, out):
     data = out.with_suffix(".json")
-    data.write_text(json.dumps({fill.name: fill.value for fill in fills if fill.value is not None}))
+    data.write_text(json.dumps({fill.name: fill.value for fill in fills}))
     return output_of(command, "fill", "--data", data, path, "-o", out)
 
 
-def with_pdftk(command, path, fills, out):
+def with_pdftk(_, path, fills, out):
+    """Values in FDF, the names of states as names."""
+
+    def value(fill):
+        if fill.kind in ("check", "radio"):
+            return Name(fill.value)
+        return fill.value
+
     data = out.with_suffix(".fdf")
-    data.write_bytes(fdf(fills))
-    return output_of(command, path, "fill_form", data, "output", out)
+    values = dump({"FDF": {"Fields": [{"T": fill.name, "V": value(fill)} for fill in fills]}})
+    data.write_bytes(b"%FDF-1.2\n1 0 obj\n" + values + b"\nendobj\ntrailer\n<< /Root 1 0 R >>\n%%EOF\n")
+    return output_of("pdftk", path, "fill_form", data, "output", out)
 
 
 FILLERS = {"formwork": with_formwork, "pdftk": with_pdftk}
+
+
+def fill(filler, command, path, fills, out):
+    """Fills a copy of the file. `command`: formwork's path, whatever the filler."""
+    status, _, errors = FILLERS[filler](command, path, [fill for fill in fills if fill.value is not None], out)
+    if status or not out.exists():
+        raise Refused(errors.strip() or f"{filler} wrote nothing")

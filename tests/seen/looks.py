@@ -1,9 +1,8 @@
 """Judges one widget after the fill: the criteria that all have to hold, and the facts that hand-made cases add."""
 
 import collections
-import math
 
-from pdf_reader import Stream
+from facts import FACTS
 from viewers import Mupdf, Poppler, RESOLUTION, VIEWERS, changed, difference, inside, plain
 
 APART = 36  # levels of grey; see docs/appearance.md
@@ -54,6 +53,11 @@ class Look:
         held["appearance"] = self.has_appearance()
         held["no flag"] = self.after.pdf.form.get("/NeedAppearances") is not True
         return held
+
+    def judged(self, facts):
+        """The criteria, unless the field got no value, and the facts that a case declares."""
+        held = {} if self.fill.value is None else self.criteria()
+        return dict(held, **{name: FACTS[name](self, wanted) for name, wanted in facts.items()})
 
     def difference(self):
         """How far the viewers' pictures are apart at best, when one may be a pixel off."""

@@ -12,8 +12,8 @@ DIFFERS = 48  # levels of grey between two pixels that anti-aliasing does not ex
 FAINT = 0.35  # of the ink that the other viewer shows
 PIXELS_CHANGED = 6  # fewer than the smallest letter has
 
-# A word or a character: where it is on the page as shown, and where its baseline starts (MuPDF alone tells).
-Item = collections.namedtuple("Item", "x0 y0 x1 y1 text x y size", defaults=(0, 0, 0))
+# A word or a character: where it is on the page as shown, and where its baseline starts with which font (MuPDF alone tells).
+Item = collections.namedtuple("Item", "x0 y0 x1 y1 text x y size font", defaults=(0, 0, 0, ""))
 
 
 def run(*command):
@@ -54,7 +54,7 @@ class Poppler:
 
 class Mupdf:
     name = "MuPDF"
-    CHAR = re.compile(r'<font [^>]*size="([-\d.]+)"|<char quad="([^"]*)" x="([-\d.]+)" y="([-\d.]+)"[^>]* c="([^"]*)"')
+    CHAR = re.compile(r'<font name="([^"]*)" size="([-\d.]+)"|<char quad="([^"]*)" x="([-\d.]+)" y="([-\d.]+)"[^>]* c="([^"]*)"')
 
     @classmethod
     def texts(cls, path, pages):
@@ -63,14 +63,14 @@ class Mupdf:
 
     @classmethod
     def characters(cls, part):
-        size = 0.0
-        for font_size, quad, x, y, text in cls.CHAR.findall(part):
+        font, size = "", 0.0
+        for font_name, font_size, quad, x, y, text in cls.CHAR.findall(part):
             if font_size:
-                size = float(font_size)
+                font, size = font_name, float(font_size)
                 continue
             corners = [float(value) for value in quad.split()]
             xs, ys = corners[0::2], corners[1::2]
-            yield Item(min(xs), min(ys), max(xs), max(ys), html.unescape(text), float(x), float(y), size)
+            yield Item(min(xs), min(ys), max(xs), max(ys), html.unescape(text), float(x), float(y), size, font)
 
     @staticmethod
     def draw(path, pages, folder):
