@@ -288,17 +288,17 @@ def buttons():
     def check(name, value, facts=None, **entries):
         return case("buttons", name, [field("Btn", Rect=box, **entries)], {"f": value}, {"f": facts or {}})
 
-    yield check("check box", True, {"state": "Yes"}, AP={"N": two}, AS=Name("Off"))
-    yield check("check box, to be cleared", False, {"state": "Off"}, AP={"N": two}, AS=Name("Yes"), V=Name("Yes"))
-    yield check("check box without an appearance", True, {"state": "Yes", "ink": 1}, MK={"BC": [0]}, DA="/ZaDb 0 Tf 0 g")
+    yield check("check box", True, AP={"N": two}, AS=Name("Off"))
+    yield check("check box, to be cleared", False, AP={"N": two}, AS=Name("Yes"), V=Name("Yes"))
+    yield check("check box without an appearance", True, {"ink": 1}, MK={"BC": [0]}, DA="/ZaDb 0 Tf 0 g")
     yield check("check box without anything", True, {"ink": 1}, DA=None)
     yield check("check box with a cross", True, {"ink": 1, "edges": 4}, MK={"BC": [0], "CA": "8"}, DA="/ZaDb 0 Tf 0 g")
     yield check("check box, cleared, without an appearance", False, {"edges": 4}, MK={"BC": [0]}, V=Name("Yes"), AS=Name("Yes"))
-    yield check("state of another name", True, {"state": "S\u00ed"}, AP={"N": {"S\u00ed": state(ON), "Off": state(OFF)}}, AS=Name("Off"))
-    yield check("no appearance when off", True, {"state": "1"}, AP={"N": {"1": state(ON)}}, AS=Name("Off"))
-    yield check("no AS", True, {"state": "Yes"}, AP={"N": two})
+    yield check("state of another name", True, AP={"N": {"S\u00ed": state(ON), "Off": state(OFF)}}, AS=Name("Off"))
+    yield check("no appearance when off", True, AP={"N": {"1": state(ON)}}, AS=Name("Off"))
+    yield check("no AS", True, AP={"N": two})
     pair = [{"Rect": box, "AP": {"N": two}, "AS": Name("Off")}, {"Rect": box, "AP": {"N": two}, "AS": Name("Off"), "page": 1}]
-    yield case("buttons", "check box on two pages", [field("Btn", Rect=None, Kids=pair)], {"f": True}, {"f": {"state": "Yes"}})
+    yield case("buttons", "check box on two pages", [field("Btn", Rect=None, Kids=pair)], {"f": True})
 
     def radio(name, flags, states, value, facts=None, **entries):
         kids = []

@@ -134,11 +134,6 @@ def marked(look, texts):
     return bool(look.chars)
 
 
-def state(look, wanted):
-    """The button's widget is in this state."""
-    return look.after.entries.get("/AS") == "/" + wanted
-
-
 def on(look, index):
     """Of the field's widgets this one alone is on."""
     is_on = look.after.entries.get("/AS", "/Off") != "/Off"
@@ -168,5 +163,5 @@ def glyphs(look, _):
 
 
 FACTS = {fact.__name__: fact for fact in (
-    turned, align, cells, lines, size, font, absent, untouched, gone, edges, paper, darkest, marked, state, on, drawn, stream, ink, glyphs
+    turned, align, cells, lines, size, font, absent, untouched, gone, edges, paper, darkest, marked, on, drawn, stream, ink, glyphs
 )}

@@ -21,12 +21,8 @@ class Widget:
 
     def inherited(self, key):
         """The entry of the widget, its nearest ancestor or the form."""
-        level, steps = self.entries, 0
-        while isinstance(level, dict) and steps < 50:
-            if key in level:
-                return self.pdf.resolve(level[key])
-            level, steps = self.pdf.resolve(level.get("/Parent")), steps + 1
-        return self.pdf.resolve(self.pdf.form.get(key))
+        found = self.pdf.inherited(self.entries, key)
+        return self.pdf.resolve(self.pdf.form.get(key)) if found is None else found
 
     def normal_appearance(self):
         """None, "stream", or the set of the states that have a stream."""
@@ -78,18 +74,10 @@ class Stream(dict):
 class Page:
     def __init__(self, pdf, ref):
         self.entries = pdf.resolve(ref)
-        media = normal(pdf.numbers(self.inherited(pdf, "/MediaBox"))) or [0, 0, 612, 792]
-        crop = normal(pdf.numbers(self.inherited(pdf, "/CropBox"))) or media
+        media = normal(pdf.numbers(pdf.inherited(self.entries, "/MediaBox"))) or [0, 0, 612, 792]
+        crop = normal(pdf.numbers(pdf.inherited(self.entries, "/CropBox"))) or media
         self.box = [max(media[0], crop[0]), max(media[1], crop[1]), min(media[2], crop[2]), min(media[3], crop[3])]
-        self.turn = (self.inherited(pdf, "/Rotate") or 0) % 360
-
-    def inherited(self, pdf, key):
-        level = self.entries
-        while isinstance(level, dict):
-            if key in level:
-                return pdf.resolve(level[key])
-            level = pdf.resolve(level.get("/Parent"))
-        return None
+        self.turn = (pdf.inherited(self.entries, "/Rotate") or 0) % 360
 
 
 class Pdf:
@@ -122,6 +110,14 @@ class Pdf:
             found = self.objects.get("obj:" + value, {})
             value = Stream(found["stream"]["dict"]) if "stream" in found else found.get("value")
         return None
+
+    def inherited(self, entries, key):
+        """The entry of a dictionary or its nearest ancestor."""
+        for _ in range(50):
+            if not isinstance(entries, dict) or key in entries:
+                break
+            entries = self.resolve(entries.get("/Parent"))
+        return self.resolve(entries.get(key)) if isinstance(entries, dict) else None
 
     def numbers(self, value):
         values = [self.resolve(entry) for entry in self.resolve(value) or []]

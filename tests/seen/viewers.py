@@ -8,7 +8,7 @@ import unicodedata
 
 RESOLUTION = 100  # pixels an inch
 WINDOW = 10  # pixels: 7 points, a line of small text
-DIFFERS = 48  # levels of grey between two pixels that anti-aliasing does not explain
+DIFFERS = 20  # levels of grey between two pictures of the same viewer
 FAINT = 0.35  # of the ink that the other viewer shows
 PIXELS_CHANGED = 6  # fewer than the smallest letter has
 
@@ -41,8 +41,7 @@ class Poppler:
         first, last = min(pages) + 1, max(pages) + 1
         ask = ("-gray", "-r", RESOLUTION, "-cropbox", "-f", first, "-l", last, "-sep", "", "-forcenum")
         run("pdftoppm", "-q", *ask, path, folder / "poppler")
-        made = {int(file.stem[len("poppler") :]) - 1: file for file in folder.glob("poppler*.pgm")}
-        return made
+        return {int(file.stem[len("poppler") :]) - 1: file for file in folder.glob("poppler*.pgm")}
 
     @staticmethod
     def text_in(path, page, rect):
