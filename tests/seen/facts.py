@@ -1,5 +1,6 @@
 """Facts that a case declares about a widget beside the criteria that all have. Each tells whether it holds."""
 
+import collections
 import math
 
 from viewers import Mupdf, RESOLUTION, VIEWERS, changed, plain
@@ -8,12 +9,9 @@ INK = 160  # darker pixels are ink on white paper
 
 
 def direction(look):
-    """The direction of writing, as (x, y) with y downwards: from the first to the second character."""
-    if len(look.chars) < 2:
-        return 1, 0
-    x, y = look.chars[1].x - look.chars[0].x, look.chars[1].y - look.chars[0].y
-    length = math.hypot(x, y) or 1
-    return round(x / length), round(y / length)
+    """The direction of writing on the page as shown, as (x, y) with y downwards."""
+    turns = collections.Counter(char.along for char in look.chars)
+    return turns.most_common(1)[0][0] if turns else (1, 0)
 
 
 def extent(box, along):
@@ -35,8 +33,7 @@ def baselines(look):
 
 def turned(look, degrees):
     """The text runs this way, counterclockwise, on the page as shown."""
-    along = direction(look)
-    return len(look.chars) > 1 and round(math.degrees(math.atan2(-along[1], along[0]))) % 360 == degrees
+    return bool(look.chars) and direction(look) == {0: (1, 0), 90: (0, -1), 180: (-1, 0), 270: (0, 1)}[degrees]
 
 
 def align(look, wanted):

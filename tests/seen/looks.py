@@ -2,13 +2,13 @@
 
 import collections
 
-from facts import FACTS
+from facts import FACTS, turned
 from viewers import Mupdf, Poppler, RESOLUTION, VIEWERS, changed, difference, inside, plain
 
 APART = 36  # levels of grey; see docs/appearance.md
 EDGE = 2  # pixels: viewers round the lines at the edge differently
 
-CRITERIA = ("text in poppler", "text in MuPDF", "pictures agree", "picture changed", "appearance", "no flag")
+CRITERIA = ("text in poppler", "text in MuPDF", "text upright", "pictures agree", "picture changed", "appearance", "no flag")
 
 
 class Page:
@@ -45,6 +45,8 @@ class Look:
                 plain(Poppler.text_in(self.page.path, self.page.number, self.rect))
             )
             held["text in MuPDF"] = self.shows(self.text(Mupdf))
+            if any(map(plain, self.fill.shown)):
+                held["text upright"] = turned(self, self.before.shown_turn())
         held["pictures agree"] = self.difference() <= APART
         if self.should_change():
             held["picture changed"] = all(

@@ -41,6 +41,10 @@ class Widget:
         mark = self.pdf.resolve(self.entries.get("/MK", {}))
         return self.pdf.resolve(mark.get("/R", 0)) % 360 if isinstance(mark, dict) else 0
 
+    def shown_turn(self):
+        """How far the content is turned on the page as shown, in degrees counterclockwise."""
+        return (self.turn() - self.pdf.pages[self.page].turn) % 360
+
     def why_unseen(self):
         """Why nobody can see this widget, whatever is filled; None when it can be seen."""
         if self.pdf.resolve(self.entries.get("/F", 0)) & (HIDDEN | NO_VIEW):

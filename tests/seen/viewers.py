@@ -12,8 +12,8 @@ DIFFERS = 20  # levels of grey between two pictures of the same viewer
 FAINT = 0.35  # of the ink that the other viewer shows
 PIXELS_CHANGED = 6  # fewer than the smallest letter has
 
-# A word or a character: where it is on the page as shown, and where its baseline starts with which font (MuPDF alone tells).
-Item = collections.namedtuple("Item", "x0 y0 x1 y1 text x y size font", defaults=(0, 0, 0, ""))
+# A word or a character: its box on the page as shown, in points; of MuPDF's characters also where the baseline starts and runs.
+Item = collections.namedtuple("Item", "x0 y0 x1 y1 text x y along size font", defaults=(0, 0, (1, 0), 0, ""))
 
 
 def run(*command):
@@ -53,7 +53,9 @@ class Poppler:
 
 class Mupdf:
     name = "MuPDF"
-    CHAR = re.compile(r'<font name="([^"]*)" size="([-\d.]+)"|<char quad="([^"]*)" x="([-\d.]+)" y="([-\d.]+)"[^>]* c="([^"]*)"')
+    LINE = re.compile(r'<line [^>]*dir="([-\d.]+) ([-\d.]+)"')
+    FONT = re.compile(r'<font name="([^"]*)" size="([-\d.]+)"')
+    CHAR = re.compile(r'<char quad="([^"]*)" x="([-\d.]+)" y="([-\d.]+)"[^>]* c="([^"]*)"')
 
     @classmethod
     def texts(cls, path, pages):
@@ -62,14 +64,16 @@ class Mupdf:
 
     @classmethod
     def characters(cls, part):
-        font, size = "", 0.0
-        for font_name, font_size, quad, x, y, text in cls.CHAR.findall(part):
-            if font_size:
-                font, size = font_name, float(font_size)
-                continue
-            corners = [float(value) for value in quad.split()]
-            xs, ys = corners[0::2], corners[1::2]
-            yield Item(min(xs), min(ys), max(xs), max(ys), html.unescape(text), float(x), float(y), size, font)
+        along = font = size = None
+        for row in part.splitlines():
+            if found := cls.LINE.match(row):
+                along = round(float(found[1])), round(float(found[2]))
+            elif found := cls.FONT.match(row):
+                font, size = found[1], float(found[2])
+            elif found := cls.CHAR.match(row):
+                corners = [float(value) for value in found[1].split()]
+                box = min(corners[0::2]), min(corners[1::2]), max(corners[0::2]), max(corners[1::2])
+                yield Item(*box, html.unescape(found[4]), float(found[2]), float(found[3]), along, size, font)
 
     @staticmethod
     def draw(path, pages, folder):
