@@ -11,6 +11,13 @@ EDGE = 2  # pixels: viewers round the lines at the edge differently
 CRITERIA = ("text in poppler", "text in MuPDF", "text upright", "pictures agree", "picture changed", "appearance", "no flag")
 
 
+def criteria_of(fill):
+    """The criteria that a field of this kind can have."""
+    if fill.value is None:
+        return ()
+    return CRITERIA if fill.shown else [name for name in CRITERIA if not name.startswith("text")]
+
+
 class Page:
     """A page of a file in both viewers: texts, and pictures before and after."""
 

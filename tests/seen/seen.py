@@ -22,7 +22,7 @@ sys.path.append(str(ROOT / "samples"))
 
 import fillers
 from cases import all_cases
-from looks import CRITERIA, Look, Page
+from looks import CRITERIA, Look, Page, criteria_of
 from pdf_reader import Pdf, Unreadable
 from viewers import VIEWERS, Picture
 
@@ -68,8 +68,9 @@ def judge(options, subject):
     except TROUBLE as error:
         # What was not written, or cannot be read, is not seen.
         judged.why = (str(error).splitlines() or [""])[0]
-        asked = [(fill, [*(CRITERIA if fill.value is not None else ()), *subject.facts_of(fill)]) for fill in fills]
-        judged.widgets = [(fill.name, dict.fromkeys(names, False)) for fill, names in asked for _ in fill.widgets]
+        asked = [(fill, [*criteria_of(fill), *subject.facts_of(fill)]) for fill in fills]
+        seen = [(fill.name, names) for fill, names in asked for widget in fill.widgets if not widget.why_unseen()]
+        judged.widgets = [(name, dict.fromkeys(names, False)) for name, names in seen]
     if not options.keeps:
         shutil.rmtree(folder)
     return judged
