@@ -60,7 +60,7 @@ class Look:
                 changed(self.rows(viewer, self.page.before), self.rows(viewer)) for viewer in VIEWERS
             )
         held["appearance"] = self.has_appearance()
-        held["no flag"] = self.after.pdf.form.get("/NeedAppearances") is not True
+        held["no flag"] = self.after.pdf.resolve(self.after.pdf.form.get("/NeedAppearances")) is not True
         return held
 
     def judged(self, facts):

@@ -89,7 +89,7 @@ class Pdf:
         command = ["qpdf", "--json=2", "--json-key=pages", "--json-key=qpdf", str(path)]
         found = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         if found.returncode not in (0, 3):
-            raise Unreadable(path)
+            raise Unreadable("qpdf can't read it")
         data = json.loads(found.stdout.decode("utf-8", "replace"))
         self.objects = data["qpdf"][1]
         root = self.resolve(self.objects["trailer"]["value"]["/Root"])

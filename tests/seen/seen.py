@@ -26,7 +26,7 @@ from looks import CRITERIA, Look, Page, criteria_of
 from pdf_reader import Pdf, Unreadable
 from viewers import VIEWERS, Picture
 
-TROUBLE = (Unreadable, fillers.Refused, subprocess.TimeoutExpired)
+EXPECTED = (Unreadable, fillers.Refused, subprocess.TimeoutExpired)
 
 
 class Judged:
@@ -65,9 +65,10 @@ def judge(options, subject):
         if fills:
             for look in fill_and_look(options, path, fills, folder):
                 judged.widgets.append((look.name(), look.judged(subject.facts_of(look.fill))))
-    except TROUBLE as error:
+    except Exception as error:  # a form that this script can't read either must not end the run
         # What was not written, or cannot be read, is not seen.
-        judged.why = (str(error).splitlines() or [""])[0]
+        judged.why = "" if isinstance(error, EXPECTED) else type(error).__name__ + ": "
+        judged.why += (str(error).splitlines() or [""])[0]
         asked = [(fill, [*criteria_of(fill), *subject.facts_of(fill)]) for fill in fills]
         seen = [(fill.name, names) for fill, names in asked for widget in fill.widgets if not widget.why_unseen()]
         judged.widgets = [(name, dict.fromkeys(names, False)) for name, names in seen]
@@ -114,7 +115,7 @@ def table_of_files(results):
     left_out = sum((judged.left_out for judged in results), collections.Counter())
     print("\nWidgets left out:", ", ".join(f"{count} {why}" for why, count in left_out.most_common() if count) or "none")
     print("Files without a field to fill:", sum(not judged.widgets and not judged.why for judged in results))
-    print("Files not read:", sum(not judged.widgets and bool(judged.why) for judged in results), "\n")
+    print("Files not read:", sum(not judged.widgets and bool(judged.why) for judged in results))
 
 
 def table_of_cases(results):
@@ -125,14 +126,14 @@ def table_of_cases(results):
     for name, group in [*groups.items(), ("**all**", results)]:
         facts = (fact for judged in group for _, held in judged.widgets for fact in held.values())
         print(f"| {name} | {share(judged.is_whole() for judged in group)} | {share(facts)} |")
-    print()
 
 
-def tell_failures(results):
+def tell_failures(results, verbose):
+    """Files that were not measured or not filled; when verbose every widget that fails, too."""
     for judged in results:
         if judged.why:
-            print(f"{judged.name}: {'' if judged.widgets else 'left out: '}{judged.why}")
-        for name, held in () if judged.why else judged.widgets:
+            print(f"{judged.name}: {'failed' if judged.widgets else 'left out'}: {judged.why}")
+        for name, held in judged.widgets if verbose and not judged.why else ():
             if not all(held.values()):
                 print(f"{judged.name}: {name}: not {', not '.join(what for what, holds in held.items() if not holds)}")
 
@@ -161,9 +162,8 @@ def main():
     for table, judged in zip((table_of_files, table_of_cases), results):
         if judged:
             table(judged)
-            if options.verbose:
-                tell_failures(judged)
-                print()
+            tell_failures(judged, options.verbose)
+            print()
     return 0 if any(results) else 1
 
 
