@@ -183,7 +183,8 @@ def texts():
     yield text(group, "long line, size by the box", long, {"lines": 1, "size": (4, 10)}, DA="/Helv 0 Tf 0 g")
     yield text(group, "long line, fixed size", long, {"size": (12, 12), "shown": ["A rather long value"]})
     many = " ".join(["Many words that have to be wrapped"] * 6)
-    yield text(group, "many lines, size by the box", many, {"lines": -4, "size": (4, 12)}, DA="/Helv 0 Tf 0 g", Ff=MULTILINE, Rect=HIGH)
+    yield text(group, "many lines, size by the box", many, {"lines": -4, "size": (4, 12)},
+               DA="/Helv 0 Tf 0 g", Ff=MULTILINE, Rect=HIGH)
     yield text(group, "more lines than fit, fixed size", many, {"shown": ["Many words that have"], "size": (12, 12)},
                Ff=MULTILINE, Rect=HIGH)
     yield text(group, "a word longer than the line", "Donaudampfschiff" * 3, {"lines": -2}, Ff=MULTILINE, Rect=HIGH)
@@ -209,14 +210,14 @@ def fonts():
 
     letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
     turned = {"Type": Name("Encoding"), "Differences": [65] + [Name(c) for c in reversed(letters)]}
-    polish = {"Type": Name("Encoding"), "BaseEncoding": Name("WinAnsiEncoding"), "Differences": [1, Name("Lslash"), Name("eogonek")]}
+    polish = {"Type": Name("Encoding"), "Differences": [1, Name("Lslash"), Name("eogonek")]}
     plain = Subset("DejaVu Sans", "SenabcdQuikZ 0123456789")
     yield with_font("letters in another order", standard("Helvetica", Encoding=turned), "HELP")
-    yield with_font("Polish by Differences", standard("Helvetica", Encoding=polish), "\u0141\u0119")
-    yield with_font("no encoding", standard("Helvetica"), "caf\u00e9 10 \u20ac")
+    yield with_font("Polish by Differences", standard("Helvetica", Encoding=polish), "Łę")
+    yield with_font("no encoding", standard("Helvetica"), "café 10 €")
     yield with_font("Times", standard("Times-Roman"), "Right", {"align": 2, "font": "Times"}, Q=2)
     yield with_font("Courier", standard("Courier-Bold"), "Right 12", {"align": 2, "font": "Courier"}, Q=2)
-    yield with_font("MacRoman", standard("Helvetica", Encoding=Name("MacRomanEncoding")), "Z\u00fcrich \u2013 \u00e9")
+    yield with_font("MacRoman", standard("Helvetica", Encoding=Name("MacRomanEncoding")), "Zürich – é")
     yield with_font("Type0", plain.composite(), "Quick Zen", {"align": 2, "font": "Cut"}, Q=2)
     yield with_font("Type0 comb", plain.composite(), "a1b2c3", {"cells": (6, 0)}, Ff=COMB, MaxLen=6)
     yield with_font("Type0 that lacks characters", plain.composite(), "Wxyz")
@@ -233,24 +234,33 @@ def fonts():
 
 def scripts():
     values = {
-        "Polish": "Za\u017c\u00f3\u0142\u0107 g\u0119\u015bl\u0105", "Greek": "\u039a\u03b1\u03bb\u03b7\u03bc\u03ad\u03c1\u03b1",
-        "Cyrillic": "\u041f\u0440\u0438\u0432\u0435\u0442 \u043c\u0438\u0440", "Arabic": "\u0645\u0631\u062d\u0628\u0627 \u0628\u0643\u0645",
-        "Hebrew": "\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd", "Hindi": "\u0928\u092e\u0938\u094d\u0924\u0947 \u0939\u093f\u0928\u094d\u0926\u0940",
-        "Thai": "\u0e2a\u0e27\u0e31\u0e2a\u0e14\u0e35", "Chinese": "\u4f60\u597d\u4e16\u754c", "Japanese": "\u3053\u3093\u306b\u3061\u306f \u6771\u4eac",
-        "Korean": "\uc548\ub155\ud558\uc138\uc694", "emoji": "\U0001f600 \U0001f680", "Arabic and Latin": "Ref 42 \u0645\u0631\u062d\u0628\u0627 end",
-        "Vietnamese": "Ti\u1ebfng Vi\u1ec7t", "combining marks": "Z\u0300 q\u0301",
+        "Polish": "Zażółć gęślą",
+        "Greek": "Καλημέρα",
+        "Cyrillic": "Привет мир",
+        "Arabic": "مرحبا بكم",
+        "Hebrew": "שלום עולם",
+        "Hindi": "नमस्ते हिन्दी",
+        "Thai": "สวัสดี",
+        "Chinese": "你好世界",
+        "Japanese": "こんにちは 東京",
+        "Korean": "안녕하세요",
+        "emoji": "😀 🚀",
+        "Arabic and Latin": "Ref 42 مرحبا end",
+        "Vietnamese": "Tiếng Việt",
+        "combining marks": "Z\u0300 q\u0301",
     }
     for name, value in values.items():
         yield text("scripts", name, value, {"lines": 1})
     yield text("scripts", "Arabic, many lines", " ".join([values["Arabic"]] * 8), {"lines": -2}, Ff=MULTILINE, Rect=HIGH)
     yield text("scripts", "Chinese, many lines", values["Chinese"] * 8, {"lines": -2}, Ff=MULTILINE, Rect=HIGH)
-    yield text("scripts", "Greek, comb", "\u0391\u0392\u0393\u0394", {"cells": (8, 0)}, Ff=COMB, MaxLen=8)
+    yield text("scripts", "Greek, comb", "ΑΒΓΔ", {"cells": (8, 0)}, Ff=COMB, MaxLen=8)
     yield text("scripts", "Hebrew, turned", values["Hebrew"], MK={"R": 90}, Rect=TALL)
     yield text("scripts", "Hebrew, at the right", values["Hebrew"], {"align": 2}, Q=2)
     yield text("scripts", "Japanese, size by the box", values["Japanese"] * 4, {"lines": 1}, DA="/Helv 0 Tf 0 g")
     options = [["1", values["Arabic"]], ["2", values["Japanese"]]]
     yield case("scripts", "combo box, Arabic", [field("Ch", Ff=COMBO, Opt=options)], {"f": "1"})
-    yield case("scripts", "list box, Japanese", [field("Ch", Opt=options, Rect=HIGH)], {"f": "2"}, {"f": {"marked": [values["Japanese"]]}})
+    yield case("scripts", "list box, Japanese", [field("Ch", Opt=options, Rect=HIGH)], {"f": "2"},
+               {"f": {"marked": [values["Japanese"]]}})
 
 
 # Choices
@@ -269,7 +279,8 @@ def choices():
     parent = field("Ch", Ff=COMBO, Opt=ON_SALE, Rect=None, Kids=[{"Rect": LINE}])
     yield case("choices", "options of the parent", [parent], {"f": "de"}, {"f": {"drawn": ["German"]}})
     yield choice("list box", "March", {"marked": ["March"], "drawn": ["January", "April"]}, Opt=MONTHS[:5], Rect=HIGH)
-    yield choice("list box with shown texts", "en", {"marked": ["English"], "drawn": ["German", "Polish"]}, Opt=ON_SALE, Rect=HIGH)
+    yield choice("list box with shown texts", "en", {"marked": ["English"], "drawn": ["German", "Polish"]},
+                 Opt=ON_SALE, Rect=HIGH)
     yield choice("list box with TI", "June", {"marked": ["June"], "drawn": ["May", "July"], "absent": "January"}, Opt=MONTHS,
                  TI=4, Rect=HIGH)
     yield choice("several selected", ["February", "April"], {"marked": ["February", "April"], "drawn": ["March"]},
@@ -294,7 +305,7 @@ def buttons():
     yield check("check box without anything", True, {"ink": 1}, DA=None)
     yield check("check box with a cross", True, {"ink": 1, "edges": 4}, MK={"BC": [0], "CA": "8"}, DA="/ZaDb 0 Tf 0 g")
     yield check("check box, cleared, without an appearance", False, {"edges": 4}, MK={"BC": [0]}, V=Name("Yes"), AS=Name("Yes"))
-    yield check("state of another name", True, AP={"N": {"S\u00ed": state(ON), "Off": state(OFF)}}, AS=Name("Off"))
+    yield check("state of another name", True, AP={"N": {"Sí": state(ON), "Off": state(OFF)}}, AS=Name("Off"))
     yield check("no appearance when off", True, AP={"N": {"1": state(ON)}}, AS=Name("Off"))
     yield check("no AS", True, AP={"N": two})
     pair = [{"Rect": box, "AP": {"N": two}, "AS": Name("Off")}, {"Rect": box, "AP": {"N": two}, "AS": Name("Off"), "page": 1}]
@@ -312,7 +323,8 @@ def buttons():
     yield radio("radio buttons with export values", RADIO, ("0", "1", "2"), "1", {"on": 1}, Opt=["red", "green", "blue"])
     yield radio("in unison", RADIO | UNISON, ("a", "b", "a"), "a")
     yield radio("check boxes of two states", 0, ("Lunch", "Dinner"), "Dinner", {"on": 1})
-    yield radio("radio buttons without appearances", RADIO, (None, None, None), "green", {"on": 1, "ink": 1}, Opt=["red", "green", "blue"])
+    yield radio("radio buttons without appearances", RADIO, (None, None, None), "green", {"on": 1, "ink": 1},
+                Opt=["red", "green", "blue"])
 
 
 # Files: where widgets are and what else is there
@@ -320,7 +332,8 @@ def buttons():
 
 def files():
     group = "files"
-    sizes = [{"Rect": [40, 100, 240, 124]}, {"Rect": [40, 30, 120, 42], "page": 1}, {"Rect": [200, 20, 230, 180], "MK": {"R": 90}}]
+    sizes = [{"Rect": [40, 100, 240, 124]}, {"Rect": [40, 30, 120, 42], "page": 1},
+             {"Rect": [200, 20, 230, 180], "MK": {"R": 90}}]
     yield case(group, "widgets of several sizes", [field("Tx", DA="/Helv 0 Tf 0 g", Rect=None, Kids=sizes)], {"f": "Grace"})
     yield text(group, "corners the other way round", "Grace", {"align": 0}, Rect=[240, 124, 40, 100])
     yield text(group, "page with another origin", "Grace", {"align": 0}, page={"MediaBox": [-100, -50, 260, 150]})
@@ -336,15 +349,17 @@ def files():
                AP={"N": old})
     low = [40, 40, 240, 64]
     shared = [field("Tx", V="Before", AP={"N": old}), field("Tx", T="g", V="Before", Rect=low, AP={"N": old})]
-    yield case(group, "one appearance for two fields", shared, {"f": "Grace"}, {"f": {"absent": "Before"}, "g": {"untouched": 1}})
+    yield case(group, "one appearance for two fields", shared, {"f": "Grace"},
+               {"f": {"absent": "Before"}, "g": {"untouched": 1}})
     flag = {"NeedAppearances": True}
     yield case(group, "NeedAppearances, another field has its appearance", shared, {"f": "Grace"}, {"g": {"untouched": 1}}, flag)
     bare = [field("Tx"), field("Tx", T="g", V="Before", Rect=low)]
-    yield case(group, "NeedAppearances, another field has none", bare, {"f": "Grace"}, {"g": {"stream": 1, "drawn": ["Before"]}}, flag)
+    yield case(group, "NeedAppearances, another field has none", bare, {"f": "Grace"},
+               {"g": {"stream": 1, "drawn": ["Before"]}}, flag)
     parts = [{"T": "p", "Kids": [field("Tx", T="q", Rect=None, Kids=[{"Rect": LINE}, {"Rect": low, "F": HIDDEN}])]}]
     yield case(group, "nested, one widget hidden", parts, {"p.q": "Grace"})
     yield text(group, "down and rollover appearances", "Grace", AP={"N": old, "D": old, "R": old}, V="Before")
-    yield case(group, "name with an umlaut", [field("Tx", T="Stra\u00dfe")], {"Stra\u00dfe": "Grace"})
+    yield case(group, "name with an umlaut", [field("Tx", T="Straße")], {"Straße": "Grace"})
     kids = [{"Rect": LINE, "DA": "/Helv 8 Tf 0 g"}, {"Rect": low, "DA": "/Helv 16 Tf 0 g", "Q": 2}]
     yield case(group, "each widget with its own DA", [field("Tx", Rect=None, Kids=kids)], {"f": "Grace"})
 

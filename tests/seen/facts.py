@@ -160,5 +160,6 @@ def glyphs(look, _):
 
 
 FACTS = {fact.__name__: fact for fact in (
-    turned, align, cells, lines, size, font, absent, untouched, gone, edges, paper, darkest, marked, on, drawn, stream, ink, glyphs
+    turned, align, cells, lines, size, font, absent, untouched, gone, edges, paper, darkest, marked, on, drawn, stream, ink,
+    glyphs,
 )}

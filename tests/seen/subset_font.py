@@ -35,7 +35,8 @@ class Subset:
         ends, starts, deltas, ranges = (at + 14 + 2 * segments * k + 2 * (k > 0) for k in range(4))
         found = {}
         for i in range(segments):
-            end, start, delta, skip = (struct.unpack_from(">H", cmap, base + 2 * i)[0] for base in (ends, starts, deltas, ranges))
+            bases = (ends, starts, deltas, ranges)
+            end, start, delta, skip = (struct.unpack_from(">H", cmap, base + 2 * i)[0] for base in bases)
             for code in range(start, min(end, 0xFFFE) + 1):
                 glyph = code
                 if skip:

@@ -77,7 +77,8 @@ class Mupdf:
 
     @staticmethod
     def draw(path, pages, folder):
-        run("mutool", "draw", "-q", "-r", RESOLUTION, "-c", "gray", "-F", "pnm", "-o", folder / "mupdf%d.pgm", path, listed(pages))
+        ask = ("-r", RESOLUTION, "-c", "gray", "-F", "pnm", "-o", folder / "mupdf%d.pgm")
+        run("mutool", "draw", "-q", *ask, path, listed(pages))
         return {page: folder / f"mupdf{page + 1}.pgm" for page in pages}
 
 
