@@ -58,4 +58,3 @@ PDF_CHANGE_RESULT clear_need_appearances(CPDFXRefTable& xref, CPDFObj& root, con
 {
     return change_flag(xref, root, root_ref, CPDFObj());
 }
-

@@ -100,7 +100,7 @@ CPDFStatus find_page(CPDFDocument& document, int32_t number, PDF_DRAWN_PAGE& pag
     const int32_t count = pages.page_count();
     if (number < 1 || number > count)
         return CPDFStatus::failed(PDF_CODE::NOT_FOUND, "there is no " + name + ": the document has " +
-                                                          std::to_string(count) + (count == 1 ? " page" : " pages"));
+                                                           std::to_string(count) + (count == 1 ? " page" : " pages"));
     page.ref = pages.page_ref(number);
     if (page.ref.num == 0)
         return CPDFStatus::failed(PDF_CODE::NOT_FOUND, name + " is no object of its own, which is not supported");
