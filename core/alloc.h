@@ -46,6 +46,19 @@ T* vx_alloc_array(size_t count)
     return static_cast<T*>(VXAlloc(count * sizeof(T)));
 }
 
+// Base of the classes whose objects the engine makes: `new` takes them from here, too, and gives null when memory runs
+// out, so that it never throws. One base for each class keeps it without size.
+template <typename T>
+struct VXNew {
+    static void* operator new(size_t size) noexcept
+    {
+        static_assert(alignof(T) <= alignof(uint64_t));
+        return VXAlloc(size);
+    }
+    static void* operator new(size_t /*size*/, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { VXFree(block); }
+};
+
 #ifdef FORMWORK_ALLOC_HOOK
 // Test hook of debug builds. Lets the next `count` calls of VXAlloc and VXRealloc succeed and the one after fail,
 // once; a negative count ends the hook.

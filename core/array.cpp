@@ -3,7 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include "core/alloc.h"
+#include "core/growable.h"
 
 void CPDFArray::clear()
 {
@@ -17,16 +17,8 @@ void CPDFArray::clear()
 
 CPDFObj* CPDFArray::append()
 {
-    if (count == m_capacity) {
-        if (m_capacity > INT32_MAX / 2)
-            return nullptr;
-        const int32_t capacity = m_capacity ? m_capacity * 2 : 4;
-        void* grown = VXRealloc(items, static_cast<size_t>(capacity) * sizeof(CPDFObj));
-        if (!grown)
-            return nullptr;
-        items = static_cast<CPDFObj*>(grown);
-        m_capacity = capacity;
-    }
+    if (count == m_capacity && !vx_add_room(items, m_capacity, m_capacity ? m_capacity : 4))
+        return nullptr;
     return new (&items[count++]) CPDFObj;
 }
 
@@ -75,7 +67,10 @@ void CPDFArray::append_ref(const PDF_REF& ref)
 
 void CPDFArray::append_arr(const CPDFArray* src)
 {
-    append_built([src](CPDFObj& built) { built.set_array()->copy_from(src); });
+    append_built([src](CPDFObj& built) {
+        if (built.set_array())
+            built.arr->copy_from(src);
+    });
 }
 
 void CPDFArray::remove_obj(int index)

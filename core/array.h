@@ -1,10 +1,11 @@
 // The array of object values (ISO 32000-2, 7.3.6).
 #pragma once
 
+#include "core/alloc.h"
 #include "core/object.h"
 
 // A sequence of values that it owns. A fresh array is empty; the indices are zero-based.
-class CPDFArray {
+class CPDFArray : public VXNew<CPDFArray> {
 public:
     CPDFArray() = default;
     ~CPDFArray() { clear(); }

@@ -5,8 +5,8 @@
 #include <new>
 #include <utility>
 
-#include "core/alloc.h"
 #include "core/array.h"
+#include "core/growable.h"
 
 const char* const CPDFDictionary::sm_tag_subtype = "Subtype";
 const char* const CPDFDictionary::sm_tag_parent = "Parent";
@@ -69,17 +69,7 @@ void CPDFDictionary::take(CPDFDictionary& src)
 
 bool CPDFDictionary::reserve_one()
 {
-    if (count < m_capacity)
-        return true;
-    if (m_capacity > INT32_MAX / 2)
-        return false;
-    const int32_t capacity = m_capacity ? m_capacity * 2 : 8;
-    void* grown = VXRealloc(items, static_cast<size_t>(capacity) * sizeof(PDF_DICT_ITEM*));
-    if (!grown)
-        return false;
-    items = static_cast<PDF_DICT_ITEM**>(grown);
-    m_capacity = capacity;
-    return true;
+    return count < m_capacity || vx_add_room(items, m_capacity, m_capacity ? m_capacity : 8);
 }
 
 void CPDFDictionary::copy_from(const CPDFDictionary* src)
@@ -225,12 +215,18 @@ void CPDFDictionary::set_item_ref(const char* key, const PDF_REF& ref)
 
 void CPDFDictionary::set_item_arr(const char* key, const CPDFArray* array)
 {
-    set_built(key, [array](CPDFObj& built) { built.set_array()->copy_from(array); });
+    set_built(key, [array](CPDFObj& built) {
+        if (built.set_array())
+            built.arr->copy_from(array);
+    });
 }
 
 void CPDFDictionary::set_item_dict(const char* key, const CPDFDictionary* dict)
 {
-    set_built(key, [dict](CPDFObj& built) { built.set_dict()->copy_from(dict); });
+    set_built(key, [dict](CPDFObj& built) {
+        if (built.set_dict())
+            built.dict->copy_from(dict);
+    });
 }
 
 void CPDFStreamRec::copy_from(const CPDFStreamRec* src)

@@ -1,6 +1,7 @@
 // The dictionary, the stream record and the entry record (ISO 32000-2, 7.3.7 and 7.3.8).
 #pragma once
 
+#include "core/alloc.h"
 #include "core/object.h"
 
 // One entry: the value, immediately followed by the key's NUL-terminated characters in the same block.
@@ -12,7 +13,7 @@ struct PDF_DICT_ITEM {
 };
 
 // Entries kept sorted by key in byte order, keys unique and without the slash.
-class CPDFDictionary {
+class CPDFDictionary : public VXNew<CPDFDictionary> {
 public:
     CPDFDictionary() = default;
     ~CPDFDictionary() { clear(); }
@@ -78,7 +79,7 @@ private:
 };
 
 // A stream value. The data is not owned: it stays in the file or in the object store.
-struct CPDFStreamRec {
+struct CPDFStreamRec : VXNew<CPDFStreamRec> {
     CPDFDictionary dict;
     uint32_t in_file = 0;    // 1 when the data lies in the file, 0 for data held in memory
     uint32_t data_len = 0;   // bytes, as stored (not decoded)

@@ -14,7 +14,7 @@ struct PDF_ENTRY_CHANGE {
 // Changes of one dictionary, no key twice.
 using PDF_ENTRY_CHANGES = std::span<const PDF_ENTRY_CHANGE>;
 
-enum class PDF_CHANGE_RESULT {
+enum class [[nodiscard]] PDF_CHANGE_RESULT{
     STORED,
     NO_DICTIONARY,  // the object is missing or no dictionary: nothing is stored
     NO_MEMORY,      // nothing is stored

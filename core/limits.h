@@ -41,7 +41,7 @@ constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{8} << 20;
 constexpr size_t LIMIT_OBJECT_STREAM_CACHE_LARGE = size_t{256} << 20;
 constexpr size_t LIMIT_OBJECT_STREAM_CACHE_RATIO = 8;
 
-// Bytes that are parsed for one document, and that the values take which are built, before further objects read as
+// Bytes that are parsed in one operation, and that the values take which are built, before further objects read as
 // absent: without it, many references to one large object take quadratic time and memory. Real forms are read about
 // twice; the bytes of object streams count as the file's own do.
 constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{64} << 20;
@@ -93,8 +93,8 @@ constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;
 
-// Fields looked at while the paths of one selection are looked up: where many have one name, every path may have to try
-// them all.
+// Fields looked at while the paths of one selection are looked up: where many have the names of its first step, and many
+// those of its last, a path may have to try them all.
 constexpr int64_t LIMIT_SELECT_VISITS = 20000000;
 
 // XML that is parsed recursively: levels, then elements and attributes in all, then attributes of one element
@@ -103,7 +103,7 @@ constexpr int LIMIT_XML_DEPTH = 256;
 constexpr size_t LIMIT_XML_NODES = 1000000;
 constexpr size_t LIMIT_XML_ATTRIBUTES = 512;
 
-// Nodes and depth of the page tree.
+// Levels of the page tree and of name trees. Deeper ones exhaust the stack of recursive walks.
 constexpr int LIMIT_PAGE_DEPTH = 128;
 
 // Pixels of a picture, on one side and in all (1 GiB). Cairo takes no longer side.

@@ -30,8 +30,7 @@ void CPDFObj::free()
     default:
         break;
     }
-    type = PDF_OBJ_NULL;
-    str = {0, nullptr};
+    clear();
 }
 
 void CPDFObj::copy_from(const CPDFObj* src)
@@ -47,16 +46,17 @@ void CPDFObj::copy_from(const CPDFObj* src)
         set_name(src->name);
         return;
     case PDF_OBJ_ARRAY:
-        set_array()->copy_from(src->arr);
+        if (set_array())
+            arr->copy_from(src->arr);
         return;
     case PDF_OBJ_DICT:
-        set_dict()->copy_from(src->dict);
+        if (set_dict())
+            dict->copy_from(src->dict);
         return;
     case PDF_OBJ_STREAM:
-        stream = new CPDFStreamRec;
-        if (src->stream)
+        if (set_stream() && src->stream)
             stream->copy_from(src->stream);
-        break;
+        return;
     case PDF_OBJ_REF:
         ref = src->ref;
         break;
@@ -73,8 +73,7 @@ void CPDFObj::take(CPDFObj& src)
         return;
     free();
     std::memcpy(static_cast<void*>(this), static_cast<const void*>(&src), sizeof(CPDFObj));
-    src.type = PDF_OBJ_NULL;
-    src.str = {0, nullptr};
+    src.clear();
 }
 
 void CPDFObj::set_bool(int value)
@@ -132,7 +131,7 @@ CPDFArray* CPDFObj::set_array()
 {
     free();
     arr = new CPDFArray;
-    type = PDF_OBJ_ARRAY;
+    type = arr ? PDF_OBJ_ARRAY : PDF_OBJ_NULL;
     return arr;
 }
 
@@ -140,8 +139,16 @@ CPDFDictionary* CPDFObj::set_dict()
 {
     free();
     dict = new CPDFDictionary;
-    type = PDF_OBJ_DICT;
+    type = dict ? PDF_OBJ_DICT : PDF_OBJ_NULL;
     return dict;
+}
+
+CPDFStreamRec* CPDFObj::set_stream()
+{
+    free();
+    stream = new CPDFStreamRec;
+    type = stream ? PDF_OBJ_STREAM : PDF_OBJ_NULL;
+    return stream;
 }
 
 bool CPDFObj::is_name(const char* characters) const

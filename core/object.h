@@ -43,7 +43,7 @@ enum PDF_OBJ_TYPE : int32_t {
 // end of its scope.
 class CPDFObj {
 public:
-    CPDFObj() : type(PDF_OBJ_NULL), str{0, nullptr} {}
+    CPDFObj() { clear(); }
     ~CPDFObj()
     {
         if (owns_storage())
@@ -56,7 +56,7 @@ public:
     void free();
 
     // Releases the payload, then becomes a deep copy of `src`; null gives tag 0. When memory runs out a string is
-    // left empty and a name absent (tag 0).
+    // left empty and anything else absent (tag 0).
     void copy_from(const CPDFObj* src);
 
     // Takes the payload of `src`, which is left null; what this value held is released.
@@ -71,9 +71,11 @@ public:
     void set_name(const char* characters);
     void set_string(const void* bytes, int32_t len);
 
-    // Frees the value and gives it a new empty container, which is returned and stays owned by this value.
+    // Frees the value and gives it a new empty container, which is returned and stays owned by this value; null, with
+    // the value left null, when memory runs out.
     CPDFArray* set_array();
     CPDFDictionary* set_dict();
+    CPDFStreamRec* set_stream();
 
     bool is_name(const char* characters) const;
 
@@ -98,6 +100,14 @@ public:
     };
 
 private:
+    // Tag 0, and every word of the payload 0.
+    void clear()
+    {
+        type = PDF_OBJ_NULL;
+        str = {0, nullptr};
+        fval = 0;
+    }
+
     bool owns_storage() const { return type >= PDF_OBJ_STRING && type != PDF_OBJ_REF; }
 };
 

@@ -1,24 +1,12 @@
 #include "core/stream.h"
 
-#include "core/alloc.h"
+#include "core/growable.h"
 
 namespace {
 
 constexpr int FIRST_STEP = 1024;
 constexpr int LAST_STEP = 65536;
-
-// Grows `data` to `capacity` + 4 bytes, the room of a terminator included; on failure releases it.
-bool grow(VXBlock<unsigned char>& data, int64_t capacity)
-{
-    void* grown = VXRealloc(data.get(), static_cast<size_t>(capacity) + 4);
-    if (!grown) {
-        data.reset();
-        return false;
-    }
-    static_cast<void>(data.release());
-    data.reset(static_cast<unsigned char*>(grown));
-    return true;
-}
+constexpr int64_t END_ROOM = 4;  // behind the capacity, for the terminator
 
 }  // namespace
 
@@ -31,8 +19,8 @@ unsigned char* CPDFStream::buffer_load(int max, int& len)
     len = 0;
     if (capacity > INT32_MAX - 2 * LAST_STEP)
         return nullptr;
-    VXBlock<unsigned char> data(static_cast<unsigned char*>(VXAlloc(static_cast<size_t>(capacity) + 4)));
-    if (!data)
+    CPDFGrowable<unsigned char, FIRST_STEP> data;
+    if (!data.reserve(static_cast<size_t>(capacity + END_ROOM)))
         return nullptr;
 
     // The first read asks for the whole estimate, later ones for steps that double.
@@ -40,20 +28,20 @@ unsigned char* CPDFStream::buffer_load(int max, int& len)
     int64_t step = capacity;
     int64_t next_step = FIRST_STEP;
     for (bool first = true;; first = false) {
-        const int64_t got = step > 0 ? read_data(data.get() + total, static_cast<int>(step)) : 0;
+        const int64_t got = step > 0 ? read_data(data.data() + total, static_cast<int>(step)) : 0;
         total += got;
         if (got < step)
             break;
         capacity += next_step;
-        if ((!first && capacity > max) || capacity > INT32_MAX - 4)
+        if ((!first && capacity > max) || capacity > INT32_MAX - END_ROOM)
             break;
-        if (!grow(data, capacity))
+        if (!data.reserve(static_cast<size_t>(capacity + END_ROOM)))
             return nullptr;
         step = next_step;
         if (next_step < LAST_STEP)
             next_step *= 2;
     }
-    data.get()[total] = 0;
+    data.data()[total] = 0;
     len = static_cast<int>(total);
     return data.release();
 }

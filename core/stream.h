@@ -3,8 +3,11 @@
 
 #include <cstdint>
 
-// Made by CPDFXRefTable::make_stream; the caller owns it and deletes it. It must not outlive the object store.
-class CPDFStream {
+#include "core/alloc.h"
+
+// Made by CPDFXRefTable::make_stream; the caller owns it and deletes it. It must not outlive the object store. The order of
+// its virtual operations stays.
+class CPDFStream : public VXNew<CPDFStream> {
 public:
     CPDFStream() = default;
     virtual ~CPDFStream();

@@ -12,7 +12,6 @@ namespace {
 
 constexpr int32_t CHANGED_STEP = 32;
 constexpr uint32_t ENTRY_STEP = 256;
-constexpr int32_t PENDING_STEP = 8;
 
 // Deep-copies `src`, leaving out the dictionary entries that are not asked for.
 void copy_wanted(CPDFObj& out, const CPDFObj& src, const CPDFKeySet* keys)
@@ -23,7 +22,7 @@ void copy_wanted(CPDFObj& out, const CPDFObj& src, const CPDFKeySet* keys)
         return;
     }
     CPDFDictionary* copy = out.set_dict();
-    for (int32_t i = 0; i < dict->count; ++i) {
+    for (int32_t i = 0; copy && i < dict->count; ++i) {
         const char* key = dict->items[i]->key();
         const size_t len = std::strlen(key);
         CPDFObj* value = keys->contains(key, len) ? copy->append_unsorted(key, len) : nullptr;
@@ -57,8 +56,6 @@ CPDFXRefTable::~CPDFXRefTable()
     VXFree(m_entries);
     VXFree(m_changed);
     VXFree(m_before);
-    VXFree(m_pending);
-    VXFree(m_mem_streams);
 }
 
 void CPDFXRefTable::discard_changes()
@@ -74,9 +71,9 @@ void CPDFXRefTable::discard_changes()
             m_entries[m_before[i].num] = m_before[i].entry;
     }
     m_changed_cnt = 0;
-    for (uint32_t i = 0; i < m_mem_stream_cnt; ++i)
-        VXFree(m_mem_streams[i].data);
-    m_mem_stream_cnt = 0;
+    for (const PDF_MEM_STREAM& memory : m_mem_streams)
+        VXFree(memory.data);
+    m_mem_streams.cut(0);
 }
 
 bool CPDFXRefTable::grow_entries(uint32_t num)
@@ -88,14 +85,12 @@ bool CPDFXRefTable::grow_entries(uint32_t num)
     const uint32_t count = (num + ENTRY_STEP) / ENTRY_STEP * ENTRY_STEP;
     if (count > m_entry_cap) {
         const uint32_t capacity = std::max(count, m_entry_cap + m_entry_cap / 2);
-        void* grown = VXRealloc(m_entries, capacity * sizeof(PDF_XREF_ENTRY));
-        if (!grown) {
+        if (!vx_set_room(m_entries, capacity)) {
             VXFree(m_entries);
             m_entries = nullptr;
             m_entry_cnt = m_entry_cap = 0;
             return false;
         }
-        m_entries = static_cast<PDF_XREF_ENTRY*>(grown);
         m_entry_cap = capacity;
     }
     for (uint32_t i = m_entry_cnt; i < count; ++i)
@@ -115,9 +110,9 @@ const PDF_XREF_ENTRY* CPDFXRefTable::entry_of(uint32_t num)
         const bool known = num < m_entry_cnt && m_entries[num].gen != PDF_XREF_NO_GEN;
         if (known)
             return &m_entries[num];
-        if (m_pending_cnt == 0)
+        if (m_pending.empty())
             return nullptr;
-        XRefRead(m_pending[--m_pending_cnt].pos);
+        XRefRead(m_pending.pop().pos);
     }
 }
 
@@ -192,19 +187,11 @@ PDF_CHANGED_OBJ* CPDFXRefTable::record_of(uint32_t number, uint32_t gen)
 
 bool CPDFXRefTable::grow_changed()
 {
-    if (m_changed_cap > INT32_MAX - CHANGED_STEP)
+    if (!vx_set_room(m_before, static_cast<size_t>(m_changed_cap) + CHANGED_STEP) ||
+        !vx_add_room(m_changed, m_changed_cap, CHANGED_STEP))
         return false;
-    const auto capacity = static_cast<size_t>(m_changed_cap) + CHANGED_STEP;
-    void* before = VXRealloc(m_before, capacity * sizeof(PDF_ENTRY_BEFORE));
-    if (!before)
-        return false;
-    m_before = static_cast<PDF_ENTRY_BEFORE*>(before);
-    void* changed = VXRealloc(m_changed, capacity * sizeof(PDF_CHANGED_OBJ));
-    if (!changed)
-        return false;
-    m_changed = static_cast<PDF_CHANGED_OBJ*>(changed);
-    std::memset(static_cast<void*>(m_changed + m_changed_cap), 0, CHANGED_STEP * sizeof(PDF_CHANGED_OBJ));
-    m_changed_cap += CHANGED_STEP;
+    std::memset(static_cast<void*>(m_changed + m_changed_cap - CHANGED_STEP), 0,
+                CHANGED_STEP * sizeof(PDF_CHANGED_OBJ));
     return true;
 }
 
@@ -217,16 +204,17 @@ void CPDFXRefTable::store_changed(const PDF_REF& ref, const CPDFObj& obj)
         take_changed(ref, version);
 }
 
-void CPDFXRefTable::take_changed(const PDF_REF& ref, CPDFObj& obj)
+bool CPDFXRefTable::take_changed(const PDF_REF& ref, CPDFObj& obj)
 {
     CPDFObj version;
     version.take(obj);
     PDF_CHANGED_OBJ* record = record_of(ref.num, ref.gen);
     if (!record)
-        return;
+        return false;
     record->text.release();
     record->obj.take(version);
     record->ref = ref;
+    return true;
 }
 
 PDF_CHANGE_RESULT CPDFXRefTable::change_entries(const PDF_REF& ref, PDF_ENTRY_CHANGES changes)
@@ -254,9 +242,7 @@ PDF_CHANGE_RESULT CPDFXRefTable::change_entries(const PDF_REF& ref, PDF_ENTRY_CH
     }
     if (!dict && !check.failed())
         return PDF_CHANGE_RESULT::NO_DICTIONARY;
-    if (!check.failed())
-        take_changed(ref, own);
-    return check.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::STORED;
+    return !check.failed() && take_changed(ref, own) ? PDF_CHANGE_RESULT::STORED : PDF_CHANGE_RESULT::NO_MEMORY;
 }
 
 // The newest version as text with the changes; false where that can't be had.
@@ -299,9 +285,7 @@ void CPDFXRefTable::keep_next_num()
 
 void CPDFXRefTable::read_all_sections()
 {
-    while (m_pending_cnt > 0) {
-        if (!XRefRead(m_pending[--m_pending_cnt].pos))
-            return;
+    while (!m_pending.empty() && XRefRead(m_pending.pop().pos)) {
     }
 }
 
@@ -319,15 +303,7 @@ int CPDFXRefTable::XRefRead(uint32_t pos)
 
 void CPDFXRefTable::push_pending(uint32_t pos)
 {
-    if (m_pending_cnt == m_pending_cap) {
-        const size_t capacity = static_cast<size_t>(m_pending_cap) + PENDING_STEP;
-        void* grown = VXRealloc(m_pending, capacity * sizeof(PDF_PENDING_SECTION));
-        if (!grown)
-            return;
-        m_pending = static_cast<PDF_PENDING_SECTION*>(grown);
-        m_pending_cap = static_cast<int32_t>(capacity);
-    }
-    m_pending[m_pending_cnt++] = {pos};
+    static_cast<void>(m_pending.push({pos}));  // without memory the older objects are missing
 }
 
 CPDFStream* CPDFXRefTable::make_stream(const CPDFStreamRec* rec)
@@ -346,27 +322,54 @@ unsigned char* CPDFXRefTable::compress_data(const void* data, int len, int& out_
     return m_source && data && len >= 0 ? m_source->compress(data, len, out_len) : nullptr;
 }
 
+// The data of stream object `num`, none yet for a new one; null when memory runs out.
+PDF_MEM_STREAM* CPDFXRefTable::mem_slot(uint32_t num)
+{
+    for (PDF_MEM_STREAM& memory : m_mem_streams) {
+        if (memory.num == num)
+            return &memory;
+    }
+    return m_mem_streams.push({num, nullptr, 0}) ? &m_mem_streams.back() : nullptr;
+}
+
 uint64_t CPDFXRefTable::set_mem_stream(const PDF_REF& ref, unsigned char* data, int len)
 {
-    VXBlock<unsigned char> owned(data);
-    uint32_t slot = 0;
-    while (slot < m_mem_stream_cnt && m_mem_streams[slot].num != ref.num)
-        ++slot;
-    if (slot == m_mem_stream_cnt) {
-        void* grown = VXRealloc(m_mem_streams, (static_cast<size_t>(slot) + 1) * sizeof(PDF_MEM_STREAM));
-        if (!grown)
-            return 0;
-        m_mem_streams = static_cast<PDF_MEM_STREAM*>(grown);
-        m_mem_streams[slot] = {ref.num, nullptr, 0};
-        ++m_mem_stream_cnt;
+    PDF_MEM_STREAM* memory = mem_slot(ref.num);
+    if (!memory) {
+        VXFree(data);
+        return 0;
     }
-    VXFree(m_mem_streams[slot].data);
-    m_mem_streams[slot].data = owned.release();
-    m_mem_streams[slot].len = len > 0 ? static_cast<uint32_t>(len) : 0;
-    return slot + 1;
+    VXFree(memory->data);
+    memory->data = data;
+    memory->len = len > 0 ? static_cast<uint32_t>(len) : 0;
+    return static_cast<uint64_t>(memory - m_mem_streams.data()) + 1;
+}
+
+PDF_CHANGE_RESULT CPDFXRefTable::take_stream(const PDF_REF& ref, CPDFDictionary& dict, unsigned char* data, int len)
+{
+    VXBlock<unsigned char> owned(data);
+    const VXFailureCheck check;
+    CPDFObj obj;
+    if (CPDFStreamRec* rec = obj.set_stream()) {
+        rec->dict.take(dict);
+        rec->dict.set_item_int(CPDFDictionary::sm_tag_length, len);
+        rec->data_len = static_cast<uint32_t>(len);
+        rec->ref = ref;
+        rec->in_memory = 1;
+    }
+    // The data that the object has now stay until nothing can fail any more.
+    const bool ready = mem_slot(ref.num) && !check.failed();
+    PDF_CHANGED_OBJ* record = ready ? record_of(ref.num, ref.gen) : nullptr;
+    if (!record)
+        return PDF_CHANGE_RESULT::NO_MEMORY;
+    obj.stream->handle = set_mem_stream(ref, owned.release(), len);
+    record->text.release();
+    record->obj.take(obj);
+    record->ref = ref;
+    return PDF_CHANGE_RESULT::STORED;
 }
 
 const PDF_MEM_STREAM* CPDFXRefTable::mem_stream(uint64_t handle) const
 {
-    return handle >= 1 && handle <= m_mem_stream_cnt ? &m_mem_streams[handle - 1] : nullptr;
+    return handle >= 1 && handle <= m_mem_streams.size() ? &m_mem_streams[handle - 1] : nullptr;
 }

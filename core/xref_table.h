@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/entry_change.h"
+#include "core/growable.h"
 #include "core/key_set.h"
 #include "core/object.h"
 
@@ -76,8 +77,8 @@ public:
     // document keeps the old version.
     void store_changed(const PDF_REF& ref, const CPDFObj& obj);
 
-    // The same without the copy: takes the payload of `obj`, which is left null.
-    void take_changed(const PDF_REF& ref, CPDFObj& obj);
+    // The same without the copy: takes the payload of `obj`, which is left null. Returns whether it is stored.
+    bool take_changed(const PDF_REF& ref, CPDFObj& obj);
 
     // Stores a new version of a dictionary in which some entries are set or removed: the same as get_entity, set_item and
     // store_changed, but where the source can, the version is text and nothing else of the dictionary is built.
@@ -105,6 +106,10 @@ public:
     // the data handle for the stream record; 0 when memory runs out (the data is then released).
     uint64_t set_mem_stream(const PDF_REF& ref, unsigned char* data, int len);
 
+    // Makes a stream of the entries of `dict`, which are taken, "Length" and `data`, from VXAlloc and taken, the new version
+    // of the object. The data are what the filters in `dict` say. Nothing changes when memory runs out.
+    PDF_CHANGE_RESULT take_stream(const PDF_REF& ref, CPDFDictionary& dict, unsigned char* data, int len);
+
     // The data behind a handle of set_mem_stream, or null. Borrowed: ends with the object's next set_mem_stream.
     const PDF_MEM_STREAM* mem_stream(uint64_t handle) const;
 
@@ -126,7 +131,6 @@ public:
     const PDF_CHANGED_OBJ* changed() const { return m_changed; }
     const PDF_ENTRY_BEFORE* before() const { return m_before; }
     int32_t changed_count() const { return m_changed_cnt; }
-    int32_t changed_capacity() const { return m_changed_cap; }
     uint32_t next_num() const { return m_next_num; }
 
     // For section readers: raises the next free object number to at least `num`.
@@ -140,6 +144,7 @@ private:
     bool grow_entries(uint32_t num);
     bool grow_changed();
     void keep_next_num();
+    PDF_MEM_STREAM* mem_slot(uint32_t num);
 
     PDF_XREF_ENTRY* m_entries = nullptr;  // owned
     uint32_t m_entry_cnt = 0;
@@ -150,10 +155,7 @@ private:
     uint32_t m_next_num_before = 0;        // the next free object number before the first change, 0 before that
     int32_t m_changed_cnt = 0;
     int32_t m_changed_cap = 0;
-    PDF_PENDING_SECTION* m_pending = nullptr;  // owned
-    int32_t m_pending_cnt = 0;
-    int32_t m_pending_cap = 0;
-    PDF_MEM_STREAM* m_mem_streams = nullptr;  // owned
-    uint32_t m_mem_stream_cnt = 0;
-    CPDFObjectSource* m_source;  // borrowed from the document
+    CPDFGrowable<PDF_PENDING_SECTION, 8> m_pending;
+    CPDFGrowable<PDF_MEM_STREAM, 8> m_mem_streams;  // with the data
+    CPDFObjectSource* m_source;                     // borrowed from the document
 };

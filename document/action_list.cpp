@@ -37,12 +37,9 @@ constexpr EVENT DOCUMENT_EVENTS[] = {
     {"WC", "will close"}, {"WS", "will save"}, {"DS", "did save"}, {"WP", "will print"}, {"DP", "did print"},
 };
 
-constexpr const char* ACTION_KEYS[] = {"A", "AA", "Subtype"};
-constexpr CPDFKeySet ACTION_KEY_SET(ACTION_KEYS);
-constexpr const char* PAGE_KEYS[] = {"AA", "Annots"};
-constexpr CPDFKeySet PAGE_KEY_SET(PAGE_KEYS);
-constexpr const char* BOOKMARK_KEYS[] = {"A", "Title", "First", "Next"};
-constexpr CPDFKeySet BOOKMARK_KEY_SET(BOOKMARK_KEYS);
+constexpr CPDFKeySet ACTION_KEYS{"A", "AA", "Subtype"};
+constexpr CPDFKeySet PAGE_KEYS{"AA", "Annots"};
+constexpr CPDFKeySet BOOKMARK_KEYS{"A", "Title", "First", "Next"};
 
 class ActionLister {
 public:
@@ -61,14 +58,13 @@ public:
         const CPDFDictionary& root = *m_document.root().dict;
         m_at = PDF_LISTED_ACTION();
         m_at.object = m_document.root_ref().num;
-        CPDFObj scratch;
         // A destination is no action.
         const CPDFObj* open = root.get_item("OpenAction");
-        if (view_obj(&m_xref, open, scratch)->dictionary())
+        if (const CPDFEntryView action(&m_xref, open); action->dictionary())
             list(*open, "open");
         list_events(root.get_item("AA"), DOCUMENT_EVENTS);
-        CPDFObj names_scratch;
-        const CPDFDictionary* names = view_obj(&m_xref, root.get_item("Names"), names_scratch)->dictionary();
+        const CPDFEntryView names_entry(&m_xref, root.get_item("Names"));
+        const CPDFDictionary* names = names_entry->dictionary();
         if (const CPDFObj* scripts = names ? names->get_item("JavaScript") : nullptr)
             list_name_tree(*scripts, 0);
     }
@@ -77,21 +73,20 @@ public:
     void list_bookmarks()
     {
         m_at = PDF_LISTED_ACTION();
-        CPDFObj scratch;
-        const CPDFObj* outlines = m_document.root().dict->get_item("Outlines");
+        const CPDFEntryView outlines(&m_xref, m_document.root().dict->get_item("Outlines"));
         std::vector<PDF_REF> pending;
         const auto push = [&pending](const CPDFDictionary* dict, const char* key) {
             const CPDFObj* entry = dict ? dict->get_item(key) : nullptr;
             if (entry && entry->type == PDF_OBJ_REF)
                 pending.push_back(entry->ref);
         };
-        push(view_obj(&m_xref, outlines, scratch)->dictionary(), "First");
+        push(outlines->dictionary(), "First");
         while (!pending.empty()) {
             const PDF_REF ref = pending.back();
             pending.pop_back();
             CPDFObj item;
             if (m_seen.insert(ref.num).second)
-                m_xref.get_entity(item, ref, &BOOKMARK_KEY_SET);
+                m_xref.get_entity(item, ref, &BOOKMARK_KEYS);
             const CPDFDictionary* dict = item.dictionary();
             push(dict, "Next");
             push(dict, "First");
@@ -113,7 +108,7 @@ public:
             const PDF_REF& ref = pages.page_ref(page);
             CPDFObj own;
             if (m_seen.insert(ref.num).second)
-                m_xref.get_entity(own, ref, &PAGE_KEY_SET);
+                m_xref.get_entity(own, ref, &PAGE_KEYS);
             m_at = PDF_LISTED_ACTION();
             m_at.page = page;
             m_at.object = ref.num;
@@ -148,8 +143,8 @@ private:
     {
         if (entry && entry->type == PDF_OBJ_REF && !m_seen.insert(entry->ref.num).second)
             return;
-        CPDFObj scratch;
-        const CPDFArray* annotations = view_obj(&m_xref, entry, scratch)->array();
+        const CPDFEntryView annotations_entry(&m_xref, entry);
+        const CPDFArray* annotations = annotations_entry->array();
         for (int32_t i = 0; annotations && i < annotations->count; ++i) {
             const CPDFObj& at = annotations->items[i];
             const uint32_t num = at.type == PDF_OBJ_REF ? at.ref.num : 0;
@@ -165,7 +160,7 @@ private:
     void list_holder(const PDF_REF& ref)
     {
         CPDFObj own;
-        m_xref.get_entity(own, ref, &ACTION_KEY_SET);
+        m_xref.get_entity(own, ref, &ACTION_KEYS);
         m_at.object = ref.num;
         if (own.dictionary())
             list_holder(*own.dict);
@@ -181,8 +176,8 @@ private:
     template <size_t N>
     void list_events(const CPDFObj* entry, const EVENT (&events)[N])
     {
-        CPDFObj scratch;
-        const CPDFDictionary* dict = view_obj(&m_xref, entry, scratch)->dictionary();
+        const CPDFEntryView dict_entry(&m_xref, entry);
+        const CPDFDictionary* dict = dict_entry->dictionary();
         for (const EVENT& event : events) {
             const CPDFObj* action = dict ? dict->get_item(event.key) : nullptr;
             if (action)
@@ -194,20 +189,20 @@ private:
     void list_name_tree(const CPDFObj& entry, int depth)
     {
         const bool again = entry.type == PDF_OBJ_REF && !m_seen.insert(entry.ref.num).second;
-        CPDFObj scratch;
-        const CPDFDictionary* node = view_obj(&m_xref, &entry, scratch)->dictionary();
+        const CPDFEntryView node_entry(&m_xref, &entry);
+        const CPDFDictionary* node = node_entry->dictionary();
         if (!node || again || depth > LIMIT_PAGE_DEPTH)
             return;
-        CPDFObj names_scratch;
-        const CPDFArray* names = view_obj(&m_xref, node->get_item("Names"), names_scratch)->array();
+        const CPDFEntryView names_entry(&m_xref, node->get_item("Names"));
+        const CPDFArray* names = names_entry->array();
         for (int32_t i = 0; names && i + 1 < names->count; i += 2) {
             PDF_String name;
             m_xref.read_obj_string(name, &names->items[i]);
             list(names->items[i + 1], "script " + utf8_of(name));
             name.release();
         }
-        CPDFObj kids_scratch;
-        const CPDFArray* kids = view_obj(&m_xref, node->get_item("Kids"), kids_scratch)->array();
+        const CPDFEntryView kids_entry(&m_xref, node->get_item("Kids"));
+        const CPDFArray* kids = kids_entry->array();
         for (int32_t i = 0; kids && i < kids->count; ++i)
             list_name_tree(kids->items[i], depth + 1);
     }
@@ -258,7 +253,7 @@ private:
 CPDFStatus list_actions(CPDFDocument& document, CPDFField* only,
                         const std::function<void(const PDF_LISTED_ACTION&)>& visit)
 {
-    document.begin_reading();
+    const CPDFReadAllowance allowance = document.reading();
     ActionLister lister(document, visit);
     const auto list_field = [&lister](CPDFField& field) { lister.list_field(field); };
     if (only) {
@@ -269,7 +264,7 @@ CPDFStatus list_actions(CPDFDocument& document, CPDFField* only,
         lister.list_pages();
         for_each_field(document.form(), list_field);
     }
-    if (document.reading_ended())
+    if (allowance.used_up())
         return CPDFStatus::failed(PDF_CODE::LIMIT,
                                   "the actions take more work to read than the size of the file justifies");
     return {};
@@ -277,15 +272,15 @@ CPDFStatus list_actions(CPDFDocument& document, CPDFField* only,
 
 std::vector<CPDFField*> calculation_order(CPDFDocument& document)
 {
-    document.begin_reading();
+    const CPDFReadAllowance allowance = document.reading();
     std::unordered_map<uint32_t, CPDFField*> fields;
     for_each_field(document.form(), [&fields](CPDFField& field) { fields.emplace(field.m_ref.num, &field); });
     CPDFXRefTable& xref = document.xref();
-    CPDFObj form_scratch;
     const CPDFObj* entry = document.root().dict->get_item(CPDFDictionary::sm_tag_acro_form);
-    const CPDFDictionary* form = view_obj(&xref, entry, form_scratch)->dictionary();
-    CPDFObj scratch;
-    const CPDFArray* order = view_obj(&xref, form ? form->get_item("CO") : nullptr, scratch)->array();
+    const CPDFEntryView form_entry(&xref, entry);
+    const CPDFDictionary* form = form_entry->dictionary();
+    const CPDFEntryView order_entry(&xref, form ? form->get_item("CO") : nullptr);
+    const CPDFArray* order = order_entry->array();
     std::vector<CPDFField*> found;
     for (int32_t i = 0; order && i < order->count; ++i) {
         const auto field = order->items[i].type == PDF_OBJ_REF ? fields.find(order->items[i].ref.num) : fields.end();

@@ -11,15 +11,12 @@
 #include "core/object.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
+#include "file/read_budget.h"
 #include "file/status.h"
 
 class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
-class CPDFFileReader;
-class CPDFPageMap;
-class CPDFSignatureGuard;
-class CPDFWidgetBinder;
 class CPDFXRefTable;
 
 // How much of the form open loads.
@@ -29,7 +26,8 @@ enum class PDF_LOAD {
 };
 
 // One document. It owns the file's bytes, the object store and the form; everything it hands out is borrowed and ends
-// with it. One thread at a time.
+// with it. One thread at a time. Where memory runs out, operations with a status answer NO_MEMORY; the others throw
+// std::bad_alloc.
 //
 //     CPDFDocument document;
 //     if (CPDFStatus status = document.open("form.pdf"); !status.ok()) ...
@@ -66,16 +64,17 @@ public:
     size_t size() const;
 
     // To be called after fields were renamed, added or removed behind this class's back: forgets what is known of names
-    // and widgets, and which fields revert restores. Ends the fields of a document opened for named fields.
+    // and widgets, and which fields revert restores. Ends the fields that were found before the form was loaded.
     void fields_changed();
 
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
     // suffixes; the first in tree order where several have it, null when none has.
-    // Of a document opened for named fields it loads no more than the branch that leads to the field; such a field is a
-    // different object from the one that form() has of the same dictionary, with the same value.
+    // Of a document opened for named fields it loads no more than the branch that leads to the field. When the form is
+    // loaded later, that very object is in it; the fields above it end then.
     CPDFField* field(std::string_view name);
 
-    // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed.
+    // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
+    // revert that loads the form anew.
     std::span<CPDFAnnotWidget* const> widgets_of(const CPDFField& field);
 
     // What the widgets of a button field stand for, in their order; bound as above.
@@ -108,9 +107,9 @@ public:
     // then, where the XFA data have no data set that can be replaced.
     CPDFStatus reset_xfa();
 
-    // The structure of the form. Each loads the whole form, ends the fields of a document opened for named fields,
-    // keeps names, widgets and tree in step, and refuses, with nothing changed, what signatures forbid unless `edit` is
-    // FORCE, and what the functions of the same names say (add_field.h, remove_field.h, rename_field.h, set_field.h).
+    // The structure of the form. Each loads the whole form, keeps names, widgets and tree in step, and refuses, with
+    // nothing changed, what signatures forbid unless `edit` is FORCE, and what the functions that do it say (insert_field,
+    // erase_field, set_field_name, set_field_parent in document/edit, set_field.h).
     // When memory runs out a part may be done. XFA data stay as they are. The new field is handed out in `added` unless
     // that is null. Viewers are asked to draw, as set_value asks them, where texts look different: for a new text or
     // choice field, changed options, another maximum length, and several lines, passwords or combs switched on or off.
@@ -127,11 +126,9 @@ public:
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
-    // For whoever reads much through xref(): begin_reading allows as much work again as the opening of the file does, with
-    // the form loaded and its widgets bound before; reading_ended tells whether that was used up, after which objects
-    // read as absent.
-    void begin_reading();
-    bool reading_ended() const;
+    // For whoever reads much through xref(): as much work as the opening of the file takes, after the form was loaded and
+    // its widgets bound. When it is used up, objects read as absent.
+    CPDFReadAllowance reading();
 
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     // After a call that is to change the structure the form is loaded anew, which ends all fields.
@@ -147,17 +144,6 @@ public:
 
 private:
     struct State;
-    CPDFStatus load(PDF_LOAD load);
-    CPDFStatus reset_fields(const std::vector<CPDFField*>* fields, PDF_FILL fill);
-    void ask_to_draw();
-    CPDFStatus begin_edit(CPDFField*& field, PDF_EDIT edit);
-    EDIT_TARGET edit_target();
-    CPDFPageMap& pages();
-    void forget_widgets();
-    CPDFStatus make_update(std::string& update);
-    CPDFWidgetBinder& bound_widgets();
-    const CPDFSignatureGuard& signatures();
-    CPDFStatus check_locks(const std::vector<CPDFField*>& fields);
 
     std::unique_ptr<State> m_state;  // owned
 };

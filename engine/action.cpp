@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 #include "core/alloc.h"
 #include "core/array.h"
@@ -32,16 +33,15 @@ public:
         const uint32_t num = entry.type == PDF_OBJ_REF ? entry.ref.num : 0;
         if (num && std::find(m_above.begin(), m_above.end(), num) != m_above.end())
             return nullptr;
-        const CPDFEntryView dict_view(&m_xref, &entry);
-        const CPDFDictionary* dict = dict_view->dictionary();
-        if (!dict)
+        const CPDFEntryView value(&m_xref, &entry);
+        const CPDFDictionary* dict = value->dictionary();
+        std::unique_ptr<CPDFAction> action(dict ? new CPDFAction : nullptr);
+        if (!action || !m_above.push(num))
             return nullptr;
         ++m_count;
-        auto action = std::make_unique<CPDFAction>();
         read(*action, *dict);
-        m_above.push_back(num);
         read_next(*action, dict->get_item("Next"));
-        m_above.pop_back();
+        m_above.pop();
         return action;
     }
 
@@ -110,17 +110,18 @@ private:
     {
         if (!entry)
             return;
-        const CPDFEntryView several_view(&m_xref, entry);
-        const CPDFArray* several = several_view->array();
+        const CPDFEntryView value(&m_xref, entry);
+        const CPDFArray* several = value->array();
         const int32_t count = several ? several->count : 1;
         for (int32_t i = 0; i < count && m_count < LIMIT_ACTIONS; ++i) {
-            if (auto next = parse(several ? several->items[i] : *entry))
-                action.m_next.push_back(std::move(next));
+            std::unique_ptr<CPDFAction> next = parse(several ? several->items[i] : *entry);
+            if (next && action.m_next.push(next.get()))
+                static_cast<void>(next.release());
         }
     }
 
-    CPDFXRefTable& m_xref;          // borrowed
-    std::vector<uint32_t> m_above;  // the objects of the actions that lead here, 0 for direct ones
+    CPDFXRefTable& m_xref;               // borrowed
+    CPDFGrowable<uint32_t, 16> m_above;  // the objects of the actions that lead here, 0 for direct ones
     int m_count = 0;
 };
 
@@ -132,6 +133,8 @@ CPDFAction::~CPDFAction()
 {
     m_script.release();
     m_target.release();
+    for (CPDFAction* next : m_next)
+        delete next;
 }
 
 CPDFAction* CPDFAction::parser_act(CPDFXRefTable* xref, const CPDFObj* obj)

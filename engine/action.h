@@ -1,9 +1,7 @@
 // Actions: what a viewer does when something happens to a field, a page or the document (ISO 32000-2, 12.6).
 #pragma once
 
-#include <memory>
-#include <vector>
-
+#include "core/growable.h"
 #include "core/object.h"
 
 // The types in the order of the standard's table 201, which stays; 0 is a type that is not in it.
@@ -32,7 +30,7 @@ enum PDF_ACTION_TYPE : int32_t {
 };
 
 // One action with those that follow it. It holds copies, so the document may change.
-class CPDFAction {
+class CPDFAction : public VXNew<CPDFAction> {
 public:
     CPDFAction();
     virtual ~CPDFAction();
@@ -49,9 +47,10 @@ public:
     int32_t m_type;       // PDF_ACTION_TYPE
     int32_t m_flags;      // "Flags" of a submit or reset action
     PDF_String m_script;  // owned; the text string of a script, whether it was given as a string or as a stream
-    PDF_String
-        m_target;  // owned; what the action is about: the address of a URI action, the file of a submit, import, launch
-                   // or remote action, the name of a named one; empty where there is none
+    // Owned; what the action is about: the address of a URI action, the file of a submit, import, launch or remote action,
+    // the name of a named one; empty where there is none.
+    PDF_String m_target;
     CPDFObj m_fields;  // "Fields" of a submit or reset action, "T" of a hide action; null when absent
-    std::vector<std::unique_ptr<CPDFAction>> m_next;  // those of "Next", in order; at most LIMIT_ACTIONS in all
+    CPDFGrowable<CPDFAction*, 4>
+        m_next;  // owned, with the actions; those of "Next", in order; at most LIMIT_ACTIONS in all
 };

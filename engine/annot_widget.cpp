@@ -70,11 +70,6 @@ int CPDFAnnotWidget::load(CPDFXRefTable* xref, const PDF_REF& ref)
     return 1;
 }
 
-bool CPDFAnnotWidget::has_state(const char* state) const
-{
-    return !m_on_state || std::strcmp(state, PDF_STATE_OFF) == 0 || std::strcmp(state, m_on_state) == 0;
-}
-
 void CPDFAnnotWidget::set_check_value(int on)
 {
     if (!on)
@@ -119,5 +114,5 @@ void CPDFAnnotWidget::show(const char* state)
     name.set_name(state);
     const PDF_ENTRY_CHANGE change[] = {{"AS", &name}};
     if (!memory.failed())
-        m_xref->change_entries(m_ref, change);
+        static_cast<void>(m_xref->change_entries(m_ref, change));  // a widget that is gone changes nothing
 }

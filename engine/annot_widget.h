@@ -38,9 +38,6 @@ public:
     // Notes which option, zero-based, the widget of a choice field is to show. The dictionary does not change.
     void set_choice_sel(int index);
 
-    // Whether the widget has an appearance for `state`; "Off" needs none, and a widget without appearances takes any.
-    bool has_state(const char* state) const;
-
     CPDFXRefTable* m_xref = nullptr;  // borrowed from the document
     PDF_REF m_ref = {0, 0};           // the widget dictionary
     char* m_on_state = nullptr;   // owned; the name under "AP"/"N", else "D", other than "Off"; null when there is none

@@ -4,23 +4,6 @@
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 
-namespace {
-
-std::string base_font_of(CPDFXRefTable* xref, const CPDFObj& font)
-{
-    static constexpr CPDFKeySet KEY_SET{"BaseFont"};
-    CPDFObj fetched;
-    const CPDFDictionary* dict = font.dictionary();
-    if (font.type == PDF_OBJ_REF) {
-        xref->get_entity(fetched, font.ref, &KEY_SET);
-        dict = fetched.dictionary();
-    }
-    const CPDFObj* name = dict ? dict->get_item("BaseFont") : nullptr;
-    return name && name->name_text() ? name->name : "";
-}
-
-}  // namespace
-
 CPDFResources::~CPDFResources() = default;
 
 void CPDFResources::bind(CPDFXRefTable*, const CPDFObj* entry)
@@ -43,26 +26,24 @@ void CPDFResources::unbind()
 void CPDFResources::load_resource(CPDFXRefTable* xref, int)
 {
     unload_resource();
-    CPDFObj fetched;
+    const VXFailureCheck check;
     if (m_ref.num)
-        xref->get_entity(fetched, m_ref);
-    const CPDFDictionary* dict = m_ref.num ? fetched.dictionary() : m_dict.dictionary();
+        xref->get_entity(m_resources, m_ref);
+    else
+        m_resources.copy_from(&m_dict);
+    const CPDFDictionary* dict = m_resources.dictionary();
     for (int32_t i = 0; dict && i < dict->count; ++i) {
-        const CPDFEntryView named_view(xref, &dict->items[i]->value);
-        const CPDFDictionary* named = named_view->dictionary();
-        const std::string category = dict->items[i]->key();
-        for (int32_t k = 0; named && k < named->count; ++k) {
-            const CPDFObj& value = named->items[k]->value;
-            const PDF_REF ref = value.type == PDF_OBJ_REF ? value.ref : PDF_REF{0, 0};
-            const bool font = category == CPDFDictionary::sm_tag_font;
-            m_resources.push_back({category, named->items[k]->key(), ref, font ? base_font_of(xref, value) : ""});
-        }
+        CPDFObj category;
+        take_obj(xref, &dict->items[i]->value, category);
+        dict->items[i]->value.take(category);
     }
+    if (!dict || check.failed())
+        m_resources.free();
 }
 
 void CPDFResources::unload_resource()
 {
-    m_resources.clear();
+    m_resources.free();
 }
 
 int CPDFResources::append_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font)
@@ -88,24 +69,31 @@ int CPDFResources::append_font(CPDFXRefTable* xref, const char* name, const PDF_
             fonts.take(*entry);
         else
             fonts.set_dict();
-        fonts.dict->set_item(name, &value);
+        if (fonts.dictionary())
+            fonts.dict->set_item(name, &value);
         const PDF_ENTRY_CHANGE fonts_change[] = {{CPDFDictionary::sm_tag_font, &fonts}};
         result = check.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : xref->change_entries(m_ref, fonts_change);
     }
     if (result != PDF_CHANGE_RESULT::STORED)
         return 0;
-    std::erase_if(m_resources, [name](const PDF_RESOURCE& at) {
-        return at.category == CPDFDictionary::sm_tag_font && at.name == name;
-    });
-    m_resources.push_back({CPDFDictionary::sm_tag_font, name, font, base_font_of(xref, value)});
+    note_font(name, value);
     return 1;
 }
 
-const PDF_RESOURCE* CPDFResources::find(const char* category, const char* name) const
+// Adds a font to what is loaded; without memory it is found after the next load_resource.
+void CPDFResources::note_font(const char* name, const CPDFObj& font)
 {
-    for (const PDF_RESOURCE& resource : m_resources) {
-        if (resource.category == category && resource.name == name)
-            return &resource;
-    }
-    return nullptr;
+    if (!m_resources.dictionary())
+        m_resources.set_dict();
+    CPDFObj* fonts = m_resources.dictionary() ? m_resources.dict->value_slot(CPDFDictionary::sm_tag_font) : nullptr;
+    if (fonts && !fonts->dictionary())
+        fonts->set_dict();
+    if (fonts && fonts->dictionary())
+        fonts->dict->set_item(name, &font);
+}
+
+const CPDFObj* CPDFResources::find(const char* category, const char* name) const
+{
+    const CPDFObj* named = m_resources.dictionary() ? m_resources.dict->get_item(category) : nullptr;
+    return named && named->dictionary() ? named->dict->get_item(name) : nullptr;
 }

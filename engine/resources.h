@@ -1,24 +1,14 @@
 // A resource dictionary (ISO 32000-2, 7.8.3).
 #pragma once
 
-#include <string>
-#include <vector>
-
+#include "core/alloc.h"
 #include "core/object.h"
 
 class CPDFXRefTable;
 
-// One named resource: its category ("Font", "XObject", ...), its name and where its object is.
-struct PDF_RESOURCE {
-    std::string category;
-    std::string name;
-    PDF_REF ref;            // number 0 when the resource is held directly
-    std::string base_font;  // "BaseFont" of a font, empty for other resources
-};
-
-// Binds to a resource dictionary and lists what it names. It copies what it keeps, so the dictionary may change; a
-// changed dictionary is seen after unload_resource and load_resource.
-class CPDFResources {
+// Binds to a resource dictionary and keeps what it names: a copy, so the dictionary may change; a changed one is seen after
+// unload_resource and load_resource.
+class CPDFResources : public VXNew<CPDFResources> {
 public:
     CPDFResources() = default;
     virtual ~CPDFResources();
@@ -31,7 +21,7 @@ public:
     // Detaches the dictionary, so that another can be bound.
     virtual void unbind();
 
-    // Loads the resources that the bound dictionary names. `flags` is 0.
+    // Loads the resources that the bound dictionary names; none when memory runs out. `flags` is 0.
     void load_resource(CPDFXRefTable* xref, int flags);
 
     // Releases what load_resource loaded.
@@ -42,13 +32,15 @@ public:
     // memory runs out.
     int append_font(CPDFXRefTable* xref, const char* name, const PDF_REF& font);
 
-    // The loaded resource, or null. Borrowed: ends with unload_resource.
-    const PDF_RESOURCE* find(const char* category, const char* name) const;
-    const std::vector<PDF_RESOURCE>& resources() const { return m_resources; }
+    // The resource of a category such as Font, as the dictionary gives it: a reference or the object itself; null when
+    // there is none. Borrowed: ends with unload_resource and append_font.
+    const CPDFObj* find(const char* category, const char* name) const;
 
     PDF_REF m_ref = {0, 0};  // the bound dictionary; number 0 when it is no object of its own
 
 private:
-    CPDFObj m_dict;  // the bound entry, when it is a dictionary held directly
-    std::vector<PDF_RESOURCE> m_resources;
+    void note_font(const char* name, const CPDFObj& font);
+
+    CPDFObj m_dict;       // the bound entry, when it is a dictionary held directly
+    CPDFObj m_resources;  // what is loaded: a dictionary of the categories, none of them a reference; null for nothing
 };

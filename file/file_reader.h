@@ -1,4 +1,4 @@
-// The file behind the object store: finds cross-reference sections, objects and stream data in the bytes.
+// One file behind the object store: its cross-reference sections, and through them its objects.
 #pragma once
 
 #include <string>
@@ -6,11 +6,8 @@
 #include <vector>
 
 #include "core/dictionary.h"
-#include "core/object_source.h"
-#include "file/filter/filters.h"
-#include "file/object_stream.h"
+#include "file/object_reader.h"
 #include "file/status.h"
-#include "file/syntax/splice.h"
 
 class CPDFLexer;
 
@@ -20,43 +17,15 @@ enum class PDF_SECTION_KIND {
     STREAM,  // a cross-reference stream
 };
 
-// Raises a flag for the time of a scope.
-class RaisedFlag {
+// Finds the sections in the bytes, newest first, and fills the entries of the store from them.
+class CPDFFileReader : public CPDFObjectReader {
 public:
-    explicit RaisedFlag(bool& flag) : m_flag(flag), m_before(flag) { flag = true; }
-    ~RaisedFlag() { m_flag = m_before; }
-    RaisedFlag(const RaisedFlag&) = delete;
-    RaisedFlag& operator=(const RaisedFlag&) = delete;
-
-private:
-    bool& m_flag;  // borrowed
-    bool m_before;
-};
-
-// Reads one file. Everything is parsed on demand, straight from the bytes, which are borrowed and outlive the reader.
-class CPDFFileReader : public CPDFObjectSource {
-public:
-    CPDFFileReader(const uint8_t* data, size_t size);
+    CPDFFileReader(const uint8_t* data, size_t size) : CPDFObjectReader(data, size) {}
 
     // Reads the newest cross-reference section into `xref` and leaves the older ones pending.
     CPDFStatus start(CPDFXRefTable& xref);
 
-    void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
-                     const CPDFKeySet* keys) override;
     int read_section(CPDFXRefTable& xref, uint32_t pos) override;
-    CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
-                            uint32_t size) override;
-    bool splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry, PDF_ENTRY_CHANGES changes,
-                       PDF_String& out) override;
-    bool splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out) override;
-    void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys) override;
-    unsigned char* compress(const void* data, int len, int& out_len) override;
-
-    // Whether the budget ended: what was read since then may be absent without being so.
-    bool exhausted() const { return m_budget == 0 || m_decode_budget == 0; }
-
-    // Allows the reading of as many bytes again as at the start.
-    void renew_budget();
 
     // The trailer of the newest section; "Root" and the like are filled in from older ones where it lacks them.
     const CPDFDictionary& trailer() const { return m_trailer; }
@@ -86,31 +55,9 @@ private:
     bool set_entry(CPDFXRefTable& xref, uint32_t num, uint32_t type, uint64_t index, uint64_t gen) const;
     uint32_t largest_number() const;
 
-    bool parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys);
-    void make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t data_at, const PDF_REF& ref);
-    size_t stream_length(CPDFXRefTable& xref, const CPDFDictionary& dict, size_t data_at);
-    size_t search_stream_end(size_t data_at);
-    void read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
-                          const CPDFKeySet* keys);
-    const CPDFObjectStream* object_stream(CPDFXRefTable& xref, uint32_t num);
-    const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
-    bool spend(size_t bytes);
-    bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
-    void count_unpacked(uint32_t num, size_t bytes);
-
-    const uint8_t* m_data;  // borrowed from the document
-    size_t m_size;
     size_t m_shift = 0;
-    uint64_t m_budget = 0;                    // bytes that may still be parsed before objects read as absent
-    uint64_t m_decode_budget = 0;             // the same for bytes that may still be decoded
-    uint64_t m_unpacked_size = 0;             // decoded bytes of the object streams, each counted once
-    std::unordered_set<uint32_t> m_unpacked;  // the object streams counted
-    bool m_in_length = false;                 // a stream's indirect length is being fetched
-    bool m_in_container = false;              // an object stream is being decoded
     PDF_SECTION_KIND m_newest_kind = PDF_SECTION_KIND::NONE;
     uint32_t m_newest_pos = 0;
     CPDFDictionary m_trailer;
     std::unordered_set<size_t> m_sections;  // positions of the sections read or pending
-    CPDFObjectStreamCache m_streams;
-    CPDFSplicer m_splicer;
 };

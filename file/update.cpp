@@ -151,12 +151,11 @@ private:
         constexpr int GEN_WIDTH = 2;
         const uint32_t num = m_next_num++;
         m_places.push_back({num, 0, m_start});
-        CPDFObj index;
-        index.set_array();
+        CPDFArray index;
         std::string rows;
         for_each_run([&](uint32_t first, size_t count, const Place* place) {
-            index.arr->append_int(static_cast<int>(first));
-            index.arr->append_int(static_cast<int>(count));
+            index.append_int(static_cast<int>(first));
+            index.append_int(static_cast<int>(count));
             for (size_t i = 0; i < count; ++i) {
                 rows += '\x01';
                 append_big_endian(rows, place[i].offset, OFFSET_WIDTH);
@@ -165,13 +164,12 @@ private:
         });
         CPDFDictionary dict;
         fill_trailer(dict);
-        CPDFObj widths;
-        widths.set_array();
+        CPDFArray widths;
         for (const int width : {1, OFFSET_WIDTH, GEN_WIDTH})
-            widths.arr->append_int(width);
+            widths.append_int(width);
         dict.set_item_name("Type", "XRef");
-        dict.set_item("W", &widths);
-        dict.set_item("Index", &index);
+        dict.set_item_arr("W", &widths);
+        dict.set_item_arr("Index", &index);
         dict.set_item_int(CPDFDictionary::sm_tag_length, static_cast<int>(rows.size()));
         m_out += std::to_string(num) + " 0 obj\n";
         write_dictionary(m_out, dict);

@@ -39,15 +39,17 @@ public:
 
     // Data for a submit action (ISO 32000-2, 12.7.6.2), of the fields that `fields` and `flags` select as in
     // forms/field_select.h. The caller owns the NUL-terminated text and releases it with VXFree.
-    // The URL-encoded pairs, joined by '&': of the selected fields alone, or of all fields. Null when no field gives
-    // anything or memory runs out. The text is not yet what goes over the wire: cvt_url_to_ascii.
+    // The URL-encoded pairs, joined by '&': of the selected fields alone, or of all fields, where it may be empty. Null when
+    // none of the selected fields gives a pair, for a form without fields, when memory runs out, and where the list takes
+    // too much work (LIMIT_SELECT_VISITS). The text is not yet what goes over the wire: cvt_url_to_ascii.
     char* get_url_para(const CPDFArray* fields, int flags);
     // An XML document: the declaration, then the elements of the selected fields alone, or those of the whole tree, which
-    // <fields> encloses unless the form has "XFA". Null only when memory runs out.
+    // <fields> encloses unless the form has "XFA". Null only when memory runs out or the list takes too much work.
     char* get_url_xml(const CPDFArray* fields, int flags);
 
     // Carries out a reset action (ISO 32000-2, 12.7.6.3): CPDFField::reset on every top-level field, or, when `fields` is
-    // not null nor empty and bit 0 of `flags` is clear, on the fields that its references and strings name.
+    // not null nor empty and bit 0 of `flags` is clear, on the fields that its references and strings name; on none where
+    // the list takes too much work.
     void reset(const CPDFArray* fields, int flags);
 
     // The data set of an XFA form as the values of the fields make it, of `len` bytes and a terminating 0. The caller
@@ -98,7 +100,7 @@ public:
 private:
     void load_resources(const CPDFDictionary& dict);
     void load_fields(const CPDFDictionary& dict);
-    bool load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits);
+    void load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits);
     void load_xfa(const CPDFDictionary& dict);
     void load_packets(const CPDFArray& packets);
     void bind_template(const CPDFObj* packet);

@@ -1,6 +1,7 @@
 // One node of the form's field tree (ISO 32000-2, 12.7.4).
 #pragma once
 
+#include "core/alloc.h"
 #include "core/object.h"
 #include "core/pdf_string.h"
 
@@ -59,8 +60,9 @@ struct PDF_FIELD_OPT {
 
 // A field dictionary together with what is needed of it in memory. A field owns its kids and everything it points to
 // except its parent, the object store and the widget. Setters change the member, then store a changed private copy of
-// the field's own dictionary; they report nothing, and a call on a field of the wrong kind does nothing.
-class CPDFField {
+// the field's own dictionary; they report nothing, and a call on a field of the wrong kind does nothing. The host fills
+// fields without them: it stores all entries of a value at once and tells the field by show_value.
+class CPDFField : public VXNew<CPDFField> {
 public:
     CPDFField();
     virtual ~CPDFField();
@@ -175,8 +177,8 @@ public:
     // of text fields, check boxes and combo boxes show it, where "V" stays the caller's; a radio group gets its
     // default, or none, as "V" as well. Of a combo box only a default that is the text of an option is shown.
     void reset();
-    // Takes `child` and the fields under it out of the subtree, out of "Kids" of the field above it, and deletes it.
-    // Returns 1 when it was found, 0 otherwise. The child stays when that field has no "Kids" in the document any more,
+    // Takes `child` and the fields under it out of the subtree, out of "Kids" of the field above it wherever that lists it,
+    // and deletes it. Returns 1 when it was found, 0 otherwise. The child stays when that field has no "Kids" in the document any more,
     // or memory runs out.
     int remove_child(CPDFField* child);
 
@@ -250,13 +252,13 @@ private:
     void hand_down_kind();
     void load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits);
     void load_kid(const PDF_REF& ref, CPDFVisitSet& visits);
+    CPDFField* new_kid();
     void load_opts(CPDFDictionary& dict);
     void load_sels(const CPDFObj* entry);
     void take_sels(const CPDFArray* sels);
     void load_values(CPDFDictionary& dict);
     int full_name(wchar_t* buf, int size, int (*trim)(wchar_t* segment, int len));
     CPDFField* choice_holder();
-    bool resize_sels(int count);
     bool unselect(int index);
     void reset_own();
     void reset_radio();

@@ -1,8 +1,8 @@
 #include <cstring>
 
-#include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/growable.h"
 #include "core/xref_table.h"
 #include "forms/field.h"
 #include "forms/field_edit.h"
@@ -17,8 +17,8 @@ PDF_String* shown_text(PDF_FIELD_OPT& opt)
 // The selection as "I" and "V". False when an index has no option.
 bool make_sels(const CPDFField& holder, CPDFObj& indices, CPDFObj& texts)
 {
-    indices.set_array();
-    texts.set_array();
+    if (!indices.set_array() || !texts.set_array())
+        return false;
     for (int32_t i = 0; i < holder.m_sel_cnt; ++i) {
         const int32_t index = holder.m_sels[i];
         if (index < 0 || index >= holder.m_opt_cnt)
@@ -33,7 +33,7 @@ bool make_sels(const CPDFField& holder, CPDFObj& indices, CPDFObj& texts)
 void make_opts(const CPDFField& holder, CPDFObj& opts)
 {
     opts.set_array();
-    for (int32_t i = 0; i < holder.m_opt_cnt; ++i) {
+    for (int32_t i = 0; opts.array() && i < holder.m_opt_cnt; ++i) {
         const PDF_FIELD_OPT& opt = holder.m_opts[i];
         if (opt.text.len == 0) {
             opts.arr->append_str(opt.val.buf, opt.val.len);
@@ -55,9 +55,9 @@ void store_opts(const CPDFField& holder, bool with_sels)
     CPDFObj texts;
     make_opts(holder, opts);
     if (with_sels && make_sels(holder, indices, texts))
-        change_entries(holder, {{"Opt", &opts}, {"I", &indices}, {"V", &texts}}, memory);
+        store_entries(holder, {{"Opt", &opts}, {"I", &indices}, {"V", &texts}}, memory);
     else
-        change_entries(holder, {{"Opt", &opts}}, memory);
+        store_entries(holder, {{"Opt", &opts}}, memory);
 }
 
 }  // namespace
@@ -100,7 +100,7 @@ void CPDFField::set_choice_sel(int index)
     if (!holder)
         return;
     // A selection that is there may have no room for an entry.
-    if (holder->m_sel_cnt < 1 && !holder->resize_sels(1))
+    if (holder->m_sel_cnt < 1 && !vx_set_room(holder->m_sels, 1))
         return;
     holder->m_sels[0] = index;
     holder->m_sel_cnt = 1;
@@ -111,35 +111,32 @@ void CPDFField::set_choice_sel(int index)
     CPDFObj value;
     CPDFObj indices;
     value.set_string(val.buf, val.len);
-    indices.set_array()->append_int(index);
+    if (indices.set_array())
+        indices.arr->append_int(index);
     if (change_entries(*holder, {{"V", &value}, {"I", &indices}}, memory) != PDF_CHANGE_RESULT::NO_DICTIONARY)
         holder->m_value.take(value);
-}
-
-// False, with the selection as it was, when memory runs out.
-bool CPDFField::resize_sels(int count)
-{
-    void* grown = VXRealloc(m_sels, static_cast<size_t>(count) * sizeof(int32_t));
-    if (!grown)
-        return false;
-    m_sels = static_cast<int32_t*>(grown);
-    return true;
 }
 
 void CPDFField::set_choice_sels(const int* sels, int count)
 {
     CPDFField* holder = choice_holder();
-    const bool own_sels = holder && sels == holder->m_sels;
-    if (!holder || count < 0 || !holder->resize_sels(count))
+    if (!holder || count < 0)
         return;
+    // Copied first: it may be a part of what is replaced.
+    const auto size = static_cast<size_t>(count);
+    auto* copy = vx_alloc_array<int32_t>(size);
+    if (!copy)
+        return;
+    if (count > 0)
+        std::memcpy(copy, sels, size * sizeof(int32_t));
+    VXFree(holder->m_sels);
+    holder->m_sels = copy;
     holder->m_sel_cnt = count;
-    if (count > 0 && !own_sels)
-        std::memcpy(holder->m_sels, sels, static_cast<size_t>(count) * sizeof(int32_t));
     const VXFailureCheck memory;
     CPDFObj indices;
     CPDFObj texts;
     if (make_sels(*holder, indices, texts))
-        change_entries(*holder, {{"I", &indices}, {"V", &texts}}, memory);
+        store_entries(*holder, {{"I", &indices}, {"V", &texts}}, memory);
 }
 
 int CPDFField::insert_choice_opt(int index, PDF_String* val, PDF_String* text)
@@ -158,11 +155,8 @@ int CPDFField::insert_own_opt(int index, const PDF_String* val, const PDF_String
     CPDFObj own_text;
     own_val.set_string(val ? val->buf : nullptr, val ? val->len : 0);
     own_text.set_string(text ? text->buf : nullptr, text ? text->len : 0);
-    const size_t size = (static_cast<size_t>(m_opt_cnt) + 1) * sizeof(PDF_FIELD_OPT);
-    void* grown = check.failed() ? nullptr : VXRealloc(m_opts, size);
-    if (!grown)
+    if (check.failed() || !vx_set_room(m_opts, static_cast<size_t>(m_opt_cnt) + 1))
         return 0;
-    m_opts = static_cast<PDF_FIELD_OPT*>(grown);
     std::memmove(m_opts + index + 1, m_opts + index, static_cast<size_t>(m_opt_cnt - index) * sizeof(PDF_FIELD_OPT));
     m_opts[index].val.take(own_val.str);
     m_opts[index].text.take(own_text.str);

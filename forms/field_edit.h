@@ -16,3 +16,10 @@ inline PDF_CHANGE_RESULT change_entries(const CPDFField& field, std::initializer
         return PDF_CHANGE_RESULT::NO_MEMORY;
     return field.m_xref->change_entries(field.m_ref, {changes.begin(), changes.size()});
 }
+
+// The same for setters that report nothing: what can't be stored stays in memory only.
+inline void store_entries(const CPDFField& field, std::initializer_list<PDF_ENTRY_CHANGE> changes,
+                          const VXFailureCheck& memory = {})
+{
+    static_cast<void>(change_entries(field, changes, memory));
+}

@@ -1,5 +1,4 @@
 #include <cstring>
-#include <memory>
 
 #include "core/alloc.h"
 #include "core/array.h"
@@ -16,6 +15,12 @@ namespace {
 // What loading looks at; the appearance, action and layout entries of a field are not even built.
 constexpr CPDFKeySet FIELD_KEY_SET{"T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
+
+// A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
+bool is_bare_widget(const CPDFDictionary& dict)
+{
+    return dict.get_item(CPDFDictionary::sm_tag_subtype) && !dict.get_item(CPDFDictionary::sm_tag_parent);
+}
 
 }  // namespace
 
@@ -38,6 +43,8 @@ int CPDFField::load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& 
     const bool put_off = dict && visits.put_off_kids && dict->get_item(CPDFDictionary::sm_tag_parent);
     if (!dict || put_off || !visits.add(ref.num))
         return 0;
+    if (is_bare_widget(*dict) && !dict->get_item("T"))
+        visits.bare.add(ref.num);
     load_entries(parent, xref, ref, *dict, visits);
     return 1;
 }
@@ -81,17 +88,6 @@ int CPDFField::load_alone(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF&
         return 0;
     load_head(parent, xref, ref, *dict);
     load_tail(*dict);
-    return 1;
-}
-
-int CPDFField::adopt_kid(CPDFField* kid)
-{
-    std::unique_ptr<CPDFField> owned(kid);
-    m_kids = vx_alloc_array<CPDFField*>(1);
-    if (!m_kids)
-        return 0;
-    m_kids[0] = owned.release();
-    m_kid_cnt = 1;
     return 1;
 }
 
@@ -165,10 +161,10 @@ void CPDFField::load_kind(const CPDFDictionary& dict)
 void CPDFField::load_signature(const CPDFDictionary& dict)
 {
     const CPDFEntryView value(m_xref, dict.get_item("V"));
-    if (const CPDFDictionary* signature = value->dictionary()) {
-        m_sign = new CPDFSign;
+    const CPDFDictionary* signature = value->dictionary();
+    m_sign = signature ? new CPDFSign : nullptr;
+    if (m_sign)
         m_sign->load(m_xref, signature);
-    }
 }
 
 void CPDFField::load_kids(const CPDFDictionary& dict, CPDFVisitSet& visits)
@@ -200,26 +196,26 @@ void CPDFField::load_kid(const PDF_REF& ref, CPDFVisitSet& visits)
         m_widgets[m_widget_cnt++] = ref;
         return;
     }
-    if (visits.has(ref.num))
+    // A dictionary is loaded once, but may be a widget of other fields as well.
+    const bool loaded = visits.has(ref.num);
+    if (loaded && !visits.bare.has(ref.num))
         return;
     CPDFObj fetched;
     m_xref->get_entity(fetched, ref, &FIELD_KEY_SET);
     CPDFDictionary* dict = fetched.dictionary();
     if (!dict)
         return;
-    // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
-    if (dict->get_item(CPDFDictionary::sm_tag_subtype) && !dict->get_item(CPDFDictionary::sm_tag_parent)) {
-        m_widgets[m_widget_cnt++] = ref;
+    if (is_bare_widget(*dict)) {
+        const CPDFEntryView type(m_xref, dict->get_item("FT"));
+        if (!loaded || field_type(type->name_text(), m_type) == m_type)
+            m_widgets[m_widget_cnt++] = ref;
         return;
     }
     if (visits.depth >= LIMIT_FIELD_DEPTH || !visits.add(ref.num))
         return;
-    auto* kid = new CPDFField;
-    kid->m_index = m_kid_cnt;
-    if (m_type != FIELD_UNKNOWN) {
-        kid->m_type = m_type;
-        kid->m_flags = m_flags;
-    }
+    CPDFField* kid = new_kid();
+    if (!kid)
+        return;
     m_kids[m_kid_cnt++] = kid;
     kid->load_entries(this, m_xref, ref, *dict, visits);
 }

@@ -1,12 +1,12 @@
 #include <cstring>
 
 #include "core/alloc.h"
-#include "core/array.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "engine/annot_widget.h"
 #include "forms/field.h"
 #include "forms/field_kind.h"
+#include "forms/field_select.h"
 
 namespace {
 
@@ -84,40 +84,7 @@ void CPDFField::reset_combo()
     }
 }
 
-int CPDFField::remove_child(CPDFField* child)
+void CPDFAcroForm::reset(const CPDFArray* fields, int flags)
 {
-    for (int32_t i = 0; i < m_kid_cnt; ++i) {
-        if (!m_kids[i])
-            continue;
-        if (m_kids[i] == child)
-            return remove_kid(i);
-        if (m_kids[i]->remove_child(child))
-            return 1;
-    }
-    return 0;
-}
-
-// "Kids" may also hold widgets and what did not load, so the slot is not the place there: the object number tells it.
-int CPDFField::remove_kid(int32_t slot)
-{
-    CPDFObj own;
-    m_xref->get_entity(own, m_ref);
-    CPDFObj* entry = own.dictionary() ? own.dict->get_item("Kids") : nullptr;
-    CPDFObj kids;
-    take_obj(m_xref, entry, kids);
-    CPDFArray* array = kids.array();
-    if (!entry || !array)
-        return 1;
-    const uint32_t num = m_kids[slot]->m_ref.num;
-    int32_t at = 0;
-    while (at < array->count && !(array->items[at].type == PDF_OBJ_REF && array->items[at].ref.num == num))
-        ++at;
-    array->remove_obj(at < array->count ? at : slot);
-    entry->take(kids);
-    m_xref->take_changed(m_ref, own);
-    --m_kid_cnt;
-    delete m_kids[slot];
-    std::memmove(m_kids + slot, m_kids + slot + 1, static_cast<size_t>(m_kid_cnt - slot) * sizeof(CPDFField*));
-    m_kids[m_kid_cnt] = nullptr;
-    return 1;
+    for_each_selected_field(*this, fields, flags, [](CPDFField& field) { field.reset(); });
 }

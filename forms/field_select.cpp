@@ -4,7 +4,6 @@
 #include <cstring>
 #include <functional>
 
-#include "core/limits.h"
 #include "forms/field_walk.h"
 #include "forms/partial_name.h"
 
@@ -42,13 +41,13 @@ void CPDFFieldFinder::build()
         return;
     m_built = true;
     for_each_field(m_form, [this](CPDFField& field) {
-        m_refs.push_back({field.m_ref.num, m_refs.size(), &field});
+        add(m_refs, {field.m_ref.num, m_refs.size(), &field});
         for (int32_t i = 0; i < field.m_widget_cnt; ++i)
-            m_refs.push_back({field.m_widgets[i].num, m_refs.size(), &field});
+            add(m_refs, {field.m_widgets[i].num, m_refs.size(), &field});
         char own[PARTIAL_NAME_SIZE];
         partial_name(field, own);
         if (is_named(own))
-            m_names.push_back({std::hash<std::string_view>{}(own), m_names.size(), &field});
+            add(m_names, {std::hash<std::string_view>{}(own), m_names.size(), &field});
     });
     std::sort(m_refs.begin(), m_refs.end(), comes_before);
     std::sort(m_names.begin(), m_names.end(), comes_before);
@@ -60,19 +59,35 @@ CPDFField* CPDFFieldFinder::find_ref(const PDF_REF& ref)
         return m_form.find(ref);
     build();
     const auto at = std::lower_bound(m_refs.begin(), m_refs.end(), ENTRY{ref.num, 0, nullptr}, comes_before);
-    return at != m_refs.end() && at->key == ref.num ? at->field : nullptr;
+    return at != m_refs.end() && at->key == ref.num && !m_failed ? at->field : nullptr;
 }
 
 CPDFField* CPDFFieldFinder::find_path(const char* path)
 {
     if (!m_few) {
         build();
-        return find_below(nullptr, 0, path);
+        const std::string_view whole(path);
+        const auto count = [](const Range& range) { return range.second - range.first; };
+        std::ptrdiff_t first = 0;
+        std::ptrdiff_t last = count(named(whole));
+        for (size_t dot = whole.find('.'); dot != whole.npos; dot = whole.find('.', dot + 1)) {
+            first += dot < PARTIAL_NAME_SIZE ? count(named(whole.substr(0, dot))) : 0;
+            last += whole.size() - dot <= PARTIAL_NAME_SIZE ? count(named(whole.substr(dot + 1))) : 0;
+        }
+        return last < first ? find_last(path) : find_below(nullptr, 0, path);
     }
     CPDFField* found = nullptr;
     for (int32_t i = 0; i < m_form.m_field_cnt && !found; ++i)
         found = m_form.m_fields[i] ? m_form.m_fields[i]->get(path) : nullptr;
     return found;
+}
+
+// The fields that have the partial name `name`, and others of the same hash.
+CPDFFieldFinder::Range CPDFFieldFinder::named(std::string_view name) const
+{
+    const ENTRY wanted{std::hash<std::string_view>{}(name), 0, nullptr};
+    return std::equal_range(m_names.begin(), m_names.end(), wanted,
+                            [](const ENTRY& a, const ENTRY& b) { return a.key < b.key; });
 }
 
 // Whether a search for `path` that starts under `top` asks `field`: every field between lets it pass, for the path begins
@@ -99,8 +114,8 @@ void CPDFFieldFinder::add_named(Index& out, std::string_view name, const CPDFFie
     };
     const ENTRY first{std::hash<std::string_view>{}(name), place, nullptr};
     for (auto at = std::lower_bound(m_names.begin(), m_names.end(), first, comes_before);
-         at != m_names.end() && at->key == first.key && m_visits < LIMIT_SELECT_VISITS && is_below(at->field); ++at) {
-        out.push_back(*at);
+         at != m_names.end() && at->key == first.key && !gave_up() && is_below(at->field); ++at) {
+        add(out, *at);
         ++m_visits;
     }
 }
@@ -115,6 +130,8 @@ CPDFField* CPDFFieldFinder::find_below(const CPDFField* top, size_t place, const
         end = whole.find('.', end + 1);
         add_named(starts, whole.substr(0, end), top, place);
     }
+    if (m_failed)
+        return nullptr;
     std::sort(starts.begin(), starts.end(), [](const ENTRY& a, const ENTRY& b) { return a.place < b.place; });
     for (const ENTRY& start : starts) {
         char own[PARTIAL_NAME_SIZE];
@@ -127,6 +144,49 @@ CPDFField* CPDFFieldFinder::find_below(const CPDFField* top, size_t place, const
         CPDFField* found = path[len] == '.' ? find_below(start.field, start.place + 1, path + len + 1) : nullptr;
         if (found)
             return found;
+    }
+    return nullptr;
+}
+
+// What is left of `path` under `field`, null for the form, where a search gets that far: fields whose name the rest does
+// not begin with let it pass.
+const char* CPDFFieldFinder::rest_below(const CPDFField* field, const char* path)
+{
+    const char* rest = field ? rest_below(field->m_parent, path) : path;
+    if (!field || !rest)
+        return rest;
+    char own[PARTIAL_NAME_SIZE];
+    const int len = partial_name(*field, own);
+    ++m_visits;
+    if (!is_named(own) || !is_prefix(own, len, rest))
+        return rest;
+    return rest[len] == '.' ? rest + len + 1 : nullptr;
+}
+
+// The same as find_below from the top, from the other end: the field that a path designates is named like the path behind
+// one of its dots, or like all of it. Many fields may be called as the first step is, and few as the last.
+CPDFField* CPDFFieldFinder::find_last(const char* path)
+{
+    const std::string_view whole(path);
+    Index ends;
+    for (size_t begin = 0;; ++begin) {
+        if (whole.size() - begin < PARTIAL_NAME_SIZE) {
+            const Range range = named(whole.substr(begin));
+            m_failed = !ends.append(range.first, static_cast<size_t>(range.second - range.first)) || m_failed;
+        }
+        begin = whole.find('.', begin);
+        if (begin == whole.npos)
+            break;
+    }
+    std::sort(ends.begin(), ends.end(), [](const ENTRY& a, const ENTRY& b) { return a.place < b.place; });
+    for (const ENTRY& end : ends) {
+        if (gave_up() || m_failed)
+            return nullptr;
+        char own[PARTIAL_NAME_SIZE];
+        partial_name(*end.field, own);
+        const char* rest = rest_below(end.field->m_parent, path);
+        if (rest && std::strcmp(own, rest) == 0)
+            return end.field;
     }
     return nullptr;
 }

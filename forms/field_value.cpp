@@ -6,6 +6,7 @@
 #include "core/dictionary.h"
 #include "core/text.h"
 #include "core/xref_table.h"
+#include "engine/sign.h"
 #include "forms/field.h"
 #include "forms/field_edit.h"
 
@@ -88,4 +89,55 @@ void CPDFField::set_read_only(int on)
         static_cast<int32_t>(on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY)));
     if (change_entries(*this, {{"Ff", &flags}}) != PDF_CHANGE_RESULT::NO_DICTIONARY)
         m_flags = static_cast<uint32_t>(flags.ival);
+}
+
+void CPDFField::set_edit_value(const PDF_String* value)
+{
+    if (m_type != FIELD_TEXT)
+        return;
+    CPDFObj text;  // aside, for `value` may be the field's own
+    text.set_string(value->buf, value->len);
+    m_value.take(text);
+    store_entry("V", m_value);
+}
+
+void CPDFField::set_edit_appearnce(const PDF_String* da)
+{
+    if (m_type != FIELD_TEXT)
+        return;
+    CPDFObj text;
+    text.set_string(da->buf, da->len);
+    m_da.take(text);
+    store_entry("DA", m_da);
+}
+
+PDF_String* CPDFField::get_edit_value()
+{
+    for (CPDFField* field = this; field && field->m_type == FIELD_TEXT; field = field->m_parent) {
+        if (field->m_value.type == PDF_OBJ_STRING)
+            return &field->m_value.str;
+    }
+    return nullptr;
+}
+
+PDF_String* CPDFField::get_edit_apperance()
+{
+    const bool has_text = m_type == FIELD_TEXT || m_type == FIELD_CHOICE;
+    return has_text && m_da.type == PDF_OBJ_STRING ? &m_da.str : nullptr;
+}
+
+int CPDFField::is_signed()
+{
+    return m_type == FIELD_SIGNATURE && m_sign && m_sign->m_data_cnt > 0;
+}
+
+int CPDFField::has_sign()
+{
+    if (is_signed())
+        return 1;
+    for (int32_t i = 0; i < m_kid_cnt; ++i) {
+        if (m_kids[i] && m_kids[i]->has_sign())
+            return 1;
+    }
+    return 0;
 }

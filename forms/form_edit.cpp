@@ -1,9 +1,9 @@
 #include <cstring>
 #include <memory>
 
-#include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/growable.h"
 #include "core/xref_table.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
@@ -64,17 +64,14 @@ CPDFField* CPDFAcroForm::append_field(const PDF_REF& ref)
 {
     if (ref.num == 0 || !m_xref)
         return nullptr;
-    void* grown = VXRealloc(m_fields, (static_cast<size_t>(m_field_cnt) + 1) * sizeof(CPDFField*));
-    if (!grown)
+    auto* field = vx_set_room(m_fields, static_cast<size_t>(m_field_cnt) + 1) ? new CPDFField : nullptr;
+    if (!field)
         return nullptr;
-    m_fields = static_cast<CPDFField**>(grown);
-    auto* field = new CPDFField;
-    m_fields[m_field_cnt] = field;
+    m_fields[m_field_cnt++] = field;
     if (!field->load(nullptr, m_xref, ref))
         field->m_ref = ref;
-    ++m_field_cnt;
     CPDFObj fields;
-    if (list_fields(*fields.set_array()))
+    if (fields.set_array() && list_fields(*fields.arr))
         store_fields(fields);
     return field;
 }

@@ -1,15 +1,27 @@
 #include <cstring>
 #include <memory>
-#include <vector>
 
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/text.h"
 #include "core/xref_table.h"
 #include "engine/resources.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "forms/visit_set.h"
+
+namespace {
+
+constexpr int FIND_LIMIT = 61;
+constexpr int GET_LIMIT = 254;
+
+bool is_text(const CPDFObj& value, const char* text)
+{
+    return value.type == PDF_OBJ_STRING ? value.str.equals(text) : value.is_name(text);
+}
+
+}  // namespace
 
 CPDFAcroForm::CPDFAcroForm()
     : m_ref{0, 0},
@@ -70,6 +82,8 @@ void CPDFAcroForm::load_resources(const CPDFDictionary& dict)
     if (!entry)
         return;
     m_res = new CPDFResources;
+    if (!m_res)
+        return;
     m_res->bind(m_xref, entry);
     m_res->load_resource(m_xref, 0);
 }
@@ -87,26 +101,21 @@ void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
     std::memset(m_fields, 0, static_cast<size_t>(m_field_cnt) * sizeof(CPDFField*));
     CPDFVisitSet visits;
     visits.put_off_kids = true;
-    std::vector<int32_t> kids;
-    for (int32_t i = 0; i < m_field_cnt; ++i) {
-        if (!load_top(i, fields->items[i], visits))
-            kids.push_back(i);
-    }
+    for (int32_t i = 0; i < m_field_cnt; ++i)
+        load_top(i, fields->items[i], visits);
     // Some files list kids here too: those that their parents have brought in by now are not loaded again.
     visits.put_off_kids = false;
-    for (const int32_t i : kids)
-        load_top(i, fields->items[i], visits);
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        if (!m_fields[i])
+            load_top(i, fields->items[i], visits);
+    }
 }
 
-bool CPDFAcroForm::load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits)
+void CPDFAcroForm::load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits)
 {
-    if (entry.type != PDF_OBJ_REF)
-        return false;
-    auto field = std::make_unique<CPDFField>();
-    if (!field->load_once(nullptr, m_xref, entry.ref, visits))
-        return false;
-    m_fields[slot] = field.release();
-    return true;
+    std::unique_ptr<CPDFField> field(entry.type == PDF_OBJ_REF ? new CPDFField : nullptr);
+    if (field && field->load_once(nullptr, m_xref, entry.ref, visits))
+        m_fields[slot] = field.release();
 }
 
 void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
@@ -127,13 +136,51 @@ void CPDFAcroForm::load_xfa(const CPDFDictionary& dict)
 void CPDFAcroForm::load_packets(const CPDFArray& packets)
 {
     for (int32_t i = 0; i + 1 < packets.count; i += 2) {
-        PDF_String name;
-        m_xref->read_obj_string(name, &packets.items[i]);
+        const CPDFEntryView name(m_xref, &packets.items[i]);
         const CPDFObj& packet = packets.items[i + 1];
-        if (name.equals("datasets") && packet.type == PDF_OBJ_REF)
+        if (is_text(*name, "datasets") && packet.type == PDF_OBJ_REF)
             m_xfa_ref = packet.ref;
-        if (name.equals("template"))
+        if (is_text(*name, "template"))
             bind_template(&packet);
-        name.release();
     }
+}
+
+CPDFField* CPDFAcroForm::find(const PDF_REF& ref)
+{
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        CPDFField* found = m_fields[i] ? m_fields[i]->get(ref) : nullptr;
+        if (found)
+            return found;
+    }
+    return nullptr;
+}
+
+CPDFField* CPDFAcroForm::find_top(const wchar_t* name, int limit)
+{
+    wchar_t own[GET_LIMIT + 1];
+    for (int32_t i = 0; i < m_field_cnt; ++i) {
+        if (!m_fields[i])
+            continue;
+        m_fields[i]->get_name(own, limit + 1);
+        if (ucs_cmp(own, name) == 0)
+            return m_fields[i];
+    }
+    return nullptr;
+}
+
+CPDFField* CPDFAcroForm::find(const wchar_t* name)
+{
+    return name[0] ? find_top(name, FIND_LIMIT) : nullptr;
+}
+
+CPDFField* CPDFAcroForm::get_field(const wchar_t* name)
+{
+    return find_top(name, GET_LIMIT);
+}
+
+CPDFField* CPDFAcroForm::get_field(const PDF_String& name)
+{
+    wchar_t wide[256];
+    cvt_text_to_ucs(&name, wide, 255);
+    return get_field(wide);
 }

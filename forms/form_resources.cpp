@@ -15,9 +15,8 @@ constexpr CPDFKeySet RESOURCES_KEY_SET{RESOURCES};
 void build_fonts(CPDFXRefTable* xref, const CPDFObj* entry, const char* name, const PDF_REF& font, CPDFObj& fonts)
 {
     resolve_obj(xref, entry, fonts);
-    if (!fonts.dictionary())
-        fonts.set_dict();
-    fonts.dict->set_item_ref(name, font);
+    if (fonts.dictionary() || fonts.set_dict())
+        fonts.dict->set_item_ref(name, font);
 }
 
 }  // namespace
@@ -35,10 +34,11 @@ CPDFResources* CPDFAcroForm::new_resource(CPDFXRefTable* xref)
         return m_res;
     CPDFObj resources;
     const CPDFDictionary no_fonts;
+    std::unique_ptr<CPDFResources> made(m_res ? nullptr : new CPDFResources);
     if (m_res)
         take_obj(xref, form.dict->get_item(RESOURCES), resources);
-    else
-        resources.set_dict()->set_item_dict(CPDFDictionary::sm_tag_font, &no_fonts);
+    else if (resources.set_dict())
+        resources.dict->set_item_dict(CPDFDictionary::sm_tag_font, &no_fonts);
     const PDF_REF ref = {xref->new_obj_num(), 0};
     if (!check.failed())
         xref->take_changed(ref, resources);
@@ -51,7 +51,7 @@ CPDFResources* CPDFAcroForm::new_resource(CPDFXRefTable* xref)
     if (m_res) {
         m_res->m_ref = ref;
     } else {
-        m_res = new CPDFResources;
+        m_res = made.release();
         m_res->bind(xref, &entry);
     }
     return m_res;
@@ -76,8 +76,8 @@ bool CPDFAcroForm::append_own_font(CPDFXRefTable* xref, const char* name, const 
         return false;
     CPDFObj resources;
     take_obj(xref, form.dict->get_item(RESOURCES), resources);
-    if (!resources.dictionary())
-        resources.set_dict();
+    if (!resources.dictionary() && !resources.set_dict())
+        return false;
     CPDFObj fonts;
     build_fonts(xref, resources.dict->get_item(CPDFDictionary::sm_tag_font), name, font, fonts);
     resources.dict->set_item_dict(CPDFDictionary::sm_tag_font, fonts.dict);

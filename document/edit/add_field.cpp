@@ -8,9 +8,12 @@
 #include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
 #include "document/edit/new_object.h"
+#include "document/edit/page_annots.h"
+#include "document/edit/remove_field.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/page_box.h"
 #include "document/lookup/page_map.h"
-#include "engine/annot_widget.h"
+#include "document/lookup/widget_binder.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 
@@ -43,6 +46,13 @@ const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
     const auto* found =
         std::find_if(std::begin(NEW_KINDS), std::end(NEW_KINDS), [id](const NEW_KIND& at) { return at.id == id; });
     return found == std::end(NEW_KINDS) ? nullptr : found;
+}
+
+bool holds(const PDF_BOX& box, const PDF_RECT& rect)
+{
+    constexpr double SLACK = PDF_RECT::SMALLEST;
+    return rect.x >= box.x0 - SLACK && rect.y >= box.y0 - SLACK && rect.x + rect.width <= box.x1 + SLACK &&
+           rect.y + rect.height <= box.y1 + SLACK;
 }
 
 // The parts of a full name.
@@ -95,9 +105,27 @@ public:
         CPDFField* parent = make_parents();
         const PDF_REF ref = m_field.kind == KIND_RADIO ? make_group(parent) : make_merged(parent);
         added = memory.failed() ? nullptr : attach_field(m_target, parent, ref);
+        if (added)
+            m_target.widgets.bind_added(m_target.xref, *added, m_target.pages);
         if (m_kind->id == KIND_SIGNATURE)
             m_target.form.set_sign_flag(1);
         return added && !memory.failed() ? CPDFStatus() : no_memory_to_edit();
+    }
+
+    // The default is also the value.
+    CPDFStatus set_default(CPDFField& field) const
+    {
+        const std::optional<CPDFValue>& value = m_field.entries.default_value;
+        if (!value)
+            return {};
+        PDF_FIELD_CHANGE change;
+        change.default_value = value;
+        CPDFStatus status = change_field(field, change, m_target.widgets);
+        PDF_FILL_PLAN plan;
+        if (status.ok())
+            status = plan_fill(field, *value, PDF_FILL::FORCE, PDF_WORDS::STATES_FIRST, m_target.widgets, plan);
+        std::vector<CPDFField*> changed;
+        return status.ok() ? apply_fill(m_target.xref, plan, m_target.widgets, changed) : status;
     }
 
 private:
@@ -155,16 +183,16 @@ private:
         if (!there)
             m_refusals.add("there is no page " + std::to_string(m_field.page) + ": the document has " +
                            std::to_string(pages));
-        const PDF_RECT box = there ? page_box(m_target.xref, page_ref()) : PDF_RECT();
+        const PDF_BOX box = there ? read_page_box(m_target.xref, page_ref()).crop : PDF_BOX();
         for (const PDF_RECT& rect : m_field.rects) {
             const std::string shown = "the rectangle " + number_syntax(rect.x) + "," + number_syntax(rect.y) + "," +
                                       number_syntax(rect.width) + "," + number_syntax(rect.height);
             if (rect.width < PDF_RECT::SMALLEST || rect.height < PDF_RECT::SMALLEST)
                 m_refusals.add(shown + " is empty");
-            else if (there && !box.holds(rect))
+            else if (there && !holds(box, rect))
                 m_refusals.add(shown + " is not on page " + std::to_string(m_field.page) + ", which goes from " +
-                               number_syntax(box.x) + "," + number_syntax(box.y) + " to " +
-                               number_syntax(box.x + box.width) + "," + number_syntax(box.y + box.height));
+                               number_syntax(box.x0) + "," + number_syntax(box.y0) + " to " + number_syntax(box.x1) +
+                               "," + number_syntax(box.y1));
         }
         const size_t rects = m_field.rects.size();
         if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_states.size()))
@@ -335,10 +363,18 @@ private:
 
 }  // namespace
 
-CPDFStatus add_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added)
+CPDFStatus insert_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added)
 {
     added = nullptr;
     FieldMaker maker(target, field);
     CPDFStatus status = maker.check();
-    return status.ok() ? maker.make(added) : status;
+    if (status.ok())
+        status = maker.make(added);
+    if (added && status.ok())
+        status = maker.set_default(*added);
+    if (!added || status.ok())
+        return status;
+    (void)erase_field(target, *added);  // the first failure is the one to tell
+    added = nullptr;
+    return status;
 }

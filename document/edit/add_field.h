@@ -5,8 +5,18 @@
 #include <vector>
 
 #include "document/edit/edit.h"
-#include "document/edit/page_annots.h"
 #include "document/edit/set_field.h"
+
+// A rectangle in points, from the lower left corner of the page's own space.
+struct PDF_RECT {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+
+    // What is shorter is empty: a file holds no more decimals. Rounding may make boxes differ by as much.
+    static constexpr double SMALLEST = 0.001;
+};
 
 // A field that is to be added.
 struct PDF_NEW_FIELD {
@@ -24,5 +34,5 @@ struct PDF_NEW_FIELD {
 // then. Refuses, with everything that is wrong, a kind that can't be added or what doesn't fit it, a name that is taken
 // or below a field that can't hold others, too long or too deep to be found again, a page that isn't there, and a
 // rectangle that is empty or not on the page; nothing is changed then. Of a group above it the field takes no flags, value
-// or scripts, but the maximum length where it is given none.
-CPDFStatus add_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added);
+// or scripts, but the maximum length where it is given none. The widgets of the target are bound where a default is given.
+CPDFStatus insert_field(EDIT_TARGET& target, const PDF_NEW_FIELD& field, CPDFField*& added);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/entry_change.h"
 #include "core/object.h"
 #include "file/status.h"
 
@@ -26,6 +27,7 @@ struct EDIT_TARGET {
     const PDF_REF& root_ref;
     CPDFPageMap& pages;
     CPDFNameIndex& names;
+    CPDFWidgetBinder& widgets;  // bound where the operation says so
 };
 
 // Everything that is wrong with a request, so that it can be told at once.
@@ -50,4 +52,18 @@ private:
 inline CPDFStatus no_memory_to_edit()
 {
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to change the form");
+}
+
+// Two changes that belong together: what became of the first that was not stored.
+inline PDF_CHANGE_RESULT both(PDF_CHANGE_RESULT first, PDF_CHANGE_RESULT second)
+{
+    return first == PDF_CHANGE_RESULT::STORED ? second : first;
+}
+
+// Why a change was not stored; `damage` is the sentence for a dictionary or array that isn't there.
+inline CPDFStatus edit_status(PDF_CHANGE_RESULT result, const std::string& damage)
+{
+    if (result == PDF_CHANGE_RESULT::STORED)
+        return {};
+    return result == PDF_CHANGE_RESULT::NO_MEMORY ? no_memory_to_edit() : CPDFStatus::failed(PDF_CODE::DAMAGED, damage);
 }

@@ -11,8 +11,7 @@
 template <typename Edit>
 PDF_CHANGE_RESULT edit_array(CPDFXRefTable& xref, const PDF_REF& owner, const char* key, Edit&& edit)
 {
-    const char* const keys[] = {key};
-    const CPDFKeySet key_set(keys);
+    const CPDFKeySet key_set(key);
     const VXFailureCheck memory;
     CPDFObj own;
     xref.get_entity(own, owner, &key_set);
@@ -23,8 +22,9 @@ PDF_CHANGE_RESULT edit_array(CPDFXRefTable& xref, const PDF_REF& owner, const ch
     CPDFObj list;
     take_obj(&xref, entry, list);
     if (!list.array()) {
-        list.set_array();
         apart = {0, 0};
+        if (!list.set_array())
+            return PDF_CHANGE_RESULT::NO_MEMORY;
     }
     const bool changed = edit(*list.arr);
     if (memory.failed())

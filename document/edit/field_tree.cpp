@@ -19,13 +19,13 @@ namespace {
 using NumberSet = std::unordered_set<uint32_t>;
 
 // Some files list kids in "Fields" as well, where a null slot stands for them: these entries would bring them back.
-void drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
+PDF_CHANGE_RESULT drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
 {
     CPDFAcroForm& form = target.form;
     const auto is_null = [](const CPDFField* field) { return !field; };
     if (std::none_of(form.m_fields, form.m_fields + form.m_field_cnt, is_null))
-        return;
-    edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
+        return PDF_CHANGE_RESULT::STORED;
+    return edit_array(target.xref, form.m_ref, "Fields", [&](CPDFArray& fields) {
         const int32_t before = form.m_field_cnt;
         for (int32_t i = before - 1; i >= 0; --i) {
             const CPDFObj* entry = fields.at(i);
@@ -50,8 +50,9 @@ CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& r
     return field;
 }
 
-bool detach_field(EDIT_TARGET& target, CPDFField& field)
+PDF_CHANGE_RESULT detach_field(EDIT_TARGET& target, CPDFField& field)
 {
+    const VXFailureCheck memory;
     NumberSet gone;
     for_each_field(field, [&gone](const CPDFField& at) { gone.insert(at.m_ref.num); });
     const CPDFField* parent = field.m_parent;
@@ -62,10 +63,9 @@ bool detach_field(EDIT_TARGET& target, CPDFField& field)
     target.form.remove_field(&field);
     if (listed == before) {
         target.names.add(field);
-        return false;
+        return memory.failed() ? PDF_CHANGE_RESULT::NO_MEMORY : PDF_CHANGE_RESULT::NO_DICTIONARY;
     }
-    drop_null_slots(target, gone);
-    return true;
+    return drop_null_slots(target, gone);
 }
 
 CPDFField* field_named(EDIT_TARGET& target, const std::string& name)
@@ -101,8 +101,7 @@ bool is_readable_name(const std::string& name)
 
 bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out)
 {
-    const char* const keys[] = {key};
-    const CPDFKeySet key_set(keys);
+    const CPDFKeySet key_set(key);
     for (const CPDFField* above = parent; above; above = above->m_parent) {
         CPDFObj dict;
         above->m_xref->get_entity(dict, above->m_ref, &key_set);

@@ -12,9 +12,9 @@ class CPDFField;
 CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& ref);
 
 // Takes `field` with all under it out of the tree, out of every list of the form that names them, and out of the index
-// of names, and deletes it. Returns false, with the tree as it was, where the array that lists it can't be read or
-// memory runs out.
-bool detach_field(EDIT_TARGET& target, CPDFField& field);
+// of names, and deletes it. NO_DICTIONARY, with the tree as it was, where the array that lists it can't be read; when
+// memory runs out a list may still name it.
+[[nodiscard]] PDF_CHANGE_RESULT detach_field(EDIT_TARGET& target, CPDFField& field);
 
 // The field with exactly this full name, or null.
 CPDFField* field_named(EDIT_TARGET& target, const std::string& name);

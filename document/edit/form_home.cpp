@@ -25,13 +25,18 @@ bool name_form(EDIT_TARGET& target, const PDF_REF& form)
     return true;
 }
 
+bool is_dictionary(CPDFXRefTable& xref, const CPDFObj* entry)
+{
+    const CPDFEntryView view(&xref, entry);
+    return view->dictionary() != nullptr;
+}
+
 }  // namespace
 
 CPDFStatus settle_form(EDIT_TARGET& target)
 {
     CPDFObj* entry = target.root.dict->get_item(FORM);
-    CPDFObj scratch;
-    const bool is_there = view_obj(&target.xref, entry, scratch)->dictionary() != nullptr;
+    const bool is_there = is_dictionary(target.xref, entry);
     if (is_there && entry->type == PDF_OBJ_REF)
         return {};
     const VXFailureCheck memory;

@@ -33,22 +33,13 @@ PDF_REF new_stream(CPDFXRefTable& xref, const std::string& entries, const std::s
     const VXFailureCheck memory;
     const PDF_REF ref = {xref.new_obj_num(), 0};
     CPDFObj dict;
-    parse_syntax("<<" + entries + "/Length " + std::to_string(data.size()) + ">>", dict);
+    parse_syntax("<<" + entries + ">>", dict);
     VXBlock<unsigned char> bytes(vx_alloc_array<unsigned char>(data.size()));
     if (memory.failed() || !bytes)
         return {0, 0};
     std::memcpy(bytes.get(), data.data(), data.size());
-    CPDFObj object;
-    object.stream = new CPDFStreamRec;
-    object.type = PDF_OBJ_STREAM;
-    object.stream->dict.take(*dict.dict);
-    object.stream->data_len = static_cast<uint32_t>(data.size());
-    object.stream->ref = ref;
-    object.stream->in_memory = 1;
-    object.stream->handle = xref.set_mem_stream(ref, bytes.release(), static_cast<int>(data.size()));
-    if (!memory.failed())
-        xref.take_changed(ref, object);
-    return memory.failed() ? PDF_REF{0, 0} : ref;
+    const auto stored = xref.take_stream(ref, *dict.dict, bytes.release(), static_cast<int>(data.size()));
+    return stored == PDF_CHANGE_RESULT::STORED ? ref : PDF_REF{0, 0};
 }
 
 std::string string_syntax(const std::string& text)

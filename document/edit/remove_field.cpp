@@ -34,9 +34,9 @@ CPDFField& with_empty_groups(const EDIT_TARGET& target, CPDFField& field)
     return *top;
 }
 
-void remove_from_order(EDIT_TARGET& target, const NumberSet& gone)
+PDF_CHANGE_RESULT remove_from_order(EDIT_TARGET& target, const NumberSet& gone)
 {
-    edit_array(target.xref, target.form.m_ref, "CO", [&gone](CPDFArray& order) {
+    return edit_array(target.xref, target.form.m_ref, "CO", [&gone](CPDFArray& order) {
         return remove_references(order, [&gone](uint32_t num) { return gone.count(num) > 0; });
     });
 }
@@ -55,8 +55,7 @@ NumberSet objects_of(CPDFField& top, const CPDFWidgetBinder& widgets)
     return objects;
 }
 
-// Whether every page could be changed.
-bool remove_from_pages(EDIT_TARGET& target, const NumberSet& gone)
+PDF_CHANGE_RESULT remove_from_pages(EDIT_TARGET& target, const NumberSet& gone)
 {
     std::map<int32_t, NumberSet> by_page;
     for (const uint32_t num : gone) {
@@ -64,12 +63,10 @@ bool remove_from_pages(EDIT_TARGET& target, const NumberSet& gone)
             by_page[at.page].insert(num);
         target.pages.remove_annotation(num);
     }
-    bool done = true;
-    for (const auto& [page, annotations] : by_page) {
-        const PDF_REF& ref = target.pages.page_ref(page);
-        done = remove_annotations(target.xref, ref, annotations) == PDF_CHANGE_RESULT::STORED && done;
-    }
-    return done;
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    for (const auto& [page, annotations] : by_page)
+        result = both(result, remove_annotations(target.xref, target.pages.page_ref(page), annotations));
+    return result;
 }
 
 bool has_signature_field(CPDFField& top)
@@ -90,40 +87,36 @@ void clear_signature_flags(CPDFAcroForm& form)
 
 }  // namespace
 
-CPDFStatus remove_field(EDIT_TARGET& target, CPDFField& field, const CPDFWidgetBinder& widgets)
+CPDFStatus erase_field(EDIT_TARGET& target, CPDFField& field)
 {
     const VXFailureCheck memory;
     CPDFField& top = with_empty_groups(target, field);
-    const std::string name = full_name(field);
-    const NumberSet gone = objects_of(top, widgets);
+    const std::string name = "field \"" + full_name(field) + "\"";
+    const NumberSet gone = objects_of(top, target.widgets);
     const bool signature = has_signature_field(top);
     if (CPDFStatus status = settle_form(target); !status.ok())
         return status;
-    if (!detach_field(target, top))
-        return memory.failed()
-                   ? no_memory_to_edit()
-                   : CPDFStatus::failed(PDF_CODE::DAMAGED,
-                                        "field \"" + name + "\" can't be removed: the list that holds it is damaged");
-    const bool off_pages = remove_from_pages(target, gone);
-    remove_from_order(target, gone);
+    const PDF_CHANGE_RESULT detached = detach_field(target, top);
+    if (detached != PDF_CHANGE_RESULT::STORED)
+        return edit_status(detached, name + " can't be removed: the list that holds it is damaged");
+    const PDF_CHANGE_RESULT lists = both(remove_from_pages(target, gone), remove_from_order(target, gone));
     if (signature)
         clear_signature_flags(target.form);
     if (memory.failed())
         return no_memory_to_edit();
-    return off_pages
-               ? CPDFStatus()
-               : CPDFStatus::failed(PDF_CODE::DAMAGED,
-                                    "field \"" + name + "\" is removed, but a page that shows it can't be changed");
+    return edit_status(lists, name + " is removed, but a page that shows it can't be changed");
 }
 
-void remove_empty_groups(EDIT_TARGET& target, CPDFField* group, const CPDFField* keep)
+PDF_CHANGE_RESULT erase_empty_groups(EDIT_TARGET& target, CPDFField* group, const CPDFField* keep)
 {
-    while (group && group != keep && is_bare(target, *group, 0)) {
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    while (group && group != keep && is_bare(target, *group, 0) && result == PDF_CHANGE_RESULT::STORED) {
         CPDFField* above = group->m_parent;
         const uint32_t num = group->m_ref.num;
-        if (!detach_field(target, *group))
-            return;
-        remove_from_order(target, {num});
+        result = detach_field(target, *group);
+        if (result == PDF_CHANGE_RESULT::STORED)
+            result = remove_from_order(target, {num});
         group = above;
     }
+    return result;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <list>
+#include <unordered_map>
 #include <vector>
 
 #include "core/alloc.h"
@@ -93,7 +94,7 @@ void check_parent(EDIT_TARGET& target, const CPDFField& field, const CPDFField& 
 
 // Entries that fields inherit (ISO 32000-2, 12.7.4.1 and 12.7.4.3), and the scripts, which they take in this system.
 constexpr const char* INHERITED[] = {"FT", "Ff", "V", "DV", "DA", "Q", "MaxLen", "Opt", "AA"};
-constexpr CPDFKeySet INHERITED_SET(INHERITED);
+constexpr CPDFKeySet INHERITED_KEYS(INHERITED);
 
 struct INHERITANCE {
     std::list<CPDFObj> values;
@@ -121,7 +122,7 @@ bool neutral_entry(const CPDFField& field, const std::string& key, CPDFObj& out)
 void collect_inherited(const CPDFField& field, const CPDFField* parent, INHERITANCE& out)
 {
     CPDFObj own;
-    field.m_xref->get_entity(own, field.m_ref, &INHERITED_SET);
+    field.m_xref->get_entity(own, field.m_ref, &INHERITED_KEYS);
     for (const char* key : INHERITED) {
         if (!own.dictionary() || own.dict->get_item(key))
             continue;
@@ -146,7 +147,7 @@ void check_lengths(CPDFField& field, const CPDFField& parent, CPDFRefusals& refu
 
 }  // namespace
 
-CPDFStatus rename_field(EDIT_TARGET& target, CPDFField& field, const std::string& name)
+CPDFStatus set_field_name(EDIT_TARGET& target, CPDFField& field, const std::string& name)
 {
     CPDFRefusals refusals;
     check_named(field, refusals);
@@ -160,8 +161,10 @@ CPDFStatus rename_field(EDIT_TARGET& target, CPDFField& field, const std::string
     CPDFObj text;
     text.type = PDF_OBJ_STRING;
     text.str = pdf_string_of(name);
-    if (change_entries(field, {{"T", &text}}, memory) != PDF_CHANGE_RESULT::STORED)
-        return no_memory_to_edit();
+    const PDF_CHANGE_RESULT result = change_entries(field, {{"T", &text}}, memory);
+    if (result != PDF_CHANGE_RESULT::STORED)
+        return edit_status(result, "field " + in_quotes(full_name(field)) + " can't be renamed: object " +
+                                       std::to_string(field.m_ref.num) + " is missing or damaged");
     target.names.remove(field);
     field.m_name.release();
     field.m_name.take(text.str);
@@ -169,7 +172,7 @@ CPDFStatus rename_field(EDIT_TARGET& target, CPDFField& field, const std::string
     return {};
 }
 
-CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, CPDFField*& moved)
+CPDFStatus set_field_parent(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, CPDFField*& moved)
 {
     moved = &field;
     CPDFRefusals refusals;
@@ -192,11 +195,17 @@ CPDFStatus move_field(EDIT_TARGET& target, CPDFField& field, CPDFField* parent, 
     CPDFField* before = field.m_parent;
     if (memory.failed() || !settle_form(target).ok())
         return no_memory_to_edit();
-    if (!detach_field(target, field))
-        return CPDFStatus::failed(PDF_CODE::DAMAGED, "field " + in_quotes(full_name(field)) +
-                                                         " can't be moved: the list that holds it is damaged");
-    target.xref.change_entries(ref, inherited.changes);
+    const std::string damage =
+        "field " + in_quotes(full_name(field)) + " can't be moved: the list that holds it is damaged";
+    std::unordered_map<uint32_t, CPDFAnnotWidget*> widgets;  // they stay bound to the dictionaries
+    for_each_field(field, [&widgets](CPDFField& at) { widgets.emplace(at.m_ref.num, at.m_widget); });
+    PDF_CHANGE_RESULT result = detach_field(target, field);
+    if (result != PDF_CHANGE_RESULT::STORED)
+        return edit_status(result, damage);
+    result = target.xref.change_entries(ref, inherited.changes);
     moved = attach_field(target, parent, ref);
-    remove_empty_groups(target, before, parent);
-    return moved && !memory.failed() ? CPDFStatus() : no_memory_to_edit();
+    if (moved)
+        for_each_field(*moved, [&widgets](CPDFField& at) { at.m_widget = widgets[at.m_ref.num]; });
+    result = both(result, erase_empty_groups(target, before, parent));
+    return moved && !memory.failed() ? edit_status(result, damage) : no_memory_to_edit();
 }

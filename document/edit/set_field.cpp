@@ -87,7 +87,9 @@ namespace {
 // Makes `out` the array "Opt" of these options.
 void make_options(const std::vector<PDF_OPTION>& options, CPDFObj& out)
 {
-    CPDFArray& list = *out.set_array();
+    if (!out.set_array())
+        return;
+    CPDFArray& list = *out.arr;
     const auto append = [](CPDFArray& to, const std::string& text) {
         PDF_String string = pdf_string_of(text);
         to.append_str(string.buf, string.len);

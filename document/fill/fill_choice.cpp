@@ -62,7 +62,8 @@ void apply_choice(PDF_FILL_TARGET& target, const PDF_FILL_PLAN& plan)
     CPDFField& field = *plan.field;
     CPDFObj value;
     CPDFObj indices;
-    indices.set_array();
+    if (!indices.set_array())
+        return;
     for (const int option : plan.options)
         indices.arr->append_int(option);
     if (!plan.options.empty() || shows_another_value(field))

@@ -1,23 +1,22 @@
 #include "document/lookup/branch_finder.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "core/array.h"
 #include "core/dictionary.h"
 #include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/lookup/field_text.h"
-#include "forms/field.h"
+#include "forms/field_walk.h"
 #include "forms/visit_set.h"
 
 namespace {
 
-constexpr const char* NAME_KEYS[] = {"T"};
-constexpr CPDFKeySet NAME_KEY_SET(NAME_KEYS);
-constexpr const char* TREE_KEYS[] = {"Kids", "Parent"};
-constexpr CPDFKeySet TREE_KEY_SET(TREE_KEYS);
-constexpr const char* FIELDS_KEYS[] = {"Fields"};
-constexpr CPDFKeySet FIELDS_KEY_SET(FIELDS_KEYS);
+constexpr CPDFKeySet NAME_KEYS{"T"};
+constexpr CPDFKeySet TREE_KEYS{"Kids", "Parent"};
+constexpr CPDFKeySet FIELDS_KEYS{"Fields"};
 
 enum class NAMED { NO_FIELD, NO, YES };
 
@@ -25,30 +24,57 @@ enum class NAMED { NO_FIELD, NO, YES };
 NAMED read_name(CPDFXRefTable& xref, const PDF_REF& ref, std::string& name)
 {
     CPDFObj own;
-    xref.get_entity(own, ref, &NAME_KEY_SET);
+    xref.get_entity(own, ref, &NAME_KEYS);
     const CPDFDictionary* dict = own.dictionary();
     if (!dict)
         return NAMED::NO_FIELD;
-    CPDFObj scratch;
-    const CPDFObj* text = view_obj(&xref, dict->get_item("T"), scratch);
+    const CPDFEntryView text(&xref, dict->get_item("T"));
     if (text->type != PDF_OBJ_STRING || text->str.len <= 0)
         return NAMED::NO;
     name = utf8_of(text->str);
     return NAMED::YES;
 }
 
+void hang_kids(CPDFField& field)
+{
+    for (int32_t i = 0; i < field.m_kid_cnt; ++i) {
+        if (field.m_kids[i])
+            field.m_kids[i]->m_parent = &field;
+    }
+}
+
+// Gives each of two fields of the same dictionary the place in the tree that the other one has, and what depends on it;
+// the rest is the same.
+void trade_places(CPDFField& a, CPDFField& b)
+{
+    std::swap(a.m_parent, b.m_parent);
+    std::swap(a.m_index, b.m_index);
+    std::swap(a.m_kids, b.m_kids);
+    std::swap(a.m_kid_cnt, b.m_kid_cnt);
+    std::swap(a.m_widgets, b.m_widgets);
+    std::swap(a.m_widget_cnt, b.m_widget_cnt);
+    std::swap(a.m_xfa_target, b.m_xfa_target);
+    std::swap(a.m_xfa_event, b.m_xfa_event);
+    hang_kids(a);
+    hang_kids(b);
+}
+
 }  // namespace
 
 CPDFBranchFinder::CPDFBranchFinder() : m_visits(std::make_unique<CPDFVisitSet>()) {}
 
-CPDFBranchFinder::~CPDFBranchFinder() = default;
+CPDFBranchFinder::~CPDFBranchFinder()
+{
+    for (const CPDFField* top : m_tops)
+        delete top;
+}
 
 CPDFField* CPDFBranchFinder::find(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name)
 {
     CPDFObj fetched;
     const CPDFDictionary* dict = form ? form->dictionary() : nullptr;
     if (form && form->type == PDF_OBJ_REF) {
-        xref.get_entity(fetched, form->ref, &FIELDS_KEY_SET);
+        xref.get_entity(fetched, form->ref, &FIELDS_KEYS);
         dict = fetched.dictionary();
     }
     m_path.clear();
@@ -59,16 +85,10 @@ CPDFField* CPDFBranchFinder::find(CPDFXRefTable& xref, const CPDFObj* form, std:
     return load_branch(xref);
 }
 
-CPDFField* CPDFBranchFinder::known(const PDF_REF& ref) const
-{
-    const auto found = m_found.find(ref.num);
-    return found != m_found.end() ? found->second : nullptr;
-}
-
 bool CPDFBranchFinder::descend(CPDFXRefTable& xref, const CPDFObj* list, std::string_view name, int depth)
 {
-    CPDFObj scratch;
-    const CPDFArray* fields = view_obj(&xref, list, scratch)->array();
+    const CPDFEntryView entry(&xref, list);
+    const CPDFArray* fields = entry->array();
     for (int32_t i = 0; fields && i < fields->count; ++i) {
         if (fields->items[i].type == PDF_OBJ_REF && enter(xref, fields->items[i].ref, name, depth))
             return true;
@@ -86,7 +106,7 @@ bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::strin
     if (named == NAMED::NO_FIELD || !matches || !m_visits->add(ref.num))
         return false;
     CPDFObj own;
-    xref.get_entity(own, ref, &TREE_KEY_SET);
+    xref.get_entity(own, ref, &TREE_KEYS);
     const CPDFDictionary* dict = own.dictionary();
     const CPDFObj* parent = dict ? dict->get_item(CPDFDictionary::sm_tag_parent) : nullptr;
     const uint32_t above = m_path.empty() ? 0 : m_path.back().num;
@@ -109,12 +129,14 @@ bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::strin
 
 CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
 {
-    if (CPDFField* found = known(m_path.back()))
-        return found;
+    if (const auto found = m_found.find(m_path.back().num); found != m_found.end())
+        return found->second;
     std::unique_ptr<CPDFField> top;
     CPDFField* above = nullptr;
     for (const PDF_REF& ref : m_path) {
-        auto field = std::make_unique<CPDFField>();
+        std::unique_ptr<CPDFField> field(new CPDFField);
+        if (!field)
+            return nullptr;
         if (above && above->m_type != FIELD_UNKNOWN) {
             field->m_type = above->m_type;
             field->m_flags = above->m_flags;
@@ -129,7 +151,35 @@ CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
             return nullptr;
         above = loaded;
     }
-    m_found.emplace(above->m_ref.num, above);
-    m_tops.push_back(std::move(top));
+    for_each_field(*above, [this](CPDFField& field) { m_found.emplace(field.m_ref.num, &field); });
+    m_tops.push_back(top.get());
+    top.release();
     return above;
+}
+
+void CPDFBranchFinder::graft(CPDFAcroForm& form)
+{
+    if (!m_found.empty())
+        graft(form.m_fields, form.m_field_cnt);
+    m_found.clear();
+}
+
+void CPDFBranchFinder::graft(CPDFField** fields, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        if (!fields[i])
+            continue;
+        if (const auto found = m_found.find(fields[i]->m_ref.num); found != m_found.end()) {
+            CPDFField*& place = place_of(*found->second);
+            trade_places(*fields[i], *place);
+            std::swap(fields[i], place);
+        }
+        graft(fields[i]->m_kids, fields[i]->m_kid_cnt);
+    }
+}
+
+// What holds `field` in its branch.
+CPDFField*& CPDFBranchFinder::place_of(const CPDFField& field)
+{
+    return field.m_parent ? field.m_parent->m_kids[field.m_index] : *std::find(m_tops.begin(), m_tops.end(), &field);
 }

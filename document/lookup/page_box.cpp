@@ -11,13 +11,11 @@ namespace {
 
 constexpr PDF_BOX LETTER = {0, 0, 612, 792};
 
-constexpr const char* BOX_KEYS[] = {"MediaBox", "CropBox", "Rotate", "Parent"};
-constexpr CPDFKeySet BOX_KEY_SET(BOX_KEYS);
+constexpr CPDFKeySet BOX_KEYS{"MediaBox", "CropBox", "Rotate", "Parent"};
 
 bool read_number(CPDFXRefTable& xref, const CPDFObj& entry, double& number)
 {
-    CPDFObj scratch;
-    const CPDFObj* value = view_obj(&xref, &entry, scratch);
+    const CPDFEntryView value(&xref, &entry);
     if (value->type == PDF_OBJ_INT)
         number = value->ival;
     else if (value->type == PDF_OBJ_REAL)
@@ -57,8 +55,8 @@ struct INHERITED {
 
 bool read_box(CPDFXRefTable& xref, const CPDFObj* entry, PDF_BOX& box)
 {
-    CPDFObj scratch;
-    const CPDFArray* array = view_obj(&xref, entry, scratch)->array();
+    const CPDFEntryView view(&xref, entry);
+    const CPDFArray* array = view->array();
     double corner[4];
     if (!array || array->count != 4)
         return false;
@@ -87,7 +85,7 @@ PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const CPDFDictionary& page)
     for (int depth = 0; above && above->type == PDF_OBJ_REF && depth <= LIMIT_PAGE_DEPTH; ++depth) {
         const PDF_REF ref = above->ref;
         node.free();
-        xref.get_entity(node, ref, &BOX_KEY_SET);
+        xref.get_entity(node, ref, &BOX_KEYS);
         const CPDFDictionary* dict = node.dictionary();
         if (!dict)
             break;
@@ -97,4 +95,11 @@ PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const CPDFDictionary& page)
     const PDF_BOX media = found.media.is_empty() ? LETTER : found.media;
     const PDF_BOX crop = intersection(found.crop, media);
     return {found.crop.is_empty() || crop.is_empty() ? media : crop, found.rotate};
+}
+
+PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const PDF_REF& page)
+{
+    CPDFObj own;
+    xref.get_entity(own, page, &BOX_KEYS);
+    return own.dictionary() ? read_page_box(xref, *own.dict) : PDF_PAGE_BOX{LETTER, 0};
 }

@@ -30,3 +30,6 @@ int32_t read_rotation(CPDFXRefTable& xref, const CPDFObj* entry);
 // Reads the boxes and the turn of the page `page`, its own or inherited through "Parent". Without a usable media box
 // the page is 612 by 792 points large; a crop box outside the media box is not looked at.
 PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const CPDFDictionary& page);
+
+// The same for the page that is this object; 612 by 792 points where it is missing.
+PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const PDF_REF& page);

@@ -9,8 +9,7 @@
 
 namespace {
 
-constexpr const char* PAGE_KEYS[] = {"Type", "Kids", "Annots"};
-constexpr CPDFKeySet PAGE_KEY_SET(PAGE_KEYS);
+constexpr CPDFKeySet PAGE_KEYS{"Type", "Kids", "Annots"};
 
 bool comes_before(const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b)
 {
@@ -58,25 +57,16 @@ void CPDFPageMap::visit(const CPDFObj& entry, int depth)
     }
     CPDFObj fetched;
     if (entry.type == PDF_OBJ_REF)
-        m_xref->get_entity(fetched, entry.ref, &PAGE_KEY_SET);
+        m_xref->get_entity(fetched, entry.ref, &PAGE_KEYS);
     const CPDFDictionary* node = (entry.type == PDF_OBJ_REF ? fetched : entry).dictionary();
     if (!node)
         return;
-    CPDFObj scratch;
-    const CPDFObj* type = view_obj(m_xref, node->get_item("Type"), scratch);
+    const CPDFEntryView type(m_xref, node->get_item("Type"));
     const CPDFObj* kids = node->get_item("Kids");
     if (kids && !type->is_name("Page"))
-        visit_kids(*kids, depth + 1);
+        for_each_once(kids, [&](const CPDFObj& kid) { visit(kid, depth + 1); });
     else if (!type->is_name("Pages"))
         add_page(*node, entry.type == PDF_OBJ_REF ? entry.ref : PDF_REF{0, 0});
-}
-
-void CPDFPageMap::visit_kids(const CPDFObj& entry, int depth)
-{
-    CPDFObj scratch;
-    const CPDFArray* kids = view_once(&entry, scratch);
-    for (int32_t i = 0; kids && i < kids->count; ++i)
-        visit(kids->items[i], depth);
 }
 
 void CPDFPageMap::add_page(const CPDFDictionary& page, const PDF_REF& ref)
@@ -84,23 +74,24 @@ void CPDFPageMap::add_page(const CPDFDictionary& page, const PDF_REF& ref)
     m_pages.push_back(ref);
     if (ref.num)
         m_seen[ref.num] = page_count();
-    CPDFObj scratch;
-    const CPDFArray* annotations = view_once(page.get_item("Annots"), scratch);
-    for (int32_t i = 0; annotations && i < annotations->count; ++i) {
-        if (annotations->items[i].type == PDF_OBJ_REF)
-            m_annotations.push_back({annotations->items[i].ref.num, page_count()});
-    }
+    for_each_once(page.get_item("Annots"), [this](const CPDFObj& annotation) {
+        if (annotation.type == PDF_OBJ_REF)
+            m_annotations.push_back({annotation.ref.num, page_count()});
+    });
 }
 
-// The array behind an entry; null when it is none, was read before, or the limit is used up.
-const CPDFArray* CPDFPageMap::view_once(const CPDFObj* entry, CPDFObj& scratch)
+// Calls `visit` with each element of the array behind an entry; with none when it is no array, was read before, or the
+// limit is used up.
+template <typename Visit>
+void CPDFPageMap::for_each_once(const CPDFObj* entry, const Visit& visit)
 {
     if (!entry || m_entries_left <= 0 || (entry->type == PDF_OBJ_REF && !first_visit(entry->ref.num)))
-        return nullptr;
-    const CPDFArray* array = view_obj(m_xref, entry, scratch)->array();
-    if (array)
-        m_entries_left -= array->count + 1;
-    return array;
+        return;
+    const CPDFEntryView list(m_xref, entry);
+    const CPDFArray* array = list->array();
+    m_entries_left -= array ? array->count + 1 : 0;
+    for (int32_t i = 0; array && i < array->count; ++i)
+        visit(array->items[i]);
 }
 
 int32_t CPDFPageMap::page_of(uint32_t num) const

@@ -8,7 +8,6 @@
 
 #include "core/object.h"
 
-class CPDFArray;
 class CPDFDictionary;
 
 // An annotation that a page lists: its object number and the number of the page, which counts from 1.
@@ -50,9 +49,9 @@ public:
 private:
     bool first_visit(uint32_t num) { return m_seen.emplace(num, 0).second; }
     void visit(const CPDFObj& entry, int depth);
-    void visit_kids(const CPDFObj& entry, int depth);
     void add_page(const CPDFDictionary& page, const PDF_REF& ref);
-    const CPDFArray* view_once(const CPDFObj* entry, CPDFObj& scratch);
+    template <typename Visit>
+    void for_each_once(const CPDFObj* entry, const Visit& visit);
 
     CPDFXRefTable* m_xref = nullptr;  // borrowed from the caller of load, while it runs
     int64_t m_entries_left = 0;

@@ -41,11 +41,11 @@ int count_signatures(const uint8_t* data, size_t size, int most)
 template <typename Visit>
 void for_each_element(CPDFXRefTable& xref, const CPDFDictionary& dict, const char* key, Visit&& visit)
 {
-    CPDFObj scratch;
-    const CPDFArray* array = view_obj(&xref, dict.get_item(key), scratch)->array();
+    const CPDFEntryView array_entry(&xref, dict.get_item(key));
+    const CPDFArray* array = array_entry->array();
     for (int32_t i = 0; array && i < array->count; ++i) {
-        CPDFObj element;
-        visit(*view_obj(&xref, &array->items[i], element));
+        const CPDFEntryView element(&xref, &array->items[i]);
+        visit(*element);
     }
 }
 
@@ -55,9 +55,8 @@ bool grants_rights_only(CPDFXRefTable& xref, const CPDFDictionary& signature)
     bool grants = false;
     bool others = false;
     for_each_element(xref, signature, "Reference", [&](const CPDFObj& reference) {
-        CPDFObj scratch;
         const CPDFDictionary* dict = reference.dictionary();
-        const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, scratch);
+        const CPDFEntryView method(&xref, dict ? dict->get_item("TransformMethod") : nullptr);
         const bool rights = method->is_name("UR") || method->is_name("UR3");
         (rights ? grants : others) = true;
     });
@@ -67,8 +66,8 @@ bool grants_rights_only(CPDFXRefTable& xref, const CPDFDictionary& signature)
 // How many signatures say no more than that: each an object of its own.
 int count_usage_rights(CPDFXRefTable& xref, const CPDFDictionary& root)
 {
-    CPDFObj scratch;
-    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
+    const CPDFEntryView permissions_entry(&xref, root.get_item("Perms"));
+    const CPDFDictionary* permissions = permissions_entry->dictionary();
     uint32_t counted = 0;
     int count = 0;
     for (const char* key : {"UR", "UR3"}) {
@@ -76,8 +75,8 @@ int count_usage_rights(CPDFXRefTable& xref, const CPDFDictionary& root)
         if (!entry || entry->type != PDF_OBJ_REF || entry->ref.num == counted)
             continue;
         counted = entry->ref.num;
-        CPDFObj signature;
-        const CPDFDictionary* dict = view_obj(&xref, entry, signature)->dictionary();
+        const CPDFEntryView dict_entry(&xref, entry);
+        const CPDFDictionary* dict = dict_entry->dictionary();
         count += dict && grants_rights_only(xref, *dict);
     }
     return count;
@@ -115,8 +114,7 @@ void CPDFSignatureGuard::add_signature(CPDFXRefTable& xref, CPDFField& field)
     CPDFObj own;
     xref.get_entity(own, field.m_ref);
     const CPDFDictionary* dict = own.dictionary();
-    CPDFObj scratch;
-    const CPDFObj* lock = view_obj(&xref, dict ? dict->get_item("Lock") : nullptr, scratch);
+    const CPDFEntryView lock(&xref, dict ? dict->get_item("Lock") : nullptr);
     if (!lock->dictionary())
         return;
     add_lock(xref, *lock->dict, name);
@@ -127,11 +125,8 @@ void CPDFSignatureGuard::read_references(CPDFXRefTable& xref, const CPDFDictiona
 {
     for_each_element(xref, signature, "Reference", [&](const CPDFObj& reference) {
         const CPDFDictionary* dict = reference.dictionary();
-        CPDFObj method_scratch;
-        CPDFObj parameters_scratch;
-        const CPDFObj* method = view_obj(&xref, dict ? dict->get_item("TransformMethod") : nullptr, method_scratch);
-        const CPDFObj* parameters =
-            view_obj(&xref, dict ? dict->get_item("TransformParams") : nullptr, parameters_scratch);
+        const CPDFEntryView method(&xref, dict ? dict->get_item("TransformMethod") : nullptr);
+        const CPDFEntryView parameters(&xref, dict ? dict->get_item("TransformParams") : nullptr);
         m_certified = m_certified || method->is_name("DocMDP");
         if (!parameters->dictionary())
             return;
@@ -151,8 +146,7 @@ void CPDFSignatureGuard::add_permission(CPDFXRefTable& xref, const CPDFDictionar
 
 void CPDFSignatureGuard::add_lock(CPDFXRefTable& xref, const CPDFDictionary& parameters, const std::string& signature)
 {
-    CPDFObj scratch;
-    const CPDFObj* action = view_obj(&xref, parameters.get_item("Action"), scratch);
+    const CPDFEntryView action(&xref, parameters.get_item("Action"));
     LOCK lock = {signature, !action->is_name("Include"), {}};
     if (!action->is_name("All")) {
         for_each_element(xref, parameters, "Fields", [&lock](const CPDFObj& name) {
@@ -166,11 +160,9 @@ void CPDFSignatureGuard::add_lock(CPDFXRefTable& xref, const CPDFDictionary& par
 // The certifying signature need not belong to a field of the form.
 void CPDFSignatureGuard::read_permissions(CPDFXRefTable& xref, const CPDFDictionary& root)
 {
-    CPDFObj scratch;
-    const CPDFDictionary* permissions = view_obj(&xref, root.get_item("Perms"), scratch)->dictionary();
-    CPDFObj signature_scratch;
-    const CPDFObj* signature =
-        view_obj(&xref, permissions ? permissions->get_item("DocMDP") : nullptr, signature_scratch);
+    const CPDFEntryView permissions_entry(&xref, root.get_item("Perms"));
+    const CPDFDictionary* permissions = permissions_entry->dictionary();
+    const CPDFEntryView signature(&xref, permissions ? permissions->get_item("DocMDP") : nullptr);
     if (!signature->dictionary())
         return;
     m_signed = true;

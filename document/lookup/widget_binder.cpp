@@ -15,17 +15,14 @@
 
 namespace {
 
-constexpr const char* SUBTYPE_KEYS[] = {"Subtype"};
-constexpr CPDFKeySet SUBTYPE_KEY_SET(SUBTYPE_KEYS);
-constexpr const char* KIDS_KEYS[] = {"Kids", "Subtype"};
-constexpr CPDFKeySet KIDS_KEY_SET(KIDS_KEYS);
-constexpr const char* ORPHAN_KEYS[] = {"Parent", "Subtype", "T"};
-constexpr CPDFKeySet ORPHAN_KEY_SET(ORPHAN_KEYS);
+constexpr CPDFKeySet SUBTYPE_KEYS{"Subtype"};
+constexpr CPDFKeySet KIDS_KEYS{"Kids", "Subtype"};
+constexpr CPDFKeySet ORPHAN_KEYS{"Parent", "Subtype", "T"};
 
 bool is_widget(CPDFXRefTable& xref, const CPDFDictionary* dict)
 {
-    CPDFObj scratch;
-    return dict && view_obj(&xref, dict->get_item(CPDFDictionary::sm_tag_subtype), scratch)->is_name("Widget");
+    const CPDFEntryView subtype(&xref, dict ? dict->get_item(CPDFDictionary::sm_tag_subtype) : nullptr);
+    return subtype->is_name("Widget");
 }
 
 // The reference to an object that is known by its number.
@@ -47,7 +44,7 @@ std::span<CPDFAnnotWidget* const> CPDFWidgetBinder::widgets_of(const CPDFField& 
                                         [](const RANGE& range, uint32_t num) { return range.field < num; });
     if (found == m_ranges.end() || found->field != field.m_ref.num)
         return {};
-    return {m_sorted.data() + found->first, found->count};
+    return {found->first, found->count};
 }
 
 // Notes that the annotation `num` is bound; false when it is already, or can't be an object.
@@ -65,7 +62,9 @@ bool CPDFWidgetBinder::bind_first(uint32_t num)
 
 void CPDFWidgetBinder::add(CPDFXRefTable& xref, const PDF_REF& ref, CPDFField& shown, CPDFField& named)
 {
-    if (!bind_first(ref.num))
+    const auto bare = m_bare_types.find(ref.num);
+    const int32_t type = bare != m_bare_types.end() ? bare->second : FIELD_UNKNOWN;
+    if ((type != FIELD_UNKNOWN && type != shown.m_type) || !bind_first(ref.num))
         return;
     CPDFAnnotWidget& widget = m_widgets.emplace_back();
     widget.m_xref = &xref;
@@ -90,12 +89,12 @@ void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPD
     const bool listed = pages.page_of_annotation(field.m_ref.num) > 0;
     CPDFObj own;
     if (mixed || !listed)
-        xref.get_entity(own, field.m_ref, mixed ? &KIDS_KEY_SET : &SUBTYPE_KEY_SET);
+        xref.get_entity(own, field.m_ref, mixed ? &KIDS_KEYS : &SUBTYPE_KEYS);
     const CPDFDictionary* dict = own.dictionary();
     if (listed || is_widget(xref, dict))
         add(xref, field.m_ref, field, named);
-    CPDFObj scratch;
-    const CPDFArray* order = mixed && dict ? view_obj(&xref, dict->get_item("Kids"), scratch)->array() : nullptr;
+    const CPDFEntryView kids(&xref, mixed && dict ? dict->get_item("Kids") : nullptr);
+    const CPDFArray* order = kids->array();
     int32_t widget = 0;
     int32_t kid = 0;
     const auto add_widget = [&] { add(xref, field.m_widgets[widget++], field, named); };
@@ -120,11 +119,33 @@ void CPDFWidgetBinder::add_tree(CPDFXRefTable& xref, CPDFField& field, const CPD
 
 void CPDFWidgetBinder::bind(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFPageMap& pages)
 {
+    clear();
+    // "Fields" may list widgets of other fields: what has no name and nothing below comes last.
+    std::vector<CPDFField*> last;
     for (int32_t i = 0; i < form.m_field_cnt; ++i) {
-        if (form.m_fields[i])
+        CPDFField* field = form.m_fields[i];
+        if (field && field->m_name.len <= 0 && field->m_kid_cnt == 0) {
+            last.push_back(field);
+            m_bare_types.emplace(field->m_ref.num, field->m_type);
+        }
+    }
+    for (int32_t i = 0; i < form.m_field_cnt; ++i) {
+        if (form.m_fields[i] && !m_bare_types.count(form.m_fields[i]->m_ref.num))
             add_tree(xref, *form.m_fields[i], pages);
     }
+    for (CPDFField* field : last)
+        add_tree(xref, *field, pages);
+    m_bare_types.clear();
     bind_orphans(xref, form, pages);
+    sort_links();
+    m_is_bound = true;
+}
+
+void CPDFWidgetBinder::bind_added(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
+{
+    if (!m_is_bound)
+        return;
+    add_tree(xref, field, pages);
     sort_links();
 }
 
@@ -135,13 +156,14 @@ void CPDFWidgetBinder::bind_references(CPDFXRefTable& xref, CPDFAcroForm& form, 
     m_references_only = false;
 }
 
-bool CPDFWidgetBinder::bind_added(CPDFXRefTable& xref, CPDFField& field, const CPDFPageMap& pages)
+void CPDFWidgetBinder::clear()
 {
-    if (!m_ranges.empty() && value_field(field).m_ref.num <= m_ranges.back().field)
-        return false;
-    add_tree(xref, field, pages);
-    sort_links();
-    return true;
+    m_widgets.clear();
+    m_bound.clear();
+    m_links.clear();
+    m_sorted.clear();
+    m_ranges.clear();
+    m_is_bound = false;
 }
 
 // What is left are widgets that name a field as their parent though the field doesn't list them. One with a name is a
@@ -157,7 +179,7 @@ void CPDFWidgetBinder::bind_orphans(CPDFXRefTable& xref, CPDFAcroForm& form, con
             continue;
         const PDF_REF ref = ref_of(xref, annotation.num);
         CPDFObj own;
-        xref.get_entity(own, ref, &ORPHAN_KEY_SET);
+        xref.get_entity(own, ref, &ORPHAN_KEYS);
         const CPDFDictionary* dict = own.dictionary();
         if (!is_widget(xref, dict) || dict->get_item("T"))
             continue;
@@ -176,12 +198,17 @@ void CPDFWidgetBinder::sort_links()
     const auto by_field = [](const LINK& a, const LINK& b) { return a.field < b.field; };
     if (!std::is_sorted(m_links.begin(), m_links.end(), by_field))
         std::stable_sort(m_links.begin(), m_links.end(), by_field);
-    m_sorted.reserve(m_links.size());
-    for (const LINK& link : m_links) {
-        if (m_ranges.empty() || m_ranges.back().field != link.field)
-            m_ranges.push_back({link.field, static_cast<uint32_t>(m_sorted.size()), 0});
+    std::vector<CPDFAnnotWidget*>& sorted = m_sorted.emplace_back(m_links.size());
+    const size_t before = m_ranges.size();
+    for (size_t i = 0; i < m_links.size(); ++i) {
+        if (m_ranges.size() == before || m_ranges.back().field != m_links[i].field)
+            m_ranges.push_back({m_links[i].field, 0, &sorted[i]});
         ++m_ranges.back().count;
-        m_sorted.push_back(link.widget);
+        sorted[i] = m_links[i].widget;
     }
     m_links = {};
+    // A new field mostly has a new object number.
+    const auto by_number = [](const RANGE& a, const RANGE& b) { return a.field < b.field; };
+    if (before > 0 && before < m_ranges.size() && !by_number(m_ranges[before - 1], m_ranges[before]))
+        std::stable_sort(m_ranges.begin(), m_ranges.end(), by_number);
 }

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr size_t FIRST_GROWTH = 256;
-
 using DecodeFunction = bool (*)(const CPDFFilterInput& in, CPDFBytes& out);
 
 // A filter without a function passes its data through.
@@ -171,69 +169,6 @@ private:
 };
 
 }  // namespace
-
-bool CPDFBytes::reserve(size_t capacity)
-{
-    if (capacity <= m_capacity)
-        return true;
-    void* grown = VXRealloc(m_data, capacity);
-    if (!grown)
-        return false;
-    m_data = static_cast<uint8_t*>(grown);
-    m_capacity = capacity;
-    return true;
-}
-
-bool CPDFBytes::grow(size_t more)
-{
-    if (more > SIZE_MAX / 4 - m_size)
-        return false;
-    return reserve(std::max({m_size + more, m_capacity * 2, FIRST_GROWTH}));
-}
-
-bool CPDFBytes::append(const void* bytes, size_t count)
-{
-    if (count == 0)
-        return true;
-    uint8_t* at = room(count);
-    if (!at)
-        return false;
-    std::memcpy(at, bytes, count);
-    m_size += count;
-    return true;
-}
-
-void CPDFBytes::shrink()
-{
-    if (m_size == m_capacity)
-        return;
-    void* smaller = VXRealloc(m_data, m_size);
-    if (!smaller)
-        return;
-    m_data = static_cast<uint8_t*>(smaller);
-    m_capacity = m_size;
-}
-
-void CPDFBytes::clear()
-{
-    VXFree(release());
-}
-
-uint8_t* CPDFBytes::release()
-{
-    uint8_t* data = m_data;
-    m_data = nullptr;
-    m_size = 0;
-    m_capacity = 0;
-    return data;
-}
-
-void CPDFBytes::swap(CPDFBytes& other) noexcept
-{
-    std::swap(m_data, other.m_data);
-    std::swap(m_size, other.m_size);
-    std::swap(m_capacity, other.m_capacity);
-}
 
 bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,
                    uint64_t* work)

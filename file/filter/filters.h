@@ -4,63 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/growable.h"
+
 class CPDFDictionary;
 class CPDFStream;
 class CPDFXRefTable;
 
-// Bytes in one VXAlloc block that grows as they come. Moved, never copied. When memory runs out a call says so and
-// leaves the bytes as they are.
-class CPDFBytes {
-public:
-    CPDFBytes() = default;
-    ~CPDFBytes() { clear(); }
-    CPDFBytes(CPDFBytes&& other) noexcept { swap(other); }
-    CPDFBytes& operator=(CPDFBytes&& other) noexcept
-    {
-        swap(other);
-        return *this;
-    }
-    CPDFBytes(const CPDFBytes&) = delete;
-    CPDFBytes& operator=(const CPDFBytes&) = delete;
-
-    uint8_t* data() { return m_data; }
-    const uint8_t* data() const { return m_data; }
-    size_t size() const { return m_size; }
-    size_t capacity() const { return m_capacity; }
-
-    // Room for `capacity` bytes in all, not more.
-    bool reserve(size_t capacity);
-
-    // Room for `more` bytes behind the last one, uninitialised: write there, then call added. The capacity at least
-    // doubles when it grows. Null when memory runs out. Borrowed: ends with the next call that is not const.
-    uint8_t* room(size_t more) { return more <= m_capacity - m_size || grow(more) ? m_data + m_size : nullptr; }
-
-    // `count` bytes, no more than the room asked for, have been written behind the last one.
-    void added(size_t count) { m_size += count; }
-
-    bool append(const void* bytes, size_t count);
-
-    // Drops what lies behind the first `size` bytes; does nothing when there are fewer.
-    void cut(size_t size) { m_size = size < m_size ? size : m_size; }
-
-    // Gives back room that is not used.
-    void shrink();
-
-    // Frees everything.
-    void clear();
-
-    // The block, which the caller owns (VXFree); null when nothing was ever added. Leaves this empty.
-    uint8_t* release();
-
-    void swap(CPDFBytes& other) noexcept;
-
-private:
-    bool grow(size_t more);
-
-    uint8_t* m_data = nullptr;  // owned, from VXAlloc
-    size_t m_size = 0;
-    size_t m_capacity = 0;
-};
+// Bytes that double their room when it is used up.
+using CPDFBytes = CPDFGrowable<uint8_t, 256, 1>;
 
 // Decodes `size` bytes of stream data into `out` as "Filter" and "DecodeParms" of the stream dictionary ask; without a
 // filter they are copied. The abbreviated names of inline images are known too. References in the two entries are

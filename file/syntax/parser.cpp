@@ -163,6 +163,10 @@ void CPDFParser::parse_dict(CPDFObj& out, const CPDFKeySet* keys)
     const uint8_t* begin = m_lexer.at();
     m_lexer.move_to(begin + 2);
     CPDFDictionary* dict = out.set_dict();
+    if (!dict) {
+        m_over_limit = true;
+        return;
+    }
     ++m_depth;
     for (;;) {
         m_lexer.skip_space();
@@ -219,6 +223,10 @@ void CPDFParser::parse_array(CPDFObj& out)
     }
     m_lexer.move_to(m_lexer.at() + 1);
     CPDFArray* array = out.set_array();
+    if (!array) {
+        m_over_limit = true;
+        return;
+    }
     ++m_depth;
     for (;;) {
         m_lexer.skip_space();

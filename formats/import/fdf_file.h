@@ -25,7 +25,7 @@ public:
     const CPDFDictionary* fdf() const { return m_fdf.dictionary(); }
 
     // Whether objects were read so often that further ones read as absent.
-    bool exhausted() const { return m_reader.exhausted(); }
+    bool exhausted() { return m_reader.budget().exhausted(); }
 
 private:
     bool scan_object();

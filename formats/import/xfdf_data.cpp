@@ -16,12 +16,12 @@ class XfdfReader {
 public:
     XfdfReader(std::string_view text, CPDFFormData& out) : m_xml(text), m_entries(out, text.size()) {}
 
-    std::string run()
+    CPDFStatus run()
     {
         CPDFXmlReader::TOKEN token = m_xml.next();
         while (token != CPDFXmlReader::END && token != CPDFXmlReader::FAULT)
             token = take(token);
-        return m_xml.fault();
+        return m_xml.status();
     }
 
 private:
@@ -140,9 +140,8 @@ private:
 CPDFStatus read_xfdf_data(std::string_view text, CPDFFormData& out)
 {
     out.clear();
-    std::string fault = XfdfReader(text, out).run();
-    if (fault.empty())
-        return {};
-    out.clear();
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, std::move(fault));
+    CPDFStatus status = XfdfReader(text, out).run();
+    if (!status.ok())
+        out.clear();
+    return status;
 }

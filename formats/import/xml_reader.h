@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/xml_token.h"
+#include "file/status.h"
+
 // A strict reader without a tree: memory does not grow with the text, and nothing recurses. Text is UTF-8. Document
 // types, and with them every entity but the five of XML, are refused; comments and instructions are passed over.
 class CPDFXmlReader {
@@ -16,7 +19,7 @@ public:
         CLOSE,  // the innermost element ends: name()
         TEXT,   // a piece of character data: text(); neighbouring pieces belong together
         END,    // behind the root element
-        FAULT,  // fault() tells
+        FAULT,  // status() tells
     };
 
     // `text` is borrowed.
@@ -39,37 +42,29 @@ public:
     // Elements that are open.
     size_t depth() const { return m_open.size(); }
 
-    // Why the text can't be read, with its line; empty when it can.
-    const std::string& fault() const { return m_fault; }
+    // Why the text can't be read, with its line.
+    const CPDFStatus& status() const { return m_status; }
 
     // Makes FAULT of the place of the last piece; returns it.
-    TOKEN refuse(const std::string& why) { return fail(m_piece, why); }
+    TOKEN refuse(const std::string& why) { return fail(m_lexer.begin(), why); }
 
 private:
     TOKEN fail(size_t at, const std::string& why);
-    TOKEN read_markup();
-    TOKEN read_open();
-    TOKEN read_close();
-    TOKEN read_text();
+    TOKEN take_open();
+    TOKEN take_close();
+    TOKEN take_text();
     TOKEN take_cdata();
-    bool pass(std::string_view end);
-    bool read_attributes();
-    bool read_name(std::string_view& name);
-    bool decode(size_t begin, size_t end, bool is_attribute);
+    bool take_attributes();
+    bool decode(size_t begin, size_t end, std::string_view special);
     bool decode_reference(size_t& at, size_t end);
-    void check_declaration();
-    void skip_space();
-    bool starts(std::string_view mark) const { return m_all.substr(m_at, mark.size()) == mark; }
-    char here() const { return m_at < m_all.size() ? m_all[m_at] : '\0'; }
 
     std::string_view m_all;
-    size_t m_at = 0;
-    size_t m_piece = 0;  // where the last piece began
+    CPDFXmlLexer m_lexer;
     bool m_is_empty = false;
     bool m_has_root = false;
     std::string_view m_name;
     std::vector<std::string_view> m_open;
     std::vector<std::pair<std::string_view, std::string>> m_attributes;
     std::string m_text;
-    std::string m_fault;
+    CPDFStatus m_status;
 };

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "core/growable.h"
 #include "core/pdf_string.h"
 
 // cvt_utourl or cvt_utoxml.
@@ -16,11 +17,6 @@ constexpr int FORM_BUTTON_MAX = 62;   // bytes of the encoded export value of a 
 // a writer appends freely, what comes after a failed allocation is dropped, and release then gives null.
 class CPDFDataBuffer {
 public:
-    CPDFDataBuffer() = default;
-    ~CPDFDataBuffer();
-    CPDFDataBuffer(const CPDFDataBuffer&) = delete;
-    CPDFDataBuffer& operator=(const CPDFDataBuffer&) = delete;
-
     void append(const char* bytes, size_t size);
     // NUL-terminated text; null adds nothing.
     void append(const char* text);
@@ -28,10 +24,10 @@ public:
     void append(const PDF_String& text, FORM_ENCODER encode, int max = FORM_TEXT_MAX);
 
     // Drops what was appended after the first `size` bytes.
-    void cut(size_t size);
+    void cut(size_t size) { m_bytes.cut(size); }
 
-    const char* bytes() const { return m_bytes; }  // not terminated; null while empty
-    size_t size() const { return m_size; }
+    const char* bytes() const { return m_bytes.data(); }  // not terminated; null while empty
+    size_t size() const { return m_bytes.size(); }
     bool failed() const { return m_failed; }
 
     // Hands the text over to the caller, who frees it with VXFree, and leaves the buffer empty. `len` is the text's
@@ -39,10 +35,6 @@ public:
     char* release(int& len);
 
 private:
-    bool reserve(size_t size);
-
-    char* m_bytes = nullptr;  // owned
-    size_t m_size = 0;
-    size_t m_room = 0;
+    CPDFGrowable<char, 1024> m_bytes;
     bool m_failed = false;
 };

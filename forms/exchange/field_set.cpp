@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "core/alloc.h"
+#include "core/growable.h"
 
 namespace {
 
@@ -34,13 +34,8 @@ _PDF_FIELD_SET_::~_PDF_FIELD_SET_()
 
 char* _PDF_FIELD_SET_::add(const char* name, const char* value, int kind)
 {
-    if (count == cap) {
-        void* grown = VXRealloc(items, static_cast<size_t>(cap + ENTRY_STEP) * sizeof(PDF_FIELD_ENTRY));
-        if (!grown)
-            return nullptr;
-        items = static_cast<PDF_FIELD_ENTRY*>(grown);
-        cap += ENTRY_STEP;
-    }
+    if (count == cap && !vx_add_room(items, cap, ENTRY_STEP))
+        return nullptr;
     const size_t name_size = std::strlen(name) + 1;
     const size_t value_size = std::strlen(value) + 1;
     auto* block = static_cast<char*>(VXAlloc(name_size + value_size));

@@ -112,12 +112,13 @@ char* CPDFField::get_form_url2(int& len)
 
 char* CPDFAcroForm::get_url_para(const CPDFArray* fields, int flags)
 {
+    const VXFailureCheck memory;  // a field that was not found for want of it is no field to leave out
     CPDFDataBuffer out;
     bool given = false;
     const auto append_one = selects_all(fields, flags) ? append_tree : append_own_pair;
-    for_each_selected_field(*this, fields, flags, [&](CPDFField& field) {
+    const bool found = for_each_selected_field(*this, fields, flags, [&](CPDFField& field) {
         append_joined(out, 0, field, [&](CPDFDataBuffer& joined, CPDFField& one) { given |= append_one(joined, one); });
     });
     int len = 0;
-    return given ? out.release(len) : nullptr;
+    return found && given && !memory.failed() ? out.release(len) : nullptr;
 }

@@ -100,16 +100,17 @@ char* CPDFField::get_form_xml2(int& len)
 
 char* CPDFAcroForm::get_url_xml(const CPDFArray* fields, int flags)
 {
+    const VXFailureCheck memory;  // a field that was not found for want of it is no field to leave out
     CPDFDataBuffer out;
     const bool all = selects_all(fields, flags);
     const bool enclosed = all && !m_has_xfa;
     out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
     if (enclosed)
         out.append("<fields>");
-    for_each_selected_field(*this, fields, flags,
-                            [&](CPDFField& field) { all ? append_nested(out, field) : append_flat(out, field); });
+    const bool found = for_each_selected_field(
+        *this, fields, flags, [&](CPDFField& field) { all ? append_nested(out, field) : append_flat(out, field); });
     if (enclosed)
         out.append("</fields>");
     int len = 0;
-    return out.release(len);
+    return found && !memory.failed() ? out.release(len) : nullptr;
 }

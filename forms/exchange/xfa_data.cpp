@@ -50,34 +50,13 @@ bool append_all_packets(CPDFDataBuffer& text, const CPDFAcroForm& form, CPDFXRef
     if (!before || !reader->at_end())
         return false;
     const std::string_view packets(reinterpret_cast<const char*>(before.get()), static_cast<size_t>(len));
-    XFA_RANGE data_set;
+    PDF_XFA_RANGE data_set;
     if (!find_xfa_datasets(packets, data_set))
         return false;
     append_piece(text, packets.substr(0, data_set.begin));
     append_data_set(text, form);
     append_piece(text, packets.substr(data_set.end));
     return true;
-}
-
-// Takes `data`, compressed, and makes it the new version of the stream object.
-void store_stream(CPDFXRefTable& xref, const PDF_REF& ref, unsigned char* data, int len)
-{
-    VXBlock<unsigned char> owned(data);
-    const VXFailureCheck check;
-    CPDFObj obj;
-    obj.stream = new CPDFStreamRec;
-    obj.type = PDF_OBJ_STREAM;
-    CPDFStreamRec& rec = *obj.stream;
-    rec.dict.set_item_name(CPDFDictionary::sm_tag_filter, CPDFDictionary::sm_tag_fdec);
-    rec.dict.set_item_int(CPDFDictionary::sm_tag_length, len);
-    if (check.failed())
-        return;
-    rec.data_len = static_cast<uint32_t>(len);
-    rec.ref = ref;
-    rec.in_memory = 1;
-    rec.handle = xref.set_mem_stream(ref, owned.release(), len);
-    if (rec.handle)
-        xref.take_changed(ref, obj);
 }
 
 }  // namespace
@@ -106,7 +85,9 @@ void CPDFAcroForm::reset_XFA(CPDFXRefTable* xref)
     int packed_len = 0;
     int len = 0;
     const VXBlock<char> bytes(text.release(len));
-    unsigned char* packed = bytes ? xref->compress_data(bytes.get(), len, packed_len) : nullptr;
+    CPDFDictionary dict;
+    dict.set_item_name(CPDFDictionary::sm_tag_filter, CPDFDictionary::sm_tag_fdec);
+    unsigned char* packed = bytes && !check.failed() ? xref->compress_data(bytes.get(), len, packed_len) : nullptr;
     if (packed)
-        store_stream(*xref, m_xfa_ref, packed, packed_len);
+        static_cast<void>(xref->take_stream(m_xfa_ref, dict, packed, packed_len));  // without memory all stays
 }

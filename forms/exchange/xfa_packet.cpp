@@ -1,18 +1,14 @@
 #include "forms/exchange/xfa_packet.h"
 
 #include <algorithm>
-#include <unordered_set>
+
+#include "core/xml_token.h"
 
 namespace {
 
-constexpr std::string_view SPACES = " \t\r\n";
 constexpr std::string_view XMLNS = "xmlns";
 constexpr std::string_view DATASETS = "datasets";
-
-bool is_space(char c)
-{
-    return SPACES.find(c) != std::string_view::npos;
-}
+constexpr size_t MOST_PREFIXES = 16;  // that one element gives the data namespace; files have one
 
 // The prefix of a qualified name, "" when it has none, which is removed from `name`.
 std::string_view cut_prefix(std::string_view& name)
@@ -33,18 +29,15 @@ bool declared_prefix(std::string_view attribute, std::string_view& prefix)
     return head == XMLNS || (head.empty() && attribute == XMLNS);
 }
 
-// text := ( chars | comment | instruction | cdata | tag )*
-// tag := '<' name ( name '=' quoted )* '/'? '>' | '</' name '>'
 class PacketFinder {
 public:
-    explicit PacketFinder(std::string_view text) : m_text(text) {}
+    explicit PacketFinder(std::string_view text) : m_lexer(text) {}
 
-    bool run(XFA_RANGE& packet)
+    bool run(PDF_XFA_RANGE& packet)
     {
-        if (!takes_utf8())
-            return false;
-        while ((m_at = m_text.find('<', m_at)) != std::string_view::npos) {
-            if (!markup())
+        CPDFXmlLexer::PIECE piece = m_lexer.next();
+        for (; piece != CPDFXmlLexer::END; piece = m_lexer.next()) {
+            if (!take(piece))
                 return false;
         }
         packet = m_packet;
@@ -52,70 +45,35 @@ public:
     }
 
 private:
-    bool starts(std::string_view mark) const { return m_text.substr(m_at, mark.size()) == mark; }
-
-    bool skip_past(size_t from, std::string_view mark)
+    bool take(CPDFXmlLexer::PIECE piece)
     {
-        const size_t found = m_text.find(mark, m_at + from);
-        if (found == std::string_view::npos)
-            return false;
-        m_at = found + mark.size();
-        return true;
-    }
-
-    // A declared encoding other than UTF-8 would make other characters of what is put in.
-    bool takes_utf8()
-    {
-        constexpr std::string_view KEY = "encoding";
-        if (starts("\xEF\xBB\xBF"))
-            m_at += 3;
-        if (!starts("<?xml") || m_at + 5 >= m_text.size() || !is_space(m_text[m_at + 5]))
-            return true;
-        const std::string_view declaration = m_text.substr(m_at, m_text.find("?>", m_at) - m_at);
-        const size_t key = declaration.find(KEY);
-        if (key == std::string_view::npos)
-            return true;
-        const size_t open = declaration.find_first_of("'\"", key);
-        if (open == std::string_view::npos)
-            return false;
-        const std::string_view name = declaration.substr(open + 1, 6);
-        constexpr std::string_view UTF8 = "utf-8";
-        return name.size() == 6 && name[5] == declaration[open] &&
-               std::equal(UTF8.begin(), UTF8.end(), name.begin(),
-                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
-    }
-
-    bool markup()
-    {
-        if (starts("<!--"))
-            return skip_past(4, "-->");
-        if (starts("<![CDATA["))
-            return m_depth > 0 && skip_past(9, "]]>");
-        if (starts("<?"))
-            return skip_past(2, "?>");
-        if (starts("<!"))
+        switch (piece) {
+        case CPDFXmlLexer::OPEN:
+            return start_tag();
+        case CPDFXmlLexer::CLOSE:
+            return end_tag();
+        case CPDFXmlLexer::DECLARATION:
             return false;  // entities could change what is an element
-        return starts("</") ? end_tag() : start_tag();
+        case CPDFXmlLexer::CDATA:
+            return m_depth > 0 && !m_lexer.is_broken();
+        default:
+            return !m_lexer.is_broken();
+        }
     }
 
     bool start_tag()
     {
-        const size_t begin = m_at++;
-        const std::string_view name = take_name();
+        const std::string_view name = m_lexer.name();
         if (name.empty() || m_root_done)
             return false;
         const bool wanted = begins_packet(name);
-        bool bound = false;
-        if (!attributes(name, wanted, bound))
+        const bool bound = attributes(name, wanted);
+        if (!m_lexer.end_tag())
             return false;
-        const bool empty = starts("/");
-        m_at += empty;
-        if (!starts(">"))
-            return false;
-        ++m_at;
+        const bool empty = m_lexer.is_empty();
         if (wanted && bound) {
             m_found = true;
-            m_packet = {begin, empty ? m_at : 0};
+            m_packet = {m_lexer.begin(), empty ? m_lexer.at() : 0};
             m_packet_name = name;
             m_packet_depth = m_depth;
         }
@@ -133,89 +91,57 @@ private:
         return local == DATASETS && m_depth <= 1 && !m_found;
     }
 
-    // Reads the attributes, of the root also for the namespaces that it declares. For an element that is `wanted`,
-    // `bound` tells whether its prefix means the data namespace.
-    bool attributes(std::string_view name, bool wanted, bool& bound)
+    // Reads the attributes, of the root also for the namespaces that it declares. For an element that is `wanted`, tells
+    // whether its prefix means the data namespace.
+    bool attributes(std::string_view name, bool wanted)
     {
         const std::string_view own = cut_prefix(name);
-        bound = wanted && m_root_prefixes.count(own) > 0;
-        for (skip_space(); m_at < m_text.size() && m_text[m_at] != '>' && m_text[m_at] != '/'; skip_space()) {
-            std::string_view attribute = take_name();
-            std::string_view value;
-            if (attribute.empty() || !take_value(value))
-                return false;
+        const std::string_view* const known = m_prefixes + m_prefix_cnt;
+        bool bound = wanted && std::find<const std::string_view*>(m_prefixes, known, own) != known;
+        while (m_lexer.next_attribute()) {
             std::string_view prefix;
-            if ((m_depth > 0 && !wanted) || !declared_prefix(attribute, prefix))
+            if ((m_depth > 0 && !wanted) || !declared_prefix(m_lexer.attribute(), prefix))
                 continue;
-            const bool data = value == XFA_DATA_NAMESPACE;
-            if (m_depth == 0 && data)
-                m_root_prefixes.insert(prefix);
+            const bool data = m_lexer.value() == XFA_DATA_NAMESPACE;
+            if (m_depth == 0 && data && m_prefix_cnt < MOST_PREFIXES)
+                m_prefixes[m_prefix_cnt++] = prefix;
             if (wanted && prefix == own)
                 bound = data;
         }
-        return true;
+        return bound;
     }
 
     bool end_tag()
     {
-        m_at += 2;
-        const std::string_view name = take_name();
-        skip_space();
-        if (m_depth == 0 || name.empty() || !starts(">"))
+        const std::string_view name = m_lexer.name();
+        if (m_depth == 0 || name.empty() || !m_lexer.end_tag())
             return false;
-        ++m_at;
         --m_depth;
         if (m_found && m_packet.end == 0 && m_depth == m_packet_depth) {
             if (name != m_packet_name)
                 return false;
-            m_packet.end = m_at;
+            m_packet.end = m_lexer.at();
         }
         m_root_done = m_depth == 0;
         return !m_root_done || name == m_root_name;
     }
 
-    std::string_view take_name()
-    {
-        const size_t begin = m_at;
-        m_at = std::min(m_text.find_first_of(" \t\r\n=/><'\"", m_at), m_text.size());
-        return m_text.substr(begin, m_at - begin);
-    }
-
-    bool take_value(std::string_view& value)
-    {
-        skip_space();
-        if (!starts("="))
-            return false;
-        ++m_at;
-        skip_space();
-        if (!starts("\"") && !starts("'"))
-            return false;
-        const size_t begin = m_at + 1;
-        const size_t end = m_text.find(m_text[m_at], begin);
-        if (end == std::string_view::npos)
-            return false;
-        value = m_text.substr(begin, end - begin);
-        m_at = end + 1;
-        return true;
-    }
-
-    void skip_space() { m_at = std::min(m_text.find_first_not_of(SPACES, m_at), m_text.size()); }
-
-    std::string_view m_text;  // borrowed from the caller, as all names
-    size_t m_at = 0;
+    CPDFXmlLexer m_lexer;
     size_t m_depth = 0;  // open elements
     std::string_view m_root_name;
-    std::unordered_set<std::string_view> m_root_prefixes;  // those that the root binds to the data namespace
+    std::string_view m_prefixes[MOST_PREFIXES];  // those that the root gives the data namespace
+    size_t m_prefix_cnt = 0;
     bool m_root_done = false;
     bool m_found = false;
-    XFA_RANGE m_packet = {0, 0};
+    PDF_XFA_RANGE m_packet = {0, 0};
     std::string_view m_packet_name;
     size_t m_packet_depth = 0;
 };
 
 }  // namespace
 
-bool find_xfa_datasets(std::string_view text, XFA_RANGE& packet)
+bool find_xfa_datasets(std::string_view text, PDF_XFA_RANGE& packet)
 {
-    return PacketFinder(text).run(packet);
+    // Under another encoding what is put in would be read as other characters.
+    return is_same_word(xml_encoding(text), "utf-8") && PacketFinder(text).run(packet);
 }

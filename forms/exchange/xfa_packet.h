@@ -7,7 +7,7 @@
 constexpr std::string_view XFA_DATA_NAMESPACE = "http://www.xfa.org/schema/xfa-data/1.0/";
 
 // A byte range of the text, `end` behind its last byte.
-struct XFA_RANGE {
+struct PDF_XFA_RANGE {
     size_t begin;
     size_t end;
 };
@@ -16,4 +16,4 @@ struct XFA_RANGE {
 // such child of the root. False when there is none, for a text that is not one whole element or has a document type,
 // and for one whose encoding is not an extension of ASCII in which UTF-8 can be written. Linear in `text`, which is
 // taken as it comes.
-bool find_xfa_datasets(std::string_view text, XFA_RANGE& packet);
+bool find_xfa_datasets(std::string_view text, PDF_XFA_RANGE& packet);

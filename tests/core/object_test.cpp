@@ -24,6 +24,20 @@ TEST(ObjectTest, IntegersRoundHalfUp)
     }
 }
 
+TEST(ObjectTest, FreeClearsThePayload)
+{
+    for (const char* text : {"(text)", "/Name", "[1]", "<< /A 1 >>", "5 7 R", "-2.5", "-7", "true"}) {
+        CPDFObj obj;
+        parse_object(text, obj);
+        obj.free();
+        EXPECT_TRUE(obj.type == PDF_OBJ_NULL && obj.fval == 0 && !obj.str.buf) << text;
+        CPDFObj taken;
+        obj.set_ref({5, 7});
+        taken.take(obj);
+        EXPECT_EQ(obj.fval, 0);
+    }
+}
+
 TEST(DictionaryTest, FindsExactKeysOnly)
 {
     CPDFDictionary dict;

@@ -110,6 +110,15 @@ TEST(XRefTableTest, StreamsInMemory)
     };
     set(5, "first");
     const uint64_t other = set(6, "other");
+    CPDFDictionary entries;
+    entries.set_item_int("X", 1);
+    auto* third = static_cast<unsigned char*>(std::memcpy(VXAlloc(5), "third", 5));
+    EXPECT_EQ(doc.xref.take_stream({7, 0}, entries, third, 5), PDF_CHANGE_RESULT::STORED);
+    EXPECT_EQ(doc.show(7) + doc.data(7), "stream<< /Length 5 /X 1 >>third");
+    doc.xref.discard_changes();
+    EXPECT_EQ(doc.show(7), "null");
+    set(5, "first");
+    EXPECT_EQ(set(6, "other"), other);
     CPDFStreamRec rec;
     rec.in_memory = 1;
     for (const uint64_t handle : {uint64_t{0}, other + 1, ~uint64_t{0}, set(5, "second")}) {

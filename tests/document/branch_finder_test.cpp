@@ -52,6 +52,58 @@ TEST(BranchFinderTest, FindsWhatTheWholeFormHas)
     }
 }
 
+// What was found before the form is loaded is in the form then, with all that the form knows of it.
+TEST(BranchFinderTest, BranchesAreGraftedIntoTheForm)
+{
+    for (const std::string& path : pdf_files(FORMWORK_SAMPLES_DIR)) {
+        SCOPED_TRACE(path);
+        const std::string file = read_text_file(path);
+        FormAtWork whole(file);
+        FormAtWork named(file, PDF_LOAD::NAMED_FIELDS);
+        std::vector<std::pair<std::string, CPDFField*>> found;
+        for_each_field(whole.document.form(), [&](const CPDFField& field) {
+            if (field.m_name.len > 0)
+                found.emplace_back(full_name(field), &named.field(full_name(field)));
+        });
+        for (const auto& [name, field] : found) {
+            if (field->m_type != FIELD_TEXT)
+                continue;
+            EXPECT_EQ(whole.set(name, "new", PDF_FILL::FORCE).ok(), named.set(name, "new", PDF_FILL::FORCE).ok());
+        }
+        EXPECT_EQ(named.memory(), whole.memory());
+        for (const auto& [name, field] : found) {
+            EXPECT_EQ(named.document.form().find(field->m_ref), &named.field(name));
+            EXPECT_EQ(describe(*field), describe(whole.field(name)));
+        }
+        EXPECT_EQ(named.saved(), whole.saved());
+    }
+}
+
+TEST(BranchFinderTest, AFieldFoundStaysThatField)
+{
+    PdfBuilder file;
+    put_objects(file.form({"<</T(a)/FT/Tx/Kids[20 0 R 21 0 R]>>", "<</T(t)/FT/Tx>>"}), 20,
+                "/T(b)/Parent 10 0 R/Kids[22 0 R];/T(c)/Parent 10 0 R;/Parent 20 0 R/V(own)/Subtype/Widget");
+    FormAtWork f(file.table().text, PDF_LOAD::NAMED_FIELDS);
+    CPDFField* const b = &f.field("a.b");
+    CPDFField* const c = &f.field("a.c");
+    CPDFField* const kid = b->m_kids[0];
+    ASSERT_TRUE(f.document.set_value(*c, "one").ok());
+    CPDFField& a = *f.document.form().m_fields[0];
+    EXPECT_EQ(a.m_kids[0], b);
+    EXPECT_EQ(a.m_kids[1], c);
+    EXPECT_EQ(b->m_kids[0], kid);
+    EXPECT_EQ(b->m_parent, &a);
+    EXPECT_EQ(kid->m_parent, b);
+    EXPECT_EQ(f.document.field("a.b"), b);
+    ASSERT_TRUE(f.document.reset().ok());
+    EXPECT_EQ(show_object(c->m_value) + show_object(kid->m_value), "nullnull");
+    f.document.revert();
+    EXPECT_EQ(show_object(c->m_value) + show_object(kid->m_value), "null(own)");
+    ASSERT_TRUE(f.document.rename_field(*b, "x").ok());
+    EXPECT_EQ(f.document.field("a.x"), b);
+}
+
 TEST(BranchFinderTest, OddTrees)
 {
     const struct {

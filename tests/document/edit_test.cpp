@@ -8,6 +8,7 @@
 #include "forms/field_kind.h"
 #include "tests/document/fill_fixture.h"
 #include "tests/support/alloc_walk.h"
+#include "tests/support/new_hook.h"
 
 namespace {
 
@@ -130,7 +131,6 @@ TEST(EditTest, AddRefusesByNameAndChangesNothing)
         {"no options", [](PDF_NEW_FIELD& field) { field.entries.options.emplace(); }},
         {"no flag \"edit\"", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_EDIT; }},
         {"can't be a comb", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_COMB; }},
-        {"at most 2", [](PDF_NEW_FIELD& field) { field.entries.max_length = 2, field.entries.default_value = "abc"; }},
         {"can't be added", [](PDF_NEW_FIELD& field) { field.kind = KIND_PUSH; }},
         {"state for each", [](PDF_NEW_FIELD& field) { field.kind = KIND_RADIO; }},
         {"no option \"x\"", [](PDF_NEW_FIELD& field) { field.kind = KIND_LIST, field.entries.default_value = "x"; }},
@@ -163,6 +163,64 @@ TEST(EditTest, RemoveLeavesNothingBehind)
     f.document.revert();
     EXPECT_EQ(tree_of(f.document), "a:text a.b:text a.b#0:text c:signature ");
     EXPECT_EQ(f.saved(), std::string(f.document.data(), f.document.data() + f.document.size()));
+}
+
+TEST(EditTest, AKidThatIsListedTwiceGoesAltogether)
+{
+    FormAtWork f(
+        pdf_with("/AcroForm<</Fields[10 0 R 10 0 R]>>", "/Annots[11 0 R]",
+                 "/T(g)/FT/Tx/Kids[11 0 R 12 0 R 11 0 R];/T(a)/Parent 10 0 R/Subtype/Widget;/T(b)/Parent 10 0 R"));
+    ASSERT_TRUE(f.document.remove_field(f.field("g.a")).ok());
+    EXPECT_EQ(f.entry(10, "Kids") + f.entry(3, "Annots"), "[12 0 R][]");
+    expect_same_when_reopened(f);
+}
+
+// Runs under the address sanitizer.
+TEST(EditTest, WidgetsStayWhereTheyAre)
+{
+    FormAtWork f(
+        pdf_with("/AcroForm<</Fields[10 0 R 11 0 R]>>", "/Annots[10 0 R]", "/T(t)/FT/Tx/Subtype/Widget;/T(g)"));
+    const auto widgets = f.document.widgets_of(f.field("t"));
+    for (int i = 0; i < 20; ++i)
+        ASSERT_TRUE(f.document.add_field(new_field(KIND_RADIO, "r" + std::to_string(i))).ok());
+    ASSERT_TRUE(f.document.move_field(f.field("t"), &f.field("g")).ok());
+    ASSERT_EQ(widgets.size(), 1u);
+    EXPECT_EQ(widgets[0]->m_ref.num, 10u);
+    EXPECT_EQ(f.document.widgets_of(f.field("g.t"))[0], widgets[0]);
+    EXPECT_EQ(f.field("g.t").m_widget, widgets[0]);
+    EXPECT_EQ(f.document.widgets_of(f.field("r7")).size(), 2u);
+}
+
+TEST(EditTest, AddGoesByTheBoxThatIsDrawn)
+{
+    const struct {
+        const char *page, *tree;
+        const char* box;
+    } cases[] = {
+        {"/MediaBox[0 0 200 100]", "", "0,0 to 200,100"},
+        {"/MediaBox[0 0 200 100]/CropBox[150 90 50 10]", "", "50,10 to 150,90"},
+        {"/MediaBox[0 0 200 100]", "/CropBox[50 10 900 900]", "50,10 to 200,100"},
+        {"/MediaBox[0 0 200 100]/CropBox[300 300 400 400]", "", "0,0 to 200,100"},
+        {"/CropBox[0 0 0 0]", "/MediaBox[0 0 200 100]", "0,0 to 200,100"},
+        {"/MediaBox[0 0 (200) 100]", "", "0,0 to 612,792"},
+    };
+    for (const auto& c : cases) {
+        PdfBuilder file;
+        file.object(1, "<</Pages 2 0 R>>").object(2, "<</Type/Pages/Kids[3 0 R]" + std::string(c.tree) + ">>");
+        FormAtWork f(file.object(3, "<</Type/Page/Parent 2 0 R" + std::string(c.page) + ">>").table().text);
+        PDF_NEW_FIELD field = new_field(KIND_TEXT, "t");
+        field.rects = {{-9, 0, 1, 1}};
+        EXPECT_THAT(f.document.add_field(field).text, testing::HasSubstr(c.box)) << c.page << c.tree;
+    }
+}
+
+TEST(EditTest, WhatCanNotBeStoredIsNoSuccess)
+{
+    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R]>>", "", "/T(t)/FT/Tx"));
+    CPDFObj nothing;
+    f.document.xref().store_changed({10, 0}, nothing);
+    EXPECT_THAT(f.document.rename_field(f.field("t"), "u").text, testing::HasSubstr("object 10 is missing"));
+    EXPECT_EQ(f.document.set_value(f.field("t"), "x").code, PDF_CODE::DAMAGED);
 }
 
 TEST(EditTest, RenameAndMove)
@@ -254,10 +312,6 @@ TEST(EditTest, Change)
     ASSERT_TRUE(change(f, "l", options).ok());
     EXPECT_EQ(f.entry(11, "Opt") + f.entry(11, "I") + f.entry(11, "DV"), "[[(n) (New)] (x) (b)][2](n)");
     EXPECT_EQ(f.entry(12, "Ff"), "0") << "the widget follows";
-    PDF_FIELD_CHANGE on;
-    on.default_value = true;
-    ASSERT_TRUE(change(f, "c", on).ok());
-    EXPECT_EQ(f.entry(13, "DV"), "/On");
     EXPECT_EQ(f.field("l").m_opt_cnt, 3);
     EXPECT_EQ(f.field("t").m_flags, 2u);
     expect_same_when_reopened(f);
@@ -383,6 +437,39 @@ TEST(EditTest, EveryFailedAllocation)
             FormAtWork again(f.saved());
             EXPECT_TRUE(!status.ok() || tree_of(again.document) == tree_of(f.document));
         });
+    }
+}
+
+// The same where `new` fails: the front class says so, and no exception leaves it.
+TEST(EditTest, EveryFailedNew)
+{
+    const std::string text = pdf_with("/AcroForm<</Fields[10 0 R 11 0 R 12 0 R]>>", "/Annots[10 0 R 11 0 R]",
+                                      "/T(t)/FT/Tx/DV(d)/Subtype/Widget;/T(c)/FT/Btn" + widget_states("On") + ";/T(g)");
+    const CPDFValue word = "x";
+    const CPDFValue on = true;
+    const PDF_NEW_FIELD check = new_field(KIND_CHECK, "g.n");
+    for (const int operation : {0, 1, 2, 3, 4, 5, 6}) {
+        bool failed = true;
+        for (int64_t n = 0; failed && !HasFailure(); ++n) {
+            SCOPED_TRACE(std::to_string(operation) + ", new " + std::to_string(n + 1));
+            FormAtWork f(text);
+            CPDFField** fields = f.document.form().m_fields;
+            std::vector<uint8_t> input(text.begin(), text.end());
+            std::vector<uint8_t> output;
+            fail_new_after(n);
+            const CPDFStatus status = operation == 0   ? f.document.open(std::move(input))
+                                      : operation == 1 ? f.document.set_value(*fields[0], word)
+                                      : operation == 2 ? f.document.set_value(*fields[1], on)
+                                      : operation == 3 ? f.document.reset()
+                                      : operation == 4 ? f.document.add_field(check)
+                                      : operation == 5 ? f.document.remove_field(*fields[0])
+                                                       : f.document.save(output);
+            failed = new_calls() > n;
+            fail_new_after(-1);
+            EXPECT_EQ(status.ok(), !failed) << status.text;
+            EXPECT_EQ(status.text.find("memory") != std::string::npos, failed) << status.text;
+            EXPECT_TRUE(status.ok() || output.empty());
+        }
     }
 }
 

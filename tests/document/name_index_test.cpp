@@ -2,6 +2,19 @@
 
 #include "tests/document/fill_fixture.h"
 
+TEST(NameIndexTest, ManyOfOneName)
+{
+    PdfBuilder file;
+    FormAtWork f(file.form(std::vector<std::string>(60, "<</T(a)>>")).table().text);
+    CPDFAcroForm& form = f.document.form();
+    CPDFNameIndex index;
+    EXPECT_EQ(index.find(form, "a"), form.m_fields[0]);
+    index.remove(*form.m_fields[0]);
+    EXPECT_EQ(index.find(form, "a"), form.m_fields[1]);
+    index.add(*form.m_fields[0]);
+    EXPECT_EQ(index.find(form, "a"), form.m_fields[1]) << "what is taken in comes last";
+}
+
 TEST(NameIndexTest, FirstInTreeOrderStoredNamesFirst)
 {
     PdfBuilder file;

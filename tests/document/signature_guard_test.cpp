@@ -89,6 +89,16 @@ TEST(SignatureGuardTest, WhatMayBeFilled)
     }
 }
 
+TEST(SignatureGuardTest, MoreRightsForAViewerAreNoSignature)
+{
+    for (const auto& [method, is_signature] :
+         {std::pair{"UR", false}, std::pair{"UR3", false}, std::pair{"DocMDP", true}, std::pair{"Identity", true}}) {
+        FormAtWork f(signed_form("/Perms<</UR3 30 0 R>>", "", reference(method, ""), ""));
+        CPDFDocument& d = f.document;
+        EXPECT_EQ(has_signature(d.data(), d.size(), d.xref(), *d.root().dict), is_signature) << method;
+    }
+}
+
 TEST(SignatureGuardTest, SignedBytesStay)
 {
     const std::string input = read_text_file(FORMWORK_SAMPLES_DIR "/signed.pdf");

@@ -68,6 +68,20 @@ TEST(WidgetBinderTest, WidgetsInTheOrderOfKids)
     }
 }
 
+// Widgets of a field that "Fields" lists, too, are its widgets wherever they stand; one of another kind is not.
+TEST(WidgetBinderTest, WidgetsThatAreListedAsFields)
+{
+    for (const char* fields :
+         {"10 0 R 20 0 R 21 0 R 22 0 R", "20 0 R 22 0 R 21 0 R 10 0 R", "20 0 R 10 0 R 22 0 R 21 0 R"}) {
+        PdfBuilder file;
+        file.form({"<</FT/Btn/T(agree)/Kids[20 0 R 21 0 R 22 0 R]>>"})
+            .object(3, "<</Fields[" + std::string(fields) + "]>>");
+        const std::string on = widget_states("on");
+        FormAtWork f(put_objects(file, 20, on + ";" + on + "/FT/Btn;/Subtype/Widget/FT/Tx").table().text);
+        EXPECT_EQ(widgets_of(f, f.field("agree")), "20 21 ") << fields;
+    }
+}
+
 TEST(WidgetBinderTest, EveryWidgetFollowsAndKeepsItsGeneration)
 {
     const std::string on = widget_states("on");

@@ -31,6 +31,7 @@ TEST(CPDFSplicerTest, ChangesEntriesAndKeepsTheOthers)
         "<</VX 1/MK<</V(in) /R 90>>/R 2>> => <</VX 1/MK<</V(in)/R 90>>/R 2/V(new)>> | "
         "<</K [ 1  0 R\n2 0 R null ] /N/A /B true >> => <</K[1 0 R 2 0 R null]/N/A/B true/V(new)>> | "
         "<</T (a\\) % >>) % /V (c)\n/H <61 62> %x\r>> => <</T(a\\) % >>)/H<61 62>/V(new)>> | "
+        "<</ 5/A[/ 1 /a]/B/ >> => <</ 5/A[/ 1/a]/B//V(new)>> | "
         "<</A 1% c\n2/B 3>> => <</A 1 2/B 3/V(new)>> | "
         "<</R[0.50 -0.5 10.00 .0 0.0 5. 1.25 100 /0.50 /a0.5 1.0.0]>> => <</R[.5 -.5 10 .0 0 5 1.25 100/0.50/a0.5 1.0.0]/V(new)>> | "
         "<</#56(old)>> => - | <</A[1/B 2>> => - | <</A(b>> => - | <</A>> => - | <</A<</B 1 stream => - | "

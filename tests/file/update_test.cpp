@@ -118,6 +118,17 @@ TEST(UpdateTest, EveryKindOfFileIsContinuedInItsKind)
     }
 }
 
+TEST(UpdateTest, TheGenerationIsThatOfTheFile)
+{
+    FileAtWork file(base().object_stream(7, {{6, "(six)"}}).xref_stream(9).text);
+    change(file, 4, "(new)", 3);
+    change(file, 6, "(new)", 3);
+    change(file, 8, "(new)", 3);
+    const std::string update = update_of(file);
+    for (const char* head : {"4 7 obj\n", "6 0 obj\n", "8 3 obj\n"})
+        EXPECT_NE(update.find(head), std::string::npos) << head;
+}
+
 TEST(UpdateTest, AFileWithoutIdGetsOneThatDependsOnTheChange)
 {
     std::vector<std::string> ids;

@@ -2,8 +2,11 @@
 
 #include <functional>
 
+#include "engine/action.h"
 #include "engine/annot_widget.h"
+#include "forms/field_select.h"
 #include "tests/forms/form_fixture.h"
+#include "tests/support/new_hook.h"
 
 // What loaded is what the file says, or empty, or absent; nothing is half done.
 TEST(FormAllocFailureTest, Load)
@@ -75,6 +78,7 @@ public:
             all.push_back(show_object(field(num).m_value));
             all.push_back("(" + text_of(field(num).m_name) + ")");
             all.push_back(std::to_string(field(num).m_opt_cnt));
+            all.push_back(std::to_string(field(num).m_kid_cnt));
         }
         return all;
     }
@@ -112,6 +116,8 @@ TEST(FormAllocFailureTest, Operations)
                 OperationFixture f(again);
                 const bool failed = arm([&] { operation(f); });
                 const std::vector<std::string> now = f.state();
+                // A kid is in memory as long as the document has it.
+                EXPECT_EQ(f.field(2).m_kid_cnt, f.doc.entry(2, "Kids") == "[7 0 R 8 0 R]" ? 2 : 1);
                 for (size_t i = 0; i < now.size(); ++i)
                     EXPECT_TRUE(now[i] == after[i] ||
                                 (failed && (now[i] == before[i] || now[i] == "()" || now[i] == "null")))
@@ -120,3 +126,61 @@ TEST(FormAllocFailureTest, Operations)
         }
     }
 }
+
+#ifdef FORMWORK_ALLOC_HOOK
+
+// All that the engine needs comes from its own allocator, which tells of a failure and does not throw.
+TEST(FormAllocFailureTest, NothingIsTakenByNew)
+{
+    OperationFixture f(true);
+    CPDFObj source, names, copy;
+    parse_object("<< /S /JavaScript /JS (x) /Next [<< /S /Hide /T (b) >>] >>", source);
+    parse_object("[(a) (b) (c) (d) (e) (f) (g) (old) (k) 2 0 R 9 0 R]", names);
+    wchar_t name[64];
+    int len = 0;
+    fail_new_after(0);
+    copy.copy_from(&source);
+    f.form.unload();
+    f.load();
+    CPDFField* const field = f.form.find(PDF_REF{2, 0});
+    field->get_full_name2(name, 64);
+    field->set_name(L"n");
+    field->append_child({9, 0});
+    f.form.append_field({6, 0});
+    CPDFAction* const action = CPDFAction::parser_act(&f.doc.xref, &source);
+    char* const texts[] = {f.form.get_url_para(names.arr, 0), f.form.get_url_xml(names.arr, 0),
+                           f.form.get_xfa_data(len)};
+    fail_new_after(-1);
+    EXPECT_EQ(new_calls(), 0);
+    EXPECT_TRUE(field->m_kid_cnt == 3 && action && texts[0] && texts[1] && texts[2]);
+    delete action;
+    for (char* text : texts)
+        VXFree(text);
+}
+
+// The XML parser throws; what the form holds meanwhile is given back.
+TEST(FormAllocFailureTest, NothingIsLostWhenTheParserThrows)
+{
+    FormFixture f(
+        "/Fields [2 0 R] /XFA [(template) 50 0 R (datasets) 7 0 R]", "/FT /Tx /T (a)",
+        "<template><subform><field name='a'><event><submit target='T'/></event></field></subform></template>");
+    f.form.unload();
+    const int64_t live = vx_live_blocks();
+    bool thrown = true;
+    for (int64_t n = 0; thrown && n < 1000; ++n) {
+        fail_new_after(n);
+        thrown = false;
+        try {
+            f.load();
+        } catch (const std::bad_alloc&) {
+            thrown = true;
+        }
+        fail_new_after(-1);
+        EXPECT_TRUE(thrown || f.field(2).m_xfa_target) << n;
+        f.form.unload();
+        ASSERT_EQ(vx_live_blocks(), live) << n;
+    }
+    EXPECT_FALSE(thrown);
+}
+
+#endif

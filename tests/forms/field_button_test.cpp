@@ -1,5 +1,6 @@
 #include "engine/annot_widget.h"
 #include "tests/forms/form_fixture.h"
+#include "tests/support/alloc_walk.h"
 
 namespace {
 // A button field, object 2, with three kids, objects 3 to 5, each its own widget with an on state a, b, c.
@@ -38,6 +39,7 @@ private:
 };
 }  // namespace
 
+// What the field itself shows is the caller's, who may have been there first.
 TEST(FieldButtonTest, CheckValueUnchecksTheWidgetsBeside)
 {
     const struct {
@@ -45,7 +47,7 @@ TEST(FieldButtonTest, CheckValueUnchecksTheWidgetsBeside)
         uint32_t num;
         const char *state, *expected;
     } cases[] = {
-        {"kid of a check box", "/FT /Btn", "", 4, "b", "OOO - - /b -"},
+        {"kid of a check box", "/FT /Btn", "", 4, "b", "ObO - - /b -"},
         {"off touches no widget", "/FT /Btn", "", 4, "Off", "abc - - /Off -"},
         {"a kind of its own", "/FT /Btn", "/FT /Btn", 4, "b", "abc - - /b -"},
         {"flags of its own", "/FT /Btn", "/Ff 2", 4, "b", "abc - - /b -"},
@@ -73,7 +75,7 @@ TEST(FieldButtonTest, CheckValueUnchecksTheWidgetsBeside)
     delete f.field(2).m_kids[1];
     f.field(2).m_kids[1] = nullptr;
     f.field(5).set_check_value("c");
-    EXPECT_EQ(f.state(), "a-O - - - /c");
+    EXPECT_EQ(f.state(), "a-c - - - /c");
 }
 
 TEST(FieldButtonTest, RadioTurnsTheOthersOff)
@@ -96,6 +98,24 @@ TEST(FieldButtonTest, RadioTurnsTheOthersOff)
     CPDFAnnotWidget unbound;
     f.field(2).set_radio(&unbound);
     EXPECT_EQ(show_object(f.field(2).m_value), "/") << "no on state";
+}
+
+// A state that can't be copied is a name without a text, and is not stored.
+TEST(FieldButtonTest, StatesWithoutMemory)
+{
+    each_failed_allocation([](const auto& arm) {
+        ButtonFixture f("/FT /Btn /Ff 32768 /V /a", "/FT /Btn /Ff 0 /V /a");
+        arm([&f] {
+            f.field(2).set_radio(&f.widgets[1]);
+            f.field(4).set_check_value("b");
+        });
+        for (const uint32_t num : {2, 4}) {
+            const CPDFObj& value = f.field(num).m_value;
+            EXPECT_TRUE(value.type == PDF_OBJ_NAME && (!value.name || value.is_name("a") || value.is_name("b")));
+            const std::string stored = f.doc.entry(num, "V");
+            EXPECT_TRUE(stored == "/a" || (stored == "/b" && value.is_name("b"))) << stored;
+        }
+    });
 }
 
 TEST(FieldButtonTest, RadioValueOfOneWidget)

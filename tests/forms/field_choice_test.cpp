@@ -29,7 +29,7 @@ int insert(CPDFField& field, int index, const std::string& val, const std::strin
 }
 
 // Runs operations like "sel 1, sels 2 0, ins 0 val text, del 3" and returns the last result. "sels" alone selects
-// nothing, "same" hands the field its own selection, "copy 2" inserts option 2 again in front.
+// nothing, "same" hands the field its own selection from the place on, "copy 2" inserts option 2 again in front.
 int run(CPDFField& field, const std::string& operations)
 {
     int result = 1;
@@ -48,7 +48,7 @@ int run(CPDFField& field, const std::string& operations)
         if (verb == "sel")
             field.set_choice_sel(index);
         else if (verb == "same")
-            field.set_choice_sels(field.m_sels, field.m_sel_cnt);
+            field.set_choice_sels(field.m_sels + index, field.m_sel_cnt - index);
         else if (verb == "copy")
             result = field.insert_choice_opt(0, &field.m_opts[index].val, &field.m_opts[index].text);
         else if (verb == "ins")
@@ -74,7 +74,8 @@ TEST(FieldChoiceTest, Operations)
         {"/V (x)", "sels 2 0", 1, "2 0 | [2 0] [(Cherry) (Apple)],(x)" + opt},
         {"/I [1] /V (x)", "sels", 1, "| [] [],(x)" + opt},
         {"/I [1] /V (x)", "sels 0 5", 1, "0 5 | [1] (x)" + opt},
-        {"/I [1 2]", "same", 1, "1 2 | [1 2] [(b) (Cherry)],null" + opt},
+        {"/I [1 2]", "same 0", 1, "1 2 | [1 2] [(b) (Cherry)],null" + opt},
+        {"/I [1 2 0]", "same 1", 1, "2 0 | [2 0] [(Cherry) (Apple)],null" + opt},
         {"/I [0 2] /V (x)", "ins 0 n New", 1,
          "1 3 | [1 3] [(Apple) (Cherry)],(x) [[(n) (New)] [(a) (Apple)] (b) [(c) (Cherry)]]"},
         {"/I [7]", "ins 3 n", 1, "8 | [7] - [[(a) (Apple)] (b) [(c) (Cherry)] (n)]"},

@@ -107,8 +107,9 @@ TEST(FieldResetTest, ActionSelectsFields)
 
 TEST(FieldResetTest, RemovedChild)
 {
-    for (const auto& [kids, left] :
-         {std::pair("[5 0 R 99 0 R 3 0 R 7 4 0 R]", "[5 0 R 99 0 R 3 0 R 7]"), {"6 0 R", "[3 0 R 5 0 R]"}}) {
+    for (const auto& [kids, left] : {std::pair("[5 0 R 99 0 R 3 0 R 7 4 0 R]", "[5 0 R 99 0 R 3 0 R 7]"),
+                                     {"6 0 R", "[3 0 R 5 0 R]"},
+                                     {"[3 0 R 4 0 R 5 0 R 4 0 R]", "[3 0 R 5 0 R]"}}) {
         SCOPED_TRACE(kids);
         FormFixture f("/Fields [8 0 R 2 0 R 7 0 R]",
                       std::string("/T (m) /Parent 8 0 R /Kids ") + kids +

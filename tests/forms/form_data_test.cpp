@@ -164,6 +164,30 @@ TEST(FormDataTest, LongListsFindTheSameFields)
     EXPECT_TRUE(found > 200 && found < 1800) << found;
 }
 
+// Neither many fields of one name on the way nor at its end make a long list slow.
+TEST(FormDataTest, LongListsOfEqualNames)
+{
+    constexpr int FIELDS = 10000;
+    for (const bool same_first : {true, false}) {
+        std::string tops;
+        std::string objects;
+        CPDFArray list;
+        for (int i = 0; i < FIELDS; ++i) {
+            const std::string number = std::to_string(i);
+            const std::string first = same_first ? "a" : "a" + number;
+            const std::string last = same_first ? "k" + number : "k";
+            tops += std::to_string(2 * i + 2) + " 0 R ";
+            objects += std::string(i ? "; " : "") + "/T (" + first + ") /Kids [" + std::to_string(2 * i + 3) +
+                       " 0 R]; /FT /Tx /V (v) /T (" + last + ") /Parent " + std::to_string(2 * i + 2) + " 0 R";
+            const std::string path = first + "." + last;
+            list.append_str(path.data(), static_cast<int32_t>(path.size()));
+        }
+        FormFixture f("/Fields [" + tops + "]", objects);
+        const std::string text = taken(f.form.get_url_para(&list, 0));
+        EXPECT_EQ(std::count(text.begin(), text.end(), '='), FIELDS);
+    }
+}
+
 TEST(FormDataTest, FailedAllocationsGiveNull)
 {
     const std::string state(1100, 's');

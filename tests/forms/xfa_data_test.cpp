@@ -13,7 +13,7 @@ const std::string DATA = OPENING + "<form1><t>abc</t><c>1</c></form1>" + CLOSING
 // The packet of `text` in brackets, "" when there is none.
 std::string packet_of(const std::string& text)
 {
-    XFA_RANGE range;
+    PDF_XFA_RANGE range;
     return find_xfa_datasets(text, range) ? "[" + text.substr(range.begin, range.end - range.begin) + "]" : "";
 }
 }  // namespace

@@ -4,8 +4,17 @@
 #include <cstdlib>
 
 #include "file/syntax/parser.h"
+#include "tests/support/new_hook.h"
 
 namespace {
+#ifdef FORMWORK_ALLOC_HOOK
+using TestOnly = NewHookPause;
+#else
+struct TestOnly {
+    TestOnly() {}
+};
+#endif
+
 std::string show_string(const std::string& bytes)
 {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; }))
@@ -61,7 +70,7 @@ std::string show_object(const CPDFObj& obj)
     case PDF_OBJ_STRING:
         return obj.str.len > 0 ? show_string({obj.str.buf, obj.str.buf + obj.str.len}) : "()";
     case PDF_OBJ_NAME:
-        return std::string("/") + obj.name;
+        return obj.name ? std::string("/") + obj.name : "null";
     case PDF_OBJ_REF:
         return std::to_string(obj.ref.num) + " " + std::to_string(obj.ref.gen) + " R";
     case PDF_OBJ_ARRAY:
@@ -162,14 +171,15 @@ std::string MemoryDocument::show(uint32_t num)
 void MemoryDocument::read_object(CPDFXRefTable&, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                                  const CPDFKeySet*)
 {
+    const TestOnly test_only;
     ++reads[num];
     const std::string& text = m_objects[entry.index];
     if (text.rfind(STREAM_MARK, 0) != 0) {
         parse_object(text, out);
         return;
     }
-    out.stream = new CPDFStreamRec;
-    out.type = PDF_OBJ_STREAM;
+    if (!out.set_stream())
+        return;
     out.stream->in_file = 1;
     out.stream->ref = {num, 0};
     out.stream->handle = entry.index;
@@ -195,6 +205,7 @@ int MemoryDocument::read_section(CPDFXRefTable& table, uint32_t pos)
 CPDFStream* MemoryDocument::open_stream(CPDFXRefTable&, const CPDFStreamRec& rec, const unsigned char* memory,
                                         uint32_t size)
 {
+    const TestOnly test_only;
     const std::string data =
         memory ? std::string(memory, memory + size) : m_objects[rec.handle].substr(std::strlen(STREAM_MARK));
     return new MemoryStream(data, static_cast<int32_t>(rec.data_len));

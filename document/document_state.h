@@ -1,0 +1,90 @@
+// What a document consists of, and what the files of the front class share.
+#pragma once
+
+#include <memory>
+#include <new>
+#include <optional>
+
+#include "core/alloc.h"
+#include "document/document.h"
+#include "document/edit/edit.h"
+#include "document/lookup/branch_finder.h"
+#include "document/lookup/name_index.h"
+#include "document/lookup/page_map.h"
+#include "document/lookup/signature_guard.h"
+#include "document/lookup/widget_binder.h"
+#include "file/file_bytes.h"
+#include "file/file_reader.h"
+#include "forms/acro_form.h"
+
+// Members are in the order in which they depend on one another.
+struct CPDFDocument::State {
+    CPDFFileBytes bytes;
+    std::unique_ptr<CPDFFileReader> reader;
+    std::unique_ptr<CPDFXRefTable> xref;
+    CPDFObj root;
+    PDF_REF root_ref = {0, 0};
+    std::optional<CPDFPageMap> page_map;
+    CPDFWidgetBinder widgets;  // bound when they are needed
+    CPDFAcroForm form;
+    bool form_loaded = false;
+    bool form_whole = true;  // nothing of it was left unread
+    std::optional<CPDFBranchFinder> branches{std::in_place};
+    CPDFNameIndex names;
+    std::optional<CPDFSignatureGuard> guard;
+    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
+    bool edited = false;             // fields were added, removed or changed in what they are
+    bool asked_to_draw = false;      // the form tells viewers to draw its texts anew
+
+    CPDFStatus load(PDF_LOAD load);
+    CPDFStatus find_root();
+    void read_root();
+    const CPDFObj* form_entry() const;
+    bool has_xfa() const;
+
+    // What is made on the first need. Where memory runs out, nothing is there that lacks a part, and they throw. The fields
+    // that were found before the form is loaded come into it.
+    CPDFAcroForm& loaded_form();
+    CPDFWidgetBinder& bound_widgets();
+    CPDFPageMap& pages();
+    const CPDFSignatureGuard& signatures();
+
+    // Refuses a form of which something was left unread.
+    CPDFStatus load_whole_form();
+
+    void forget_fields();
+
+    CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
+                           PDF_WORDS words);
+    CPDFStatus apply(const PDF_FILL_PLAN& plan);
+    CPDFStatus ask_to_draw();
+    CPDFStatus reset(const std::vector<CPDFField*>* fields, PDF_FILL fill);
+    CPDFStatus reset_xfa();
+    CPDFStatus begin_edit(CPDFField* field, PDF_EDIT edit);
+    template <typename Operation>
+    CPDFStatus edit(CPDFField* field, PDF_EDIT edit, const Operation& operation);
+    CPDFStatus make_update(std::string& update);
+};
+
+// The engine reports nothing when memory runs out: throws where that happened since `memory` was made.
+inline void need_memory(const VXFailureCheck& memory)
+{
+    if (memory.failed())
+        throw std::bad_alloc();
+}
+
+inline CPDFStatus no_memory_to(const char* what)
+{
+    return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
+}
+
+// Runs an operation of the front class: where memory runs out it says so, and no exception gets out.
+template <typename Operation>
+CPDFStatus within_memory(const char* what, const Operation& operation)
+{
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        return no_memory_to(what);
+    }
+}

@@ -1,0 +1,66 @@
+// Objects and stream data, found in the bytes of a file when the object store asks for them.
+#pragma once
+
+#include "core/dictionary.h"
+#include "core/object_source.h"
+#include "file/filter/filters.h"
+#include "file/object_stream.h"
+#include "file/read_budget.h"
+#include "file/syntax/splice.h"
+
+// Raises a flag for the time of a scope.
+class RaisedFlag {
+public:
+    explicit RaisedFlag(bool& flag) : m_flag(flag), m_before(flag) { flag = true; }
+    ~RaisedFlag() { m_flag = m_before; }
+    RaisedFlag(const RaisedFlag&) = delete;
+    RaisedFlag& operator=(const RaisedFlag&) = delete;
+
+private:
+    bool& m_flag;  // borrowed
+    bool m_before;
+};
+
+// Parses on demand, straight from the bytes, which are borrowed and outlive the reader. Where sections stand is known to the
+// class that stands on this one.
+class CPDFObjectReader : public CPDFObjectSource {
+public:
+    void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                     const CPDFKeySet* keys) override;
+    CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
+                            uint32_t size) override;
+    bool splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry, PDF_ENTRY_CHANGES changes,
+                       PDF_String& out) override;
+    bool splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out) override;
+    void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys) override;
+    unsigned char* compress(const void* data, int len, int& out_len) override;
+
+    // The work that may still be done.
+    CPDFReadBudget& budget() { return m_budget; }
+
+protected:
+    CPDFObjectReader(const uint8_t* data, size_t size);
+
+    // The object `num` that begins at byte `at`; false when it is not there.
+    bool parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys);
+    // decode_stream at the expense of the budget.
+    bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
+
+    const uint8_t* m_data;  // borrowed from the document
+    size_t m_size;
+    CPDFReadBudget m_budget;
+    bool m_in_length = false;  // a stream's indirect length is being fetched, or may not be
+
+private:
+    void make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t data_at, const PDF_REF& ref);
+    size_t stream_length(CPDFXRefTable& xref, const CPDFDictionary& dict, size_t data_at);
+    size_t search_stream_end(size_t data_at);
+    void read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
+                          const CPDFKeySet* keys);
+    const CPDFObjectStream* object_stream(CPDFXRefTable& xref, uint32_t num);
+    const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
+
+    bool m_in_container = false;  // an object stream is being decoded
+    CPDFObjectStreamCache m_streams;
+    CPDFSplicer m_splicer;
+};
