@@ -256,7 +256,9 @@ void CPDFDocument::revert()
 
 CPDFStatus CPDFDocument::State::make_update(std::string& update)
 {
+    const VXFailureCheck memory;
     write_update(update, *xref, *reader, bytes.data(), bytes.size());
+    need_memory(memory);
     if (bytes.size() + update.size() > UINT32_MAX)
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the output would be larger than 4 GiB, which is not supported");
     return {};

@@ -70,7 +70,7 @@ int end_with(const CPDFStatus& status, std::string_view file);
 // What is wrong with the command line.
 inline CPDFStatus wrong_usage(std::string sentence)
 {
-    return CPDFStatus::failed(PDF_CODE::BAD_USAGE, std::move(sentence));
+    return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, std::move(sentence));
 }
 
 // Complains about a wrong command line; returns COMMAND_USAGE.

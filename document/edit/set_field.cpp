@@ -200,9 +200,11 @@ CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const 
     }
     if (change.options) {
         make_options(*change.options, options);
-        indices.set_array();
-        for (const int option : current.options)
-            indices.arr->append_int(option);
+        CPDFArray* list = indices.set_array();
+        for (const int option : current.options) {
+            if (list)
+                list->append_int(option);
+        }
         changes.push_back({"Opt", &options});
         changes.push_back({"I", current.options.empty() ? nullptr : &indices});
     }

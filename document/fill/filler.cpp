@@ -106,11 +106,12 @@ void make_value(const PDF_FIELD_SHAPE& shape, const PDF_FILL_PLAN& plan, CPDFObj
     } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() == 1) {
         shape.options.make_value(plan.options[0], out);
     } else if (plan.action == PDF_FILL_PLAN::SET_OPTIONS && plan.options.size() > 1) {
-        CPDFArray& list = *out.set_array();
+        CPDFArray* list = out.set_array();
         for (const int option : plan.options) {
             CPDFObj value;
             shape.options.make_value(option, value);
-            list.append_str(value.str.buf, value.str.len);
+            if (list)
+                list->append_str(value.str.buf, value.str.len);
         }
     } else {
         PDF_String text = pdf_string_of(plan.text);

@@ -466,8 +466,8 @@ TEST(EditTest, EveryFailedNew)
                                                        : f.document.save(output);
             failed = new_calls() > n;
             fail_new_after(-1);
-            EXPECT_EQ(status.ok(), !failed) << status.text;
-            EXPECT_EQ(status.text.find("memory") != std::string::npos, failed) << status.text;
+            EXPECT_TRUE(failed || status.ok()) << status.text;  // sorting does without its buffer
+            EXPECT_EQ(status.text.find("memory") == std::string::npos, status.ok()) << status.text;
             EXPECT_TRUE(status.ok() || output.empty());
         }
     }
