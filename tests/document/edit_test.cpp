@@ -131,7 +131,6 @@ TEST(EditTest, AddRefusesByNameAndChangesNothing)
         {"no options", [](PDF_NEW_FIELD& field) { field.entries.options.emplace(); }},
         {"no flag \"edit\"", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_EDIT; }},
         {"can't be a comb", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_COMB; }},
-        {"at most 2", [](PDF_NEW_FIELD& field) { field.entries.max_length = 2, field.entries.default_value = "abc"; }},
         {"can't be added", [](PDF_NEW_FIELD& field) { field.kind = KIND_PUSH; }},
         {"state for each", [](PDF_NEW_FIELD& field) { field.kind = KIND_RADIO; }},
         {"no option \"x\"", [](PDF_NEW_FIELD& field) { field.kind = KIND_LIST, field.entries.default_value = "x"; }},
@@ -313,10 +312,6 @@ TEST(EditTest, Change)
     ASSERT_TRUE(change(f, "l", options).ok());
     EXPECT_EQ(f.entry(11, "Opt") + f.entry(11, "I") + f.entry(11, "DV"), "[[(n) (New)] (x) (b)][2](n)");
     EXPECT_EQ(f.entry(12, "Ff"), "0") << "the widget follows";
-    PDF_FIELD_CHANGE on;
-    on.default_value = true;
-    ASSERT_TRUE(change(f, "c", on).ok());
-    EXPECT_EQ(f.entry(13, "DV"), "/On");
     EXPECT_EQ(f.field("l").m_opt_cnt, 3);
     EXPECT_EQ(f.field("t").m_flags, 2u);
     expect_same_when_reopened(f);
