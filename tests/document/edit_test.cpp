@@ -97,7 +97,7 @@ TEST(EditTest, AddToEveryKindOfForm)
                   "g:container g.4:text g.3:check g.5:combo g.7:signature g.1:radio g.1#0:radio g.1#1:radio ");
         const uint32_t form = f.document.form().m_ref.num;
         EXPECT_EQ(f.entry(form, "SigFlags"), "3");
-        EXPECT_EQ(f.entry(form, "NeedAppearances"), "true");
+        EXPECT_EQ(f.entry(form, "NeedAppearances"), "-");
         EXPECT_TRUE(f.document.set_value(f.field("g.1"), "L").ok());
         EXPECT_TRUE(f.document.set_value(f.field("g.3"), true).ok());
         expect_same_when_reopened(f);

@@ -151,6 +151,7 @@ TEST(FillerTest, ChoiceMatrix)
         SCOPED_TRACE(c.label);
         const std::string field = "<</FT/Ch/T(f)/Ff " + std::to_string(c.flags) + c.entries + ">>";
         FormAtWork f(PdfBuilder().form({field}).object(30, "[[31 0 R(Far)]]").object(31, "(f)").table().text);
+        f.document.set_drawing(PDF_DRAWING::LEAVE_TO_VIEWERS);
         const std::string before = f.saved();
         const CPDFStatus status = f.set("f", value_of(c.value));
         EXPECT_EQ(status.ok() ? f.entry(10, "V") + " " + f.entry(10, "I") : "!", c.expected) << status.text;

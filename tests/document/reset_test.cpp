@@ -63,6 +63,7 @@ TEST(ResetTest, ValuesBecomeTheDefaults)
         SCOPED_TRACE(c.label);
         PdfBuilder file = begin_form({c.field}, c.kids).stream(5, "", "long text");
         FormAtWork f(file.table().text);
+        f.document.set_drawing(PDF_DRAWING::LEAVE_TO_VIEWERS);
         EXPECT_TRUE(f.document.reset().ok());
         EXPECT_EQ(state_of(f), c.expected);
         EXPECT_EQ(f.entry(10, "RV"), "-");

@@ -66,6 +66,7 @@ TEST(SignatureGuardTest, WhatMayBeFilled)
         for (const PDF_LOAD load : {PDF_LOAD::WHOLE_FORM, PDF_LOAD::NAMED_FIELDS}) {
             const std::string text = signed_form(c.catalog, c.field, c.signature, c.other);
             FormAtWork f(text, load);
+            f.document.set_drawing(PDF_DRAWING::LEAVE_TO_VIEWERS);
             std::string allowed;
             for (const char* name : NAMES) {
                 const CPDFStatus status = f.set(name, "x");
@@ -140,6 +141,7 @@ TEST(NeedAppearancesTest, AskedForOnce)
         PdfBuilder file;
         file.object(1, "<</Lang(x)" + std::string(c.catalog) + ">>").object(3, "<<" + std::string(c.form) + ">>");
         FormAtWork f(file.object(10, "<</FT/Tx/T(f)>>").object(30, "true").table().text);
+        f.document.set_drawing(PDF_DRAWING::LEAVE_TO_VIEWERS);
         for (const char* value : {"one", "two"}) {
             ASSERT_TRUE(f.set("f", value).ok());
             EXPECT_EQ(f.document.xref().changed_count(), c.changes ? 2 : 1);
