@@ -9,6 +9,7 @@ namespace {
 CPDFStatus fill(char** argv)
 {
     CPDFDocument document;
+    document.set_drawing(PDF_DRAWING::LEAVE_TO_VIEWERS);  // as the rival does
     if (CPDFStatus status = document.open(argv[1], PDF_LOAD::NAMED_FIELDS); !status.ok())
         return status;
     CPDFField* field = document.field(argv[3]);

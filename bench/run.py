@@ -33,6 +33,7 @@ SLOW_WALKERS = {"libqpdf, from file"}  # no faster than the other way, and secon
 SLOW_WALKERS_TAKE = 10_000  # fields
 VALUE = "Grace Hopper, Zürich"
 SHORT_VALUE = "Grace"
+MOST_DRAWN = 10_000  # libmupdf takes minutes for more
 TAX_FORM = "prefilled_f1040.pdf"
 TAX_FIELD = "topmostSubform[0].Page1[0].p1-t4[0]"
 BATCH_ROWS = 1000
@@ -269,6 +270,8 @@ def bench_fill_all(bench, sizes, tax):
         return lambda bench, tool, form, output: check_all(bench, tool, form, output, outputs)
 
     bench_fills(bench, "Fill every text field, check box and choice and save", "fill_all", sizes, tax,
+                lambda count: (SHORT_VALUE,), check)
+    bench_fills(bench, "The same, and draw the widgets", "fill_draw", [count for count in sizes if count <= MOST_DRAWN], tax,
                 lambda count: (SHORT_VALUE,), check)
 
 
