@@ -25,6 +25,11 @@ uint64_t vx_failures()
     return t_failures;
 }
 
+void vx_note_failure()
+{
+    ++t_failures;
+}
+
 #ifdef FORMWORK_ALLOC_HOOK
 
 namespace {

@@ -19,6 +19,9 @@ void VXFree(void* block);
 // How many calls of VXAlloc and VXRealloc have failed in this thread.
 uint64_t vx_failures();
 
+// Counts as such a call: for whoever calls a library that ran out of memory in its own way.
+void vx_note_failure();
+
 // Tells whether an allocation has failed since it was made: what was built meanwhile may then lack a part.
 class VXFailureCheck {
 public:

@@ -84,6 +84,7 @@ CPDFStatus CPDFDocument::State::draw()
 {
     if (!std::exchange(values_changed, false))
         return {};
+    const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
     const std::vector<CPDFField*> fields = std::exchange(to_draw, {});
     std::unordered_set<const CPDFField*> drawn;
@@ -97,7 +98,9 @@ CPDFStatus CPDFDocument::State::draw()
         }
     }
     CPDFStatus status = needs_appearances(*xref, root) && !signatures().is_signed() ? draw_missing() : CPDFStatus();
-    return status.ok() && redraw ? redraw->finish(notes) : status;
+    if (status.ok() && redraw)
+        status = redraw->finish(notes);
+    return status.ok() && memory.failed() ? no_memory_to(DRAWING) : status;
 }
 
 // Afterwards the form need not ask viewers any more.

@@ -17,6 +17,7 @@ COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\
 # Engine folders stand on the standard library alone, except for what is named here.
 ENGINE_FOLDERS = ("core", "engine", "forms", "forms/exchange", "render")
 ENGINE_EXTRAS = {"forms/exchange": {"tinyxml.h"}}
+CATCHES = {"forms/exchange/xfa_template.cpp"}  # what TinyXML throws
 STREAM_HEADERS = {"iostream", "istream", "ostream", "fstream", "sstream", "iomanip", "filesystem"}
 
 
@@ -101,7 +102,7 @@ def check(root):
                     check_system(name, line, target, faults)
             check_own_header_first(root, name, includes, faults)
             misplaced = EXCEPTION_OR_FILE.search(COMMENT_OR_LITERAL.sub("", text))
-            if folder_of(name) in ENGINE_FOLDERS and misplaced:
+            if folder_of(name) in ENGINE_FOLDERS and name not in CATCHES and misplaced:
                 faults.append(f"{name}: {misplaced.group()} has no place in {folder_of(name)}")
     arrows = {folder: [folder_of(entry) if entry.endswith(".h") else entry for entry in allowed[1:]]
               for folder, allowed in rules.items()}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "core/alloc.h"
 #include "core/dictionary.h"
@@ -17,9 +18,9 @@
 
 namespace {
 
-// Collects the events of the template packet `text`; a text that is no XML yields none.
+// Collects the events of the template packet `text`; a text that is no XML yields none. TinyXML throws.
 void collect_events(const char* text, _PDF_FIELD_SET_& events)
-{
+try {
     TiXmlDocument document;
     document.Parse(text, nullptr, TIXML_ENCODING_UNKNOWN);
     TiXmlElement* root = document.FirstChildElement();
@@ -29,6 +30,8 @@ void collect_events(const char* text, _PDF_FIELD_SET_& events)
             events.load(child, path, 0);
     }
     document.Clear();
+} catch (const std::bad_alloc&) {
+    vx_note_failure();
 }
 
 void bind_event(CPDFField& field, const PDF_FIELD_ENTRY& event)

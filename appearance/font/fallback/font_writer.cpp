@@ -41,10 +41,10 @@ bool set_stream(NEW_OBJECT& object, CPDFXRefTable& xref, const std::string& byte
     object.data = xref.compress_data(bytes.data(), static_cast<int>(bytes.size()), object.data_len);
     if (!object.data)
         return false;
-    object.value.free();
-    object.value.stream = new CPDFStreamRec;
-    object.value.type = PDF_OBJ_STREAM;
-    CPDFStreamRec& record = *object.value.stream;
+    CPDFStreamRec* made = object.value.set_stream();
+    if (!made)
+        return false;
+    CPDFStreamRec& record = *made;
     record.dict.set_item_name(CPDFDictionary::sm_tag_filter, "FlateDecode");
     record.dict.set_item_int(CPDFDictionary::sm_tag_length, object.data_len);
     record.data_len = static_cast<uint32_t>(object.data_len);
