@@ -64,7 +64,8 @@ private:
         const CPDFEntryView annotations(&m_xref, page.dict->get_item("Annots"));
         const CPDFArray* list = annotations->array();
         CPDFObj rest;
-        rest.set_array();
+        if (!rest.set_array())
+            return no_memory_to_edit();
         CPDFPagePaint paint(m_xref, *page.dict);
         for (int32_t i = 0; list && i < list->count; ++i) {
             const CPDFEntryView annotation(&m_xref, &list->items[i]);

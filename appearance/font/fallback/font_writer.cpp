@@ -200,9 +200,11 @@ bool write_font(CPDFXRefTable& xref, const CPDFFallbackFont& font, FONT_OBJECTS&
     if (!build_streams(xref, font, program, to_unicode, cid_glyphs))
         return false;
     const std::string name = base_font(font.file(), objects.font.num);
-    set_font(*dict.value.set_dict(), objects, name);
-    set_descendant(*descendant.value.set_dict(), font, objects, name);
-    set_descriptor(*descriptor.value.set_dict(), font.file(), objects, name);
+    if (!dict.value.set_dict() || !descendant.value.set_dict() || !descriptor.value.set_dict())
+        return false;
+    set_font(*dict.value.dict, objects, name);
+    set_descendant(*descendant.value.dict, font, objects, name);
+    set_descriptor(*descriptor.value.dict, font.file(), objects, name);
     if (memory.failed())
         return false;
     for (NEW_OBJECT* object : {&dict, &descendant, &descriptor, &program, &to_unicode, &cid_glyphs})
