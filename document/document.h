@@ -132,8 +132,8 @@ public:
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
-    // Makes what the widgets show a part of the pages, and takes the form off the document, see flatten_form. Refuses a
-    // signed document unless `edit` is FORCE. Ends all fields.
+    // Makes what the widgets show a part of the pages, those without an appearance drawn as their fields are, and takes the
+    // form off the document, see flatten_form. Refuses a signed document unless `edit` is FORCE. Ends all fields.
     CPDFStatus flatten(PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
     // Who draws the widgets of fields that change from now on; DRAW at first. Drawing happens in save, flatten and the calls

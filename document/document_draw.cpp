@@ -133,17 +133,16 @@ CPDFStatus CPDFDocument::State::draw_states(CPDFField& field)
     return memory.failed() ? no_memory_to(DRAWING) : CPDFStatus();
 }
 
+// Viewers show a widget without an appearance as well as they can: then there has to be one.
 CPDFStatus CPDFDocument::State::flatten()
 {
-    if (needs_appearances(*xref, root)) {
-        CPDFStatus status = draw_missing();
-        if (status.ok() && redraw)
-            status = redraw->finish(notes);
-        if (!status.ok())
-            return status;
-    }
+    CPDFStatus status = draw_missing();
+    if (status.ok() && redraw)
+        status = redraw->finish(notes);
+    if (!status.ok())
+        return status;
     EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
-    CPDFStatus status = flatten_form(target);
+    status = flatten_form(target);
     forget_fields();
     form.unload();
     return status;
