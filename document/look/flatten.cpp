@@ -6,6 +6,7 @@
 #include "core/xref_table.h"
 #include "document/edit/new_object.h"
 #include "document/look/page_paint.h"
+#include "document/lookup/page_box.h"
 #include "document/lookup/page_map.h"
 
 namespace {
@@ -92,15 +93,18 @@ private:
         if (stream.type != PDF_OBJ_STREAM)
             return;
         PDF_BOX box;
-        double matrix[6] = {1, 0, 0, 1, 0, 0};
+        PDF_MATRIX matrix = {1, 0, 0, 1, 0, 0};
         const CPDFEntryView entry(&m_xref, stream.stream->dict.get_item("Matrix"));
         for (int i = 0; entry->array() && entry->arr->count == 6 && i < 6; ++i)
-            matrix[i] = number_in(m_xref, *entry->arr, i);
-        PDF_PLACEMENT placement;
-        if (!read_box(m_xref, stream.stream->dict.get_item("BBox"), box) || !place_in(box, matrix, rect, placement))
+            matrix[static_cast<size_t>(i)] = number_in(m_xref, *entry->arr, i);
+        if (!read_box(m_xref, stream.stream->dict.get_item("BBox"), box))
+            return;
+        const auto placement =
+            place_appearance({box.x0, box.y0, box.x1, box.y1}, matrix, {rect.x0, rect.y0, rect.x1, rect.y1});
+        if (!placement)
             return;
         complete(ref, stream, widget);
-        paint.draw(ref, placement);
+        paint.draw(ref, *placement);
     }
 
     // As an XObject a stream needs what viewers do without in an appearance; and what hides the widget hides it.

@@ -1,36 +1,11 @@
 #include "document/look/page_paint.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
 #include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/edit/new_object.h"
-
-bool place_in(const PDF_BOX& box, const double (&m)[6], const PDF_BOX& rect, PDF_PLACEMENT& out)
-{
-    const double xs[] = {box.x0, box.x1};
-    const double ys[] = {box.y0, box.y1};
-    PDF_BOX seen = {INFINITY, INFINITY, -INFINITY, -INFINITY};
-    for (const double x : xs) {
-        for (const double y : ys) {
-            const double at_x = m[0] * x + m[2] * y + m[4];
-            const double at_y = m[1] * x + m[3] * y + m[5];
-            seen = {std::min(seen.x0, at_x), std::min(seen.y0, at_y), std::max(seen.x1, at_x), std::max(seen.y1, at_y)};
-        }
-    }
-    if (!(seen.width() > 0) || !(seen.height() > 0))
-        return false;
-    out.scale_x = rect.width() / seen.width();
-    out.scale_y = rect.height() / seen.height();
-    out.shift_x = rect.x0 - seen.x0 * out.scale_x;
-    out.shift_y = rect.y0 - seen.y0 * out.scale_y;
-    return std::isfinite(out.scale_x) && std::isfinite(out.scale_y) && std::isfinite(out.shift_x) &&
-           std::isfinite(out.shift_y);
-}
 
 CPDFPagePaint::CPDFPagePaint(CPDFXRefTable& xref, const CPDFDictionary& page) : m_xref(xref), m_page(page) {}
 
@@ -78,12 +53,14 @@ std::string CPDFPagePaint::name_of(const PDF_REF& xobject)
     return name;
 }
 
-void CPDFPagePaint::draw(const PDF_REF& xobject, const PDF_PLACEMENT& at)
+void CPDFPagePaint::draw(const PDF_REF& xobject, const PDF_MATRIX& at)
 {
     if (!m_xobjects && !copy_resources(m_resources, m_xobjects))
         return;
-    m_content += "q " + number_syntax(at.scale_x) + " 0 0 " + number_syntax(at.scale_y) + ' ' +
-                 number_syntax(at.shift_x) + ' ' + number_syntax(at.shift_y) + " cm /" + name_of(xobject) + " Do Q\n";
+    m_content += "q ";
+    for (const double number : at)
+        m_content += number_syntax(number) + ' ';
+    m_content += "cm /" + name_of(xobject) + " Do Q\n";
 }
 
 // What the page shows is kept between a "q" and a "Q": its graphics state may be left changed at its end.

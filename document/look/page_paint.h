@@ -4,18 +4,10 @@
 #include <string>
 #include <unordered_map>
 
-#include "core/entry_change.h"
+#include "appearance/draw/placement.h"
 #include "core/object.h"
-#include "document/lookup/page_box.h"
 
 class CPDFDictionary;
-
-// Where the bounding box `box` of a form XObject with "Matrix" `matrix` (six numbers) comes to stand so that it fills
-// `rect`: the matrix to put before it (ISO 32000-2, 12.5.5), a scale and a shift. False when the box is empty.
-struct PDF_PLACEMENT {
-    double scale_x, scale_y, shift_x, shift_y;
-};
-bool place_in(const PDF_BOX& box, const double (&matrix)[6], const PDF_BOX& rect, PDF_PLACEMENT& out);
 
 // Collects the drawings of one page, then stores them with its resources. Names of the page's own resources stay.
 class CPDFPagePaint {
@@ -23,7 +15,8 @@ public:
     // `page` is the page's dictionary, whole, and `xref` the document's; both borrowed while this lives.
     CPDFPagePaint(CPDFXRefTable& xref, const CPDFDictionary& page);
 
-    void draw(const PDF_REF& xobject, const PDF_PLACEMENT& at);
+    // `at` stands before the drawing: place_appearance.
+    void draw(const PDF_REF& xobject, const PDF_MATRIX& at);
     bool is_empty() const { return m_content.empty(); }
 
     // Makes the new "Contents" and "Resources" of the page; `save_state` is a stream object with a "q", which all pages
