@@ -1,5 +1,7 @@
 #include "appearance/form_fonts.h"
 
+#include <new>
+
 #include "appearance/font/read_font.h"
 #include "core/alloc.h"
 #include "core/dictionary.h"
@@ -136,6 +138,8 @@ std::unique_ptr<CPDFFormFonts::FONT> CPDFFormFonts::load(const std::string& name
     font->style = font_style(standard_font_name(standard), 0);
     describe_standard(standard, font->dictionary);
     font->font = read_font(m_xref, font->dictionary);
+    if (!font->font)
+        throw std::bad_alloc();
     return font;
 }
 
@@ -143,10 +147,13 @@ CPDFFormFonts::FONT& CPDFFormFonts::standard(STANDARD_FONT which)
 {
     std::unique_ptr<FONT>& font = m_standard[static_cast<size_t>(which)];
     if (!font) {
-        font = std::make_unique<FONT>();
-        font->name = std::string("Fw") + standard_font_name(which);
-        describe_standard(which, font->dictionary);
-        font->font = read_font(m_xref, font->dictionary);
+        auto made = std::make_unique<FONT>();
+        made->name = std::string("Fw") + standard_font_name(which);
+        describe_standard(which, made->dictionary);
+        made->font = read_font(m_xref, made->dictionary);
+        if (!made->font)
+            throw std::bad_alloc();
+        font = std::move(made);
         m_fonts.emplace(font->font.get(), font.get());
     }
     return *font;

@@ -6,6 +6,7 @@
 #include "appearance/form_fonts.h"
 #include "core/array.h"
 #include "core/dictionary.h"
+#include "core/text.h"
 #include "core/xref_table.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
@@ -110,6 +111,16 @@ WIDGET_BORDER read_border(CPDFXRefTable& xref, const CPDFDictionary& widget)
     return border;
 }
 
+std::u32string read_caption(CPDFXRefTable& xref, const CPDFObj* entry)
+{
+    constexpr int MOST = 255;
+    const CPDFEntryView caption(&xref, entry);
+    wchar_t text[MOST + 1] = {};
+    if (caption->type == PDF_OBJ_STRING)
+        cvt_text_to_ucs(&caption->str, text, MOST);
+    return {text, text + ucs_len(text)};
+}
+
 // The resources of the appearance that a widget has so far.
 void read_shown_resources(CPDFXRefTable& xref, const CPDFDictionary& widget, CPDFObj& out)
 {
@@ -197,6 +208,9 @@ void CPDFWidgetReader::read_frame(const CPDFDictionary& widget, WIDGET_LOOK& loo
     if (!marks)
         return;
     look.rotation = resolve_integer(&m_xref, marks->get_item("R"));
+    if (look.kind == WIDGET_KIND::CHECK_BOX || look.kind == WIDGET_KIND::RADIO_BUTTON ||
+        look.kind == WIDGET_KIND::PUSH_BUTTON)
+        look.text = read_caption(m_xref, marks->get_item("CA"));
     look.border_color = read_color(m_xref, marks->get_item("BC"));
     look.background = read_color(m_xref, marks->get_item("BG"));
 }

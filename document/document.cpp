@@ -155,6 +155,7 @@ void CPDFDocument::State::forget_fields()
     names.clear();
     filled.clear();
     to_draw.clear();
+    drawn_buttons.clear();
     redraw.reset();
     branches.emplace();
     page_map.reset();
@@ -261,6 +262,8 @@ void CPDFDocument::revert()
         return;
     }
     state.read_root();
+    for (CPDFAnnotWidget* widget : std::exchange(state.drawn_buttons, {}))
+        widget->load(state.xref.get(), widget->m_ref);
     // Kids without a name may have lost values of their own.
     for (CPDFField* field : state.filled)
         for_each_field(*field, [](CPDFField& at) { at.reload_value(); });

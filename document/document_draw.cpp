@@ -31,6 +31,12 @@ void add_known_widgets(const CPDFField& field, std::vector<PDF_DRAWN_WIDGET>& wi
     }
 }
 
+CPDFStatus too_much_to(const char* what)
+{
+    return CPDFStatus::failed(PDF_CODE::LIMIT,
+                              std::string("it takes more work than the file's size justifies to ") + what);
+}
+
 }  // namespace
 
 CPDFStatus CPDFDocument::State::ask_to_draw()
@@ -49,10 +55,10 @@ CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
         return field->m_type == FIELD_TEXT || field->m_type == FIELD_CHOICE;
     };
     const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
+    std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
         return texts ? ask_to_draw() : CPDFStatus();
     values_changed = values_changed || !fields.empty();
-    std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
     return {};
 }
 
@@ -82,13 +88,12 @@ std::vector<PDF_DRAWN_WIDGET> CPDFDocument::State::widgets_to_draw(CPDFField& fi
 
 CPDFStatus CPDFDocument::State::draw()
 {
-    if (!std::exchange(values_changed, false))
+    if (!values_changed)
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    const std::vector<CPDFField*> fields = std::exchange(to_draw, {});
     std::unordered_set<const CPDFField*> drawn;
-    for (CPDFField* field : fields) {
+    for (CPDFField* field : to_draw) {
         if (!drawn.insert(field).second)
             continue;
         // A widget that only its page knows is found when the whole form is bound.
@@ -100,7 +105,15 @@ CPDFStatus CPDFDocument::State::draw()
     CPDFStatus status = needs_appearances(*xref, root) && !signatures().is_signed() ? draw_missing() : CPDFStatus();
     if (status.ok() && redraw)
         status = redraw->finish(notes);
-    return status.ok() && memory.failed() ? no_memory_to(DRAWING) : status;
+    if (status.ok() && memory.failed())
+        status = no_memory_to(DRAWING);
+    if (status.ok() && allowance.used_up())
+        status = too_much_to(DRAWING);
+    if (status.ok()) {
+        values_changed = false;
+        to_draw.clear();
+    }
+    return status;
 }
 
 // Afterwards the form need not ask viewers any more.
@@ -127,15 +140,23 @@ CPDFStatus CPDFDocument::State::draw_states(CPDFField& field)
     for (const PDF_BUTTON_CHOICE& choice : choices) {
         if (!lacks(choice))
             continue;
+        drawn_buttons.push_back(choice.widget);
         painter().draw(field, {{choice.widget->m_ref, choice.state}});
         choice.widget->load(xref.get(), choice.widget->m_ref);
     }
     return memory.failed() ? no_memory_to(DRAWING) : CPDFStatus();
 }
 
-// Viewers show a widget without an appearance as well as they can: then there has to be one.
+// Viewers show a widget without an appearance as well as they can, and draw all texts where the form asks them to.
 CPDFStatus CPDFDocument::State::flatten()
 {
+    const CPDFReadAllowance allowance(reader->budget());
+    if (needs_appearances(*xref, root)) {
+        for_each_field(loaded_form(), [this](CPDFField& field) {
+            if (&value_field(field) == &field && (field.m_type == FIELD_TEXT || field.m_type == FIELD_CHOICE))
+                painter().draw(field, widgets_to_draw(field));
+        });
+    }
     CPDFStatus status = draw_missing();
     if (status.ok() && redraw)
         status = redraw->finish(notes);
@@ -143,6 +164,8 @@ CPDFStatus CPDFDocument::State::flatten()
         return status;
     EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
     status = flatten_form(target);
+    if (status.ok() && allowance.used_up())
+        status = too_much_to("flatten the form");
     forget_fields();
     form.unload();
     return status;
@@ -162,6 +185,7 @@ CPDFStatus CPDFDocument::flatten(PDF_EDIT edit)
 {
     return within_memory("flatten the form", [&] {
         State& state = *m_state;
+        state.values_changed = state.values_changed || !state.to_draw.empty();
         CPDFStatus status = state.begin_edit(nullptr, edit);
         if (status.ok() && edit != PDF_EDIT::FORCE && state.signatures().is_signed())
             status =

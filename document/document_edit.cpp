@@ -17,6 +17,7 @@ CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
     if (!status.ok())
         return status;
     redraw.reset();  // the form's fonts may change
+    to_draw.clear();
     filled.clear();
     edited = true;
     return edit == PDF_EDIT::FORCE ? CPDFStatus() : signatures().check_edit(field);

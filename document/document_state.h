@@ -36,9 +36,10 @@ struct CPDFDocument::State {
     std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
     bool edited = false;             // fields were added, removed or changed in what they are
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
-    bool asked_to_draw = false;       // the form tells viewers to draw its texts anew
-    bool values_changed = false;      // since the widgets were drawn
-    std::vector<CPDFField*> to_draw;  // borrowed; the fields whose widgets show what was before
+    bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
+    bool values_changed = false;                  // since the widgets were drawn
+    std::vector<CPDFField*> to_draw;              // borrowed; the fields whose widgets show what was before
+    std::vector<CPDFAnnotWidget*> drawn_buttons;  // borrowed; those that got states
     std::optional<CPDFRedraw> redraw;
     std::vector<std::string> notes;  // of what could not be drawn
 

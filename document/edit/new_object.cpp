@@ -66,12 +66,11 @@ std::string ref_syntax(const PDF_REF& ref)
     return std::to_string(ref.num) + " " + std::to_string(ref.gen) + " R";
 }
 
-std::string number_syntax(double number)
+std::string number_syntax(double number, int decimals)
 {
-    constexpr int DECIMALS = 3;
     char digits[64];
     const std::to_chars_result end =
-        std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, DECIMALS);
+        std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, decimals);
     std::string text(digits, end.ec == std::errc() ? end.ptr : digits);
     text.erase(text.find_last_not_of('0') + 1);
     if (!text.empty() && text.back() == '.')

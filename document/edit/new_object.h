@@ -12,9 +12,9 @@ PDF_REF new_stream(CPDFXRefTable& xref, const std::string& entries, const std::s
 // Makes `out`, at tag 0, the object that `text` spells.
 void parse_syntax(const std::string& text, CPDFObj& out);
 
-// How a value is spelled: a text in UTF-8 as a text string, bytes as a name, a reference, a number with at most three
+// How a value is spelled: a text in UTF-8 as a text string, bytes as a name, a reference, a number with at most so many
 // decimals.
 std::string string_syntax(const std::string& text);
 std::string name_syntax(const std::string& name);
 std::string ref_syntax(const PDF_REF& ref);
-std::string number_syntax(double number);
+std::string number_syntax(double number, int decimals = 3);

@@ -59,7 +59,7 @@ void CPDFPagePaint::draw(const PDF_REF& xobject, const PDF_MATRIX& at)
         return;
     m_content += "q ";
     for (const double number : at)
-        m_content += number_syntax(number) + ' ';
+        m_content += number_syntax(number, 6) + ' ';
     m_content += "cm /" + name_of(xobject) + " Do Q\n";
 }
 

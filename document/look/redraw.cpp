@@ -11,6 +11,7 @@
 #include "core/text.h"
 #include "core/xref_table.h"
 #include "document/look/shown_value.h"
+#include "document/lookup/field_options.h"
 #include "document/lookup/field_text.h"
 #include "engine/annot_widget.h"
 #include "forms/field.h"
@@ -40,7 +41,8 @@ struct CPDFRedraw::SHARED_PICTURE {
 CPDFRedraw::CPDFRedraw(CPDFXRefTable& xref, const CPDFDictionary* form)
     : m_xref(xref),
       m_fonts(std::make_unique<CPDFFormFonts>(xref)),
-      m_reader(std::make_unique<CPDFWidgetReader>(xref, *m_fonts, form))
+      m_reader(std::make_unique<CPDFWidgetReader>(xref, *m_fonts, form)),
+      m_options(std::make_unique<CPDFOptionIndex>())
 {
 }
 
@@ -59,6 +61,7 @@ size_t CPDFRedraw::draw_missing(const CPDFField& field, const std::vector<PDF_DR
 size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which)
 {
     const VXFailureCheck memory;
+    m_pictures.clear();
     size_t drawn = 0;
     for (const PDF_DRAWN_WIDGET& at : widgets) {
         WIDGET_DESCRIPTION widget;
@@ -68,7 +71,7 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
         if (which == WIDGETS::WITHOUT_APPEARANCE && widget.dictionary.dict->get_item("AP"))
             continue;
         if (has_states(widget.look.kind))
-            draw_states(at, widget);
+            draw_states(field, at, widget);
         else if (widget.look.kind != WIDGET_KIND::PUSH_BUTTON || !widget.dictionary.dict->get_item("AP"))
             draw_one(field, at.ref, widget);
     }
@@ -82,18 +85,18 @@ void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DES
 {
     if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN)
         return;
-    set_shown_value(field, widget);
+    set_shown_value(field, *m_options, widget);
     WIDGET_PICTURE picture = draw_widget(widget.look, WIDGET_STATE::OFF);
     note_missing(field, picture.missing);
     const PDF_REF stream = stored(std::move(picture));
     CPDFObj appearances;
     if (CPDFDictionary* dict = appearances.set_dict())
         dict->set_item_ref("N", stream);
-    store(ref, appearances);
+    store("AP", ref, appearances);
 }
 
 // Adds the states that the widget lacks to the ones it has.
-void CPDFRedraw::draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget)
+void CPDFRedraw::draw_states(const CPDFField& field, const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget)
 {
     CPDFObj appearances;
     resolve_obj(&m_xref, widget.dictionary.dict->get_item("AP"), appearances);
@@ -120,8 +123,14 @@ void CPDFRedraw::draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& wid
         added = true;
     }
     slot->take(normal);
-    if (added)
-        store(at.ref, appearances);
+    if (!added)
+        return;
+    store("AP", at.ref, appearances);
+    if (widget.dictionary.dict->get_item("AS"))
+        return;
+    CPDFObj state;
+    state.set_name(field.m_value.is_name(at.on_state.c_str()) ? at.on_state.c_str() : PDF_STATE_OFF);
+    store("AS", at.ref, state);
 }
 
 PDF_REF CPDFRedraw::stored(WIDGET_PICTURE picture)
@@ -132,13 +141,15 @@ PDF_REF CPDFRedraw::stored(WIDGET_PICTURE picture)
     }
     const PDF_REF ref = store_picture(m_xref, *m_fonts, picture);
     m_failed = m_failed || !ref.num;
-    m_pictures.push_back({std::move(picture), ref});
+    constexpr size_t MOST = 64;  // every picture is compared with them
+    if (m_pictures.size() < MOST)
+        m_pictures.push_back({std::move(picture), ref});
     return ref;
 }
 
-void CPDFRedraw::store(const PDF_REF& ref, const CPDFObj& appearances)
+void CPDFRedraw::store(const char* key, const PDF_REF& ref, const CPDFObj& value)
 {
-    const PDF_ENTRY_CHANGE change[] = {{"AP", &appearances}};
+    const PDF_ENTRY_CHANGE change[] = {{key, &value}};
     if (!m_failed && m_xref.change_entries(ref, change) == PDF_CHANGE_RESULT::NO_MEMORY)
         m_failed = true;
 }
@@ -175,6 +186,7 @@ CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)
 void CPDFRedraw::changes_dropped()
 {
     m_fonts->changes_dropped();
+    m_pictures.clear();
     m_notes.clear();
     m_failed = false;
 }

@@ -11,6 +11,7 @@
 class CPDFDictionary;
 class CPDFField;
 class CPDFFormFonts;
+class CPDFOptionIndex;
 class CPDFWidgetReader;
 struct WIDGET_DESCRIPTION;
 struct WIDGET_PICTURE;
@@ -51,14 +52,15 @@ private:
 
     size_t draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which);
     void draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget);
-    void draw_states(const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget);
+    void draw_states(const CPDFField& field, const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget);
     PDF_REF stored(WIDGET_PICTURE picture);
-    void store(const PDF_REF& ref, const CPDFObj& appearances);
+    void store(const char* key, const PDF_REF& ref, const CPDFObj& value);
     void note_missing(const CPDFField& field, const std::u32string& missing);
 
     CPDFXRefTable& m_xref;  // borrowed from the document
     std::unique_ptr<CPDFFormFonts> m_fonts;
     std::unique_ptr<CPDFWidgetReader> m_reader;
+    std::unique_ptr<CPDFOptionIndex> m_options;
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
     bool m_failed = false;

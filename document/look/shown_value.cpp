@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "core/dictionary.h"
 #include "core/limits.h"
 #include "core/text.h"
+#include "core/xref_table.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/value_text.h"
 #include "forms/field.h"
@@ -21,11 +23,22 @@ std::u32string characters_of(const std::string& utf8)
     return out;
 }
 
+// Whether the field's own dictionary has "V": what is in memory may be the default.
+bool has_value(const CPDFField& field)
+{
+    if (field.m_value.type == PDF_OBJ_NULL || field.m_def_value.type == PDF_OBJ_NULL)
+        return field.m_value.type != PDF_OBJ_NULL;
+    constexpr CPDFKeySet KEYS{"V"};
+    CPDFObj own;
+    field.m_xref->get_entity(own, field.m_ref, &KEYS);
+    return own.dictionary() && own.dict->get_item("V");
+}
+
 // The value of the field, or of the nearest one above it of its kind that has one.
 const CPDFObj* value_of(const CPDFField& field)
 {
-    const CPDFField* holder = nearest_field(
-        field, [&field](const CPDFField& at) { return at.m_value.type != PDF_OBJ_NULL || at.m_type != field.m_type; });
+    const CPDFField* holder =
+        nearest_field(field, [&field](const CPDFField& at) { return at.m_type != field.m_type || has_value(at); });
     return holder && holder->m_type == field.m_type ? &holder->m_value : nullptr;
 }
 
@@ -48,7 +61,8 @@ std::string option_text(const CPDFFieldOptions& options, int32_t index)
     return text.empty() ? options.value(index) : text;
 }
 
-void set_rows(const CPDFField& field, const std::vector<std::string>& texts, WIDGET_DESCRIPTION& widget)
+void set_rows(const CPDFField& field, const std::vector<std::string>& texts, CPDFOptionIndex& index,
+              WIDGET_DESCRIPTION& widget)
 {
     WIDGET_LOOK& look = widget.look;
     const CPDFFieldOptions options(field);
@@ -57,7 +71,7 @@ void set_rows(const CPDFField& field, const std::vector<std::string>& texts, WID
     for (int32_t i = top; i < last; ++i)
         look.rows.push_back(characters_of(option_text(options, i)));
     for (const std::string& text : texts) {
-        const int32_t option = options.find(text);
+        const int32_t option = index.find(options, text);
         if (option >= top && option < last)
             look.selected.push_back(static_cast<size_t>(option - top));
     }
@@ -65,19 +79,19 @@ void set_rows(const CPDFField& field, const std::vector<std::string>& texts, WID
 
 }  // namespace
 
-void set_shown_value(const CPDFField& field, WIDGET_DESCRIPTION& widget)
+void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, WIDGET_DESCRIPTION& widget)
 {
     WIDGET_LOOK& look = widget.look;
     if (look.kind == WIDGET_KIND::PUSH_BUTTON)
         return;
     const std::vector<std::string> texts = texts_of(field);
     if (look.kind == WIDGET_KIND::LIST_BOX) {
-        set_rows(field, texts, widget);
+        set_rows(field, texts, index, widget);
         return;
     }
     if (texts.empty())
         return;
     const CPDFFieldOptions options(field);
-    const int32_t option = look.kind == WIDGET_KIND::COMBO_BOX ? options.find(texts.front()) : -1;
+    const int32_t option = look.kind == WIDGET_KIND::COMBO_BOX ? index.find(options, texts.front()) : -1;
     look.text = characters_of(option >= 0 ? option_text(options, option) : texts.front());
 }

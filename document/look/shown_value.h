@@ -3,6 +3,8 @@
 
 #include "appearance/widget_reader.h"
 
+class CPDFOptionIndex;
+
 // Sets text, rows and selection of the widget's look: the text of a field, the text shown for the option that a combo box
-// has, the options of a list box.
-void set_shown_value(const CPDFField& field, WIDGET_DESCRIPTION& widget);
+// has, the rows of a list box. `index` finds options of one field after the other.
+void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, WIDGET_DESCRIPTION& widget);

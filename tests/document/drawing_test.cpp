@@ -107,6 +107,10 @@ TEST(DrawingTest, ButtonsGetTheStatesTheyLack)
     EXPECT_NE(shown(again, 21, "1"), "-");
     ASSERT_TRUE(again.set("radio", "Yes").ok());
     EXPECT_EQ(again.entry(20, "AS") + again.entry(21, "AS"), "/Yes/Off");
+    d.f.document.revert();
+    ASSERT_TRUE(d.f.set("check", true).ok());
+    FormAtWork second = d.saved();
+    EXPECT_NE(shown(second, 10, "Yes"), "-") << "the next copy of a template has pictures, too";
 }
 
 TEST(DrawingTest, TheRequestToViewersGoesOnceAllIsDrawn)
@@ -156,7 +160,7 @@ TEST(DrawingTest, WhatNoFontHasIsTold)
 
 TEST(FlattenTest, WidgetsBecomeContent)
 {
-    Drawn d({"<</FT/Tx/T(f)/Subtype/Widget/Rect[10 10 110 30]>>",
+    Drawn d({"<</FT/Tx/T(f)/DV(default)/Subtype/Widget/Rect[10 10 110 30]>>",
              "<</FT/Tx/T(hidden)/F 2/Subtype/Widget/Rect[10 40 110 60]/AP<</N 23 0 R>>>>"},
             "/Subtype/Link/Rect[0 0 5 5];/Subtype/Widget/Rect[0 0 9 9]");
     ASSERT_TRUE(d.f.set("f", "flat").ok());
