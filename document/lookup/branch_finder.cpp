@@ -153,7 +153,7 @@ CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
     }
     for_each_field(*above, [this](CPDFField& field) { m_found.emplace(field.m_ref.num, &field); });
     m_tops.push_back(top.get());
-    top.release();
+    static_cast<void>(top.release());
     return above;
 }
 
