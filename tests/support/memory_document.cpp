@@ -134,6 +134,7 @@ MemoryStream::MemoryStream(std::string data, int32_t data_len) : m_data(std::mov
 
 int MemoryStream::read_data(void* buf, int size)
 {
+    const TestOnly test_only;
     reads.push_back(size);
     const size_t got = m_data.copy(static_cast<char*>(buf), static_cast<size_t>(size), m_at);
     m_at += got;
