@@ -57,6 +57,13 @@ NUMBER_SPAN span_number(std::string_view text, std::string_view points)
     return span;
 }
 
+// Whether all of `text` has the form of a number, whatever its size.
+bool is_spelled_number(std::string_view text)
+{
+    const NUMBER_SPAN span = span_number(text, ".,");
+    return span.digits > 0 && skip_exponent(text, span.end) == text.size();
+}
+
 // Reads what the standard library reads, which is no sign, and a point.
 std::optional<double> read_plain(const std::string& text)
 {
@@ -139,8 +146,7 @@ std::string fixed_digits(double value, int decimals)
 std::optional<double> read_number(std::string_view text)
 {
     text = trimmed(text);
-    const NUMBER_SPAN span = span_number(text, ".,");
-    if (span.digits == 0 || skip_exponent(text, span.end) != text.size())
+    if (!is_spelled_number(text))
         return std::nullopt;
     std::string plain(text.substr(skip_sign(text, 0)));
     std::replace(plain.begin(), plain.end(), ',', '.');
@@ -162,16 +168,17 @@ std::vector<std::string> extract_numbers(std::string_view text)
 
 std::optional<double> make_number(std::string_view text)
 {
-    if (const std::optional<double> whole = read_number(text))
-        return whole;
+    if (is_spelled_number(trimmed(text)))
+        return read_number(text);
     const DIGIT_RUNS runs = digit_runs(text);
-    if (runs.digits.empty() || (runs.digits.size() > 2 && !has_thousands(runs)))
+    const size_t count = runs.digits.size();
+    if (count == 0 || (count > 2 && !has_thousands(runs)))
         return std::nullopt;
     std::string plain;
-    for (const std::string_view digits : runs.digits) {
-        if (runs.digits.size() > 1 && &digits == &runs.digits.back())
+    for (size_t i = 0; i < count; ++i) {
+        if (i > 0 && i + 1 == count)
             plain += '.';
-        plain += digits;
+        plain += runs.digits[i];
     }
     const std::optional<double> value = read_plain(plain);
     const bool negative = text.substr(0, text.find_first_of("0123456789")).find('-') != std::string_view::npos;
