@@ -54,6 +54,9 @@ constexpr size_t LIMIT_PARSE_WORK_RATIO = 32;
 constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{512} << 20;
 constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 64;
 
+// How often the calculations of a form run until nothing changes: fields that are calculated from each other may never end.
+constexpr int LIMIT_CALCULATION_ROUNDS = 10;
+
 // Actions that one event starts, counting those of "Next", how many of them follow one another, and the bytes read of a
 // script that is kept in a stream.
 constexpr int LIMIT_ACTIONS = 1000;

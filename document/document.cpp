@@ -37,6 +37,7 @@ void CPDFDocument::renew_state()
 {
     auto state = std::make_unique<State>();
     state->drawing = m_state->drawing;
+    state->scripts = m_state->scripts;
     m_state = std::move(state);
 }
 
@@ -156,6 +157,8 @@ void CPDFDocument::State::forget_fields()
     filled.clear();
     to_draw.clear();
     drawn_buttons.clear();
+    computer.reset();
+    calculation_order.reset();
     redraw.reset();
     branches.emplace();
     page_map.reset();
@@ -267,6 +270,8 @@ void CPDFDocument::revert()
     state.asked_to_draw = state.values_changed = false;
     state.to_draw.clear();
     state.notes.clear();
+    state.calculation_notes.clear();
+    state.to_calculate = false;
     if (state.redraw)
         state.redraw->changes_dropped();
     if (std::exchange(state.edited, false)) {

@@ -68,6 +68,7 @@ CPDFRedraw& CPDFDocument::State::painter()
         const CPDFEntryView entry(xref.get(), form_entry());
         redraw.emplace(*xref, entry->dictionary());
     }
+    redraw->format_with(compute());
     return *redraw;
 }
 
@@ -88,8 +89,8 @@ std::vector<PDF_DRAWN_WIDGET> CPDFDocument::State::widgets_to_draw(CPDFField& fi
 
 CPDFStatus CPDFDocument::State::draw()
 {
-    if (!values_changed)
-        return {};
+    if (CPDFStatus status = to_calculate ? calculate(nullptr) : CPDFStatus(); !status.ok() || !values_changed)
+        return status;
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
     std::unordered_set<const CPDFField*> drawn;

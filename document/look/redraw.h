@@ -10,6 +10,7 @@
 
 class CPDFDictionary;
 class CPDFField;
+class CPDFFormCompute;
 class CPDFFormFonts;
 class CPDFOptionIndex;
 class CPDFWidgetReader;
@@ -31,6 +32,9 @@ public:
     ~CPDFRedraw();
     CPDFRedraw(const CPDFRedraw&) = delete;
     CPDFRedraw& operator=(const CPDFRedraw&) = delete;
+
+    // What formats texts from now on, borrowed; null, as at first, leaves them as they are.
+    void format_with(CPDFFormCompute* compute) { m_compute = compute; }
 
     // Draws the widgets of `field`, which has its value itself. Buttons get what they lack for their states, and keep what
     // they have. Returns how many of `widgets` could be drawn; those without a rectangle can't. What can't be shown is noted.
@@ -63,5 +67,6 @@ private:
     std::unique_ptr<CPDFOptionIndex> m_options;
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
+    CPDFFormCompute* m_compute = nullptr;  // borrowed
     bool m_failed = false;
 };
