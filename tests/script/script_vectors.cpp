@@ -115,7 +115,7 @@ bool run(const json& vector)
 }  // namespace
 
 int main(int argc, char** argv)
-{
+try {
     std::ifstream file(argc == 2 ? argv[1] : "");
     if (!file) {
         std::puts("script_vectors FILE: there is no such file");
@@ -127,4 +127,7 @@ int main(int argc, char** argv)
         ++(run(vector) ? passed : failed);
     std::printf("%d passed, %d failed\n", passed, failed);
     return failed != 0;
+} catch (const std::exception& fault) {
+    std::fprintf(stderr, "script_vectors: %s\n", fault.what());
+    return 1;
 }
