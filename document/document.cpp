@@ -117,7 +117,10 @@ CPDFWidgetBinder& CPDFDocument::State::bound_widgets()
         const VXFailureCheck memory;
         loaded_form();
         const CPDFReadAllowance allowance(reader->budget());
+        unbind_widgets();  // what was bound when memory ran out
         widgets.bind(*xref, form, pages());
+        if (memory.failed())
+            unbind_widgets();
         need_memory(memory);
     }
     return widgets;
@@ -148,10 +151,15 @@ const CPDFSignatureGuard& CPDFDocument::State::signatures()
     return *guard;
 }
 
-void CPDFDocument::State::forget_fields()
+void CPDFDocument::State::unbind_widgets()
 {
     for_each_field(form, [](CPDFField& field) { field.m_widget = nullptr; });
     widgets.clear();
+}
+
+void CPDFDocument::State::forget_fields()
+{
+    unbind_widgets();
     names.clear();
     filled.clear();
     to_draw.clear();
@@ -169,7 +177,10 @@ bool CPDFDocument::has_form() const
 
 bool CPDFDocument::has_xfa()
 {
-    return m_state->has_xfa();
+    const VXFailureCheck memory;
+    const bool found = m_state->has_xfa();
+    need_memory(memory);
+    return found;
 }
 
 CPDFAcroForm& CPDFDocument::form()
@@ -221,8 +232,9 @@ CPDFField* CPDFDocument::field(std::string_view name)
         found = state.branches->find(*state.xref, state.form_entry(), name);
     if (!found)
         found = state.names.find(state.loaded_form(), name);
-    if (!found)
-        need_memory(memory);
+    if (memory.failed())
+        state.names.clear();
+    need_memory(memory);
     return found;
 }
 
@@ -233,7 +245,10 @@ std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& fiel
 
 std::vector<PDF_BUTTON_CHOICE> CPDFDocument::choices_of(const CPDFField& field)
 {
-    return button_choices(field, m_state->bound_widgets());
+    const VXFailureCheck memory;
+    std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, m_state->bound_widgets());
+    need_memory(memory);
+    return choices;
 }
 
 CPDFReadAllowance CPDFDocument::reading()
@@ -245,6 +260,7 @@ CPDFReadAllowance CPDFDocument::reading()
 void CPDFDocument::revert()
 {
     State& state = *m_state;
+    const VXFailureCheck memory;
     const CPDFReadAllowance allowance(state.reader->budget());
     state.xref->discard_changes();
     state.asked_to_draw = state.values_changed = false;
@@ -258,6 +274,7 @@ void CPDFDocument::revert()
         state.form.unload();
         state.form.m_ref = {0, 0};
         state.read_root();
+        need_memory(memory);
         state.loaded_form();
         return;
     }
@@ -268,6 +285,7 @@ void CPDFDocument::revert()
     for (CPDFField* field : state.filled)
         for_each_field(*field, [](CPDFField& at) { at.reload_value(); });
     state.filled.clear();
+    need_memory(memory);
 }
 
 CPDFStatus CPDFDocument::State::make_update(std::string& update)

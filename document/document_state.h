@@ -59,6 +59,7 @@ struct CPDFDocument::State {
     // Refuses a form of which something was left unread.
     CPDFStatus load_whole_form();
 
+    void unbind_widgets();
     void forget_fields();
 
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
@@ -95,12 +96,16 @@ inline CPDFStatus no_memory_to(const char* what)
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
 }
 
-// Runs an operation of the front class: where memory runs out it says so, and no exception gets out.
+// Runs an operation of the front class: where memory runs out it says so, whatever the operation made of it, and no
+// exception gets out.
 template <typename Operation>
 CPDFStatus within_memory(const char* what, const Operation& operation)
 {
+    const VXFailureCheck memory;
     try {
-        return operation();
+        CPDFStatus status = operation();
+        need_memory(memory);
+        return status;
     } catch (const std::bad_alloc&) {
         return no_memory_to(what);
     }
