@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 
@@ -113,10 +114,8 @@ private:
 // A link is followed, so that the file it names is replaced and not the link.
 std::string real_target(const std::string& path)
 {
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    std::string target = resolved ? resolved : path;
-    std::free(resolved);  // NOLINT(cppcoreguidelines-no-malloc): realpath allocates so
-    return target;
+    char resolved[PATH_MAX];
+    return ::realpath(path.c_str(), resolved) ? resolved : path;
 }
 
 }  // namespace
