@@ -47,6 +47,7 @@ void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input)
 
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
 {
+    need_memory();
     CPDFStatus status;
     if (arguments.output.text != STANDARD_OUTPUT) {
         status = document.save(arguments.in_place ? input.path.text : arguments.output.text);
@@ -61,6 +62,7 @@ CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const
 
 CPDFStatus save_text(std::string_view text, const std::string& path)
 {
+    need_memory();
     if (!path.empty() && path != STANDARD_OUTPUT)
         return write_file(path, {text, -1}, {});
     put(text);

@@ -4,9 +4,26 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
+#include "core/alloc.h"
 #include "document/lookup/field_text.h"
 #include "tools/terminal_text.h"
+
+namespace {
+thread_local uint64_t t_failures_before = 0;
+}
+
+void start_memory()
+{
+    t_failures_before = vx_failures();
+}
+
+void need_memory()
+{
+    if (vx_failures() != t_failures_before)
+        throw std::bad_alloc();
+}
 
 bool lexical_cast(const std::string& input, COMMAND_WORD& output)
 {
@@ -42,6 +59,7 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
 
 void complain(std::string_view file, std::string_view sentence)
 {
+    need_memory();
     const std::string line = "formwork: " + printable(file) + ": " + printable(sentence) + "\n";
     std::fflush(stdout);
     std::fwrite(line.data(), 1, line.size(), stderr);
@@ -57,6 +75,7 @@ int end_with(const CPDFStatus& status, std::string_view file)
 
 int complain_usage(std::string_view sentence)
 {
+    need_memory();
     const std::string line = "formwork: " + printable(sentence) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     return COMMAND_USAGE;
@@ -64,11 +83,13 @@ int complain_usage(std::string_view sentence)
 
 void put(std::string_view text)
 {
+    need_memory();
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 int put_done()
 {
+    need_memory();
     errno = 0;
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))
         return COMMAND_DONE;

@@ -61,6 +61,12 @@ bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD 
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);
 
+// Whoever meets the end of memory goes on with what it has, and takes what it could not read for absent. From then on
+// nothing of it is told, written or called done: what follows here and saves throws std::bad_alloc, and the command says
+// why. It counts from start_memory, or the start of the thread.
+void start_memory();
+void need_memory();
+
 // Writes "formwork: FILE: sentence", a line on standard error.
 void complain(std::string_view file, std::string_view sentence);
 

@@ -26,6 +26,7 @@ public:
         while (m_rows.take(m_document, row)) {
             std::string report;
             CPDFStatus status = row.status.ok() ? fill_row(row, report) : row.status;
+            need_memory();
             m_output.done(row.number, std::move(status), std::move(report));
         }
     }
@@ -45,6 +46,7 @@ private:
             written = m_document.reset_xfa();
         if (written.ok() && is_written && m_arguments.flatten)
             written = m_document.flatten(m_arguments.edit());
+        need_memory();
         if (written.ok() && is_written)
             written = m_document.save(row.output);
         if (is_written)
