@@ -2,8 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 
+#include "document/lookup/field_text.h"
+#include "file/output_file.h"
 #include "tools/verb.h"
 
 namespace {
@@ -34,7 +37,7 @@ int usage_error(const CLI::App& app, const std::vector<std::string>& words, cons
     const auto chosen = app.get_subcommands();
     if (chosen.empty()) {
         const bool named = !words.empty() && words.back()[0] != '-';
-        sentence = named ? "there is no verb \"" + words.back() + "\"" : "a verb is required";
+        sentence = named ? "there is no verb " + in_quotes(words.back()) : "a verb is required";
     }
     const std::string verb = chosen.empty() ? "" : chosen.front()->get_name() + " ";
     return complain_usage(sentence + " (`formwork " + verb + "--help` tells more)");
@@ -71,10 +74,27 @@ int run(int argc, char** argv)
     return action();
 }
 
+// Takes away what a signal would leave and lets it end the program.
+extern "C" void clean_up(int number)
+{
+    remove_partial_outputs();
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
+void clean_up_at_signals()
+{
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        if (std::signal(number, clean_up) == SIG_IGN)
+            std::signal(number, SIG_IGN);  // as nohup has it
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    clean_up_at_signals();
     try {
         return run(argc, argv);
     } catch (...) {  // nothing but memory runs out here
