@@ -30,10 +30,11 @@ size_t field_count(CPDFAcroForm& form)
 
 }  // namespace
 
-CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load)
+CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load, std::string_view password)
 {
     const VXFailureCheck memory;
-    const CPDFStatus status = m_state->load(load);
+    m_state->password = password;
+    const CPDFStatus status = m_state->load(load, password);
     const CPDFFileReader& reader = *m_state->reader;
     const bool unreadable = status.code == PDF_CODE::DAMAGED || status.code == PDF_CODE::NO_CATALOG;
     if (m_state->rescue == PDF_RESCUE::OFF || !(unreadable || (status.ok() && reader.damage() != PDF_DAMAGE::NONE)))
@@ -60,10 +61,11 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
     auto repaired = std::make_unique<State>();
     repaired->drawing = m_state->drawing;
     repaired->rescue = PDF_RESCUE::OFF;
-    CPDFStatus status = rescue_file(m_state->bytes.data(), m_state->bytes.size(), {}, repaired->bytes);
+    repaired->password = m_state->password;
+    CPDFStatus status = rescue_file(m_state->bytes.data(), m_state->bytes.size(), m_state->password, repaired->bytes);
     if (!status.ok())
         return status;
-    if (status = repaired->load(load); !status.ok()) {
+    if (status = repaired->load(load, repaired->password); !status.ok()) {
         status.text = "its repaired copy can't be used: " + status.text;
         return status;
     }

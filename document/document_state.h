@@ -37,6 +37,7 @@ struct CPDFDocument::State {
     bool edited = false;                     // fields were added, removed or changed in what they are
     PDF_RESCUE rescue = PDF_RESCUE::REPAIR;  // OFF, too, when it was tried
     std::string rescue_note;
+    std::string password;  // that the file was opened with
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn
@@ -45,7 +46,7 @@ struct CPDFDocument::State {
     std::optional<CPDFRedraw> redraw;
     std::vector<std::string> notes;  // of what could not be drawn
 
-    CPDFStatus load(PDF_LOAD load);
+    CPDFStatus load(PDF_LOAD load, std::string_view password);
     CPDFStatus find_root();
     void read_root();
     const CPDFObj* form_entry() const;
@@ -60,6 +61,9 @@ struct CPDFDocument::State {
 
     // Refuses a form of which something was left unread.
     CPDFStatus load_whole_form();
+
+    // Refuses where `permitted` is not.
+    static CPDFStatus check_permission(bool permitted);
 
     void forget_fields();
 

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "file/descriptor.h"
 
@@ -62,10 +63,10 @@ bool write_special(const std::string& path, const PDF_OUTPUT_INPUT& input, std::
 std::array<std::atomic<char*>, 256> partial_names;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
 // A name beside the target, noted for remove_partial_outputs while this lives. It is the same for every output to that
-// target, so that the next one takes away what a killed program left.
+// target, so that the next one takes away what a killed program left there.
 class PartialName {
 public:
-    explicit PartialName(const std::string& target) : m_name(target + ".formwork-part")
+    explicit PartialName(std::string path) : m_name(std::move(path))
     {
         char* name = ::strdup(m_name.c_str());
         for (std::atomic<char*>& slot : partial_names) {
@@ -118,7 +119,8 @@ bool rename_to(const char* partial, const std::string& target)
 }
 
 // Gives the whole file without a name the name of the target. A name can't be given over an existing file, so it gets
-// another one before; when somebody else writes to the same target, that may go at any time.
+// another one before. A file that has that already is whole, too, of a killed program or of somebody who writes to the same
+// target at this moment, and goes to the target first; its writer finds the work done.
 bool name_file(int fd, const std::string& target)
 {
     constexpr int ATTEMPTS = 100;
@@ -128,18 +130,16 @@ bool name_file(int fd, const std::string& target)
     };
     if (link(target.c_str()))
         return true;
-    if (errno != EEXIST)
-        return false;
-    const PartialName partial(target);
-    for (int i = 0; i < ATTEMPTS; ++i) {
-        if (link(partial.c_str())) {
-            if (rename_to(partial.c_str(), target))
-                return true;
-            if (errno != ENOENT)
-                return false;
-        } else if (errno != EEXIST || (::unlink(partial.c_str()) != 0 && errno != ENOENT)) {
+    const PartialName whole(target + ".formwork-new");
+    for (int i = 0; i < ATTEMPTS && errno == EEXIST; ++i) {
+        const bool linked = link(whole.c_str());
+        if (!linked && errno != EEXIST)
             return false;
-        }
+        if (!rename_to(whole.c_str(), target) && errno != ENOENT)
+            return false;
+        if (linked)
+            return true;
+        errno = EEXIST;
     }
     return false;
 }
@@ -148,7 +148,7 @@ bool name_file(int fd, const std::string& target)
 // one without was left by a killed program.
 bool write_named(const std::string& target, const PDF_OUTPUT_INPUT& input, std::string_view update)
 {
-    const PartialName partial(target);
+    const PartialName partial(target + ".formwork-part");
     const CPDFDescriptor file(::open(partial.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (file.get() < 0)
         return false;

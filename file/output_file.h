@@ -15,8 +15,8 @@ struct PDF_OUTPUT_INPUT {
 
 // Writes `input` and `update` one behind the other to a file without a name, flushes it to disk and gives it the name
 // `path`. After a failure the file at `path` is as it was and nothing else is left. For a moment, where there is a file to
-// replace, and from the start, on file systems without unnamed files, the new one is called `path` with ".formwork-part"
-// behind it; what a killed program left under that name is overwritten by the next output to `path`. A link is followed; a device
+// replace, the new one is called `path` with ".formwork-new" behind it, and on file systems without unnamed files from the
+// start with ".formwork-part"; the next output to `path` takes away what a killed program left under that name. A link is followed; a device
 // or a pipe is written to as it is.
 CPDFStatus write_file(const std::string& path, const PDF_OUTPUT_INPUT& input, std::string_view update);
 

@@ -28,7 +28,7 @@ static void note_rescue(const CPDFDocument& document, const COMMAND_INPUT& input
 
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
 {
-    const CPDFStatus status = document.open(input.path.text, load);
+    const CPDFStatus status = document.open(input.path.text, load, input.password.text);
     if (!status.ok())
         complain(input.path.text, status.text);
     else
@@ -42,6 +42,14 @@ bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input)
     if (mended)
         note_rescue(document, input);
     return mended;
+}
+
+bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    if (document.permits_filling())
+        return true;
+    complain(input.path.text, "the file is encrypted, and its permissions forbid to fill the form; --force does it");
+    return false;
 }
 
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,

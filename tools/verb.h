@@ -60,6 +60,9 @@ bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD 
 // Takes the repaired copy of a file that showed damage after it was opened, see CPDFDocument::mend, and says so.
 bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input);
 
+// Complains and returns false where the permissions of an encrypted file forbid to fill its form.
+bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
+
 // Finds the fields with these full names. Complains about every name that no field has, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);

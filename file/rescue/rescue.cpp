@@ -133,7 +133,14 @@ bool write_all(int fd, const unsigned char* data, size_t size)
 {
     leave_program();
     bound_work(file.size());
-    const qpdf_data job = qpdf.qpdf_init();
+    qpdf_data job = nullptr;
+    const auto read = [&](const char* with) {
+        job = qpdf.qpdf_init();
+        qpdf.qpdf_silence_errors(job);
+        qpdf.qpdf_set_suppress_warnings(job, QPDF_TRUE);
+        qpdf.qpdf_set_attempt_recovery(job, QPDF_TRUE);
+        return qpdf.qpdf_read_memory(job, "the file", file.data(), file.size(), with);
+    };
     const auto need = [&](QPDF_ERROR_CODE code) {
         if (!(code & QPDF_ERRORS))
             return;
@@ -142,10 +149,11 @@ bool write_all(int fd, const unsigned char* data, size_t size)
         outcome.end_with(locked ? RESCUE_END::ENCRYPTED : RESCUE_END::REFUSED,
                          qpdf.qpdf_get_error_message_detail(job, error));
     };
-    qpdf.qpdf_silence_errors(job);
-    qpdf.qpdf_set_suppress_warnings(job, QPDF_TRUE);
-    qpdf.qpdf_set_attempt_recovery(job, QPDF_TRUE);
-    need(qpdf.qpdf_read_memory(job, "the file", file.data(), file.size(), password));
+    // As for sound files, the empty password goes first.
+    QPDF_ERROR_CODE code = read("");
+    if ((code & QPDF_ERRORS) && *password)
+        code = read(password);
+    need(code);
     need(qpdf.qpdf_init_write_memory(job));
     qpdf.qpdf_set_stream_data_mode(job, qpdf_s_preserve);
     qpdf.qpdf_set_decode_level(job, qpdf_dl_none);

@@ -9,7 +9,7 @@
 #include "file/status.h"
 
 // Makes `out`, which is new, a clean copy of the damaged file: a sound cross-reference section, the objects that can be
-// reached from the trailer, their streams as they were. An encrypted file stays so; `password` opens it, if need be. qpdf
+// reached from the trailer, their streams as they were. An encrypted file stays so; the empty password or `password` opens it. qpdf
 // works in a process of its own with bounds on its time and memory, which grow with the file. The status of a failure
 // is DAMAGED, ENCRYPTED where the password is wrong, or IO where there is no room for the copy; its text, the end of a sentence,
 // says why the file can't be repaired. Any thread may call; the program's child processes are left alone.

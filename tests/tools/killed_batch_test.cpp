@@ -66,7 +66,7 @@ TEST(KilledBatchTest, OutputsAreWholeAndNothingElseIsLeft)
             }
             EXPECT_EQ(run_batch(data, out, number, ROWS / 2 + more), number);
             for (const std::string& name : names_in(out)) {
-                const std::string named = name.substr(0, name.find(".formwork-part"));
+                const std::string named = name.substr(0, name.find(".formwork-new"));
                 EXPECT_TRUE(outputs.contains(number == SIGKILL ? named : name)) << name;
                 EXPECT_TRUE(read_text_file(out + "/" + name).ends_with(OLD)) << name;
             }

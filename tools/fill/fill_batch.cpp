@@ -104,14 +104,17 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     BatchRows rows(has_output ? &pattern : nullptr);
     std::vector<std::unique_ptr<CPDFDocument>> documents;
     documents.push_back(std::make_unique<CPDFDocument>());
-    if (!open_document(*documents.front(), arguments.input) || !rows.open(arguments.batch.text) ||
+    if (!open_document(*documents.front(), arguments.input) ||
+        !(arguments.force || may_fill(*documents.front(), arguments.input)) || !rows.open(arguments.batch.text) ||
         !rows.check_columns(*documents.front()) || !has_folder(pattern.fixed_folder()))
         return COMMAND_REFUSED;
     rows.protect(arguments.input.path.text);
     rows.protect(arguments.batch.text);
     while (documents.size() < std::min(static_cast<size_t>(arguments.job_count), rows.count())) {
         documents.push_back(std::make_unique<CPDFDocument>());
-        if (const CPDFStatus status = documents.back()->open(arguments.input.path.text); !status.ok())
+        if (const CPDFStatus status =
+                documents.back()->open(arguments.input.path.text, PDF_LOAD::WHOLE_FORM, arguments.input.password.text);
+            !status.ok())
             return end_with(status, arguments.input.path.text);
     }
     for (const auto& document : documents)
