@@ -74,7 +74,7 @@ public:
     // people; empty where nothing was. The copy is what data() gives and what save writes before the changes.
     const std::string& rescue_note() const;
 
-    // Takes the repaired copy, unless it has fewer fields, where something broken was noticed since the file was opened:
+    // Takes the repaired copy, if it has more of the form, where something broken was noticed since the file was opened:
     // by field() of a document opened for named fields, or in the pages. True when it did; changes are dropped then and
     // all fields end, so that the work is to be done again. Costs nothing where nothing is broken, and a copy is made
     // once at most.

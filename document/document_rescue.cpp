@@ -21,11 +21,14 @@ std::string sentence_of(const CPDFFileReader& reader)
     return {};
 }
 
-size_t field_count(CPDFAcroForm& form)
+// How much of a form was read: more of it where nothing is broken.
+int64_t parts_of(CPDFAcroForm& form, const CPDFPageMap& pages)
 {
-    size_t count = 0;
-    for_each_field(form, [&count](const CPDFField&) { ++count; });
-    return count;
+    int64_t parts = pages.page_count() + static_cast<int64_t>(pages.annotations().size());
+    for_each_field(form, [&parts](const CPDFField& field) {
+        parts += 1 + (field.m_value.type != PDF_OBJ_NULL) + field.m_opt_cnt + field.m_widget_cnt;
+    });
+    return parts;
 }
 
 }  // namespace
@@ -36,7 +39,9 @@ CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load, std::string_view password
     m_state->password = password;
     const CPDFStatus status = m_state->load(load, password);
     const CPDFFileReader& reader = *m_state->reader;
-    const bool unreadable = status.code == PDF_CODE::DAMAGED || status.code == PDF_CODE::NO_CATALOG;
+    // What says how the file is encrypted can be broken, too.
+    const bool locked = status.code == PDF_CODE::ENCRYPTED && reader.damage() != PDF_DAMAGE::NONE;
+    const bool unreadable = locked || status.code == PDF_CODE::DAMAGED || status.code == PDF_CODE::NO_CATALOG;
     if (m_state->rescue == PDF_RESCUE::OFF || !(unreadable || (status.ok() && reader.damage() != PDF_DAMAGE::NONE)))
         return status;
     need_memory(memory);
@@ -48,7 +53,7 @@ CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load, std::string_view password
         return {};
     const std::string sentence = damage + "; " + repaired.text;
     // Of a form that lacks a part the rest is worth having.
-    const bool lost = load == PDF_LOAD::WHOLE_FORM && m_state->form_entry() && field_count(m_state->form) == 0;
+    const bool lost = load == PDF_LOAD::WHOLE_FORM && m_state->form_entry() && parts_of(m_state->form, {}) == 0;
     if (!status.ok() || lost)
         return CPDFStatus::failed(status.ok() ? PDF_CODE::DAMAGED : status.code, sentence);
     m_state->rescue_note = sentence;
@@ -69,9 +74,10 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
         status.text = "its repaired copy can't be used: " + status.text;
         return status;
     }
-    // What was read around the damage can be more than what qpdf finds.
-    if (m_state->root.dictionary() && field_count(repaired->loaded_form()) < field_count(m_state->loaded_form()))
-        return CPDFStatus::failed(PDF_CODE::DAMAGED, "its repaired copy has fewer fields");
+    // Where qpdf finds no more than what was read around the damage, the file stays what it is.
+    if (m_state->root.dictionary() &&
+        parts_of(repaired->loaded_form(), repaired->pages()) <= parts_of(m_state->loaded_form(), m_state->pages()))
+        return CPDFStatus::failed(PDF_CODE::DAMAGED, "its repaired copy has no more of the form");
     repaired->rescue_note = damage + "; its repaired copy is used";
     if (has_signature(m_state->bytes.data(), m_state->bytes.size(), *repaired->xref, *repaired->root.dict))
         repaired->rescue_note += ", in which the signatures are no longer valid";

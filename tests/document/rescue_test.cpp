@@ -107,6 +107,15 @@ TEST(RescueTest, WhatCannotBeRepairedIsRefusedOrLeftAsItIs)
     lost.replace(lost.find("3 0 obj"), 7, "X X XXX");
     CPDFDocument without_form;
     EXPECT_EQ(without_form.open(bytes_of(lost)).code, PDF_CODE::DAMAGED);
+    // One field is lost; the file stays as it is, with the other one.
+    std::string one_left = form;
+    one_left.replace(one_left.find("11 0 obj"), 8, "XX X XXX");
+    CPDFDocument left;
+    ASSERT_TRUE(left.open(bytes_of(one_left)).ok());
+    EXPECT_EQ(left.rescue_note(),
+              "the file is damaged: object 11 can't be read; its repaired copy has no more of the form");
+    EXPECT_EQ(std::string(left.data(), left.data() + left.size()), one_left);
+    EXPECT_EQ(values_of(left).size(), 1u);
     for (const PDF_RESCUE rescue : {PDF_RESCUE::OFF, PDF_RESCUE::REPAIR}) {
         CPDFDocument document;
         document.set_rescue(rescue);
