@@ -20,7 +20,7 @@ CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load, std::strin
     return within_memory("open the file", [&] {
         renew_state();
         CPDFStatus status = m_state->bytes.open(path);
-        return status.ok() ? m_state->load(load, password) : status;
+        return status.ok() ? load_or_rescue(load, password) : status;
     });
 }
 
@@ -29,7 +29,7 @@ CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load, std::st
     return within_memory("open the file", [&] {
         renew_state();
         m_state->bytes.take(std::move(bytes));
-        return m_state->load(load, password);
+        return load_or_rescue(load, password);
     });
 }
 
@@ -37,6 +37,7 @@ void CPDFDocument::renew_state()
 {
     auto state = std::make_unique<State>();
     state->drawing = m_state->drawing;
+    state->rescue = m_rescue;
     m_state = std::move(state);
 }
 

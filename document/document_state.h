@@ -33,8 +33,11 @@ struct CPDFDocument::State {
     std::optional<CPDFBranchFinder> branches{std::in_place};
     CPDFNameIndex names;
     std::optional<CPDFSignatureGuard> guard;
-    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
-    bool edited = false;             // fields were added, removed or changed in what they are
+    std::vector<CPDFField*> filled;          // borrowed; the fields that were changed
+    bool edited = false;                     // fields were added, removed or changed in what they are
+    PDF_RESCUE rescue = PDF_RESCUE::REPAIR;  // OFF, too, when it was tried
+    std::string rescue_note;
+    std::string password;  // that the file was opened with
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn

@@ -38,10 +38,18 @@ CPDFObjectReader::~CPDFObjectReader() = default;
 void CPDFObjectReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                                    const CPDFKeySet* keys)
 {
-    if (entry.type == PDF_XREF_IN_FILE)
-        parse_object_at(xref, out, entry.index, num, keys);
-    else if (entry.type == PDF_XREF_IN_STREAM)
+    if (entry.type == PDF_XREF_IN_STREAM)
         read_from_stream(xref, out, num, entry, keys);
+    else if (entry.type == PDF_XREF_IN_FILE && !parse_object_at(xref, out, entry.index, num, keys))
+        note_damage(PDF_DAMAGE::OBJECT, num);
+}
+
+void CPDFObjectReader::note_damage(PDF_DAMAGE damage, uint32_t num)
+{
+    if (m_damage != PDF_DAMAGE::NONE || m_budget.exhausted())
+        return;
+    m_damage = damage;
+    m_damaged_object = num;
 }
 
 // An object in the file: "num gen obj", the value, and for a stream "stream", its data and "endstream".
@@ -152,12 +160,18 @@ void CPDFObjectReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint3
     const CPDFObjectStream* stream = object_stream(xref, entry.index);
     const uint8_t* begin = nullptr;
     const uint8_t* end = nullptr;
-    if (!stream || !stream->find(num, entry.gen, begin, end))
+    if (!stream)
         return;
+    if (!stream->find(num, entry.gen, begin, end)) {
+        note_damage(PDF_DAMAGE::OBJECT, num);
+        return;
+    }
     CPDFParser parser(begin, end, nullptr);
     const bool found = m_budget.may_parse() && parser.parse(out, keys);
-    if (!m_budget.spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) || !found)
-        out.free();
+    if (m_budget.spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) && found)
+        return;
+    out.free();
+    note_damage(PDF_DAMAGE::OBJECT, num);
 }
 
 void CPDFObjectReader::set_security(std::unique_ptr<CPDFSecurityHandler> security, uint32_t dictionary)
@@ -216,7 +230,10 @@ const CPDFObjectStream* CPDFObjectReader::object_stream(CPDFXRefTable& xref, uin
     if (m_in_container || !m_budget.may_decode())
         return nullptr;
     const RaisedFlag flag(m_in_container);
-    return load_object_stream(xref, num);
+    const CPDFObjectStream* loaded = load_object_stream(xref, num);
+    if (!loaded)
+        note_damage(PDF_DAMAGE::OBJECT_STREAM, num);
+    return loaded;
 }
 
 const CPDFObjectStream* CPDFObjectReader::load_object_stream(CPDFXRefTable& xref, uint32_t num)

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "core/alloc.h"
+#include "document/lookup/field_text.h"
 #include "tools/verb.h"
 
 namespace {
@@ -62,7 +63,7 @@ int usage_error(const CLI::App& app, const std::vector<std::string>& words, cons
     const auto chosen = app.get_subcommands();
     if (chosen.empty()) {
         const bool named = !words.empty() && words.back()[0] != '-';
-        sentence = named ? "there is no verb \"" + words.back() + "\"" : "a verb is required";
+        sentence = named ? "there is no verb " + in_quotes(words.back()) : "a verb is required";
     }
     const std::string verb = chosen.empty() ? "" : chosen.front()->get_name() + " ";
     return complain_usage(sentence + " (`formwork " + verb + "--help` tells more)");

@@ -66,7 +66,7 @@ void note_fields(const EXPORT_JOB& job, const char* why, const std::vector<std::
         return;
     std::string list;
     for (size_t i = 0; i < std::min(names.size(), MOST); ++i)
-        list += (i ? ", \"" : "\"") + names[i] + '"';
+        list += (i ? ", " : "") + in_quotes(names[i]);
     if (names.size() > MOST)
         list += " and " + std::to_string(names.size() - MOST) + " more";
     complain(job.arguments.input.path.text, std::string("note: the XML is not well-formed, for ") + why + list);
@@ -143,11 +143,12 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
     const auto* const format = std::find_if(std::begin(FORMATS), std::end(FORMATS),
                                             [&name](const EXPORT_FORMAT& at) { return name == at.name; });
     if (format == std::end(FORMATS))
-        return complain_usage("there is no format \"" + name + "\": give --as url, xml, xfa, json, fdf, xfdf or csv");
+        return complain_usage("there is no format " + in_quotes(name) +
+                              ": give --as url, xml, xfa, json, fdf, xfdf or csv");
     if (format->write == export_xfa && !arguments.names.empty())
         return complain_usage("--as xfa writes the data of all fields: give no names");
     if (is_same_file(arguments.output.text, arguments.input.path.text))
-        return complain_usage('"' + arguments.output.text + "\" is the input, which is never written to");
+        return complain_usage(in_quotes(arguments.output.text) + " is the input, which is never written to");
     CPDFDocument document;
     std::vector<CPDFField*> fields;
     if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))

@@ -19,12 +19,17 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
     if (const CPDFStatus usage = check_output(arguments.input, arguments.output); !usage.ok())
         return complain_usage(usage.text);
     CPDFDocument document;
-    std::vector<CPDFField*> fields;
-    if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))
-        return COMMAND_REFUSED;
     document.set_drawing(arguments.output.drawing());
+    if (!open_document(document, arguments.input))
+        return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
-    CPDFStatus status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    CPDFStatus status;
+    do {
+        std::vector<CPDFField*> fields;
+        if (!find_fields(document, arguments.input, arguments.names, fields))
+            return COMMAND_REFUSED;
+        status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    } while (mend_document(document, arguments.input));
     if (status.ok())
         note_xfa(document, arguments.input, arguments.xfa);
     if (status.ok() && arguments.xfa)

@@ -37,12 +37,28 @@ void add_input(CLI::App& verb, COMMAND_INPUT& input)
     verb.add_option("--password", input.password, "password of a protected file")->option_text("TEXT");
 }
 
+static void note_rescue(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    if (!document.rescue_note().empty())
+        complain(input.path.text, "warning: " + document.rescue_note());
+}
+
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
 {
     const CPDFStatus status = document.open(input.path.text, load, input.password.text);
     if (!status.ok())
         complain(input.path.text, status.text);
+    else
+        note_rescue(document, input);
     return status.ok();
+}
+
+bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    const bool mended = document.mend();
+    if (mended)
+        note_rescue(document, input);
+    return mended;
 }
 
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input)

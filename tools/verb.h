@@ -54,8 +54,11 @@ void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);
 
-// Opens the document, or complains and returns false.
+// Opens the document, or complains and returns false. Says so where the file was repaired.
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+
+// Takes the repaired copy of a file that showed damage after it was opened, see CPDFDocument::mend, and says so.
+bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input);
 
 // Complains and returns false where the permissions of an encrypted file forbid to fill its form.
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);

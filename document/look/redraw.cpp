@@ -164,8 +164,8 @@ void CPDFRedraw::note_missing(const CPDFField& field, const std::u32string& miss
         characters.append(bytes, static_cast<size_t>(utf8_from_ucs(static_cast<uint32_t>(c), bytes)));
     }
     const std::string why = CPDFFormFonts::problem();
-    m_notes.push_back("field \"" + full_name(field) + "\" can't be shown whole: no font here has \"" + characters +
-                      "\"" + (why.empty() ? "" : " (" + why + ")"));
+    m_notes.push_back("field " + in_quotes(full_name(field)) + " can't be shown whole: no font here has " +
+                      in_quotes(characters) + (why.empty() ? "" : " (" + why + ")"));
 }
 
 CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)

@@ -16,7 +16,7 @@ CPDFDataWriter::~CPDFDataWriter() = default;
 
 CPDFStatus refuse_export(const std::string& name, const char* why)
 {
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field \"" + name + "\" " + why);
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field " + in_quotes(name) + " " + why);
 }
 
 namespace {

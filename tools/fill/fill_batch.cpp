@@ -34,7 +34,9 @@ public:
 private:
     CPDFStatus fill_row(const BATCH_ROW& row, std::string& report)
     {
-        const std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
+        std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
+        if (mend_document(m_document, m_arguments.input))
+            items = plan_data(m_document, row.data, m_arguments.how());
         CPDFStatus status = refusals_of(items);
         const bool is_written = status.ok() && !m_arguments.dry_run;
         if (!is_written && !m_arguments.report)
@@ -112,8 +114,10 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     rows.protect(arguments.batch.text);
     while (documents.size() < std::min(static_cast<size_t>(arguments.job_count), rows.count())) {
         documents.push_back(std::make_unique<CPDFDocument>());
-        if (!open_document(*documents.back(), arguments.input))
-            return COMMAND_REFUSED;
+        if (const CPDFStatus status =
+                documents.back()->open(arguments.input.path.text, PDF_LOAD::WHOLE_FORM, arguments.input.password.text);
+            !status.ok())
+            return end_with(status, arguments.input.path.text);
     }
     for (const auto& document : documents)
         document->set_drawing(arguments.output.drawing());

@@ -1,3 +1,4 @@
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -173,7 +174,11 @@ private:
 
 }  // namespace
 
-CPDFStatus put_list_json(CPDFDocument& document, LIST_WHAT what)
+CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what)
 {
-    return JsonList(document).put_all(what);
+    std::unique_ptr<JsonList> list;
+    do
+        list = std::make_unique<JsonList>(document);
+    while (mend_document(document, input));
+    return list->put_all(what);
 }
