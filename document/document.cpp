@@ -275,6 +275,11 @@ CPDFReadAllowance CPDFDocument::reading()
     return CPDFReadAllowance(m_state->reader->budget());
 }
 
+bool CPDFDocument::read_too_much() const
+{
+    return m_state->reader->budget().exhausted();
+}
+
 void CPDFDocument::revert()
 {
     State& state = *m_state;

@@ -177,6 +177,9 @@ public:
     // its widgets bound. When it is used up, objects read as absent.
     CPDFReadAllowance reading();
 
+    // Whether so much was read since the last operation that objects and streams read as absent.
+    bool read_too_much() const;
+
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     // After a call that is to change the structure the form is loaded anew, which ends all fields.
     void revert();

@@ -103,6 +103,8 @@ CPDFStatus CPDFFileReader::start(CPDFXRefTable& xref)
         return CPDFStatus::failed(PDF_CODE::DAMAGED, "the file is damaged at byte " + std::to_string(pos) +
                                                          ": there is no cross-reference section");
     m_newest_pos = static_cast<uint32_t>(at - m_shift);
+    if (const int64_t prev = number_of(m_trailer, "Prev"); prev > 0 && prev < m_newest_pos)
+        m_budget.set_updated();
     return {};
 }
 

@@ -24,14 +24,7 @@ bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
 
 }  // namespace
 
-CPDFObjectReader::CPDFObjectReader(const uint8_t* data, size_t size)
-    : m_data(data),
-      m_size(size),
-      m_budget(size),
-      m_streams(std::clamp(size * LIMIT_OBJECT_STREAM_CACHE_RATIO, LIMIT_OBJECT_STREAM_CACHE,
-                           LIMIT_OBJECT_STREAM_CACHE_LARGE))
-{
-}
+CPDFObjectReader::CPDFObjectReader(const uint8_t* data, size_t size) : m_data(data), m_size(size), m_budget(size) {}
 
 CPDFObjectReader::~CPDFObjectReader() = default;
 
@@ -248,19 +241,20 @@ const CPDFObjectStream* CPDFObjectReader::load_object_stream(CPDFXRefTable& xref
     CPDFBytes bytes;
     if (!decode_stored(&xref, rec, bytes) || !m_budget.may_decode())
         return nullptr;
-    m_budget.count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
+    const size_t decoded = bytes.size();
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
     const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
-    return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+    const CPDFObjectStream* stream =
+        m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+    m_budget.spend_decoding(stream->footprint() - decoded);
+    m_budget.set_kept(m_streams.held());
+    return stream;
 }
 
 bool CPDFObjectReader::decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size,
                               CPDFBytes& out)
 {
-    uint64_t work = 0;
-    const bool decoded = m_budget.may_decode() && decode_stream(xref, dict, data, size, out, &work);
-    m_budget.spend_decoding(work);
-    return decoded;
+    return m_budget.may_decode() && decode_stream(xref, dict, data, size, out, &m_budget.decoding());
 }
 
 bool CPDFObjectReader::decode_stored(CPDFXRefTable* xref, const CPDFStreamRec& rec, CPDFBytes& out)
