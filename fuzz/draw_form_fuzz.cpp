@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "document/document.h"
+#include "fuzz/made_file.h"
 
 namespace {
 
@@ -29,9 +30,8 @@ std::string object_text(const std::string& part)
     if (!part.starts_with(MARK))
         return part;
     const size_t end = std::min(part.find('\n'), part.size());
-    const std::string data = part.substr(std::min(end + 1, part.size()));
-    return "<<" + part.substr(MARK.size(), end - MARK.size()) + "/Length " + std::to_string(data.size()) +
-           ">>\nstream\n" + data + "\nendstream";
+    return stream_text(std::string_view(part).substr(std::min(end + 1, part.size())),
+                       part.substr(MARK.size(), end - MARK.size()));
 }
 
 std::vector<uint8_t> file_of(const std::vector<std::string>& parts)
@@ -44,17 +44,7 @@ std::vector<uint8_t> file_of(const std::vector<std::string>& parts)
         {5, "<</Type/Annot/Subtype/Widget/T(f)/Rect[10 10 200 60]" + parts[1] + ">>"}};
     for (size_t i = 3; i < parts.size(); ++i)
         objects.emplace_back(static_cast<int>(i) + 7, object_text(parts[i]));
-    std::string file = "%PDF-1.7\n";
-    std::string table = "xref\n";
-    for (const auto& [num, text] : objects) {
-        std::string at = std::to_string(file.size());
-        at.insert(0, 10 - at.size(), '0');
-        table += std::to_string(num) + " 1\n" + at + " 00000 n \n";
-        file += std::to_string(num) + " 0 obj\n" + text + "\nendobj\n";
-    }
-    const std::string start = std::to_string(file.size());
-    file += table + "trailer\n<</Size 60/Root 1 0 R>>\nstartxref\n" + start + "\n%%EOF\n";
-    return {file.begin(), file.end()};
+    return made_file(objects);
 }
 
 }  // namespace
