@@ -490,7 +490,8 @@ def texts():
 def more():
     out = {"edit_form/" + name: every_kind() + bytes(row) for name, row in changes().items()}
     out.update({"filters/" + name: data for name, data in filter_seeds().items()})
-    out.update({"fill_form/every_kind": every_kind()})
+    out["fill_form/every_kind"] = every_kind()
+    out["edit_form/found_endless_string"] = plain(b"[4 0 R 5 0 R]", {5: b"<</FT/Tx/T(endless"})
     out.update(texts())
     return out
 

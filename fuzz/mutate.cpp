@@ -124,6 +124,14 @@ void draw_first_page(CPDFDocument& document)
     draw_buttons(document, page.ref, view, picture);
 }
 
+// In a document of its own: the widgets that the list binds end with it.
+void list(const Bytes& bytes)
+{
+    CPDFDocument document;
+    if (document.open(bytes).ok())
+        (void)put_list_json(document, LIST_WHAT::ALL);
+}
+
 void work_on(const Bytes& bytes)
 {
     progress->work = 0;
@@ -133,7 +141,7 @@ void work_on(const Bytes& bytes)
     if (!status.ok())
         return;
     ++progress->opened;
-    (void)put_list_json(document, LIST_WHAT::ALL);
+    list(bytes);
     progress->work = 1;
     export_all(document);
     progress->work = 2;
