@@ -7,6 +7,7 @@
 // A file's mutations depend on its bytes alone. Ends with a table and 1 where there are findings.
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,12 +18,10 @@
 #include <fstream>
 #include <iterator>
 
-#include "core/alloc.h"
-#include "formats/export/export_data.h"
 #include "fuzz/form_check.h"
+#include "fuzz/read_check.h"
 #include "render/cairo/cairo_picture.h"
 #include "render/page/draw_page.h"
-#include "tools/list/list_internal.h"
 
 // Blocks that wait for their reuse would count as memory in use.
 extern "C" const char* __asan_default_options()
@@ -95,20 +94,6 @@ Bytes mutated(const Bytes& bytes, int index)
     return out;
 }
 
-void export_all(CPDFDocument& document)
-{
-    for (const PDF_DATA_FORMAT format :
-         {PDF_DATA_FORMAT::JSON, PDF_DATA_FORMAT::FDF, PDF_DATA_FORMAT::XFDF, PDF_DATA_FORMAT::CSV}) {
-        std::string out;
-        const CPDFStatus status = write_form_data(document, format, nullptr, out);
-        check(status.ok() || !status.text.empty(), "a refusal has no sentence");
-    }
-    int len = 0;
-    const VXBlock<char> url(document.form().get_url_para(nullptr, 0));
-    const VXBlock<char> xml(document.form().get_url_xml(nullptr, 0));
-    const VXBlock<char> xfa(document.form().get_xfa_data(len));
-}
-
 void draw_first_page(CPDFDocument& document)
 {
     constexpr double MOST_PIXELS = 1 << 22;
@@ -124,12 +109,11 @@ void draw_first_page(CPDFDocument& document)
     draw_buttons(document, page.ref, view, picture);
 }
 
-// In a document of its own: the widgets that the list binds end with it.
 void list(const Bytes& bytes)
 {
     CPDFDocument document;
     if (document.open(bytes).ok())
-        (void)put_list_json(document, LIST_WHAT::ALL);
+        list_all(document);
 }
 
 void work_on(const Bytes& bytes)
@@ -179,6 +163,7 @@ void raise_to(std::atomic<T>& most, T value)
 
 [[noreturn]] void do_mutations(const Bytes& bytes, int first, int count, const std::string& log)
 {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const int null = ::open("/dev/null", O_WRONLY);
     const int errors = ::open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     ::dup2(null, STDOUT_FILENO);
