@@ -11,19 +11,6 @@
 
 namespace {
 
-std::vector<std::string> parts_of(std::string_view text)
-{
-    constexpr std::string_view MARK = "\n;\n";
-    std::vector<std::string> parts;
-    for (size_t begin = 0; begin <= text.size() && parts.size() < 40;) {
-        const size_t end = std::min(text.find(MARK, begin), text.size());
-        parts.emplace_back(text.substr(begin, end - begin));
-        begin = end + MARK.size();
-    }
-    parts.resize(std::max<size_t>(parts.size(), 3));
-    return parts;
-}
-
 std::string object_text(const std::string& part)
 {
     constexpr std::string_view MARK = "stream ";
@@ -51,7 +38,7 @@ std::vector<uint8_t> file_of(const std::vector<std::string>& parts)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const std::vector<std::string> parts = parts_of({reinterpret_cast<const char*>(data), size});
+    const std::vector<std::string> parts = parts_of({reinterpret_cast<const char*>(data), size}, 3, 40);
     CPDFDocument document;
     if (!document.open(file_of(parts)).ok())
         return 0;

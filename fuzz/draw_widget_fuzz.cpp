@@ -32,7 +32,7 @@ std::u32string characters(FuzzBytes& bytes)
     constexpr char32_t FIRST[] = {' ', 'a', 0, 0x5D0, 0x600, 0x4E00, 0x300, 0x1F600};
     std::u32string text;
     for (const char c : bytes.text())
-        text += FIRST[static_cast<uint8_t>(c) >> 5] + (static_cast<uint8_t>(c) & 31);
+        text += static_cast<char32_t>(FIRST[static_cast<uint8_t>(c) >> 5] + (static_cast<uint8_t>(c) & 31));
     return text;
 }
 
