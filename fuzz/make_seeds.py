@@ -478,6 +478,7 @@ def texts():
         "json/escapes": b'\xef\xbb\xbf{"t":"\\u00e9\\ud83d\\ude00\\n\\u0000","l":[],"g.t":-0.5e1}',
         "csv/all": b"t,g.t,c,l,b\r\ntext,12,shown,a,Yes\r\n",
         "csv/quotes": b'\xef\xbb\xbf"t","g.t"\n"a ""b""\r\n,",\n\n',
+        "csv/found_mark": b"\r\xfe\xfft",
         "xfa_data/packets": b"\0" + data,
         "xfa_data/one": b"\1<?xml version='1.0'?><xdp:xdp xmlns:xdp='u'><template/>" + data + b"</xdp:xdp>",
         "syntax/dict": b"<</V(old)/RV<</A[1 0 R -1.50 .0]>>/T<FEFF00E9>/Kids[null true]/FT/T#78>>",
