@@ -15,21 +15,21 @@ CPDFDocument::CPDFDocument() : m_state(std::make_unique<State>()) {}
 
 CPDFDocument::~CPDFDocument() = default;
 
-CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load)
+CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load, std::string_view password)
 {
     return within_memory("open the file", [&] {
         renew_state();
         CPDFStatus status = m_state->bytes.open(path);
-        return status.ok() ? m_state->load(load) : status;
+        return status.ok() ? m_state->load(load, password) : status;
     });
 }
 
-CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load)
+CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load, std::string_view password)
 {
     return within_memory("open the file", [&] {
         renew_state();
         m_state->bytes.take(std::move(bytes));
-        return m_state->load(load);
+        return m_state->load(load, password);
     });
 }
 
@@ -40,13 +40,13 @@ void CPDFDocument::renew_state()
     m_state = std::move(state);
 }
 
-CPDFStatus CPDFDocument::State::load(PDF_LOAD load)
+CPDFStatus CPDFDocument::State::load(PDF_LOAD load, std::string_view password)
 {
     reader = std::make_unique<CPDFFileReader>(bytes.data(), bytes.size());
     xref = std::make_unique<CPDFXRefTable>(reader.get());
     CPDFStatus status = reader->start(*xref);
-    if (status.ok() && reader->trailer().get_item("Encrypt"))
-        return CPDFStatus::failed(PDF_CODE::ENCRYPTED, "the file is encrypted, which is not supported yet");
+    if (status.ok())
+        status = reader->unlock(*xref, password);
     if (status.ok())
         status = find_root();
     return status.ok() && load == PDF_LOAD::WHOLE_FORM ? load_whole_form() : status;
@@ -160,6 +160,23 @@ void CPDFDocument::State::forget_fields()
     branches.emplace();
     page_map.reset();
     guard.reset();
+}
+
+CPDFStatus CPDFDocument::State::check_permission(bool permitted)
+{
+    return permitted ? CPDFStatus()
+                     : CPDFStatus::failed(PDF_CODE::NOT_PERMITTED,
+                                          "the file is encrypted, and its permissions forbid to change the form");
+}
+
+bool CPDFDocument::permits_filling() const
+{
+    return m_state->reader->permits_filling();
+}
+
+bool CPDFDocument::permits_editing() const
+{
+    return m_state->reader->permits_editing();
 }
 
 bool CPDFDocument::has_form() const

@@ -48,10 +48,17 @@ public:
     CPDFDocument& operator=(const CPDFDocument&) = delete;
 
     // Opens a file, or takes its bytes, and loads the form; a form that takes more work than its size justifies is
-    // refused. A document without a form opens with an empty one. After a failure, or before any call, the document is
-    // closed: every other operation needs a successful open.
-    CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
-    CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+    // refused. A document without a form opens with an empty one. An encrypted file opens with the empty password or with
+    // `password`, the user's or the owner's in UTF-8; what is appended to it is encrypted with the same key. After a failure,
+    // or before any call, the document is closed: every other operation needs a successful open.
+    CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM, std::string_view password = {});
+    CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM, std::string_view password = {});
+
+    // Whether the author of an encrypted file permits, with the password that opened it, to put values into fields, and to
+    // add, remove and change fields. True for the owner's password, and for files that are not encrypted. What is not
+    // permitted is refused unless it is forced.
+    bool permits_filling() const;
+    bool permits_editing() const;
 
     // Whether the catalog names a form.
     bool has_form() const;

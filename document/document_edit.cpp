@@ -12,6 +12,8 @@
 CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
 {
     CPDFStatus status = load_whole_form();
+    if (status.ok() && edit != PDF_EDIT::FORCE)
+        status = check_permission(reader->permits_editing());
     if (status.ok())
         status = draw();
     if (!status.ok())

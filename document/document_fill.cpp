@@ -40,7 +40,9 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
     CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : widgets, plan);
     if (!status.ok() || fill == PDF_FILL::FORCE || plan.action == PDF_FILL_PLAN::KEEP)
         return status;
-    status = signatures().check_fill(field);
+    status = check_permission(reader->permits_filling());
+    if (status.ok())
+        status = signatures().check_fill(field);
     return status.ok() || plan_keep(field, value, plan) ? CPDFStatus() : status;
 }
 
@@ -103,6 +105,8 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
     const CPDFWidgetBinder& bound = bound_widgets();
     PDF_RESET_PLAN plan;
     status = plan_reset(form, fields, bound, plan);
+    if (status.ok() && fill != PDF_FILL::FORCE)
+        status = check_permission(reader->permits_filling());
     if (status.ok() && fill != PDF_FILL::FORCE)
         status = check_locks(signatures(), plan.fields);
     if (!status.ok())

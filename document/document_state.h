@@ -43,7 +43,7 @@ struct CPDFDocument::State {
     std::optional<CPDFRedraw> redraw;
     std::vector<std::string> notes;  // of what could not be drawn
 
-    CPDFStatus load(PDF_LOAD load);
+    CPDFStatus load(PDF_LOAD load, std::string_view password);
     CPDFStatus find_root();
     void read_root();
     const CPDFObj* form_entry() const;
@@ -58,6 +58,9 @@ struct CPDFDocument::State {
 
     // Refuses a form of which something was left unread.
     CPDFStatus load_whole_form();
+
+    // Refuses where `permitted` is not.
+    static CPDFStatus check_permission(bool permitted);
 
     void forget_fields();
 

@@ -1,7 +1,7 @@
 // One file behind the object store: its cross-reference sections, and through them its objects.
 #pragma once
 
-#include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -24,6 +24,14 @@ public:
 
     // Reads the newest cross-reference section into `xref` and leaves the older ones pending.
     CPDFStatus start(CPDFXRefTable& xref);
+
+    // To be called after start: makes an encrypted file readable with the empty password or `password`, in UTF-8. OK for a
+    // file that is not encrypted.
+    CPDFStatus unlock(CPDFXRefTable& xref, std::string_view password);
+
+    // Whether the password permits to put values into fields, and to add, remove and change fields (ISO 32000-2, table 22).
+    bool permits_filling() const;
+    bool permits_editing() const;
 
     int read_section(CPDFXRefTable& xref, uint32_t pos) override;
 

@@ -9,6 +9,7 @@
 #include "core/stream.h"
 #include "core/xref_table.h"
 #include "file/filter/compress.h"
+#include "file/security/security_handler.h"
 #include "file/syntax/parser.h"
 
 namespace {
@@ -31,6 +32,8 @@ CPDFObjectReader::CPDFObjectReader(const uint8_t* data, size_t size)
                            LIMIT_OBJECT_STREAM_CACHE_LARGE))
 {
 }
+
+CPDFObjectReader::~CPDFObjectReader() = default;
 
 void CPDFObjectReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                                    const CPDFKeySet* keys)
@@ -58,8 +61,10 @@ bool CPDFObjectReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t
         out.free();
         return false;
     }
-    if (out.type != PDF_OBJ_DICT || !lexer.begins("stream"))
+    if (out.type != PDF_OBJ_DICT || !lexer.begins("stream")) {
+        decrypt_strings(out, {num, gen});
         return true;
+    }
     if (keys) {
         out.free();
         return parse_object_at(xref, out, at, num, nullptr);
@@ -71,7 +76,14 @@ bool CPDFObjectReader::parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t
     if (lexer.peek() == '\n')
         lexer.move_to(lexer.at() + 1);
     make_stream_value(xref, out, static_cast<size_t>(lexer.at() - m_data), {num, gen});
+    decrypt_strings(out, {num, gen});
     return true;
+}
+
+void CPDFObjectReader::decrypt_strings(CPDFObj& object, const PDF_REF& ref) const
+{
+    if (m_security && ref.num != m_security_num)
+        m_security->decrypt_strings(object, ref);
 }
 
 void CPDFObjectReader::make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t data_at, const PDF_REF& ref)
@@ -148,9 +160,17 @@ void CPDFObjectReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint3
         out.free();
 }
 
+void CPDFObjectReader::set_security(std::unique_ptr<CPDFSecurityHandler> security, uint32_t dictionary)
+{
+    m_security = std::move(security);
+    m_security_num = dictionary;
+}
+
 bool CPDFObjectReader::splice_object(CPDFXRefTable& xref, uint32_t num, const PDF_XREF_ENTRY& entry,
                                      PDF_ENTRY_CHANGES changes, PDF_String& out)
 {
+    if (m_security)
+        return false;  // the strings must be decrypted
     const uint8_t* begin = nullptr;
     const uint8_t* end = nullptr;
     uint32_t gen = 0;
@@ -209,7 +229,7 @@ const CPDFObjectStream* CPDFObjectReader::load_object_stream(CPDFXRefTable& xref
         return nullptr;
     const CPDFStreamRec& rec = *container.stream;
     CPDFBytes bytes;
-    if (!decode(&xref, rec.dict, m_data + rec.handle, rec.data_len, bytes) || !m_budget.may_decode())
+    if (!decode_stored(&xref, rec, bytes) || !m_budget.may_decode())
         return nullptr;
     m_budget.count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
@@ -226,17 +246,29 @@ bool CPDFObjectReader::decode(CPDFXRefTable* xref, const CPDFDictionary& dict, c
     return decoded;
 }
 
+bool CPDFObjectReader::decode_stored(CPDFXRefTable* xref, const CPDFStreamRec& rec, CPDFBytes& out)
+{
+    const uint8_t* data = m_data + rec.handle;
+    const PDF_CIPHER_KEY key = m_security ? m_security->stream_key(xref, rec.dict, rec.ref) : PDF_CIPHER_KEY();
+    if (key.cipher == PDF_CIPHER::NONE)
+        return decode(xref, rec.dict, data, rec.data_len, out);
+    CPDFBytes plain;
+    m_budget.spend_decoding(rec.data_len);
+    if (!plain.append(data, rec.data_len))
+        return false;
+    return decode(xref, rec.dict, plain.data(), decrypt_in_place(key, plain.data(), plain.size()), out);
+}
+
 CPDFStream* CPDFObjectReader::open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
                                           uint32_t size)
 {
-    if (!memory) {
-        if (rec.handle > m_size || rec.data_len > m_size - rec.handle)
-            return nullptr;
-        memory = m_data + rec.handle;
-        size = rec.data_len;
-    }
     CPDFBytes bytes;
-    decode(&xref, rec.dict, memory, size, bytes);
+    if (memory)
+        decode(&xref, rec.dict, memory, size, bytes);
+    else if (rec.handle <= m_size && rec.data_len <= m_size - rec.handle)
+        decode_stored(&xref, rec, bytes);
+    else
+        return nullptr;
     return make_decoded_stream(std::move(bytes));
 }
 

@@ -1,12 +1,16 @@
 // Objects and stream data, found in the bytes of a file when the object store asks for them.
 #pragma once
 
+#include <memory>
+
 #include "core/dictionary.h"
 #include "core/object_source.h"
 #include "file/filter/filters.h"
 #include "file/object_stream.h"
 #include "file/read_budget.h"
 #include "file/syntax/splice.h"
+
+class CPDFSecurityHandler;
 
 // Raises a flag for the time of a scope.
 class RaisedFlag {
@@ -25,6 +29,8 @@ private:
 // class that stands on this one.
 class CPDFObjectReader : public CPDFObjectSource {
 public:
+    ~CPDFObjectReader() override;
+
     void read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                      const CPDFKeySet* keys) override;
     CPDFStream* open_stream(CPDFXRefTable& xref, const CPDFStreamRec& rec, const unsigned char* memory,
@@ -34,6 +40,11 @@ public:
     bool splice_text(const PDF_String& text, PDF_ENTRY_CHANGES changes, PDF_String& out) override;
     void read_text(CPDFObj& out, const PDF_String& text, const CPDFKeySet* keys) override;
     unsigned char* compress(const void* data, int len, int& out_len) override;
+
+    // From now on strings and stream data are decrypted; those of the object `dictionary`, where the handler was read, are plain.
+    void set_security(std::unique_ptr<CPDFSecurityHandler> security, uint32_t dictionary);
+    // Null for a file that is not encrypted.
+    const CPDFSecurityHandler* security() const { return m_security.get(); }
 
     // The work that may still be done.
     CPDFReadBudget& budget() { return m_budget; }
@@ -45,6 +56,8 @@ protected:
     bool parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys);
     // decode_stream at the expense of the budget.
     bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
+    // The same for data that are in the file.
+    bool decode_stored(CPDFXRefTable* xref, const CPDFStreamRec& rec, CPDFBytes& out);
 
     const uint8_t* m_data;  // borrowed from the document
     size_t m_size;
@@ -52,6 +65,7 @@ protected:
     bool m_in_length = false;  // a stream's indirect length is being fetched, or may not be
 
 private:
+    void decrypt_strings(CPDFObj& object, const PDF_REF& ref) const;
     void make_stream_value(CPDFXRefTable& xref, CPDFObj& out, size_t data_at, const PDF_REF& ref);
     size_t stream_length(CPDFXRefTable& xref, const CPDFDictionary& dict, size_t data_at);
     size_t search_stream_end(size_t data_at);
@@ -63,4 +77,6 @@ private:
     bool m_in_container = false;  // an object stream is being decoded
     CPDFObjectStreamCache m_streams;
     CPDFSplicer m_splicer;
+    std::unique_ptr<CPDFSecurityHandler> m_security;
+    uint32_t m_security_num = 0;  // the encryption dictionary; 0 where it is in the trailer
 };

@@ -5,19 +5,20 @@
 
 enum class PDF_CODE {
     OK,
-    NOT_FOUND,    // no such file or page
-    IO,           // the file can't be read or written
-    NOT_PDF,      // no PDF header
-    NO_CATALOG,   // no usable trailer or catalog
-    ENCRYPTED,    // protected, and can't be opened
-    DAMAGED,      // the cross-reference data can't be read
-    LIMIT,        // larger, or more work, than what is supported
-    NO_FIELD,     // no field of that name
-    WRONG_KIND,   // the field can't take such a value
-    READ_ONLY,    // the field is read-only
-    BAD_EDIT,     // the form can't be changed in this way
-    BAD_DATA,     // a file with form data can't be read
-    BAD_REQUEST,  // what was asked for makes no sense
+    NOT_FOUND,      // no such file or page
+    IO,             // the file can't be read or written
+    NOT_PDF,        // no PDF header
+    NO_CATALOG,     // no usable trailer or catalog
+    ENCRYPTED,      // protected, and can't be opened
+    DAMAGED,        // the cross-reference data can't be read
+    LIMIT,          // larger, or more work, than what is supported
+    NO_FIELD,       // no field of that name
+    WRONG_KIND,     // the field can't take such a value
+    READ_ONLY,      // the field is read-only
+    NOT_PERMITTED,  // the password that opened the file does not permit it
+    BAD_EDIT,       // the form can't be changed in this way
+    BAD_DATA,       // a file with form data can't be read
+    BAD_REQUEST,    // what was asked for makes no sense
     NO_MEMORY,
 };
 

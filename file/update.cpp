@@ -7,6 +7,7 @@
 #include "core/xref_table.h"
 #include "file/file_id.h"
 #include "file/file_reader.h"
+#include "file/security/security_handler.h"
 #include "file/syntax/serialize.h"
 
 namespace {
@@ -31,8 +32,14 @@ void append_padded(std::string& out, uint64_t value, size_t width)
 
 class Update {
 public:
-    Update(std::string& out, const CPDFXRefTable& xref, const CPDFFileReader& reader, const uint8_t* data, size_t size)
-        : m_out(out), m_xref(xref), m_reader(reader), m_data(data), m_size(size), m_next_num(xref.next_num())
+    Update(std::string& out, CPDFXRefTable& xref, const CPDFFileReader& reader, const uint8_t* data, size_t size)
+        : m_out(out),
+          m_xref(xref),
+          m_reader(reader),
+          m_security(reader.security()),
+          m_data(data),
+          m_size(size),
+          m_next_num(xref.next_num())
     {
     }
 
@@ -76,12 +83,25 @@ private:
             if (changed[i].text.buf)
                 m_out.append(reinterpret_cast<const char*>(changed[i].text.buf),
                              static_cast<size_t>(changed[i].text.len));
-            else if (changed[i].obj.type == PDF_OBJ_STREAM)
-                write_stream(*changed[i].obj.stream);
             else
-                write_object(m_out, changed[i].obj);
+                write_version(changed[i].obj, {m_places.back().num, m_places.back().gen});
             m_out += "\nendobj\n";
         }
+    }
+
+    // A version that is an object; those of an encrypted file all are.
+    void write_version(const CPDFObj& version, const PDF_REF& ref)
+    {
+        CPDFObj encrypted;
+        if (m_security) {
+            encrypted.copy_from(&version);
+            m_security->encrypt_strings(encrypted, ref);
+        }
+        const CPDFObj& written = m_security ? encrypted : version;
+        if (written.type == PDF_OBJ_STREAM)
+            write_stream(*written.stream, ref);
+        else
+            write_object(m_out, written);
     }
 
     // The generation that the file gives the object: a reference may have named another.
@@ -93,16 +113,21 @@ private:
         return before.type == PDF_XREF_IN_STREAM ? 0 : m_xref.changed()[i].ref.gen;
     }
 
-    void write_stream(const CPDFStreamRec& rec)
+    void write_stream(const CPDFStreamRec& rec, const PDF_REF& ref)
     {
         const char* bytes = nullptr;
         size_t size = 0;
+        std::string encrypted;
         if (const PDF_MEM_STREAM* memory = rec.in_memory ? m_xref.mem_stream(rec.handle) : nullptr) {
             bytes = reinterpret_cast<const char*>(memory->data);
             size = memory->len;
         } else if (rec.in_file && rec.handle <= m_size && rec.data_len <= m_size - rec.handle) {
             bytes = reinterpret_cast<const char*>(m_data) + rec.handle;
             size = rec.data_len;
+        }
+        if (m_security && encrypt_data(rec, ref, {bytes ? bytes : "", size}, encrypted)) {
+            bytes = encrypted.data();
+            size = encrypted.size();
         }
         CPDFDictionary dict;
         dict.copy_from(&rec.dict);
@@ -111,6 +136,25 @@ private:
         m_out += "\nstream\n";
         m_out.append(bytes ? bytes : "", size);
         m_out += "\nendstream";
+    }
+
+    // Encrypts `data` as those of object `ref`. False where they are so already: a stream's own in the file.
+    bool encrypt_data(const CPDFStreamRec& rec, const PDF_REF& ref, std::string_view data, std::string& out) const
+    {
+        std::string plain;
+        if (!rec.in_memory) {
+            if (rec.ref.num == ref.num && rec.ref.gen == ref.gen)
+                return false;
+            const PDF_CIPHER_KEY before = m_security->stream_key(&m_xref, rec.dict, rec.ref);
+            plain = data;
+            plain.resize(decrypt_in_place(before, reinterpret_cast<uint8_t*>(plain.data()), plain.size()));
+            data = plain;
+        }
+        const PDF_CIPHER_KEY key = m_security->stream_key(&m_xref, rec.dict, ref);
+        out.resize(encrypted_size(key.cipher, data.size()));
+        encrypt(key, reinterpret_cast<const uint8_t*>(data.data()), data.size(),
+                reinterpret_cast<uint8_t*>(out.data()));
+        return true;
     }
 
     // Calls `visit(first, count, place)` for each run of consecutive object numbers.
@@ -196,8 +240,9 @@ private:
     }
 
     std::string& m_out;  // borrowed from the caller, as the following
-    const CPDFXRefTable& m_xref;
+    CPDFXRefTable& m_xref;
     const CPDFFileReader& m_reader;
+    const CPDFSecurityHandler* m_security;  // null for a file that is not encrypted
     const uint8_t* m_data;
     size_t m_size;
     uint32_t m_next_num;  // first object number that the output leaves free

@@ -46,7 +46,7 @@ void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
     add_output(verb, arguments->output);
     verb.add_flag("--xfa", arguments->xfa,
                   "write the XFA data set anew from all fields, too; what no field holds goes");
-    verb.add_flag("--force", arguments->force, "reset fields that a signature locks, too");
+    verb.add_flag("--force", arguments->force, "reset what a signature locks or what is not permitted, too");
     verb.footer(
         "A field without a default ends without a value. A field that groups others is reset with all of them;\n"
         "read-only fields are reset, too. Push buttons and signatures stay as they are.");

@@ -22,10 +22,18 @@ void add_input(CLI::App& verb, COMMAND_INPUT& input)
 
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
 {
-    const CPDFStatus status = document.open(input.path.text, load);
+    const CPDFStatus status = document.open(input.path.text, load, input.password.text);
     if (!status.ok())
         complain(input.path.text, status.text);
     return status.ok();
+}
+
+bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    if (document.permits_filling())
+        return true;
+    complain(input.path.text, "the file is encrypted, and its permissions forbid to fill the form; --force does it");
+    return false;
 }
 
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,

@@ -57,6 +57,9 @@ void add_input(CLI::App& verb, COMMAND_INPUT& input);
 // Opens the document, or complains and returns false.
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
 
+// Complains and returns false where the permissions of an encrypted file forbid to fill its form.
+bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
+
 // Finds the fields with these full names. Complains about every name that no field has, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);

@@ -16,7 +16,7 @@ namespace {
 
 using DecodeFunction = bool (*)(const CPDFFilterInput& in, CPDFBytes& out);
 
-// A filter without a function passes its data through.
+// A filter without a function passes its data through: what is encrypted comes decrypted.
 struct FilterRow {
     const char* name;
     const char* short_name;
@@ -69,14 +69,6 @@ void read_parms(CPDFXRefTable* xref, const CPDFDictionary& dict, CPDFFilterParms
     parms.early_change = number_of(xref, dict, "EarlyChange", parms.early_change, 0);
 }
 
-// Whether a Crypt filter leaves its data alone: its default name is Identity.
-bool is_identity(CPDFXRefTable* xref, const CPDFDictionary* parms)
-{
-    CPDFObj scratch;
-    const CPDFObj* name = view_obj(xref, parms ? parms->get_item("Name") : nullptr, scratch);
-    return name->type == PDF_OBJ_NULL || name->is_name("Identity");
-}
-
 // False for a filter that is not known. A null entry is no filter.
 bool add_stage(CPDFXRefTable* xref, const CPDFObj* filter, const CPDFObj* parms, Chain& chain)
 {
@@ -87,7 +79,7 @@ bool add_stage(CPDFXRefTable* xref, const CPDFObj* filter, const CPDFObj* parms,
         return true;
     const FilterRow* row = name->name_text() ? find_filter(name->name_text()) : nullptr;
     const CPDFDictionary* dict = view_obj(xref, parms, parms_scratch)->any_dictionary();
-    if (!row || (!row->decode && !is_identity(xref, dict)))
+    if (!row)
         return false;
     Stage& stage = chain.stages[chain.count++];
     stage.filter = row;

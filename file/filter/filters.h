@@ -18,7 +18,7 @@ using CPDFBytes = CPDFGrowable<uint8_t, 256, 1>;
 // followed through `xref`; with null they count as damage.
 // Truncated or corrupt data gives what could be decoded up to there. No stage gives more than LIMIT_DECODED_STREAM bytes,
 // nor more than LIMIT_DECODE_RATIO times `size` plus LIMIT_DECODE_SLACK: the data ends there.
-// False, with `out` empty, for a filter that is not known here (image codecs, encryption), more than LIMIT_FILTERS of
+// False, with `out` empty, for a filter that is not known here (image codecs), more than LIMIT_FILTERS of
 // them, or when memory runs out.
 // `work`, when not null, is set to the bytes that all stages gave together.
 bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,

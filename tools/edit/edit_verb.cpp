@@ -11,7 +11,7 @@
 void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments)
 {
     add_output(verb, arguments.output);
-    verb.add_flag("--force", arguments.force, "change what signatures forbid to change, too");
+    verb.add_flag("--force", arguments.force, "change what signatures or permissions forbid, too");
 }
 
 int edit_file(const EDIT_ARGUMENTS& arguments,

@@ -30,7 +30,8 @@ bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size
 {
     document.set_drawing(arguments.output.drawing());
     return open_document(document, arguments.input,
-                         values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM);
+                         values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM) &&
+           (arguments.force || may_fill(document, arguments.input));
 }
 
 // The report goes to standard output unless the filled file does.
@@ -186,7 +187,7 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--xfa", arguments->xfa,
                   "write the XFA data set anew from all fields, too; what no field holds goes");
     verb.add_flag("--flatten", arguments->flatten, "make what the fields show a part of the pages; the form goes");
-    verb.add_flag("--force", arguments->force, "fill read-only fields, and those that a signature locks, too");
+    verb.add_flag("--force", arguments->force, "fill what is read-only, locked by a signature or not permitted, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");
     verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")->option_text("N");

@@ -102,7 +102,8 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     BatchRows rows(has_output ? &pattern : nullptr);
     std::vector<std::unique_ptr<CPDFDocument>> documents;
     documents.push_back(std::make_unique<CPDFDocument>());
-    if (!open_document(*documents.front(), arguments.input) || !rows.open(arguments.batch.text) ||
+    if (!open_document(*documents.front(), arguments.input) ||
+        !(arguments.force || may_fill(*documents.front(), arguments.input)) || !rows.open(arguments.batch.text) ||
         !rows.check_columns(*documents.front()) || !has_folder(pattern.fixed_folder()))
         return COMMAND_REFUSED;
     rows.protect(arguments.input.path.text);

@@ -20,6 +20,8 @@ int list_fields(const LIST_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
+    if (!document.permits_filling())
+        complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
     const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
     if (arguments.json)
         return end_with(put_list_json(document, what), arguments.input.path.text);
