@@ -113,7 +113,7 @@ inline bool is_same(const FIELD_RECORD& before, const FIELD_RECORD& after)
 }
 
 // Saves the document, which was opened from `bytes`, and opens what came out of it.
-inline const char* save_fault(CPDFDocument& document, const std::vector<uint8_t>& bytes)
+inline const char* save_fault(CPDFDocument& document, const std::vector<uint8_t>& bytes, std::string_view password = {})
 {
     std::vector<uint8_t> saved;
     if (!document.save(saved).ok())
@@ -122,7 +122,7 @@ inline const char* save_fault(CPDFDocument& document, const std::vector<uint8_t>
     if (saved.size() < bytes.size() || !std::equal(bytes.begin(), bytes.end(), saved.begin()))
         return "the output does not begin with the input";
     CPDFDocument again;
-    if (!again.open(std::move(saved)).ok())
+    if (!again.open(std::move(saved), PDF_LOAD::WHOLE_FORM, password).ok())
         return "the output can't be opened";
     const std::vector<FIELD_RECORD> found = records_of(again);
     if (found.size() != records.size())
