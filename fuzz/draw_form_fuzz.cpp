@@ -50,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!document.save(out).ok())
         return 0;
     CPDFDocument again;
+    again.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (!again.open(out).ok())
         std::abort();
     if (again.flatten(PDF_EDIT::FORCE).ok() && (!again.save(out).ok() || again.has_form()))

@@ -124,6 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::vector<uint8_t> bytes(data, data + size);
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (!document.open(bytes).ok())
         return 0;
     Editor(document, changes_of(data, size)).run();

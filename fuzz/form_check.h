@@ -122,6 +122,7 @@ inline const char* save_fault(CPDFDocument& document, const std::vector<uint8_t>
     if (saved.size() < bytes.size() || !std::equal(bytes.begin(), bytes.end(), saved.begin()))
         return "the output does not begin with the input";
     CPDFDocument again;
+    again.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (!again.open(std::move(saved), PDF_LOAD::WHOLE_FORM, password).ok())
         return "the output can't be opened";
     const std::vector<FIELD_RECORD> found = records_of(again);

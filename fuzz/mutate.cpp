@@ -112,6 +112,7 @@ void draw_first_page(CPDFDocument& document)
 void list(const Bytes& bytes)
 {
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (document.open(bytes).ok())
         list_all(document);
 }
@@ -120,6 +121,7 @@ void work_on(const Bytes& bytes)
 {
     progress->work = 0;
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     const CPDFStatus status = document.open(bytes);
     check(status.ok() || !status.text.empty(), "a refusal has no sentence");
     if (!status.ok())

@@ -37,6 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FuzzBytes bytes(data, size);
     const char* const entry = bytes.byte() % 2 ? " 6 0 R" : "[(preamble)7 0 R(datasets)6 0 R(postamble)7 0 R]";
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     check(document
               .open(made_file({{1, "<</Type/Catalog/AcroForm 2 0 R>>"},
                                {2, "<</Fields[3 0 R]/XFA" + std::string(entry) + ">>"},
@@ -52,6 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!status.ok())
         return 0;
     CPDFDocument again;
+    again.set_rescue(PDF_RESCUE::OFF);  // it forks
     check(again.open(written(document)).ok(), "the output can't be opened");
     const std::string text = xfa_of(again);
     check(text.find("&lt;&amp;") != std::string::npos, "the data set lacks a value");

@@ -7,6 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     const CPDFStatus status = document.open(made_file({{1, "<</Type/Catalog/AcroForm 2 0 R>>"},
                                                        {2, "<</Fields[3 0 R]/XFA[(template)6 0 R]>>"},
                                                        {3, "<</T(form1[0])/Kids[4 0 R 5 0 R]>>"},
