@@ -17,10 +17,10 @@ double length(FuzzBytes& bytes)
     return first < 240 ? first + bytes.byte() / 16.0 : ODD[first % std::size(ODD)];
 }
 
-PDF_COLOR color(FuzzBytes& bytes)
+WIDGET_COLOR color(FuzzBytes& bytes)
 {
     constexpr int COUNTS[] = {0, 1, 3, 4};
-    PDF_COLOR color;
+    WIDGET_COLOR color;
     color.count = COUNTS[bytes.below(4)];
     for (int i = 0; i < color.count; ++i)
         color.values[i] = bytes.byte() / 255.0;
