@@ -49,10 +49,10 @@ WIDGET_KIND kind_of(const CPDFField& field)
     return comb ? WIDGET_KIND::COMB : WIDGET_KIND::TEXT;
 }
 
-PDF_COLOR read_color(CPDFXRefTable& xref, const CPDFObj* entry)
+WIDGET_COLOR read_color(CPDFXRefTable& xref, const CPDFObj* entry)
 {
     const CPDFEntryView list(&xref, entry);
-    PDF_COLOR color;
+    WIDGET_COLOR color;
     const CPDFArray* values = list->array();
     if (!values || (values->count != 1 && values->count != 3 && values->count != 4))
         return color;

@@ -1,4 +1,5 @@
-// Every limit that protects against hostile files, each with its reason.
+// Every limit that protects against hostile files, each with its reason. Together they keep what one command does with a file
+// of 1 MB below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file.
 #pragma once
 
 #include <cstddef>
@@ -35,24 +36,24 @@ constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
 // Filters of one stream.
 constexpr int LIMIT_FILTERS = 16;
 
-// Decoded object streams that are kept, in bytes over all of them: so many times the size of the file, between the two
-// bounds. Fields are rarely in the order of the streams they lie in.
-constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{8} << 20;
-constexpr size_t LIMIT_OBJECT_STREAM_CACHE_LARGE = size_t{256} << 20;
-constexpr size_t LIMIT_OBJECT_STREAM_CACHE_RATIO = 8;
+// Decoded object streams that are kept, in bytes over all of them. Fields are rarely in the order of the streams they lie
+// in, so those of a file of less than 6 MB are all kept: it can't take more decoding after a change than before.
+constexpr size_t LIMIT_OBJECT_STREAM_CACHE = size_t{256} << 20;
+
+// Objects of one object stream. Writers put a few hundred into each.
+constexpr int32_t LIMIT_STREAM_OBJECTS = 1 << 20;
 
 // Bytes that are parsed in one operation, and that the values take which are built, before further objects read as
 // absent: without it, many references to one large object take quadratic time and memory. Real forms are read about
-// twice; the bytes of object streams count as the file's own do.
-constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{64} << 20;
-constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 16;
+// twice, where object streams shrink to a twentieth at most. A file that was updated may take the first of the two once
+// more: objects that a fill makes longer may have many names, and each name reads them again.
+constexpr uint64_t LIMIT_PARSE_WORK = uint64_t{32} << 20;
+constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 128;
 
-// Object streams that unpack to more than so many times their size count as if they did not.
-constexpr size_t LIMIT_PARSE_WORK_RATIO = 32;
-
-// The same for bytes that are decoded: object streams that leave their cache are decoded again.
-constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{512} << 20;
-constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 64;
+// The same for bytes that are decoded, every stage of a chain of filters counted. Object streams that are kept stay
+// counted, so this bounds memory as well.
+constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{48} << 20;
+constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 32;
 
 // How often the calculations of a form run until nothing changes: fields that are calculated from each other may never end.
 constexpr int LIMIT_CALCULATION_ROUNDS = 10;
@@ -87,8 +88,8 @@ constexpr size_t LIMIT_DATA_BYTES_PER_BYTE = 8;
 constexpr size_t LIMIT_NAME_PARTS = 64;
 
 // Bytes of form data that one export gives, and of texts that it reads from streams, which fields may share.
-constexpr size_t LIMIT_EXPORT = size_t{512} << 20;
-constexpr size_t LIMIT_EXPORT_STREAMS = size_t{64} << 20;
+constexpr size_t LIMIT_EXPORT = size_t{128} << 20;
+constexpr size_t LIMIT_EXPORT_STREAMS = size_t{8} << 20;
 
 // Bytes of options that one list of fields shows; many fields may share a long list of options.
 constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
@@ -124,6 +125,9 @@ constexpr size_t LIMIT_FONT_WIDTHS = 1u << 17;
 // Characters of one value that are laid out: in one line, and in many. A page of text at 4 points has about as many.
 constexpr size_t LIMIT_DRAWN_LINE = 1 << 13;
 constexpr size_t LIMIT_DRAWN_TEXT = 1 << 17;
+
+// Characters of all values that one save draws: many widgets may show one long text. Those beyond are left to viewers.
+constexpr size_t LIMIT_DRAWN_CHARACTERS = 1 << 24;
 
 // Cells of a comb that get a dividing line. More are solid black.
 constexpr int LIMIT_COMB_LINES = 1000;

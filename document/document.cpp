@@ -20,7 +20,7 @@ CPDFStatus CPDFDocument::open(const std::string& path, PDF_LOAD load, std::strin
     return within_memory("open the file", [&] {
         renew_state();
         CPDFStatus status = m_state->bytes.open(path);
-        return status.ok() ? m_state->load(load, password) : status;
+        return status.ok() ? load_or_rescue(load, password) : status;
     });
 }
 
@@ -29,7 +29,7 @@ CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load, std::st
     return within_memory("open the file", [&] {
         renew_state();
         m_state->bytes.take(std::move(bytes));
-        return m_state->load(load, password);
+        return load_or_rescue(load, password);
     });
 }
 
@@ -38,6 +38,7 @@ void CPDFDocument::renew_state()
     auto state = std::make_unique<State>();
     state->drawing = m_state->drawing;
     state->scripts = m_state->scripts;
+    state->rescue = m_rescue;
     m_state = std::move(state);
 }
 
@@ -118,7 +119,10 @@ CPDFWidgetBinder& CPDFDocument::State::bound_widgets()
         const VXFailureCheck memory;
         loaded_form();
         const CPDFReadAllowance allowance(reader->budget());
+        unbind_widgets();  // what was bound when memory ran out
         widgets.bind(*xref, form, pages());
+        if (memory.failed())
+            unbind_widgets();
         need_memory(memory);
     }
     return widgets;
@@ -149,10 +153,15 @@ const CPDFSignatureGuard& CPDFDocument::State::signatures()
     return *guard;
 }
 
-void CPDFDocument::State::forget_fields()
+void CPDFDocument::State::unbind_widgets()
 {
     for_each_field(form, [](CPDFField& field) { field.m_widget = nullptr; });
     widgets.clear();
+}
+
+void CPDFDocument::State::forget_fields()
+{
+    unbind_widgets();
     names.clear();
     filled.clear();
     to_draw.clear();
@@ -189,7 +198,10 @@ bool CPDFDocument::has_form() const
 
 bool CPDFDocument::has_xfa()
 {
-    return m_state->has_xfa();
+    const VXFailureCheck memory;
+    const bool found = m_state->has_xfa();
+    need_memory(memory);
+    return found;
 }
 
 CPDFAcroForm& CPDFDocument::form()
@@ -241,8 +253,9 @@ CPDFField* CPDFDocument::field(std::string_view name)
         found = state.branches->find(*state.xref, state.form_entry(), name);
     if (!found)
         found = state.names.find(state.loaded_form(), name);
-    if (!found)
-        need_memory(memory);
+    if (memory.failed())
+        state.names.clear();
+    need_memory(memory);
     return found;
 }
 
@@ -253,7 +266,10 @@ std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& fiel
 
 std::vector<PDF_BUTTON_CHOICE> CPDFDocument::choices_of(const CPDFField& field)
 {
-    return button_choices(field, m_state->bound_widgets());
+    const VXFailureCheck memory;
+    std::vector<PDF_BUTTON_CHOICE> choices = button_choices(field, m_state->bound_widgets());
+    need_memory(memory);
+    return choices;
 }
 
 CPDFReadAllowance CPDFDocument::reading()
@@ -262,9 +278,15 @@ CPDFReadAllowance CPDFDocument::reading()
     return CPDFReadAllowance(m_state->reader->budget());
 }
 
+bool CPDFDocument::read_too_much() const
+{
+    return m_state->reader->budget().exhausted();
+}
+
 void CPDFDocument::revert()
 {
     State& state = *m_state;
+    const VXFailureCheck memory;
     const CPDFReadAllowance allowance(state.reader->budget());
     state.xref->discard_changes();
     state.asked_to_draw = state.values_changed = false;
@@ -280,6 +302,7 @@ void CPDFDocument::revert()
         state.form.unload();
         state.form.m_ref = {0, 0};
         state.read_root();
+        need_memory(memory);
         state.loaded_form();
         return;
     }
@@ -290,6 +313,7 @@ void CPDFDocument::revert()
     for (CPDFField* field : state.filled)
         for_each_field(*field, [](CPDFField& at) { at.reload_value(); });
     state.filled.clear();
+    need_memory(memory);
 }
 
 CPDFStatus CPDFDocument::State::make_update(std::string& update)

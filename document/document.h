@@ -33,6 +33,12 @@ enum class PDF_DRAWING {
     LEAVE_TO_VIEWERS,  // viewers, which are asked to by "NeedAppearances" unless the file is signed
 };
 
+// What becomes of files too damaged to be read as they are.
+enum class PDF_RESCUE {
+    REPAIR,  // qpdf, in a process of its own, writes a clean copy, which takes the file's place
+    OFF,     // they are refused, and what else is broken is absent; for programs that must not fork
+};
+
 // One document. It owns the file's bytes, the object store and the form; everything it hands out is borrowed and ends
 // with it. One thread at a time. Where memory runs out, operations with a status answer NO_MEMORY; the others throw
 // std::bad_alloc.
@@ -50,7 +56,8 @@ public:
     CPDFDocument& operator=(const CPDFDocument&) = delete;
 
     // Opens a file, or takes its bytes, and loads the form; a form that takes more work than its size justifies is
-    // refused. A document without a form opens with an empty one. An encrypted file opens with the empty password or with
+    // refused. A file in which the cross-reference data, the catalog or an object of the form is broken is repaired, see
+    // rescue_note. A document without a form opens with an empty one. An encrypted file opens with the empty password or with
     // `password`, the user's or the owner's in UTF-8; what is appended to it is encrypted with the same key. After a failure,
     // or before any call, the document is closed: every other operation needs a successful open.
     CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM, std::string_view password = {});
@@ -61,6 +68,19 @@ public:
     // permitted is refused unless it is forced.
     bool permits_filling() const;
     bool permits_editing() const;
+
+    // For the files that are opened from now on; REPAIR at first.
+    void set_rescue(PDF_RESCUE rescue);
+
+    // What was broken, and that the repaired copy of the file took its place or why it could not: one sentence for
+    // people; empty where nothing was. The copy is what data() gives and what save writes before the changes.
+    const std::string& rescue_note() const;
+
+    // Takes the repaired copy, if it has more of the form, where something broken was noticed since the file was opened:
+    // by field() of a document opened for named fields, or in the pages. True when it did; changes are dropped then and
+    // all fields end, so that the work is to be done again. Costs nothing where nothing is broken, and a copy is made
+    // once at most.
+    bool mend();
 
     // Whether the catalog names a form.
     bool has_form() const;
@@ -74,7 +94,7 @@ public:
     const PDF_REF& root_ref() const;
     const CPDFDictionary& trailer() const;
 
-    // The file's bytes, unchanged.
+    // The file's bytes, unchanged, or those of its repaired copy.
     const uint8_t* data() const;
     size_t size() const;
 
@@ -180,6 +200,9 @@ public:
     // its widgets bound. When it is used up, objects read as absent.
     CPDFReadAllowance reading();
 
+    // Whether so much was read since the last operation that objects and streams read as absent.
+    bool read_too_much() const;
+
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     // After a call that is to change the structure the form is loaded anew, which ends all fields.
     void revert();
@@ -195,6 +218,9 @@ public:
 private:
     struct State;
     void renew_state();
+    CPDFStatus load_or_rescue(PDF_LOAD load, std::string_view password);
+    CPDFStatus take_repaired(const std::string& damage, PDF_LOAD load);
 
     std::unique_ptr<State> m_state;  // owned
+    PDF_RESCUE m_rescue = PDF_RESCUE::REPAIR;
 };

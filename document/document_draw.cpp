@@ -104,6 +104,8 @@ CPDFStatus CPDFDocument::State::draw()
         }
     }
     CPDFStatus status = needs_appearances(*xref, root) && !signatures().is_signed() ? draw_missing() : CPDFStatus();
+    if (status.ok() && redraw && redraw->left_some())
+        status = ask_to_draw();
     if (status.ok() && redraw)
         status = redraw->finish(notes);
     if (status.ok() && memory.failed())
@@ -124,6 +126,8 @@ CPDFStatus CPDFDocument::State::draw_missing()
         if (&value_field(field) == &field && field.m_type != FIELD_UNKNOWN)
             painter().draw_missing(field, widgets_to_draw(field));
     });
+    if (redraw && redraw->left_some())
+        return {};
     const PDF_CHANGE_RESULT result = clear_need_appearances(*xref, root, root_ref);
     return result == PDF_CHANGE_RESULT::NO_MEMORY ? no_memory_to(DRAWING) : CPDFStatus();
 }
@@ -159,6 +163,8 @@ CPDFStatus CPDFDocument::State::flatten()
         });
     }
     CPDFStatus status = draw_missing();
+    if (status.ok() && redraw && redraw->left_some())
+        status = too_much_to("draw what is to be flattened");
     if (status.ok() && redraw)
         status = redraw->finish(notes);
     if (!status.ok())

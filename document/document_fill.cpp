@@ -88,7 +88,8 @@ CPDFStatus CPDFDocument::set_text(CPDFField& field, std::string_view value, PDF_
 {
     return within_memory(FILLING, [&] {
         if (field.m_type != FIELD_TEXT)
-            return CPDFStatus::failed(PDF_CODE::WRONG_KIND, "field \"" + full_name(field) + "\" is no text field");
+            return CPDFStatus::failed(PDF_CODE::WRONG_KIND,
+                                      "field " + in_quotes(full_name(field)) + " is no text field");
         return set_value(field, std::string(value), fill);
     });
 }

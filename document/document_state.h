@@ -34,8 +34,11 @@ struct CPDFDocument::State {
     std::optional<CPDFBranchFinder> branches{std::in_place};
     CPDFNameIndex names;
     std::optional<CPDFSignatureGuard> guard;
-    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
-    bool edited = false;             // fields were added, removed or changed in what they are
+    std::vector<CPDFField*> filled;          // borrowed; the fields that were changed
+    bool edited = false;                     // fields were added, removed or changed in what they are
+    PDF_RESCUE rescue = PDF_RESCUE::REPAIR;  // OFF, too, when it was tried
+    std::string rescue_note;
+    std::string password;  // that the file was opened with
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;
     std::optional<CPDFFormCompute> computer;                   // made when the first script may run
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
@@ -68,6 +71,7 @@ struct CPDFDocument::State {
     // Refuses where `permitted` is not.
     static CPDFStatus check_permission(bool permitted);
 
+    void unbind_widgets();
     void forget_fields();
 
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
@@ -113,12 +117,16 @@ inline CPDFStatus no_memory_to(const char* what)
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
 }
 
-// Runs an operation of the front class: where memory runs out it says so, and no exception gets out.
+// Runs an operation of the front class: where memory runs out it says so, whatever the operation made of it, and no
+// exception gets out.
 template <typename Operation>
 CPDFStatus within_memory(const char* what, const Operation& operation)
 {
+    const VXFailureCheck memory;
     try {
-        return operation();
+        CPDFStatus status = operation();
+        need_memory(memory);
+        return status;
     } catch (const std::bad_alloc&) {
         return no_memory_to(what);
     }

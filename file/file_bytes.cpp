@@ -7,29 +7,13 @@
 
 #include <cerrno>
 #include <cstring>
-#include <utility>
+
+#include "file/descriptor.h"
 
 namespace {
 
 // File positions are 32 bits wide in the object store.
 constexpr uint64_t LARGEST_FILE = UINT32_MAX;
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : m_fd(fd) {}
-    ~Descriptor()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return m_fd; }
-    int release() { return std::exchange(m_fd, -1); }
-
-private:
-    int m_fd;
-};
 
 CPDFStatus io_failure(const char* what)
 {
@@ -55,12 +39,17 @@ void CPDFFileBytes::take(std::vector<uint8_t> bytes)
 
 CPDFStatus CPDFFileBytes::open(const std::string& path)
 {
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.get() < 0) {
-        if (errno == ENOENT || errno == ENOTDIR)
-            return CPDFStatus::failed(PDF_CODE::NOT_FOUND, "there is no such file");
-        return io_failure("the file can't be opened");
-    }
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd >= 0)
+        return open(fd);
+    if (errno == ENOENT || errno == ENOTDIR)
+        return CPDFStatus::failed(PDF_CODE::NOT_FOUND, "there is no such file");
+    return io_failure("the file can't be opened");
+}
+
+CPDFStatus CPDFFileBytes::open(int fd)
+{
+    CPDFDescriptor file(fd);
     struct stat info = {};
     if (::fstat(file.get(), &info) != 0)
         return io_failure("the file can't be read");

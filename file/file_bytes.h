@@ -18,6 +18,8 @@ public:
 
     // Maps a regular file, reads anything else to its end.
     CPDFStatus open(const std::string& path);
+    // The same with a file that is open; takes the descriptor.
+    CPDFStatus open(int fd);
     void take(std::vector<uint8_t> bytes);
 
     const uint8_t* data() const { return m_data; }

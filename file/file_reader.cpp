@@ -93,7 +93,7 @@ CPDFStatus CPDFFileReader::start(CPDFXRefTable& xref)
     m_shift = header ? static_cast<size_t>(static_cast<const uint8_t*>(header) - m_data) : 0;
     uint32_t pos = 0;
     const bool has_start = find_start(pos);
-    if (!header && !has_start)
+    if (!header && !has_start && (!m_size || !memmem(m_data, m_size, "endobj", 6)))
         return CPDFStatus::failed(PDF_CODE::NOT_PDF, "this is not a PDF file");
     if (!has_start)
         return CPDFStatus::failed(PDF_CODE::DAMAGED, "the file is damaged at byte " + std::to_string(m_size) +
@@ -103,6 +103,8 @@ CPDFStatus CPDFFileReader::start(CPDFXRefTable& xref)
         return CPDFStatus::failed(PDF_CODE::DAMAGED, "the file is damaged at byte " + std::to_string(pos) +
                                                          ": there is no cross-reference section");
     m_newest_pos = static_cast<uint32_t>(at - m_shift);
+    if (const int64_t prev = number_of(m_trailer, "Prev"); prev > 0 && prev < m_newest_pos)
+        m_budget.set_updated();
     return {};
 }
 
@@ -173,7 +175,10 @@ int CPDFFileReader::read_section(CPDFXRefTable& xref, uint32_t pos)
 {
     size_t at = 0;
     PDF_SECTION_KIND kind = PDF_SECTION_KIND::NONE;
-    return place_section(pos, at) && read_section_at(xref, at, kind) ? 1 : 0;
+    if (place_section(pos, at) && read_section_at(xref, at, kind))
+        return 1;
+    note_damage(PDF_DAMAGE::SECTION);
+    return 0;
 }
 
 bool CPDFFileReader::read_section_at(CPDFXRefTable& xref, size_t at, PDF_SECTION_KIND& kind)
@@ -383,7 +388,10 @@ void CPDFFileReader::follow_trailer(CPDFXRefTable& xref, const CPDFDictionary& t
         xref.raise_next_num(static_cast<uint32_t>(size));
     const int64_t prev = number_of(trailer, "Prev");
     size_t at = 0;
-    if (prev > 0 && prev <= UINT32_MAX && place_section(static_cast<uint32_t>(prev), at) &&
-        m_sections.insert(at).second)
+    if (prev <= 0)
+        return;
+    if (prev > UINT32_MAX || !place_section(static_cast<uint32_t>(prev), at))
+        note_damage(PDF_DAMAGE::SECTION);
+    else if (m_sections.insert(at).second)
         xref.push_pending(static_cast<uint32_t>(prev));
 }

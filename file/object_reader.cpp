@@ -24,24 +24,25 @@ bool accept_object_start(CPDFLexer& lexer, uint32_t num, uint32_t& gen)
 
 }  // namespace
 
-CPDFObjectReader::CPDFObjectReader(const uint8_t* data, size_t size)
-    : m_data(data),
-      m_size(size),
-      m_budget(size),
-      m_streams(std::clamp(size * LIMIT_OBJECT_STREAM_CACHE_RATIO, LIMIT_OBJECT_STREAM_CACHE,
-                           LIMIT_OBJECT_STREAM_CACHE_LARGE))
-{
-}
+CPDFObjectReader::CPDFObjectReader(const uint8_t* data, size_t size) : m_data(data), m_size(size), m_budget(size) {}
 
 CPDFObjectReader::~CPDFObjectReader() = default;
 
 void CPDFObjectReader::read_object(CPDFXRefTable& xref, CPDFObj& out, uint32_t num, const PDF_XREF_ENTRY& entry,
                                    const CPDFKeySet* keys)
 {
-    if (entry.type == PDF_XREF_IN_FILE)
-        parse_object_at(xref, out, entry.index, num, keys);
-    else if (entry.type == PDF_XREF_IN_STREAM)
+    if (entry.type == PDF_XREF_IN_STREAM)
         read_from_stream(xref, out, num, entry, keys);
+    else if (entry.type == PDF_XREF_IN_FILE && !parse_object_at(xref, out, entry.index, num, keys))
+        note_damage(PDF_DAMAGE::OBJECT, num);
+}
+
+void CPDFObjectReader::note_damage(PDF_DAMAGE damage, uint32_t num)
+{
+    if (m_damage != PDF_DAMAGE::NONE || m_budget.exhausted())
+        return;
+    m_damage = damage;
+    m_damaged_object = num;
 }
 
 // An object in the file: "num gen obj", the value, and for a stream "stream", its data and "endstream".
@@ -152,12 +153,18 @@ void CPDFObjectReader::read_from_stream(CPDFXRefTable& xref, CPDFObj& out, uint3
     const CPDFObjectStream* stream = object_stream(xref, entry.index);
     const uint8_t* begin = nullptr;
     const uint8_t* end = nullptr;
-    if (!stream || !stream->find(num, entry.gen, begin, end))
+    if (!stream)
         return;
+    if (!stream->find(num, entry.gen, begin, end)) {
+        note_damage(PDF_DAMAGE::OBJECT, num);
+        return;
+    }
     CPDFParser parser(begin, end, nullptr);
     const bool found = m_budget.may_parse() && parser.parse(out, keys);
-    if (!m_budget.spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) || !found)
-        out.free();
+    if (m_budget.spend(static_cast<size_t>(parser.lexer().at() - begin) + parser.work()) && found)
+        return;
+    out.free();
+    note_damage(PDF_DAMAGE::OBJECT, num);
 }
 
 void CPDFObjectReader::set_security(std::unique_ptr<CPDFSecurityHandler> security, uint32_t dictionary)
@@ -216,7 +223,10 @@ const CPDFObjectStream* CPDFObjectReader::object_stream(CPDFXRefTable& xref, uin
     if (m_in_container || !m_budget.may_decode())
         return nullptr;
     const RaisedFlag flag(m_in_container);
-    return load_object_stream(xref, num);
+    const CPDFObjectStream* loaded = load_object_stream(xref, num);
+    if (!loaded)
+        note_damage(PDF_DAMAGE::OBJECT_STREAM, num);
+    return loaded;
 }
 
 const CPDFObjectStream* CPDFObjectReader::load_object_stream(CPDFXRefTable& xref, uint32_t num)
@@ -231,19 +241,20 @@ const CPDFObjectStream* CPDFObjectReader::load_object_stream(CPDFXRefTable& xref
     CPDFBytes bytes;
     if (!decode_stored(&xref, rec, bytes) || !m_budget.may_decode())
         return nullptr;
-    m_budget.count_unpacked(num, std::min<size_t>(bytes.size(), rec.data_len * LIMIT_PARSE_WORK_RATIO));
+    const size_t decoded = bytes.size();
     const int32_t count = resolve_integer(&xref, rec.dict.get_item("N"));
     const int32_t first = resolve_integer(&xref, rec.dict.get_item("First"));
-    return m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+    const CPDFObjectStream* stream =
+        m_streams.add(num, std::make_unique<CPDFObjectStream>(std::move(bytes), count, first));
+    m_budget.spend_decoding(stream->footprint() - decoded);
+    m_budget.set_kept(m_streams.held());
+    return stream;
 }
 
 bool CPDFObjectReader::decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size,
                               CPDFBytes& out)
 {
-    uint64_t work = 0;
-    const bool decoded = m_budget.may_decode() && decode_stream(xref, dict, data, size, out, &work);
-    m_budget.spend_decoding(work);
-    return decoded;
+    return m_budget.may_decode() && decode_stream(xref, dict, data, size, out, &m_budget.decoding());
 }
 
 bool CPDFObjectReader::decode_stored(CPDFXRefTable* xref, const CPDFStreamRec& rec, CPDFBytes& out)

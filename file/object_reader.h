@@ -25,6 +25,14 @@ private:
     bool m_before;
 };
 
+// What was found broken; an object that the cross-reference data does not have, or that is free, is null and no damage.
+enum class PDF_DAMAGE {
+    NONE,
+    SECTION,        // an older cross-reference section can't be read
+    OBJECT,         // an object is not at its place, or can't be parsed
+    OBJECT_STREAM,  // an object stream can't be decoded
+};
+
 // Parses on demand, straight from the bytes, which are borrowed and outlive the reader. Where sections stand is known to the
 // class that stands on this one.
 class CPDFObjectReader : public CPDFObjectSource {
@@ -49,11 +57,17 @@ public:
     // The work that may still be done.
     CPDFReadBudget& budget() { return m_budget; }
 
+    // What reading found broken first, and the number of the object.
+    PDF_DAMAGE damage() const { return m_damage; }
+    uint32_t damaged_object() const { return m_damaged_object; }
+
 protected:
     CPDFObjectReader(const uint8_t* data, size_t size);
 
     // The object `num` that begins at byte `at`; false when it is not there.
     bool parse_object_at(CPDFXRefTable& xref, CPDFObj& out, size_t at, uint32_t num, const CPDFKeySet* keys);
+    // Keeps what is the first damage, unless it may be for want of work that nothing was read.
+    void note_damage(PDF_DAMAGE damage, uint32_t num = 0);
     // decode_stream at the expense of the budget.
     bool decode(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out);
     // The same for data that are in the file.
@@ -75,6 +89,8 @@ private:
     const CPDFObjectStream* load_object_stream(CPDFXRefTable& xref, uint32_t num);
 
     bool m_in_container = false;  // an object stream is being decoded
+    PDF_DAMAGE m_damage = PDF_DAMAGE::NONE;
+    uint32_t m_damaged_object = 0;
     CPDFObjectStreamCache m_streams;
     CPDFSplicer m_splicer;
     std::unique_ptr<CPDFSecurityHandler> m_security;

@@ -11,7 +11,7 @@ CPDFObjectStream::CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first
     const uint8_t* begin = m_bytes.data();
     const auto body = static_cast<size_t>(std::max(first, 0));
     CPDFLexer lexer(begin, begin + m_bytes.size());
-    count = std::min(count, static_cast<int32_t>(LIMIT_OBJECT_NUMBER));
+    count = std::min(count, LIMIT_STREAM_OBJECTS);
     for (int32_t i = 0; i < count; ++i) {
         uint32_t num = 0;
         uint32_t offset = 0;

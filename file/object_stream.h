@@ -13,7 +13,7 @@
 class CPDFObjectStream {
 public:
     // Takes the decoded bytes; `count` is "N" and `first` is "First", neither of them trusted. No more than
-    // LIMIT_OBJECT_NUMBER objects count.
+    // LIMIT_STREAM_OBJECTS objects count.
     CPDFObjectStream(CPDFBytes bytes, int32_t count, int32_t first);
 
     // The bytes of object `num`, which the cross-reference data says is object `index` of the stream. The object ends at
@@ -47,6 +47,9 @@ public:
 
     // Keeps `stream` as number `num` and returns it.
     const CPDFObjectStream* add(uint32_t num, std::unique_ptr<CPDFObjectStream> stream);
+
+    // Memory of all streams that are kept, in bytes.
+    size_t held() const { return m_held; }
 
 private:
     struct Slot {

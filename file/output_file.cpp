@@ -1,12 +1,19 @@
 #include "file/output_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+
+#include "file/descriptor.h"
 
 namespace {
 
@@ -53,70 +60,129 @@ bool write_special(const std::string& path, const PDF_OUTPUT_INPUT& input, std::
     return ::close(fd) == 0 && written;
 }
 
-// What newly created files must not have. It can't be read without being set, which no two threads may do at once.
-mode_t creation_mask()
-{
-    static const mode_t MASK = [] {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        return mask;
-    }();
-    return MASK;
-}
+// The names of temporary files that have one at this moment. Whoever takes a name out owns it.
+std::array<std::atomic<char*>, 256> partial_names;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
-// A temporary file that is removed unless it is renamed to its target.
-class TemporaryFile {
+// A name beside the target, noted for remove_partial_outputs while this lives. It is the same for every output to that
+// target, so that the next one takes away what a killed program left there.
+class PartialName {
 public:
-    explicit TemporaryFile(const std::string& target) : m_path(target + ".XXXXXX")
+    explicit PartialName(std::string path) : m_name(std::move(path))
     {
-        m_fd = ::mkostemp(m_path.data(), O_CLOEXEC);
-    }
-
-    ~TemporaryFile()
-    {
-        if (m_fd >= 0) {
-            ::close(m_fd);
-            ::unlink(m_path.c_str());
+        char* name = ::strdup(m_name.c_str());
+        for (std::atomic<char*>& slot : partial_names) {
+            char* none = nullptr;
+            if (name && slot.compare_exchange_strong(none, name)) {
+                m_slot = &slot;
+                return;
+            }
         }
+        std::free(name);  // NOLINT(cppcoreguidelines-no-malloc): strdup allocates so
     }
 
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    bool is_open() const { return m_fd >= 0; }
-
-    bool write(const PDF_OUTPUT_INPUT& input, std::string_view update) const { return write_all(m_fd, input, update); }
-
-    // The mode of the file that is replaced, else what a newly created file has.
-    bool set_mode_like(const std::string& target) const
+    ~PartialName()
     {
-        struct stat info = {};
-        if (::stat(target.c_str(), &info) == 0)
-            return ::fchmod(m_fd, info.st_mode & 07777) == 0;
-        return ::fchmod(m_fd, 0666 & ~creation_mask()) == 0;
+        if (m_slot)
+            std::free(m_slot->exchange(nullptr));  // NOLINT(cppcoreguidelines-no-malloc): as above
     }
 
-    bool rename_to(const std::string& target)
-    {
-        if (::fsync(m_fd) != 0 || ::rename(m_path.c_str(), target.c_str()) != 0)
-            return false;
-        ::close(m_fd);
-        m_fd = -1;
-        return true;
-    }
+    PartialName(const PartialName&) = delete;
+    PartialName& operator=(const PartialName&) = delete;
+
+    const char* c_str() const { return m_name.c_str(); }
 
 private:
-    std::string m_path;
-    int m_fd = -1;  // owned
+    std::string m_name;
+    std::atomic<char*>* m_slot = nullptr;  // borrowed from partial_names
 };
+
+// The mode of the file that is replaced, if there is one.
+bool set_mode_like(int fd, const std::string& target)
+{
+    struct stat info = {};
+    return ::stat(target.c_str(), &info) != 0 || ::fchmod(fd, info.st_mode & 07777) == 0;
+}
+
+// Fills the temporary file and flushes it to the disk.
+bool fill(int fd, const std::string& target, const PDF_OUTPUT_INPUT& input, std::string_view update)
+{
+    return write_all(fd, input, update) && set_mode_like(fd, target) && ::fsync(fd) == 0;
+}
+
+bool rename_to(const char* partial, const std::string& target)
+{
+    if (::rename(partial, target.c_str()) == 0)
+        return true;
+    const int problem = errno;
+    ::unlink(partial);
+    errno = problem;
+    return false;
+}
+
+// Gives the whole file without a name the name of the target. A name can't be given over an existing file, so it gets
+// another one before. A file that has that already is whole, too, of a killed program or of somebody who writes to the same
+// target at this moment, and goes to the target first; its writer finds the work done.
+bool name_file(int fd, const std::string& target)
+{
+    constexpr int ATTEMPTS = 100;
+    const std::string file = "/proc/self/fd/" + std::to_string(fd);
+    const auto link = [&file](const char* name) {
+        return ::linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+    };
+    if (link(target.c_str()))
+        return true;
+    const PartialName whole(target + ".formwork-new");
+    for (int i = 0; i < ATTEMPTS && errno == EEXIST; ++i) {
+        const bool linked = link(whole.c_str());
+        if (!linked && errno != EEXIST)
+            return false;
+        if (!rename_to(whole.c_str(), target) && errno != ENOENT)
+            return false;
+        if (linked)
+            return true;
+        errno = EEXIST;
+    }
+    return false;
+}
+
+// For file systems without unnamed files: a file that has its temporary name from the start. Who writes to it holds a lock;
+// one without was left by a killed program.
+bool write_named(const std::string& target, const PDF_OUTPUT_INPUT& input, std::string_view update)
+{
+    const PartialName partial(target + ".formwork-part");
+    const CPDFDescriptor file(::open(partial.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (file.get() < 0)
+        return false;
+    struct stat opened = {};
+    struct stat named = {};
+    // Waiting for another one ends with a file that has its target's name by now.
+    if (::flock(file.get(), LOCK_EX) != 0 || ::fstat(file.get(), &opened) != 0)
+        return false;
+    if (::stat(partial.c_str(), &named) != 0 || named.st_ino != opened.st_ino)
+        return write_named(target, input, update);
+    if (::ftruncate(file.get(), 0) == 0 && fill(file.get(), target, input, update))
+        return rename_to(partial.c_str(), target);
+    const int problem = errno;
+    ::unlink(partial.c_str());
+    errno = problem;
+    return false;
+}
+
+// Writes a file without a name, of which nothing is left when the program is killed, and names it when it is whole.
+bool write_unnamed(const std::string& target, const PDF_OUTPUT_INPUT& input, std::string_view update, bool& supported)
+{
+    const size_t slash = target.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : target.substr(0, slash + 1);
+    const CPDFDescriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666));
+    supported = file.get() >= 0 && ::access("/proc/self/fd", X_OK) == 0;
+    return supported && fill(file.get(), target, input, update) && name_file(file.get(), target);
+}
 
 // A link is followed, so that the file it names is replaced and not the link.
 std::string real_target(const std::string& path)
 {
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    std::string target = resolved ? resolved : path;
-    std::free(resolved);  // NOLINT(cppcoreguidelines-no-malloc): realpath allocates so
-    return target;
+    char resolved[PATH_MAX];
+    return ::realpath(path.c_str(), resolved) ? resolved : path;
 }
 
 }  // namespace
@@ -130,8 +196,16 @@ CPDFStatus write_file(const std::string& path, const PDF_OUTPUT_INPUT& input, st
     };
     if (is_special(path))
         return write_special(path, input, update) ? CPDFStatus() : failure();
-    TemporaryFile file(target);
-    if (!file.is_open() || !file.write(input, update) || !file.set_mode_like(target) || !file.rename_to(target))
-        return failure();
-    return {};
+    bool supported = false;
+    if (write_unnamed(target, input, update, supported) || (!supported && write_named(target, input, update)))
+        return {};
+    return failure();
+}
+
+void remove_partial_outputs()
+{
+    for (std::atomic<char*>& slot : partial_names) {
+        if (const char* name = slot.exchange(nullptr))
+            ::unlink(name);
+    }
 }

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <unordered_set>
 
 #include "core/limits.h"
 
-// Bytes that may still be parsed, and bytes that may still be decoded, before objects read as absent.
+// Bytes that may still be parsed, and bytes that may still be decoded, before objects read as absent. Neither depends on what
+// was read before, so a file that is read less after a change does not have less for it.
 class CPDFReadBudget {
 public:
     explicit CPDFReadBudget(size_t file_size) : m_size(file_size) { renew(); }
@@ -16,8 +16,9 @@ public:
     // Allows as many bytes again as at the start.
     void renew()
     {
-        m_parse = LIMIT_PARSE_WORK + LIMIT_PARSE_WORK_PER_BYTE * (m_size + m_unpacked_size);
+        m_parse = LIMIT_PARSE_WORK * (m_updated ? 2 : 1) + LIMIT_PARSE_WORK_PER_BYTE * m_size;
         m_decode = LIMIT_DECODE_WORK + LIMIT_DECODE_WORK_PER_BYTE * m_size;
+        spend_decoding(m_kept);
     }
 
     bool may_parse() const { return m_parse > 0; }
@@ -35,21 +36,25 @@ public:
     }
     void spend_decoding(uint64_t bytes) { m_decode -= std::min(m_decode, bytes); }
 
-    // Counts the `bytes` of the object stream `num` as the file's own, once.
-    void count_unpacked(uint32_t num, size_t bytes)
+    // Bytes that may still be decoded; the decoder takes off what it gives.
+    uint64_t& decoding() { return m_decode; }
+
+    // So many decoded bytes are kept: they are not allowed again.
+    void set_kept(uint64_t bytes) { m_kept = bytes; }
+
+    // The file has an incremental update.
+    void set_updated()
     {
-        if (!m_unpacked.insert(num).second)
-            return;
-        m_unpacked_size += bytes;
-        m_parse += LIMIT_PARSE_WORK_PER_BYTE * bytes;
+        m_updated = true;
+        renew();
     }
 
 private:
     size_t m_size;
     uint64_t m_parse = 0;
     uint64_t m_decode = 0;
-    uint64_t m_unpacked_size = 0;             // of the object streams counted
-    std::unordered_set<uint32_t> m_unpacked;  // their numbers
+    uint64_t m_kept = 0;
+    bool m_updated = false;
 };
 
 // The budget of one operation: whole when it begins, and whole again for what comes after it.

@@ -7,21 +7,9 @@
 #include <vector>
 
 #include "document/document.h"
+#include "fuzz/made_file.h"
 
 namespace {
-
-std::vector<std::string> parts_of(std::string_view text)
-{
-    constexpr std::string_view MARK = "\n;\n";
-    std::vector<std::string> parts;
-    for (size_t begin = 0; begin <= text.size() && parts.size() < 40;) {
-        const size_t end = std::min(text.find(MARK, begin), text.size());
-        parts.emplace_back(text.substr(begin, end - begin));
-        begin = end + MARK.size();
-    }
-    parts.resize(std::max<size_t>(parts.size(), 3));
-    return parts;
-}
 
 std::string object_text(const std::string& part)
 {
@@ -29,9 +17,8 @@ std::string object_text(const std::string& part)
     if (!part.starts_with(MARK))
         return part;
     const size_t end = std::min(part.find('\n'), part.size());
-    const std::string data = part.substr(std::min(end + 1, part.size()));
-    return "<<" + part.substr(MARK.size(), end - MARK.size()) + "/Length " + std::to_string(data.size()) +
-           ">>\nstream\n" + data + "\nendstream";
+    return stream_text(std::string_view(part).substr(std::min(end + 1, part.size())),
+                       part.substr(MARK.size(), end - MARK.size()));
 }
 
 std::vector<uint8_t> file_of(const std::vector<std::string>& parts)
@@ -44,25 +31,16 @@ std::vector<uint8_t> file_of(const std::vector<std::string>& parts)
         {5, "<</Type/Annot/Subtype/Widget/T(f)/Rect[10 10 200 60]" + parts[1] + ">>"}};
     for (size_t i = 3; i < parts.size(); ++i)
         objects.emplace_back(static_cast<int>(i) + 7, object_text(parts[i]));
-    std::string file = "%PDF-1.7\n";
-    std::string table = "xref\n";
-    for (const auto& [num, text] : objects) {
-        std::string at = std::to_string(file.size());
-        at.insert(0, 10 - at.size(), '0');
-        table += std::to_string(num) + " 1\n" + at + " 00000 n \n";
-        file += std::to_string(num) + " 0 obj\n" + text + "\nendobj\n";
-    }
-    const std::string start = std::to_string(file.size());
-    file += table + "trailer\n<</Size 60/Root 1 0 R>>\nstartxref\n" + start + "\n%%EOF\n";
-    return {file.begin(), file.end()};
+    return made_file(objects);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const std::vector<std::string> parts = parts_of({reinterpret_cast<const char*>(data), size});
+    const std::vector<std::string> parts = parts_of({reinterpret_cast<const char*>(data), size}, 3, 40);
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (!document.open(file_of(parts)).ok())
         return 0;
     CPDFField* field = document.field("f");
@@ -72,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!document.save(out).ok())
         return 0;
     CPDFDocument again;
+    again.set_rescue(PDF_RESCUE::OFF);  // it forks
     if (!again.open(out).ok())
         std::abort();
     if (again.flatten(PDF_EDIT::FORCE).ok() && (!again.save(out).ok() || again.has_form()))

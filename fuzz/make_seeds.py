@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the hostile and odd files of seeds/open_form: make_seeds.py [FOLDER].
+"""Writes the hostile and odd files of seeds/open_form and the small seeds of other targets: make_seeds.py [FOLDER].
 
 Every tree_ file also holds the sound field "good" with the value "kept".
 """
@@ -422,13 +422,90 @@ def packets():
     }
 
 
+# Seeds of other targets
+
+
+def every_kind():
+    """A form with fields of all kinds in a group and beside it, on a page."""
+    objects = {
+        2: b"<</Type/Pages/Kids[20 0 R]/Count 1>>",
+        5: b"<</T(g)/Kids[6 0 R 7 0 R]>>",
+        6: b"<</Type/Annot/Subtype/Widget/FT/Tx/T(a)/V(x)/DV(d)/MaxLen 9/Rect[9 9 99 29]/Parent 5 0 R>>",
+        7: b"<</Type/Annot/Subtype/Widget/FT/Ch/T(b)/Opt[(x)[(y)(z)]]/Ff 131072/Rect[9 39 99 59]/Parent 5 0 R>>",
+        8: b"<</Type/Annot/Subtype/Widget/FT/Btn/T(c)/AP<</N<</Yes null>>>>/Rect[9 69 19 79]>>",
+        9: b"<</FT/Btn/T(r)/Ff 32768/Kids[10 0 R 11 0 R]>>",
+        10: b"<</Type/Annot/Subtype/Widget/AP<</N<</A null>>>>/Rect[9 89 19 99]/Parent 9 0 R>>",
+        11: b"<</Type/Annot/Subtype/Widget/AP<</N<</B null>>>>/Rect[29 89 39 99]/Parent 9 0 R>>",
+        12: b"<</Type/Annot/Subtype/Widget/FT/Ch/T(l)/Opt[(p)(q)]/Ff 2097152/I[0]/V(p)/Rect[9 109 99 149]>>",
+        13: b"<</Type/Annot/Subtype/Widget/FT/Sig/T(s)/Rect[0 0 0 0]>>",
+        20: b"<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 200]/Annots[6 0 R 7 0 R 8 0 R 10 0 R 11 0 R 12 0 R 13 0 R]>>",
+    }
+    return plain(b"[4 0 R 5 0 R 8 0 R 9 0 R 12 0 R 13 0 R]", objects, form=b"/DA(/Helv 0 Tf 0 g)")
+
+
+def changes():
+    """Rows of changes behind a form, see edit_form_fuzz.cpp."""
+    return {
+        "add": [0, 4, 0, 1, 3, 4, 0, 0, 3, 3, 1, 2, 1, 5, 6, 0, 0, 5, 4, 1, 9, 3, 16, 1, 65],
+        "remove": [1, 1, 1, 1, 1, 0, 1, 0],
+        "rename": [2, 1, 0, 2, 2, 4, 2, 3, 8, 2, 46, 120],
+        "move": [3, 1, 1, 4, 3, 2, 0, 3, 5, 1, 1],
+        "change": [4, 2, 5, 0, 16, 0, 0, 2, 4, 3, 24, 1, 120, 1, 121, 6, 2, 7],
+        "flatten": [6, 2, 3, 8, 1, 8, 255, 0, 4, 0, 1, 3, 4, 0],
+    }
+
+
+def filter_seeds():
+    text = b"stream data, stream data"
+    rows = b"\2" + bytes(range(8)) + b"\2" + bytes(8)
+    return {
+        "none": b"\0" + text,
+        "flate": b"\x81\0" + flate(text),
+        "flate_up": b"\x41\0\3\0\4\x08\1" + flate(rows),
+        "lzw": b"\x41\1\0\0\4\1\1\x80\x0b\x60\x50\x22\x0c\x0c\x85\x01",
+        "hex": b"\1\2" + text.hex().encode() + b">",
+        "ascii85": b"\1\3" + b"F)Po,+Cno&F)Po,+Cno&~>",
+        "run_length": b"\1\4\2abc\xfed\x80",
+        "hex_flate": b"\2\2\0" + flate(text).hex().encode() + b">",
+        "bomb": b"\2\0\0" + flate(flate_zeros(1 << 20)),
+    }
+
+
+def texts():
+    data = b"<xfa:datasets xmlns:xfa='u'><xfa:data><form1><a>old</a></form1></xfa:data></xfa:datasets>"
+    return {
+        "json/all": b'{"t":"text","g.t":12,"c":"shown","l":["a","c"],"b":true,"none":null}',
+        "json/escapes": b'\xef\xbb\xbf{"t":"\\u00e9\\ud83d\\ude00\\n\\u0000","l":[],"g.t":-0.5e1}',
+        "csv/all": b"t,g.t,c,l,b\r\ntext,12,shown,a,Yes\r\n",
+        "csv/quotes": b'\xef\xbb\xbf"t","g.t"\n"a ""b""\r\n,",\n\n',
+        "csv/found_mark": b"\r\xfe\xfft",
+        "xfa_data/packets": b"\0" + data,
+        "xfa_data/one": b"\1<?xml version='1.0'?><xdp:xdp xmlns:xdp='u'><template/>" + data + b"</xdp:xdp>",
+        "syntax/dict": b"<</V(old)/RV<</A[1 0 R -1.50 .0]>>/T<FEFF00E9>/Kids[null true]/FT/T#78>>",
+        "syntax/gaps": b"<< /A 1% c\n2/V ( (x) \\) \\053 \\\n)/B/ /C[1 0 R 2 0R 3. 0 R]>>",
+        "draw_widget/text": b"\1\0\x64\0\x14\0\0\1\0\0\0\2\0\0\0\3\1\1\1\x10/Helv 9 Tf 0.5 g\1\5abcde",
+        "draw_widget/list": b"\1\5\x64\0\x40\0\1\1\0\1\0\0\0\0\x0e/F 0 Tf 1 0 g \0\0\0\0\3\2ab\2cd\2ef\1\1\0",
+    }
+
+
+def more():
+    out = {"edit_form/" + name: every_kind() + bytes(row) for name, row in changes().items()}
+    out.update({"filters/" + name: data for name, data in filter_seeds().items()})
+    out["fill_form/every_kind"] = every_kind()
+    out["edit_form/found_endless_string"] = plain(b"[4 0 R 5 0 R]", {5: b"<</FT/Tx/T(endless"})
+    out.update(texts())
+    return out
+
+
 def main():
-    default = pathlib.Path(__file__).parent / "seeds" / "open_form"
-    folder = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else default
-    folder.mkdir(parents=True, exist_ok=True)
+    folder = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parent / "seeds"
+    files = more()
     for group in trees(), xrefs(), streams(), objects(), packets():
-        for name, data in group.items():
-            (folder / (name + ".pdf")).write_bytes(data)
+        files.update({"open_form/%s.pdf" % name: data for name, data in group.items()})
+    for name, data in files.items():
+        path = folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(data)
 
 
 main()

@@ -69,10 +69,12 @@ inline bool names_lead_to_fields(CPDFDocument& document, CPDFDocument& by_name, 
 inline const char* open_form_fault(const std::vector<uint8_t>& bytes, size_t most)
 {
     CPDFDocument document;
+    document.set_rescue(PDF_RESCUE::OFF);
     const CPDFStatus status = document.open(bytes);
     if (!status.ok())
         return status.text.empty() ? "the failure has no sentence" : nullptr;
     CPDFDocument by_name;
+    by_name.set_rescue(PDF_RESCUE::OFF);
     if (!by_name.open(bytes, PDF_LOAD::NAMED_FIELDS).ok())
         return "the form opens as a whole only";
     if (!names_lead_to_fields(document, by_name, most))
@@ -85,6 +87,7 @@ inline const char* open_form_fault(const std::vector<uint8_t>& bytes, size_t mos
     if (saved.size() < bytes.size() || !std::equal(bytes.begin(), bytes.end(), saved.begin()))
         return "the output does not begin with the input";
     CPDFDocument again;
+    again.set_rescue(PDF_RESCUE::OFF);
     if (!again.open(std::move(saved)).ok())
         return "the output can't be opened";
     return texts_of(document) == texts_of(again) ? nullptr : "the output shows other values";

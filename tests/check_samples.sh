@@ -23,5 +23,8 @@ compare() {  # made folder, committed folder
     done
 }
 compare "$made/samples" "$root/samples"
-compare "$made/seeds" "$root/fuzz/seeds/open_form"
+compare "$made/seeds/open_form" "$root/fuzz/seeds/open_form"
+for file in "$made"/seeds/*/*; do
+    cmp -- "$file" "$root/fuzz${file#"$made"}" || status=1
+done
 exit $status

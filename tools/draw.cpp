@@ -96,7 +96,11 @@ int draw_page(const DRAW_ARGUMENTS& arguments)
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
     PDF_DRAWN_PAGE page = {};
-    if (const CPDFStatus status = find_page(document, arguments.page_number, page); !status.ok())
+    CPDFStatus status;
+    do
+        status = find_page(document, arguments.page_number, page);
+    while (mend_document(document, arguments.input));
+    if (!status.ok())
         return end_with(status, file);
     const CPDFPageView view(page.box, arguments.pixels_per_point);
     CPDFPicture picture;

@@ -28,11 +28,6 @@ struct EXPORT_JOB {
     const std::vector<CPDFField*>& fields;  // those named; all fields when empty
 };
 
-CPDFStatus no_memory()
-{
-    return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to export the form");
-}
-
 void list_refs(const EXPORT_JOB& job, CPDFArray& refs)
 {
     for (const CPDFField* field : job.fields)
@@ -55,14 +50,13 @@ void bind_radio_groups(CPDFDocument& document)
 CPDFStatus export_url(const EXPORT_JOB& job, std::string& out)
 {
     bind_radio_groups(job.document);
-    const VXFailureCheck memory;
     CPDFArray refs;
     list_refs(job, refs);
     const VXBlock<char> text(job.document.form().get_url_para(&refs, 0));
     const VXBlock<char> ascii(text ? cvt_url_to_ascii(text.get()) : nullptr);
     if (ascii)
         out = ascii.get();
-    return memory.failed() ? no_memory() : CPDFStatus();
+    return {};
 }
 
 void note_fields(const EXPORT_JOB& job, const char* why, const std::vector<std::string>& names)
@@ -72,7 +66,7 @@ void note_fields(const EXPORT_JOB& job, const char* why, const std::vector<std::
         return;
     std::string list;
     for (size_t i = 0; i < std::min(names.size(), MOST); ++i)
-        list += (i ? ", \"" : "\"") + names[i] + '"';
+        list += (i ? ", " : "") + in_quotes(names[i]);
     if (names.size() > MOST)
         list += " and " + std::to_string(names.size() - MOST) + " more";
     complain(job.arguments.input.path.text, std::string("note: the XML is not well-formed, for ") + why + list);
@@ -103,13 +97,12 @@ void note_misfits(const EXPORT_JOB& job)
 CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
 {
     note_misfits(job);
-    const VXFailureCheck memory;
     CPDFArray refs;
     list_refs(job, refs);
     const VXBlock<char> text(job.document.form().get_url_xml(&refs, 0));
     if (text)
         out = text.get();
-    return memory.failed() ? no_memory() : CPDFStatus();
+    return {};
 }
 
 CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
@@ -117,9 +110,8 @@ CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
     note_misfits(job);
     int len = 0;
     const VXBlock<char> text(job.document.form().get_xfa_data(len));
-    if (!text)
-        return no_memory();
-    out.assign(text.get(), static_cast<size_t>(len));
+    if (text)
+        out.assign(text.get(), static_cast<size_t>(len));
     return {};
 }
 
@@ -151,11 +143,12 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
     const auto* const format = std::find_if(std::begin(FORMATS), std::end(FORMATS),
                                             [&name](const EXPORT_FORMAT& at) { return name == at.name; });
     if (format == std::end(FORMATS))
-        return complain_usage("there is no format \"" + name + "\": give --as url, xml, xfa, json, fdf, xfdf or csv");
+        return complain_usage("there is no format " + in_quotes(name) +
+                              ": give --as url, xml, xfa, json, fdf, xfdf or csv");
     if (format->write == export_xfa && !arguments.names.empty())
         return complain_usage("--as xfa writes the data of all fields: give no names");
     if (is_same_file(arguments.output.text, arguments.input.path.text))
-        return complain_usage('"' + arguments.output.text + "\" is the input, which is never written to");
+        return complain_usage(in_quotes(arguments.output.text) + " is the input, which is never written to");
     CPDFDocument document;
     std::vector<CPDFField*> fields;
     if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))

@@ -25,12 +25,16 @@ int reset_fields(RESET_ARGUMENTS& arguments)
         return complain_usage(status.text);
     CPDFDocument document;
     document.set_scripts(arguments.scripts.scripts);
-    std::vector<CPDFField*> fields;
-    if (!open_document(document, arguments.input) || !find_fields(document, arguments.input, arguments.names, fields))
-        return COMMAND_REFUSED;
     document.set_drawing(arguments.output.drawing());
+    if (!open_document(document, arguments.input))
+        return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
-    status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    do {
+        std::vector<CPDFField*> fields;
+        if (!find_fields(document, arguments.input, arguments.names, fields))
+            return COMMAND_REFUSED;
+        status = fields.empty() ? document.reset(how) : document.reset(fields, how);
+    } while (mend_document(document, arguments.input));
     if (status.ok())
         note_xfa(document, arguments.input, arguments.xfa);
     if (status.ok() && arguments.xfa)

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
+#include "document/lookup/field_text.h"
 #include "file/output_file.h"
 
 constexpr const char* STANDARD_OUTPUT = "-";
@@ -27,7 +28,7 @@ CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& argu
     if (output.empty() != arguments.in_place)
         return wrong_usage("give either -o OUT or --in-place");
     if (is_same_file(output, input.path.text))
-        return wrong_usage('"' + output + "\" is the input itself; give --in-place instead of -o to replace it");
+        return wrong_usage(in_quotes(output) + " is the input itself; give --in-place instead of -o to replace it");
     return {};
 }
 
@@ -47,6 +48,7 @@ void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input)
 
 CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& arguments)
 {
+    need_memory();
     CPDFStatus status;
     if (arguments.output.text != STANDARD_OUTPUT) {
         status = document.save(arguments.in_place ? input.path.text : arguments.output.text);
@@ -61,6 +63,7 @@ CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const
 
 CPDFStatus save_text(std::string_view text, const std::string& path)
 {
+    need_memory();
     if (!path.empty() && path != STANDARD_OUTPUT)
         return write_file(path, {text, -1}, {});
     put(text);

@@ -4,9 +4,26 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
+#include "core/alloc.h"
 #include "document/lookup/field_text.h"
 #include "tools/terminal_text.h"
+
+namespace {
+thread_local uint64_t t_failures_before = 0;
+}
+
+void start_memory()
+{
+    t_failures_before = vx_failures();
+}
+
+void need_memory()
+{
+    if (vx_failures() != t_failures_before)
+        throw std::bad_alloc();
+}
 
 bool lexical_cast(const std::string& input, COMMAND_WORD& output)
 {
@@ -20,12 +37,28 @@ void add_input(CLI::App& verb, COMMAND_INPUT& input)
     verb.add_option("--password", input.password, "password of a protected file")->option_text("TEXT");
 }
 
+static void note_rescue(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    if (!document.rescue_note().empty())
+        complain(input.path.text, "warning: " + document.rescue_note());
+}
+
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
 {
     const CPDFStatus status = document.open(input.path.text, load, input.password.text);
     if (!status.ok())
         complain(input.path.text, status.text);
+    else
+        note_rescue(document, input);
     return status.ok();
+}
+
+bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    const bool mended = document.mend();
+    if (mended)
+        note_rescue(document, input);
+    return mended;
 }
 
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input)
@@ -50,6 +83,7 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
 
 void complain(std::string_view file, std::string_view sentence)
 {
+    need_memory();
     const std::string line = "formwork: " + printable(file) + ": " + printable(sentence) + "\n";
     std::fflush(stdout);
     std::fwrite(line.data(), 1, line.size(), stderr);
@@ -65,6 +99,7 @@ int end_with(const CPDFStatus& status, std::string_view file)
 
 int complain_usage(std::string_view sentence)
 {
+    need_memory();
     const std::string line = "formwork: " + printable(sentence) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     return COMMAND_USAGE;
@@ -72,11 +107,13 @@ int complain_usage(std::string_view sentence)
 
 void put(std::string_view text)
 {
+    need_memory();
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 int put_done()
 {
+    need_memory();
     errno = 0;
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))
         return COMMAND_DONE;

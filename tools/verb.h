@@ -55,8 +55,11 @@ void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);
 
-// Opens the document, or complains and returns false.
+// Opens the document, or complains and returns false. Says so where the file was repaired.
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load = PDF_LOAD::WHOLE_FORM);
+
+// Takes the repaired copy of a file that showed damage after it was opened, see CPDFDocument::mend, and says so.
+bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input);
 
 // Complains and returns false where the permissions of an encrypted file forbid to fill its form.
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
@@ -64,6 +67,12 @@ bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
 // Finds the fields with these full names. Complains about every name that no field has, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);
+
+// Whoever meets the end of memory goes on with what it has, and takes what it could not read for absent. From then on
+// nothing of it is told, written or called done: what follows here and saves throws std::bad_alloc, and the command says
+// why. It counts from start_memory, or the start of the thread.
+void start_memory();
+void need_memory();
 
 // Writes "formwork: FILE: sentence", a line on standard error.
 void complain(std::string_view file, std::string_view sentence);

@@ -99,7 +99,7 @@ void CPDFContentWriter::op(std::initializer_list<double> operands, std::string_v
     op(operation);
 }
 
-void CPDFContentWriter::color(const PDF_COLOR& color, PAINT_USE use)
+void CPDFContentWriter::color(const WIDGET_COLOR& color, PAINT_USE use)
 {
     const std::string_view operators[2][5] = {{"", "g", "", "rg", "k"}, {"", "G", "", "RG", "K"}};
     if (color.count < 0 || color.count > 4)

@@ -26,7 +26,7 @@ public:
     void raw(std::string_view bytes) { m_bytes += bytes; }
 
     // Nothing for a colour of no values.
-    void color(const PDF_COLOR& color, PAINT_USE use);
+    void color(const WIDGET_COLOR& color, PAINT_USE use);
 
     // Paths; the circle around x, y.
     void rectangle(double x, double y, double width, double height);

@@ -15,9 +15,9 @@ constexpr double SIDE_MAX = 14400;
 // - a beveled edge is white above and left, and the background, darker by so much, below and right;
 // - an inset one has two grays.
 constexpr double BEVEL_DARKER = 0.25;
-constexpr PDF_COLOR WHITE = {1, {1}};
-constexpr PDF_COLOR INSET_DARK = {1, {0.5}};
-constexpr PDF_COLOR INSET_LIGHT = {1, {0.753}};
+constexpr WIDGET_COLOR WHITE = {1, {1}};
+constexpr WIDGET_COLOR INSET_DARK = {1, {0.5}};
+constexpr WIDGET_COLOR INSET_LIGHT = {1, {0.753}};
 
 constexpr size_t DASHES_MAX = 16;
 
@@ -34,7 +34,7 @@ bool has_edges(const WIDGET_LOOK& look)
     return look.border.style == BORDER_STYLE::BEVELED || look.border.style == BORDER_STYLE::INSET;
 }
 
-PDF_COLOR darker(PDF_COLOR color)
+WIDGET_COLOR darker(WIDGET_COLOR color)
 {
     if (color.count == 0)
         color = WHITE;
@@ -43,12 +43,12 @@ PDF_COLOR darker(PDF_COLOR color)
     return color;
 }
 
-PDF_COLOR upper_edge(const WIDGET_LOOK& look)
+WIDGET_COLOR upper_edge(const WIDGET_LOOK& look)
 {
     return look.border.style == BORDER_STYLE::BEVELED ? WHITE : INSET_DARK;
 }
 
-PDF_COLOR lower_edge(const WIDGET_LOOK& look)
+WIDGET_COLOR lower_edge(const WIDGET_LOOK& look)
 {
     return look.border.style == BORDER_STYLE::BEVELED ? darker(look.background) : INSET_LIGHT;
 }

@@ -9,8 +9,8 @@ namespace {
 
 // What the most common form designer does: rows begin at the inside of the border and are as high as a line of their font,
 // selected ones are black on this blue, and rows of free size have 12 points.
-constexpr PDF_COLOR SELECTED = {3, {0.6, 0.757, 0.855}};
-constexpr PDF_COLOR BLACK = {1, {0}};
+constexpr WIDGET_COLOR SELECTED = {3, {0.6, 0.757, 0.855}};
+constexpr WIDGET_COLOR BLACK = {1, {0}};
 constexpr double ROW_SIZE = 12;
 
 class CPDFRowPainter {

@@ -15,9 +15,9 @@ CPDFTextPainter::CPDFTextPainter(CPDFContentWriter& out, CPDFFontChoice& fonts, 
     raise(style.rise);
 }
 
-void CPDFTextPainter::set_color(const PDF_COLOR& color)
+void CPDFTextPainter::set_color(const WIDGET_COLOR& color)
 {
-    m_out.color(color.count == 0 ? PDF_COLOR{1, {0}} : color, PAINT_USE::FILL);
+    m_out.color(color.count == 0 ? WIDGET_COLOR{1, {0}} : color, PAINT_USE::FILL);
 }
 
 void CPDFTextPainter::raise(double rise)

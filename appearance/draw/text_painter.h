@@ -16,7 +16,7 @@ public:
     CPDFTextPainter(const CPDFTextPainter&) = delete;
     CPDFTextPainter& operator=(const CPDFTextPainter&) = delete;
 
-    void set_color(const PDF_COLOR& color);
+    void set_color(const WIDGET_COLOR& color);
 
     // Shows the characters [begin, end) of one paragraph with their left end and baseline at x, y.
     void show(const SHAPED_TEXT& shaped, size_t begin, size_t end, double x, double y);

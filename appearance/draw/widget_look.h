@@ -38,8 +38,8 @@ struct WIDGET_LOOK {
     int rotation = 0;  // "R" of "MK", counterclockwise in degrees
 
     WIDGET_BORDER border;
-    PDF_COLOR border_color;
-    PDF_COLOR background;
+    WIDGET_COLOR border_color;
+    WIDGET_COLOR background;
 
     CPDFFontChoice* fonts = nullptr;  // borrowed from the caller; never null where there is text or a mark
     TEXT_STYLE style;

@@ -30,21 +30,17 @@ bool has_own_cids(FT_Face face)
 
 }  // namespace
 
-CPDFFontProgram::~CPDFFontProgram()
-{
-    if (m_library)
-        FT_Done_FreeType(m_library);  // and with it the face
-}
-
 void CPDFFontProgram::load()
 {
     CPDFObj reference;
     reference.set_ref(m_file);
     m_bytes = stream_value(m_xref, &reference, LIMIT_FONT_FILE);
-    if (!is_known_format(m_bytes) || FT_Init_FreeType(&m_library) != 0)
+    if (is_known_format(m_bytes))
+        m_library = open_free_type();
+    if (!m_library)
         return;
     const auto* bytes = reinterpret_cast<const FT_Byte*>(m_bytes.data());
-    if (FT_New_Memory_Face(m_library, bytes, static_cast<FT_Long>(m_bytes.size()), 0, &m_face) != 0)
+    if (FT_New_Memory_Face(m_library.get(), bytes, static_cast<FT_Long>(m_bytes.size()), 0, &m_face) != 0)
         m_face = nullptr;
 }
 

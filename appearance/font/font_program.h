@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "appearance/font/free_type.h"
 #include "appearance/font/standard/glyph_encoding.h"
 #include "core/xref_table.h"
 
 struct FT_FaceRec_;
-struct FT_LibraryRec_;
 
 // The stream is read with the first question. A program that can't be read answers 0, false or nothing. Glyph 0 is the one
 // for missing characters.
@@ -17,7 +17,6 @@ class CPDFFontProgram {
 public:
     // `file` is the stream; number 0 for a font that is not embedded. The store outlives the program.
     CPDFFontProgram(CPDFXRefTable& xref, const PDF_REF& file) : m_xref(xref), m_file(file) {}
-    ~CPDFFontProgram();
     CPDFFontProgram(const CPDFFontProgram&) = delete;
     CPDFFontProgram& operator=(const CPDFFontProgram&) = delete;
 
@@ -52,9 +51,9 @@ private:
 
     CPDFXRefTable& m_xref;
     PDF_REF m_file;
-    std::string m_bytes;                  // what the face reads from
-    FT_LibraryRec_* m_library = nullptr;  // owned
-    FT_FaceRec_* m_face = nullptr;        // owned
+    std::string m_bytes;            // what the face reads from
+    FREE_TYPE m_library;            // and with it the face
+    FT_FaceRec_* m_face = nullptr;  // borrowed from the library
     bool m_loaded = false;
     std::vector<uint16_t> m_glyph_of_cid;  // empty until it is needed
 };

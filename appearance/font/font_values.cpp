@@ -73,11 +73,12 @@ std::string stream_value(CPDFXRefTable& xref, const CPDFObj* entry, int most)
 {
     CPDFObj scratch;
     const CPDFObj* value = view_obj(&xref, entry, scratch);
-    const std::unique_ptr<CPDFStream> reader(value->type == PDF_OBJ_STREAM ? xref.make_stream(value->stream) : nullptr);
+    std::unique_ptr<CPDFStream> reader(value->type == PDF_OBJ_STREAM ? xref.make_stream(value->stream) : nullptr);
     if (!reader)
         return "";
-    int size = 0;
+    int size = std::min(reader->m_data_len, most);
     const VXBlock<unsigned char> bytes(reader->buffer_load(most, size));
+    reader.reset();  // a font may be large: not three times in memory
     return bytes ? std::string(bytes.get(), bytes.get() + size) : "";
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 // 0 values: none (transparent); 1: gray; 3: RGB; 4: CMYK. Values are from 0 to 1.
-struct PDF_COLOR {
+struct WIDGET_COLOR {
     int count = 0;
     double values[4] = {};
 };

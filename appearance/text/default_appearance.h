@@ -13,7 +13,7 @@ constexpr double TEXT_SIZE_MAX = 5000;
 struct TEXT_STYLE {
     std::string font;    // resource name without slash; empty when none is named
     double size = 0;     // 0: fitted to the box
-    PDF_COLOR color;     // no values: black
+    WIDGET_COLOR color;  // no values: black
     double rise = 0;     // above the baseline
     double spacing = 0;  // added to the advance of every glyph
     double stretch = 1;  // widths are multiplied with it

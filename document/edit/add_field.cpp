@@ -133,7 +133,7 @@ private:
     {
         const std::vector<std::string> parts = parts_of(m_field.name);
         if (std::any_of(parts.begin(), parts.end(), [](const std::string& part) { return part.empty(); })) {
-            m_refusals.add("\"" + m_field.name + "\" is no name for a field: every part between dots needs a letter");
+            m_refusals.add(in_quotes(m_field.name) + " is no name for a field: every part between dots needs a letter");
             return;
         }
         if (parts.size() + (m_kind->id == KIND_RADIO ? 1 : 0) > LIMIT_FIELD_DEPTH)
@@ -143,13 +143,13 @@ private:
             return;
         }
         if (field_named(m_target, m_field.name))
-            m_refusals.add("there is a field \"" + m_field.name + "\" already");
+            m_refusals.add("there is a field " + in_quotes(m_field.name) + " already");
         std::string above;
         for (size_t i = 0; i + 1 < parts.size(); ++i) {
             above += (i ? "." : "") + parts[i];
             const CPDFField* group = field_named(m_target, above);
             if (group && !can_hold_fields(m_target, *group))
-                m_refusals.add("field \"" + above + "\" has a value of its own and can't hold other fields");
+                m_refusals.add("field " + in_quotes(above) + " has a value of its own and can't hold other fields");
         }
     }
 
@@ -158,7 +158,7 @@ private:
         const bool check = m_kind->id == KIND_CHECK;
         const bool radio = m_kind->id == KIND_RADIO;
         std::vector<std::string>& states = m_states;
-        const std::string field = "field \"" + m_field.name + "\"";
+        const std::string field = "field " + in_quotes(m_field.name);
         if (check && states.empty())
             states.emplace_back("Yes");
         if (!check && !radio && !states.empty())
@@ -169,10 +169,10 @@ private:
             m_refusals.add(field + " is a radio group, which needs a state for each button");
         for (size_t i = 0; i < states.size(); ++i) {
             if (states[i].empty() || states[i] == PDF_STATE_OFF)
-                m_refusals.add("\"" + states[i] + "\" can't be the state of a button that is on");
+                m_refusals.add(in_quotes(states[i]) + " can't be the state of a button that is on");
             if (std::find(states.begin(), states.begin() + static_cast<std::ptrdiff_t>(i), states[i]) !=
                 states.begin() + static_cast<std::ptrdiff_t>(i))
-                m_refusals.add(field + " would have the state \"" + states[i] + "\" twice");
+                m_refusals.add(field + " would have the state " + in_quotes(states[i]) + " twice");
         }
     }
 
@@ -196,7 +196,7 @@ private:
         }
         const size_t rects = m_field.rects.size();
         if (rects != 1 && (m_kind->id != KIND_RADIO || rects != m_states.size()))
-            m_refusals.add("field \"" + m_field.name + "\" needs one rectangle" +
+            m_refusals.add("field " + in_quotes(m_field.name) + " needs one rectangle" +
                            (m_kind->id == KIND_RADIO ? ", or one for each button" : ""));
     }
 
@@ -211,8 +211,8 @@ private:
             group = field_named(m_target, m_field.name.substr(0, dot));
         m_shape.max_length = inherited_max_length(group);
         if (m_shape.max_length && m_field.entries.max_length == 0)
-            m_refusals.add("field \"" + m_field.name +
-                           "\" has the maximum length of its group, which can't be taken away");
+            m_refusals.add("field " + in_quotes(m_field.name) +
+                           " has the maximum length of its group, which can't be taken away");
     }
 
     const PDF_REF& page_ref() const { return m_target.pages.page_ref(m_field.page); }

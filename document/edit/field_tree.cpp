@@ -87,7 +87,8 @@ std::string wrong_partial_name(const std::string& name)
 {
     if (name.empty())
         return "a field needs a name";
-    return name.find('.') == std::string::npos ? "" : "the name \"" + name + "\" holds a '.', which parts full names";
+    return name.find('.') == std::string::npos ? ""
+                                               : "the name " + in_quotes(name) + " holds a '.', which parts full names";
 }
 
 bool is_readable_name(const std::string& name)

@@ -35,11 +35,13 @@ bool is_dictionary(CPDFXRefTable& xref, const CPDFObj* entry)
 
 CPDFStatus settle_form(EDIT_TARGET& target)
 {
+    const VXFailureCheck memory;
     CPDFObj* entry = target.root.dict->get_item(FORM);
     const bool is_there = is_dictionary(target.xref, entry);
+    if (memory.failed())
+        return no_memory_to_edit();
     if (is_there && entry->type == PDF_OBJ_REF)
         return {};
-    const VXFailureCheck memory;
     PDF_REF ref = {target.xref.new_obj_num(), 0};
     if (is_there)
         target.xref.store_changed(ref, *entry);

@@ -91,7 +91,7 @@ CPDFStatus erase_field(EDIT_TARGET& target, CPDFField& field)
 {
     const VXFailureCheck memory;
     CPDFField& top = with_empty_groups(target, field);
-    const std::string name = "field \"" + full_name(field) + "\"";
+    const std::string name = "field " + in_quotes(full_name(field));
     const NumberSet gone = objects_of(top, target.widgets);
     const bool signature = has_signature_field(top);
     if (CPDFStatus status = settle_form(target); !status.ok())

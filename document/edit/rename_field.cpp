@@ -23,11 +23,6 @@
 
 namespace {
 
-std::string in_quotes(const std::string& text)
-{
-    return '"' + text + '"';
-}
-
 // The full name of a field `name` under `parent`.
 std::string name_under(const CPDFField* parent, const std::string& name)
 {

@@ -31,7 +31,7 @@ void check_options(const std::vector<PDF_OPTION>& options, const std::string& fi
     for (size_t i = 0; i < options.size(); ++i) {
         const auto same = [&](const PDF_OPTION& at) { return at.value == options[i].value; };
         if (std::any_of(options.begin(), options.begin() + static_cast<std::ptrdiff_t>(i), same))
-            refusals.add(field + " would have the option \"" + options[i].value + "\" twice");
+            refusals.add(field + " would have the option " + in_quotes(options[i].value) + " twice");
     }
 }
 
@@ -54,12 +54,12 @@ CPDFStatus plan_default(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PD
 void change_shape(const PDF_FIELD_CHANGE& change, const std::string& name, PDF_FIELD_SHAPE& shape,
                   CPDFRefusals& refusals)
 {
-    const std::string field = "field \"" + name + "\"";
+    const std::string field = "field " + in_quotes(name);
     const auto refuse_kind = [&](const std::string& what) {
         refusals.add(field + " is a " + shape.kind->title + ", which has no " + what);
     };
     for (const std::string& word : foreign_flags(change.set_flags | change.clear_flags, *shape.kind))
-        refuse_kind("flag \"" + word + "\"");
+        refuse_kind("flag " + in_quotes(word));
     shape.flags = (shape.flags | change.set_flags) & ~change.clear_flags;
     if (change.max_length && shape.kind->id != KIND_TEXT)
         refuse_kind("maximum length");
@@ -120,7 +120,7 @@ CPDFStatus plan_current(const CPDFField& field, const PDF_FIELD_SHAPE& shape, PD
 
 CPDFStatus lost_field(const CPDFField& field)
 {
-    return CPDFStatus::failed(PDF_CODE::DAMAGED, "field \"" + full_name(field) + "\" can't be changed: object " +
+    return CPDFStatus::failed(PDF_CODE::DAMAGED, "field " + in_quotes(full_name(field)) + " can't be changed: object " +
                                                      std::to_string(field.m_ref.num) + " is missing or damaged");
 }
 
@@ -166,7 +166,7 @@ void check_length(CPDFField& field, int32_t most, CPDFRefusals& refusals)
     const PDF_FIELD_SHAPE shape = {&field_kind(KIND_TEXT), 0, most, {}, {}};
     PDF_FILL_PLAN plan;
     if (const CPDFStatus status = value ? plan_default(shape, utf8_of(*value), plan) : CPDFStatus(); !status.ok())
-        refusals.add("the value of field \"" + full_name(field) + "\" would not fit: it " + status.text);
+        refusals.add("the value of field " + in_quotes(full_name(field)) + " would not fit: it " + status.text);
 }
 
 CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const CPDFWidgetBinder& widgets)
@@ -178,7 +178,7 @@ CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const 
     PDF_FILL_PLAN current;
     if (change.options || change.max_length || (change.clear_flags & (FIELD_EDIT | FIELD_MULTI_SELECT))) {
         if (const CPDFStatus status = plan_current(field, shape, current); !status.ok())
-            refusals.add("the value of field \"" + name + "\" would not fit: it " + status.text);
+            refusals.add("the value of field " + in_quotes(name) + " would not fit: it " + status.text);
     }
     if (CPDFStatus status = refusals.status(); !status.ok())
         return status;

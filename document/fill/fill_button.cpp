@@ -97,7 +97,7 @@ CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
         return {};
     if (word == "true" || word == "false")
         return take_bool(word == "true");
-    return refuse('"' + word + '"');
+    return refuse(in_quotes(word));
 }
 
 void apply_button(PDF_FILL_TARGET& target, const PDF_FILL_PLAN& plan, const CPDFWidgetBinder& widgets)

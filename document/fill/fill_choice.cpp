@@ -2,6 +2,7 @@
 
 #include "core/array.h"
 #include "document/fill/filler_internal.h"
+#include "document/lookup/field_text.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 
@@ -14,7 +15,7 @@ CPDFStatus no_such_option(const CPDFFieldOptions& options, const std::string& wo
     for (int32_t i = 0; i < options.count(); ++i)
         words.push_back(options.value(i));
     const std::string takes = words.empty() ? "it has no options" : "it takes " + quoted_list(words);
-    return refuse_value("has no option \"" + word + "\": " + takes);
+    return refuse_value("has no option " + in_quotes(word) + ": " + takes);
 }
 
 // Whether the field has a value when its "V" is gone.

@@ -28,7 +28,7 @@ std::string quoted_list(const std::vector<std::string>& words)
     for (size_t i = 0; i < words.size() && i < MOST; ++i) {
         const bool last = i + 1 == words.size();
         list += i == 0 ? "" : last ? " or " : ", ";
-        list += '"' + words[i] + '"';
+        list += in_quotes(words[i]);
     }
     return words.size() > MOST ? list + " or one of " + std::to_string(words.size() - MOST) + " more" : list;
 }
@@ -60,7 +60,7 @@ bool has_value(const CPDFField& field, const CPDFValue& value)
 CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
 {
     if (!status.ok())
-        status.text = "field \"" + full_name(field) + "\" " + status.text;
+        status.text = "field " + in_quotes(full_name(field)) + " " + status.text;
     return status;
 }
 

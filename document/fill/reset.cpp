@@ -275,7 +275,7 @@ CPDFStatus apply_reset(CPDFXRefTable& xref, const PDF_RESET_PLAN& plan, const CP
         reset.run(*field);
     if (!reset.lost())
         return {};
-    return CPDFStatus::failed(PDF_CODE::DAMAGED, "field \"" + full_name(*reset.lost()) + "\" can't be reset: object " +
-                                                     std::to_string(reset.lost()->m_ref.num) +
-                                                     " is missing or damaged");
+    return CPDFStatus::failed(PDF_CODE::DAMAGED,
+                              "field " + in_quotes(full_name(*reset.lost())) + " can't be reset: object " +
+                                  std::to_string(reset.lost()->m_ref.num) + " is missing or damaged");
 }

@@ -83,9 +83,11 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
 // What the appearance had for the pressed and the touched widget showed the value before.
 void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget)
 {
-    if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN)
+    if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN || left_some())
         return;
     set_shown_value(field, *m_options, m_compute, widget);
+    if (!spend_characters(widget))
+        return;
     WIDGET_PICTURE picture = draw_widget(widget.look, WIDGET_STATE::OFF);
     note_missing(field, picture.missing);
     const PDF_REF stream = stored(std::move(picture));
@@ -93,6 +95,17 @@ void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DES
     if (CPDFDictionary* dict = appearances.set_dict())
         dict->set_item_ref("N", stream);
     store("AP", ref, appearances);
+}
+
+// False for what would be too much, and for all after it.
+bool CPDFRedraw::spend_characters(const WIDGET_DESCRIPTION& widget)
+{
+    m_characters += widget.look.text.size();
+    for (const std::u32string& row : widget.look.rows)
+        m_characters += row.size() + 1;
+    if (left_some())
+        m_notes.emplace_back("some fields are left for viewers to draw: the texts of all together are too long");
+    return !left_some();
 }
 
 // Adds the states that the widget lacks to the ones it has.
@@ -164,8 +177,8 @@ void CPDFRedraw::note_missing(const CPDFField& field, const std::u32string& miss
         characters.append(bytes, static_cast<size_t>(utf8_from_ucs(static_cast<uint32_t>(c), bytes)));
     }
     const std::string why = CPDFFormFonts::problem();
-    m_notes.push_back("field \"" + full_name(field) + "\" can't be shown whole: no font here has \"" + characters +
-                      "\"" + (why.empty() ? "" : " (" + why + ")"));
+    m_notes.push_back("field " + in_quotes(full_name(field)) + " can't be shown whole: no font here has " +
+                      in_quotes(characters) + (why.empty() ? "" : " (" + why + ")"));
 }
 
 CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)
@@ -174,6 +187,7 @@ CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)
     const bool embedded = m_fonts->embed();
     const bool failed = m_failed || memory.failed();
     m_failed = false;
+    m_characters = 0;
     if (failed)
         return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to draw the fields");
     if (!embedded)
@@ -188,5 +202,6 @@ void CPDFRedraw::changes_dropped()
     m_fonts->changes_dropped();
     m_pictures.clear();
     m_notes.clear();
+    m_characters = 0;
     m_failed = false;
 }

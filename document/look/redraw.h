@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/limits.h"
 #include "core/object.h"
 #include "file/status.h"
 
@@ -47,6 +48,9 @@ public:
     // whole. To be called before the document is saved. Fails when memory ran out since the last call.
     CPDFStatus finish(std::vector<std::string>& notes);
 
+    // Whether widgets were left as they are since the last finish(), for more than LIMIT_DRAWN_CHARACTERS.
+    bool left_some() const { return m_characters > LIMIT_DRAWN_CHARACTERS; }
+
     // To be called when all changes of the document were dropped.
     void changes_dropped();
 
@@ -59,6 +63,7 @@ private:
     void draw_states(const CPDFField& field, const PDF_DRAWN_WIDGET& at, WIDGET_DESCRIPTION& widget);
     PDF_REF stored(WIDGET_PICTURE picture);
     void store(const char* key, const PDF_REF& ref, const CPDFObj& value);
+    bool spend_characters(const WIDGET_DESCRIPTION& widget);
     void note_missing(const CPDFField& field, const std::u32string& missing);
 
     CPDFXRefTable& m_xref;  // borrowed from the document
@@ -68,5 +73,6 @@ private:
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
     CPDFFormCompute* m_compute = nullptr;  // borrowed
+    size_t m_characters = 0;  // of the values drawn since the last finish()
     bool m_failed = false;
 };

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "core/alloc.h"
 #include "core/array.h"
 #include "core/dictionary.h"
 #include "core/limits.h"
@@ -131,6 +132,7 @@ CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
 {
     if (const auto found = m_found.find(m_path.back().num); found != m_found.end())
         return found->second;
+    const VXFailureCheck memory;
     std::unique_ptr<CPDFField> top;
     CPDFField* above = nullptr;
     for (const PDF_REF& ref : m_path) {
@@ -151,6 +153,8 @@ CPDFField* CPDFBranchFinder::load_branch(CPDFXRefTable& xref)
             return nullptr;
         above = loaded;
     }
+    if (memory.failed())
+        return nullptr;
     for_each_field(*above, [this](CPDFField& field) { m_found.emplace(field.m_ref.num, &field); });
     m_tops.push_back(top.get());
     static_cast<void>(top.release());

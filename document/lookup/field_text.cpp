@@ -167,10 +167,15 @@ PDF_String pdf_string_of(const std::string& text)
 
 std::string in_quotes(std::string_view text)
 {
-    constexpr size_t MOST = 80;
-    if (text.size() <= MOST)
-        return "\"" + std::string(text) + "\"";
-    return "\"" + std::string(text.substr(0, whole_characters(text, MOST))) + "...\"";
+    constexpr size_t MOST = 120;
+    constexpr size_t END = 40;
+    std::string quoted(text);
+    if (text.size() > MOST) {
+        const size_t begin = whole_characters(text, MOST - END);
+        const size_t end = whole_characters(text, text.size() - END);
+        quoted.replace(begin, end - begin, "...");
+    }
+    return "\"" + quoted + "\"";
 }
 
 CPDFStatus no_such_field(std::string_view name)

@@ -48,7 +48,7 @@ inline bool is_utf8(std::string_view text)
 // The characters of a name, which are UTF-8 by custom (ISO 32000-2, 7.3.5); other bytes are read as PDFDocEncoding.
 std::string utf8_of_name(const std::string& name);
 
-// `text` between quotes, for a sentence; cut when it is long.
+// `text` between quotes, for a sentence. The middle of a long one is left out: names differ at their ends.
 std::string in_quotes(std::string_view text);
 
 // The refusal of a name that no field has.

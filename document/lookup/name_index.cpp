@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "core/alloc.h"
 #include "document/lookup/field_text.h"
 #include "forms/field.h"
 #include "forms/field_walk.h"
@@ -29,22 +30,28 @@ CPDFField* CPDFNameIndex::find(CPDFAcroForm& form, std::string_view name)
 
 void CPDFNameIndex::add(CPDFField& field)
 {
+    const VXFailureCheck memory;
     for_each_field(field, [this](CPDFField& at) {
         if (m_has_stored && at.m_name.len > 0)
             insert(m_stored, at, full_name);
         if (m_has_without_index && at.m_name.len > 0)
             insert(m_without_index, at, full_name_without_index);
     });
+    if (memory.failed())
+        clear();
 }
 
 void CPDFNameIndex::remove(CPDFField& field)
 {
+    const VXFailureCheck memory;
     for_each_field(field, [this](CPDFField& at) {
         if (m_has_stored)
             erase(m_stored, at, full_name);
         if (m_has_without_index)
             erase(m_without_index, at, full_name_without_index);
     });
+    if (memory.failed())  // a name that could not be made was not found
+        clear();
 }
 
 void CPDFNameIndex::insert(std::vector<ENTRY>& entries, CPDFField& field, NameOf name_of)
@@ -67,6 +74,7 @@ void CPDFNameIndex::erase(std::vector<ENTRY>& entries, CPDFField& field, NameOf 
 
 void CPDFNameIndex::build(std::vector<ENTRY>& entries, CPDFAcroForm& form, NameOf name_of)
 {
+    entries.clear();
     for_each_field(form, [&](CPDFField& field) {
         if (field.m_name.len > 0)
             entries.push_back({std::hash<std::string>()(name_of(field)), &field});

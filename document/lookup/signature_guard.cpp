@@ -173,15 +173,15 @@ CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
 {
     if (m_no_changes)
         return CPDFStatus::failed(PDF_CODE::READ_ONLY,
-                                  "field \"" + full_name(field) +
-                                      "\" can't be changed: the document is certified against any change");
+                                  "field " + in_quotes(full_name(field)) +
+                                      " can't be changed: the document is certified against any change");
     const std::string name = m_locks.empty() ? std::string() : full_name(field);
     for (const LOCK& lock : m_locks) {
         const auto covers = [&name](const std::string& top) { return is_under(name, top); };
         const bool named = std::any_of(lock.fields.begin(), lock.fields.end(), covers);
         if (named != lock.all_but)
-            return CPDFStatus::failed(PDF_CODE::READ_ONLY,
-                                      "field \"" + name + "\" is locked by the signature \"" + lock.signature + "\"");
+            return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field " + in_quotes(name) + " is locked by the signature " +
+                                                               in_quotes(lock.signature));
     }
     return {};
 }
@@ -193,7 +193,7 @@ CPDFStatus CPDFSignatureGuard::check_edit(CPDFField* field) const
     if (!field || !m_signed)
         return {};
     if (field->has_sign())
-        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field \"" + full_name(*field) + "\" is signed");
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "field " + in_quotes(full_name(*field)) + " is signed");
     CPDFStatus status;
     for_each_field(*field, [&](const CPDFField& at) {
         if (status.ok())

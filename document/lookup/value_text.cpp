@@ -1,5 +1,6 @@
 #include "document/lookup/value_text.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "core/alloc.h"
@@ -86,7 +87,8 @@ PDF_VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value)
 std::string stream_text(CPDFXRefTable& xref, const CPDFStreamRec& value)
 {
     const std::unique_ptr<CPDFStream> stream(xref.make_stream(&value));
-    int len = 0;
-    const VXBlock<unsigned char> data(stream ? stream->buffer_load(LIMIT_DECODED_STREAM, len) : nullptr);
+    constexpr auto MOST = static_cast<int>(LIMIT_EXPORT_STREAMS + 1);  // tells that there is more
+    int len = stream ? std::min(stream->m_data_len, MOST) : 0;
+    const VXBlock<unsigned char> data(stream ? stream->buffer_load(MOST, len) : nullptr);
     return utf8_of({len, data.get()});
 }

@@ -22,5 +22,6 @@ struct PDF_VALUE_TEXT {
 PDF_VALUE_TEXT value_text(CPDFXRefTable& xref, const CPDFObj& value);
 
 // The text of a value that is kept in a stream, as long texts may be (ISO 32000-2, 12.7.5.3). Reading many takes time out
-// of proportion to the file, since fields may share one stream.
+// of proportion to the file, since fields may share one stream. Of one with more than LIMIT_EXPORT_STREAMS bytes the text of
+// some more than these.
 std::string stream_text(CPDFXRefTable& xref, const CPDFStreamRec& value);

@@ -93,7 +93,7 @@ CPDFStatus check_xfa_data(CPDFAcroForm& form)
         if (!status.ok() || is_push_button || (is_named_well && has_xml_value(field)))
             return;
         status = CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                    "field \"" + names.name_of(field) + "\" does not fit into the XFA data: " +
+                                    "field " + in_quotes(names.name_of(field)) + " does not fit into the XFA data: " +
                                         (is_named_well ? "XML can't hold its value" : "its name is no XML name"));
     });
     return status;

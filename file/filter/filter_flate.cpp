@@ -61,8 +61,10 @@ bool decode_at_once(const uint8_t* data, size_t size, size_t limit, CPDFBytes& o
 bool decode_piecewise(const uint8_t* data, size_t size, size_t limit, CPDFBytes& out, bool& whole)
 {
     z_stream stream = {};
-    if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
+    if (inflateInit2(&stream, -MAX_WBITS) != Z_OK) {
+        vx_note_failure();
         return false;
+    }
     stream.next_in = const_cast<Bytef*>(data);
     stream.avail_in = static_cast<uInt>(std::min<size_t>(size, UINT_MAX));
     int result = Z_OK;
@@ -80,6 +82,8 @@ bool decode_piecewise(const uint8_t* data, size_t size, size_t limit, CPDFBytes&
         step *= 2;
     }
     inflateEnd(&stream);
+    if (result == Z_MEM_ERROR)
+        vx_note_failure();
     whole = result == Z_STREAM_END;
     return result != Z_MEM_ERROR;
 }

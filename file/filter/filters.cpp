@@ -108,7 +108,18 @@ bool read_chain(CPDFXRefTable* xref, const CPDFDictionary& dict, Chain& chain)
     return true;
 }
 
-bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& out, uint64_t& work)
+// What a byte of a stage counts: predictors read all again, some of them bit by bit.
+uint64_t cost_of(const Stage& stage)
+{
+    constexpr uint64_t COST_PREDICTED = 2;
+    constexpr uint64_t COST_BITS = 8;
+    if (!stage.filter->has_predictor || stage.parms.predictor == 1)
+        return 1;
+    return stage.parms.predictor == 2 && stage.parms.bits < 8 ? COST_BITS : COST_PREDICTED;
+}
+
+// `budget` is what the stages may give, less what they gave.
+bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& out, uint64_t& budget)
 {
     const size_t limit = size < LIMIT_DECODED_STREAM / LIMIT_DECODE_RATIO
                              ? std::min(LIMIT_DECODED_STREAM, size * LIMIT_DECODE_RATIO + LIMIT_DECODE_SLACK)
@@ -118,20 +129,25 @@ bool run_chain(const Chain& chain, const uint8_t* data, size_t size, CPDFBytes& 
         const Stage& stage = chain.stages[i];
         if (!stage.filter->decode)
             continue;
+        const uint64_t cost = cost_of(stage);
+        const size_t room = std::min<uint64_t>(limit, budget / cost);
         CPDFBytes next;
-        if (!stage.filter->decode({data, size, limit, stage.parms}, next))
+        if (!stage.filter->decode({data, size, room, stage.parms}, next))
             return false;
+        next.cut(room);
+        budget = next.size() < room || room == limit ? budget - next.size() * cost : 0;
         if (stage.filter->has_predictor)
             undo_predictor(stage.parms, next);
-        work += next.size();
-        next.cut(limit);
         out.swap(next);
         data = out.data();
         size = out.size();
         decoded = true;
     }
-    if (!decoded)
-        return out.append(data, std::min(size, limit));
+    if (!decoded) {
+        const size_t room = std::min<uint64_t>({size, limit, budget});
+        budget -= room;
+        return out.append(data, room);
+    }
     out.shrink();
     return true;
 }
@@ -163,15 +179,12 @@ private:
 }  // namespace
 
 bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,
-                   uint64_t* work)
+                   uint64_t* budget)
 {
     out.clear();
     Chain chain;
-    uint64_t given = 0;
-    const bool decoded = read_chain(xref, dict, chain) && run_chain(chain, data, size, out, given);
-    if (work)
-        *work = given;
-    if (decoded)
+    uint64_t unbounded = UINT64_MAX;
+    if (read_chain(xref, dict, chain) && run_chain(chain, data, size, out, budget ? *budget : unbounded))
         return true;
     out.clear();
     return false;

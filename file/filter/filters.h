@@ -20,9 +20,10 @@ using CPDFBytes = CPDFGrowable<uint8_t, 256, 1>;
 // nor more than LIMIT_DECODE_RATIO times `size` plus LIMIT_DECODE_SLACK: the data ends there.
 // False, with `out` empty, for a filter that is not known here (image codecs), more than LIMIT_FILTERS of
 // them, or when memory runs out.
-// `work`, when not null, is set to the bytes that all stages gave together.
+// `budget`, when not null, is how many bytes all stages together may give, where some predictors count for more; the data
+// ends there, too. What was given is taken off.
 bool decode_stream(CPDFXRefTable* xref, const CPDFDictionary& dict, const uint8_t* data, size_t size, CPDFBytes& out,
-                   uint64_t* work = nullptr);
+                   uint64_t* budget = nullptr);
 
 // A reader that takes `bytes`; the caller owns it.
 CPDFStream* make_decoded_stream(CPDFBytes&& bytes);

@@ -120,18 +120,22 @@ bool CPDFParser::parse_value(CPDFObj& out)
         return false;
     switch (m_lexer.peek()) {
     case '/':
+        ++m_blocks;
         parse_name(out);
         return true;
     case '(':
+        ++m_blocks;
         parse_literal(out);
         return true;
     case '<':
+        ++m_blocks;
         if (m_lexer.peek(1) == '<')
             parse_dict(out, nullptr);
         else
             parse_hex(out);
         return true;
     case '[':
+        ++m_blocks;
         parse_array(out);
         return true;
     case '0':

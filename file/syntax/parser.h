@@ -23,9 +23,11 @@ public:
     bool parse(CPDFObj& out, const CPDFKeySet* keys);
 
     // What the values built so far cost beyond their bytes in the file: memory, in bytes.
-    size_t work() const { return m_values * sizeof(CPDFObj); }
+    size_t work() const { return m_values * sizeof(CPDFObj) + m_blocks * BLOCK_SIZE; }
 
 private:
+    static constexpr size_t BLOCK_SIZE = 32;  // the least that an allocation takes
+
     bool parse_value(CPDFObj& out);
     void parse_dict(CPDFObj& out, const CPDFKeySet* keys);
     void parse_entry(CPDFDictionary& dict, const CPDFKeySet* keys);
@@ -41,5 +43,6 @@ private:
     const uint8_t* m_file;  // borrowed, may be null
     int m_depth = 0;
     size_t m_values = 0;
+    size_t m_blocks = 0;  // the values that have memory of their own
     bool m_over_limit = false;
 };

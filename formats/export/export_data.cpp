@@ -16,7 +16,7 @@ CPDFDataWriter::~CPDFDataWriter() = default;
 
 CPDFStatus refuse_export(const std::string& name, const char* why)
 {
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field \"" + name + "\" " + why);
+    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field " + in_quotes(name) + " " + why);
 }
 
 namespace {
@@ -81,7 +81,7 @@ private:
         PDF_VALUE_TEXT value = m_values.value_of(field);
         const bool is_export = m_by_export && export_of(field, value.text);
         m_status = m_writer->add({name, field, value, is_export});
-        if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT))
+        if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT || m_document.read_too_much()))
             m_status = CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
     }
 

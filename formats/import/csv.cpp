@@ -9,6 +9,12 @@
 namespace {
 
 constexpr std::string_view UTF8_MARK = "\xEF\xBB\xBF";
+constexpr std::string_view UTF16_MARKS[] = {"\xFF\xFE", "\xFE\xFF"};
+
+bool has_utf16_mark(std::string_view text)
+{
+    return text.starts_with(UTF16_MARKS[0]) || text.starts_with(UTF16_MARKS[1]);
+}
 
 CPDFStatus failure(std::string sentence)
 {
@@ -19,10 +25,9 @@ CPDFStatus failure(std::string sentence)
 
 CPDFCsvReader::CPDFCsvReader(std::string_view text) : m_text(text)
 {
-    const std::string_view head = text.substr(0, 2);
-    if (head == "\xFF\xFE" || head == "\xFE\xFF")
+    if (has_utf16_mark(text))
         fail(1, "the text is UTF-16, not UTF-8");
-    if (text.substr(0, UTF8_MARK.size()) == UTF8_MARK)
+    if (text.starts_with(UTF8_MARK))
         m_at = UTF8_MARK.size();
 }
 
@@ -136,7 +141,7 @@ void append_csv_cell(std::string& out, std::string_view text, bool is_first)
 {
     if (!is_first)
         out += ',';
-    const bool has_mark = text.substr(0, UTF8_MARK.size()) == UTF8_MARK;
+    const bool has_mark = text.starts_with(UTF8_MARK) || has_utf16_mark(text);
     if (text.find_first_of(",\"\r\n") == std::string_view::npos && !has_mark && !(is_first && text.empty())) {
         out += text;
         return;

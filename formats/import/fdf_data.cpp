@@ -75,7 +75,7 @@ private:
         const CPDFObj* value = field.get_item("V");
         const CPDFObj* kids = field.get_item("Kids");
         if (!value && field.get_item("RV"))
-            return fail("field \"" + name + "\" has rich text only, which is not supported");
+            return fail("field " + in_quotes(name) + " has rich text only, which is not supported");
         return (!value || read_value(*value, name)) && (!kids || read_fields(*kids, &name, depth + 1));
     }
 
@@ -84,7 +84,7 @@ private:
         const CPDFEntryView view(&m_file.xref(), &entry);
         const CPDFObj& value = *view;
         if (value.type == PDF_OBJ_NULL && entry.type == PDF_OBJ_REF && !m_file.xref().entry_of(entry.ref.num))
-            return fail("the value of field \"" + name + "\" is object " + std::to_string(entry.ref.num) +
+            return fail("the value of field " + in_quotes(name) + " is object " + std::to_string(entry.ref.num) +
                         ", which is not in the file");
         if (value.type == PDF_OBJ_NULL || (value.type == PDF_OBJ_NAME && !*value.name))
             return true;
@@ -99,7 +99,8 @@ private:
             text = value_text(m_file.xref(), value);
         }
         if (!text.present)
-            return fail("the value of field \"" + name + "\" is neither a text, a name, a number nor a list of them");
+            return fail("the value of field " + in_quotes(name) +
+                        " is neither a text, a name, a number nor a list of them");
         const PDF_WORDS words = value.type == PDF_OBJ_NAME ? PDF_WORDS::STATES_FIRST : PDF_WORDS::EXPORT_FIRST;
         const bool fits = text.is_list ? m_entries.add(name, std::move(text.items), words)
                                        : m_entries.add(name, std::move(text.text), words);

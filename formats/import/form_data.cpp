@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/alloc.h"
 #include "core/limits.h"
 #include "file/file_bytes.h"
 #include "formats/import/csv.h"
@@ -38,7 +39,10 @@ CPDFStatus read_form_data(const std::string& path, CPDFFormData& out)
             return CPDFStatus::failed(PDF_CODE::LIMIT,
                                       "a data file has at most " + std::to_string(LIMIT_DATA_FILE >> 20) + " MiB");
         }
-        return read({reinterpret_cast<const char*>(file.data()), file.size()}, out);
+        const VXFailureCheck memory;
+        status = read({reinterpret_cast<const char*>(file.data()), file.size()}, out);
+        return memory.failed() ? CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to read it")
+                               : status;
     }
     return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json, .csv, .fdf or .xfdf");
 }

@@ -6,16 +6,12 @@
 #include <unordered_set>
 
 #include "core/limits.h"
+#include "document/lookup/field_text.h"
 
 namespace {
 
 constexpr size_t LONGEST_FAULT = 200;
 constexpr const char* ALLOWED = "; a value is a text, a number, true, false, null or a list of texts";
-
-std::string in_quotes(const std::string& name)
-{
-    return "\"" + name + "\"";
-}
 
 // Takes what the parser finds. No value lies deeper than a list in the object, so nothing nests.
 class DataReader : public nlohmann::json_sax<nlohmann::json> {

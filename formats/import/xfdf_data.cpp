@@ -1,6 +1,7 @@
 #include "formats/import/xfdf_data.h"
 
 #include "core/limits.h"
+#include "document/lookup/field_text.h"
 #include "formats/import/entry_list.h"
 #include "formats/import/xml_reader.h"
 
@@ -102,7 +103,7 @@ private:
             return token;
         LEVEL& level = m_levels.back();
         if (level.is_added)
-            return m_xml.refuse("a value of field \"" + level.name + "\" stands behind the fields in it");
+            return m_xml.refuse("a value of field " + in_quotes(level.name) + " stands behind the fields in it");
         if (level.values.size() >= LIMIT_DATA_VALUES)
             return m_xml.refuse(TOO_MUCH);
         level.values.push_back(std::move(text));
@@ -116,7 +117,7 @@ private:
         if (level.is_added)
             return true;
         if (level.values.empty()) {
-            m_why = "field \"" + level.name + "\" has rich text only, which is not supported";
+            m_why = "field " + in_quotes(level.name) + " has rich text only, which is not supported";
             return !level.has_rich_text;
         }
         level.is_added = true;

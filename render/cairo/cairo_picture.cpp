@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/growable.h"
+#include "core/library_calls.h"
+
 namespace {
+
+using PNG_BYTES = CPDFGrowable<char, 4096, 2>;
 
 // The signature, then the length and the type of the first chunk, then its two sizes.
 constexpr std::string_view PNG_HEAD("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
@@ -29,8 +34,7 @@ cairo_status_t read_bytes(void* closure, unsigned char* data, unsigned int lengt
 
 cairo_status_t append_bytes(void* closure, const unsigned char* data, unsigned int length)
 {
-    static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-    return CAIRO_STATUS_SUCCESS;
+    return static_cast<PNG_BYTES*>(closure)->append(data, length) ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_NO_MEMORY;
 }
 
 }  // namespace
@@ -56,6 +60,7 @@ bool CPDFPicture::create(int width, int height)
 
 bool CPDFPicture::paint_png(std::string_view png)
 {
+    const VXLibraryCalls calls;
     cairo_surface_t* page = cairo_image_surface_create_from_png_stream(read_bytes, &png);
     const bool is_read = cairo_surface_status(page) == CAIRO_STATUS_SUCCESS;
     if (is_read) {
@@ -70,7 +75,12 @@ bool CPDFPicture::paint_png(std::string_view png)
 
 bool CPDFPicture::append_png(std::string& png) const
 {
-    return cairo_surface_write_to_png_stream(m_surface, append_bytes, &png) == CAIRO_STATUS_SUCCESS;
+    PNG_BYTES bytes;
+    if (cairo_status(m_context) != CAIRO_STATUS_SUCCESS ||
+        cairo_surface_write_to_png_stream(m_surface, append_bytes, &bytes) != CAIRO_STATUS_SUCCESS)
+        return false;
+    png.append(bytes.data(), bytes.size());
+    return true;
 }
 
 bool CPDFPicture::png_size(std::string_view png, uint32_t& width, uint32_t& height)

@@ -50,4 +50,5 @@ TEST(KilledWriteTest, TheTargetIsTheOldFileOrTheNewOne)
         EXPECT_EQ(read_text_file(out), was_killed ? "old" : whole);
     }
     EXPECT_EQ(killed, 4);
+    EXPECT_EQ(folder.files(), 1);
 }

@@ -60,15 +60,15 @@ TEST(CPDFObjectStreamTest, StreamsOfDifferentSectionsDoNotMix)
 
 TEST(CPDFObjectStreamTest, TheCacheDropsWhatWasUsedLongestAgo)
 {
-    constexpr size_t THIRD = LIMIT_OBJECT_STREAM_CACHE / 3;
-    CPDFObjectStreamCache cache;
+    constexpr size_t THIRD = size_t{1} << 20;
+    CPDFObjectStreamCache cache(3 * THIRD + 1000);
     for (const uint32_t num : {1, 2, 3})
         EXPECT_TRUE(cache.add(num, stream_of(THIRD)));
     EXPECT_TRUE(cache.find(1));
     cache.add(4, stream_of(THIRD));
     EXPECT_FALSE(cache.find(2));
     EXPECT_TRUE(cache.find(1) && cache.find(3) && cache.find(4));
-    EXPECT_TRUE(cache.add(5, stream_of(LIMIT_OBJECT_STREAM_CACHE + 1)));
+    EXPECT_TRUE(cache.add(5, stream_of(4 * THIRD)));
     EXPECT_FALSE(cache.find(1) || cache.find(3) || cache.find(4));
     EXPECT_TRUE(cache.find(5));
 }

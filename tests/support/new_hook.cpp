@@ -13,8 +13,12 @@ thread_local int64_t t_calls = 0;
 
 void* take(std::size_t size)
 {
-    if (t_armed && t_pauses == 0 && t_calls++ == t_fail_after)
-        return nullptr;
+    if (t_armed && t_pauses == 0 && t_calls++ == t_fail_after) {
+        const std::new_handler handler = std::get_new_handler();
+        if (!handler)
+            return nullptr;
+        handler();
+    }
     return std::malloc(size ? size : 1);
 }
 }  // namespace
@@ -55,8 +59,10 @@ void* operator new(std::size_t size)
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
+try {
     return take(size);
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 void operator delete(void* block) noexcept

@@ -24,8 +24,12 @@ int edit_file(const EDIT_ARGUMENTS& arguments,
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
     document.set_drawing(arguments.output.drawing());
+    std::vector<CPDFStatus> statuses;
+    do
+        statuses = change(document);
+    while (mend_document(document, arguments.input));
     bool refused = false;
-    for (const CPDFStatus& status : change(document)) {
+    for (const CPDFStatus& status : statuses) {
         if (!status.ok())
             complain(path, status.text);
         refused = refused || !status.ok();

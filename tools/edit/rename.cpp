@@ -60,8 +60,8 @@ void add_rename_verb(CLI::App& app, COMMAND_ACTION& action)
     add_input(verb, arguments->edit.input);
     verb.add_option("NAME", arguments->name, "full name of the field")->required()->option_text(" ");
     verb.add_option("NEW", arguments->new_name, "its new name within its group, without a '.'")->option_text(" ");
-    const CLI::Option* under = verb.add_option("--under", arguments->under, "move it into this group");
-    verb.get_option("--under")->option_text("GROUP");
+    const CLI::Option* under =
+        verb.add_option("--under", arguments->under, "move it into this group")->option_text("GROUP");
     verb.add_flag("--top", arguments->to_top, "move it out of all groups");
     add_edit_options(verb, arguments->edit);
     verb.footer("The name must be free at every step: a field that is moved and renamed is moved first.\n"

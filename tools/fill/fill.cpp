@@ -74,11 +74,17 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
         return COMMAND_REFUSED;
-    for (const COMMAND_WORD& assignment : arguments.assignments) {
-        const size_t at = find_assign(document, assignment.text);
-        data.push_back({assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
-    }
-    const std::vector<PDF_DATA_ITEM> items = plan_data(document, data, arguments.how());
+    const size_t from_file = data.size();
+    std::vector<PDF_DATA_ITEM> items;
+    do {
+        data.resize(from_file);
+        for (const COMMAND_WORD& assignment : arguments.assignments) {
+            const size_t at = find_assign(document, assignment.text);
+            data.push_back(
+                {assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
+        }
+        items = plan_data(document, data, arguments.how());
+    } while (mend_document(document, arguments.input));
     const bool accepted = complain_of_refusals(arguments, items);
     std::vector<CPDFField*> calculated;
     CPDFStatus status = apply_data(document, items, &calculated);

@@ -26,6 +26,7 @@ public:
         while (m_rows.take(m_document, row)) {
             std::string report;
             CPDFStatus status = row.status.ok() ? fill_row(row, report) : row.status;
+            need_memory();
             m_output.done(row.number, std::move(status), std::move(report));
         }
     }
@@ -33,7 +34,9 @@ public:
 private:
     CPDFStatus fill_row(const BATCH_ROW& row, std::string& report)
     {
-        const std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
+        std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
+        if (mend_document(m_document, m_arguments.input))
+            items = plan_data(m_document, row.data, m_arguments.how());
         CPDFStatus status = refusals_of(items);
         const bool is_written = status.ok() && !m_arguments.dry_run;
         if (!is_written && !m_arguments.report)
@@ -46,6 +49,7 @@ private:
             written = m_document.reset_xfa();
         if (written.ok() && is_written && m_arguments.flatten)
             written = m_document.flatten(m_arguments.edit());
+        need_memory();
         if (written.ok() && is_written)
             written = m_document.save(row.output);
         if (is_written)
@@ -120,8 +124,10 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     while (documents.size() < std::min(static_cast<size_t>(arguments.job_count), rows.count())) {
         documents.push_back(std::make_unique<CPDFDocument>());
         documents.back()->set_scripts(arguments.scripts.scripts);
-        if (!open_document(*documents.back(), arguments.input))
-            return COMMAND_REFUSED;
+        if (const CPDFStatus status =
+                documents.back()->open(arguments.input.path.text, PDF_LOAD::WHOLE_FORM, arguments.input.password.text);
+            !status.ok())
+            return end_with(status, arguments.input.path.text);
     }
     for (const auto& document : documents)
         document->set_drawing(arguments.output.drawing());

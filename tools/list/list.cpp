@@ -24,7 +24,7 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
     const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
     if (arguments.json)
-        return end_with(put_list_json(document, what), arguments.input.path.text);
+        return end_with(put_list_json(document, arguments.input, what), arguments.input.path.text);
     int64_t fields = 0;
     int64_t listed = 0;
     for_each_field(document.form(), [&](const CPDFField& field) {

@@ -1,3 +1,4 @@
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -184,7 +185,11 @@ private:
 
 }  // namespace
 
-CPDFStatus put_list_json(CPDFDocument& document, LIST_WHAT what)
+CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what)
 {
-    return JsonList(document).put_all(what);
+    std::unique_ptr<JsonList> list;
+    do
+        list = std::make_unique<JsonList>(document);
+    while (mend_document(document, input));
+    return list->put_all(what);
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/library_calls.h"
+
 namespace {
 
 // Characters that are shaped at a time: some scripts take more than linear time over what belongs together.
@@ -73,6 +75,7 @@ void CPDFFallbackFont::shape_script(std::u32string_view text, size_t begin, size
                                     bool right_to_left, std::vector<TEXT_GLYPH>& glyphs)
 {
     static_assert(sizeof(char32_t) == sizeof(uint32_t));
+    const VXLibraryCalls memory;
     const HARFBUZZ& hb = m_file.harfbuzz();
     const size_t from = begin - std::min(begin, CONTEXT);
     const size_t to = end + std::min(text.size() - end, CONTEXT);

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "appearance/font/free_type.h"
+
 namespace {
 
 // Bits of "fsType" in the OS/2 table: embedding needs the maker's permission, no subsets, bitmaps only.
@@ -38,17 +40,10 @@ std::vector<uint16_t> read_cids(FT_Face face)
 // The character collection's number of each glyph; empty for a font that has none, or can't be read.
 std::vector<uint16_t> cids_of(const std::string& path, int index)
 {
-    std::vector<uint16_t> cids;
-    FT_Library library = nullptr;
-    if (FT_Init_FreeType(&library))
-        return cids;
+    const FREE_TYPE library = open_free_type();
     FT_Face face = nullptr;
-    if (!FT_New_Face(library, path.c_str(), index, &face)) {
-        cids = read_cids(face);
-        FT_Done_Face(face);
-    }
-    FT_Done_FreeType(library);
-    return cids;
+    return library && !FT_New_Face(library.get(), path.c_str(), index, &face) ? read_cids(face)
+                                                                              : std::vector<uint16_t>();
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <vector>
 
+#include "core/library_calls.h"
+
 namespace {
 
 // What a PDF reader draws outlines with.
@@ -66,6 +68,7 @@ std::string glyphs_by_code(const HARFBUZZ& hb, const hb_map_t* new_glyphs, const
 
 bool make_subset(FONT_SUBSET& out, const CPDFFontFile& file, const CPDFGlyphCodes& codes)
 {
+    const VXLibraryCalls memory;
     const HARFBUZZ& hb = file.harfbuzz();
     const auto input = harfbuzz_guard(hb.hb_subset_input_create_or_fail(), hb.hb_subset_input_destroy);
     if (!input)

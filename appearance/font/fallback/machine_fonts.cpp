@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "core/library_calls.h"
+
 namespace {
 
 constexpr uint32_t FLAG_FIXED_PITCH = 1u << 0;
@@ -35,17 +37,22 @@ bool is_outline(FcPattern* font)
     return is_true(font, FC_OUTLINE) && !is_true(font, FC_COLOR) && (format == "TrueType" || format == "CFF");
 }
 
-// What fontconfig is asked for. The caller owns it.
-FcPattern* pattern_of(FcConfig* config, const FONT_STYLE& style)
+// The fonts among `fonts` by how near they are to the style. The caller owns them; null when memory runs out.
+FcFontSet* sorted_fonts(FcConfig* config, FcFontSet* fonts, const FONT_STYLE& style)
 {
     FcPattern* pattern = FcPatternCreate();
+    if (!pattern)
+        return nullptr;
     const char* family = style.mono ? "monospace" : style.serif ? "serif" : "sans-serif";
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
     FcPatternAddInteger(pattern, FC_WEIGHT, style.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
     FcPatternAddInteger(pattern, FC_SLANT, style.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcConfigSubstitute(config, pattern, FcMatchPattern);
     FcDefaultSubstitute(pattern);
-    return pattern;
+    FcResult result = FcResultNoMatch;
+    FcFontSet* sorted = FcFontSetSort(config, &fonts, 1, pattern, FcTrue, nullptr, &result);
+    FcPatternDestroy(pattern);
+    return sorted;
 }
 
 unsigned key_of(const FONT_STYLE& style)
@@ -77,10 +84,17 @@ CPDFMachineFonts::~CPDFMachineFonts()
         if (choice.fonts)
             FcFontSetSortDestroy(choice.fonts);
     }
+    unload();
+}
+
+void CPDFMachineFonts::unload()
+{
     if (m_outlines)
         FcFontSetDestroy(m_outlines);
     if (m_config)
         FcConfigDestroy(m_config);
+    m_outlines = nullptr;
+    m_config = nullptr;
 }
 
 const CPDFFontFile* CPDFMachineFonts::find(char32_t c, const FONT_STYLE& style)
@@ -91,10 +105,13 @@ const CPDFFontFile* CPDFMachineFonts::find(char32_t c, const FONT_STYLE& style)
     if (!m_outlines)
         return nullptr;
     CHOICE& choice = choice_of(style);
-    const auto [at, is_new] = choice.known.try_emplace(c, nullptr);
-    if (is_new)
-        at->second = search(choice, c);
-    return at->second;
+    if (const auto known = choice.known.find(c); known != choice.known.end())
+        return known->second;
+    const VXFailureCheck memory;
+    const CPDFFontFile* file = search(choice, c);
+    if (!memory.failed())
+        choice.known.emplace(c, file);
+    return file;
 }
 
 std::string CPDFMachineFonts::problem()
@@ -105,39 +122,48 @@ std::string CPDFMachineFonts::problem()
 
 void CPDFMachineFonts::load()
 {
-    m_loaded = true;
-    if (!load_harfbuzz(m_hb, m_problem, m_shaping, m_subsets))
-        return;
-    m_config = FcInitLoadConfigAndFonts();
-    if (m_config)
-        choose_outlines();
-    if (!m_outlines || m_outlines->nfont == 0)
+    const VXFailureCheck memory;
+    unload();  // what was loaded when memory ran out
+    m_problem.clear();
+    {
+        const VXLibraryCalls calls;
+        if (load_harfbuzz(m_hb, m_problem, m_shaping, m_subsets))
+            m_config = FcInitLoadConfigAndFonts();
+        if (m_config)
+            choose_outlines();
+    }
+    if (m_problem.empty() && (!m_outlines || m_outlines->nfont == 0))
         m_problem = "This system has no fonts that could stand in for missing characters.";
+    m_loaded = !memory.failed();
 }
 
 void CPDFMachineFonts::choose_outlines()
 {
     m_outlines = FcFontSetCreate();
+    if (!m_outlines)
+        return vx_note_failure();
     const FcFontSet* all = FcConfigGetFonts(m_config, FcSetSystem);
-    for (int i = 0; all && m_outlines && i < all->nfont; ++i) {
+    for (int i = 0; all && i < all->nfont; ++i) {
         if (!is_outline(all->fonts[i]))
             continue;
         FcPatternReference(all->fonts[i]);
-        if (!FcFontSetAdd(m_outlines, all->fonts[i]))
-            FcPatternDestroy(all->fonts[i]);
+        if (FcFontSetAdd(m_outlines, all->fonts[i]))
+            continue;
+        FcPatternDestroy(all->fonts[i]);
+        vx_note_failure();
     }
 }
 
 CPDFMachineFonts::CHOICE& CPDFMachineFonts::choice_of(const FONT_STYLE& style)
 {
-    const auto [at, is_new] = m_choices.try_emplace(key_of(style));
-    if (is_new) {
-        FcPattern* pattern = pattern_of(m_config, style);
-        FcResult result = FcResultNoMatch;
-        at->second.fonts = FcFontSetSort(m_config, &m_outlines, 1, pattern, FcTrue, nullptr, &result);
-        FcPatternDestroy(pattern);
+    CHOICE& choice = m_choices[key_of(style)];
+    if (!choice.fonts) {
+        const VXLibraryCalls calls;
+        choice.fonts = sorted_fonts(m_config, m_outlines, style);
+        if (!choice.fonts)
+            vx_note_failure();
     }
-    return at->second;
+    return choice;
 }
 
 const CPDFFontFile* CPDFMachineFonts::search(const CHOICE& choice, char32_t c)
@@ -154,13 +180,21 @@ const CPDFFontFile* CPDFMachineFonts::search(const CHOICE& choice, char32_t c)
     return nullptr;
 }
 
+std::unique_ptr<CPDFFontFile> CPDFMachineFonts::open_file(const std::string& path, int index, std::string name)
+{
+    const VXLibraryCalls calls;
+    return CPDFFontFile::open(m_hb, path, index, std::move(name));
+}
+
 const CPDFFontFile* CPDFMachineFonts::file_of(FcPattern* font)
 {
     int index = 0;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
     index &= 0xFFFF;  // above that is an instance of a variable font
-    const auto [at, is_new] = m_files.try_emplace({text_of(font, FC_FILE), index});
-    if (is_new)
-        at->second = CPDFFontFile::open(m_hb, at->first.first, index, text_of(font, FC_POSTSCRIPT_NAME));
-    return at->second.get();
+    const std::pair key(text_of(font, FC_FILE), index);
+    if (const auto known = m_files.find(key); known != m_files.end())
+        return known->second.get();
+    const VXFailureCheck memory;
+    std::unique_ptr<CPDFFontFile> file = open_file(key.first, index, text_of(font, FC_POSTSCRIPT_NAME));
+    return memory.failed() ? nullptr : m_files.emplace(key, std::move(file)).first->second.get();
 }

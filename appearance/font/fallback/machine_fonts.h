@@ -47,10 +47,12 @@ private:
     };
 
     void load();
+    void unload();
     void choose_outlines();
     CHOICE& choice_of(const FONT_STYLE& style);
     const CPDFFontFile* search(const CHOICE& choice, char32_t c);
     const CPDFFontFile* file_of(FcPattern* font);
+    std::unique_ptr<CPDFFontFile> open_file(const std::string& path, int index, std::string name);
 
     std::mutex m_mutex;
     const char* m_shaping;  // borrowed from the program

@@ -1,0 +1,77 @@
+// A batch that is ended in the middle leaves whole outputs and nothing else.
+#include <unistd.h>
+
+#include <csignal>
+#include <set>
+#include <thread>
+
+#include "tests/tools/command_run.h"
+
+namespace {
+constexpr int ROWS = 200;
+constexpr const char* OLD = "%%EOF\n";  // what a file ends with
+
+// Fills the outputs in `folder`, and is ended by `number`, if any, when so many of them are there. Returns how it ended.
+int run_batch(const std::string& rows, const std::string& folder, int number = 0, int outputs = 0)
+{
+    const std::string pattern = folder + "/{name}.pdf";
+    const pid_t child = fork();
+    if (child == 0) {
+        execl(FORMWORK_COMMAND, FORMWORK_COMMAND, "fill", FORMWORK_SAMPLES_DIR "/kinds.pdf", "--batch", rows.c_str(),
+              "--jobs", "3", "-o", pattern.c_str(), nullptr);
+        _exit(126);
+    }
+    const auto count = [&folder] { return std::distance(std::filesystem::directory_iterator(folder), {}); };
+    int how = 0;
+    while (number && waitpid(child, &how, WNOHANG) == 0) {
+        if (count() >= outputs)
+            kill(child, number);
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    if (!number)
+        waitpid(child, &how, 0);
+    return WIFSIGNALED(how) ? WTERMSIG(how) : 0;
+}
+
+std::set<std::string> names_in(const std::string& folder)
+{
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+}  // namespace
+
+TEST(KilledBatchTest, OutputsAreWholeAndNothingElseIsLeft)
+{
+    const TempFolder folder;
+    std::string rows = "name\n";
+    std::set<std::string> outputs;
+    for (int i = 0; i < ROWS; ++i) {
+        rows += "n" + std::to_string(i) + "\n";
+        outputs.insert("n" + std::to_string(i) + ".pdf");
+    }
+    const std::string data = folder.write("rows.csv", rows);
+    const std::string out = folder.path("out");
+    for (const int number : {SIGKILL, SIGTERM, SIGINT}) {
+        std::filesystem::remove_all(out);
+        std::filesystem::create_directory(out);
+        for (const int more : {1, 20, ROWS / 4}) {
+            SCOPED_TRACE(std::to_string(number) + " at " + std::to_string(more));
+            // Every second output replaces a file.
+            for (int i = 0; i < ROWS; ++i) {
+                const std::string name = out + "/n" + std::to_string(i) + ".pdf";
+                i % 2 ? void(std::filesystem::remove(name))
+                      : void(folder.write("out/n" + std::to_string(i) + ".pdf", OLD));
+            }
+            EXPECT_EQ(run_batch(data, out, number, ROWS / 2 + more), number);
+            for (const std::string& name : names_in(out)) {
+                const std::string named = name.substr(0, name.find(".formwork-new"));
+                EXPECT_TRUE(outputs.contains(number == SIGKILL ? named : name)) << name;
+                EXPECT_TRUE(read_text_file(out + "/" + name).ends_with(OLD)) << name;
+            }
+        }
+        EXPECT_EQ(run_batch(data, out), 0);
+        EXPECT_EQ(names_in(out), outputs);
+    }
+}
