@@ -99,9 +99,11 @@ void CPDFScriptSandbox::load(const SCRIPT_DOCUMENT& document)
 {
     const std::string message = write_message(SCRIPT_REQUEST::LOAD, document);
     m_too_large = message.size() > SCRIPT_MESSAGE_MAX;
-    if (m_too_large || m_out_of_time || !start())
+    if (m_too_large || m_out_of_time || (m_child <= 0 && !start()))
         return;
     m_loaded = begin_time() && send(message);
+    if (!m_loaded)
+        stop();
 }
 
 SCRIPT_ANSWER CPDFScriptSandbox::failed(std::string fault)
