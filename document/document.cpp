@@ -38,6 +38,7 @@ void CPDFDocument::renew_state()
     auto state = std::make_unique<State>();
     state->drawing = m_state->drawing;
     state->scripts = m_state->scripts;
+    state->script_seconds = m_state->script_seconds;
     state->rescue = m_rescue;
     m_state = std::move(state);
 }
@@ -293,6 +294,8 @@ void CPDFDocument::revert()
     state.to_draw.clear();
     state.notes.clear();
     state.calculation_notes.clear();
+    if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
+        sandbox->renew();
     state.to_calculate = false;
     if (state.redraw)
         state.redraw->changes_dropped();

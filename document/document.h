@@ -131,10 +131,10 @@ public:
     // dictionary is missing or memory runs out.
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
 
-    // Which scripts of the form run from now on, KNOWN at first. Scripts decide in check_value whether a field takes a value
+    // Which scripts of the form run from now on, KNOWN at first; `seconds` of processor time for those of ALL. Scripts decide in check_value whether a field takes a value
     // (those of keystrokes as when a value is committed, and those that validate; they may change it), calculate fields from
     // others, and format what widgets show; "V" stays the value.
-    void set_scripts(PDF_SCRIPTS scripts);
+    void set_scripts(PDF_SCRIPTS scripts, double seconds = 2);
 
     // Calculates the fields of the form's calculation order, each of which is then validated, until nothing changes any more;
     // circles end after LIMIT_CALCULATION_ROUNDS. Fields that are read-only are calculated, too. Those that a signature

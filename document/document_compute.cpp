@@ -8,6 +8,7 @@
 #include "document/document.h"
 #include "document/document_state.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/value_text.h"
 #include "file/file_reader.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
@@ -24,15 +25,78 @@ CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
     return status;
 }
 
+// In the order of PDF_FIELD_KIND_ID.
+constexpr SCRIPT_FIELD_TYPE TYPES[KIND_COUNT] = {
+    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::RADIO, SCRIPT_FIELD_TYPE::BUTTON, SCRIPT_FIELD_TYPE::CHECKBOX,
+    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::COMBO, SCRIPT_FIELD_TYPE::LIST,   SCRIPT_FIELD_TYPE::SIGNATURE};
+
+SCRIPT_FIELD script_field_of(const CPDFField& field, const PDF_FIELD_SHAPE& shape)
+{
+    constexpr std::pair<uint32_t, SCRIPT_FIELD_FLAG> FLAGS[] = {{FIELD_READ_ONLY, SCRIPT_READ_ONLY},
+                                                                {FIELD_REQUIRED, SCRIPT_REQUIRED},
+                                                                {FIELD_MULTILINE, SCRIPT_MULTILINE},
+                                                                {FIELD_COMB, SCRIPT_COMB}};
+    SCRIPT_FIELD out;
+    out.name = full_name(field);
+    out.type = TYPES[shape.kind->id];
+    for (const auto& [from, to] : FLAGS)
+        if (shape.flags & from)
+            out.flags |= to;
+    out.value = script_values_of(field);
+    out.default_value = value_text(*field.m_xref, field.m_def_value).joined();
+    out.char_limit = shape.max_length;
+    for (int32_t i = 0; i < shape.options.count(); ++i)
+        out.items.push_back({shape.options.text(i), shape.options.value(i)});
+    for (const PDF_BUTTON_CHOICE& choice : shape.buttons)
+        out.items.push_back({choice.state, choice.export_value});
+    return out;
+}
+
 }  // namespace
 
 CPDFFormCompute* CPDFDocument::State::compute()
 {
     if (scripts == PDF_SCRIPTS::OFF)
         return nullptr;
-    if (!computer)
+    if (!computer) {
         computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
+        if (scripts == PDF_SCRIPTS::ALL)
+            computer->use_sandbox([this] { return script_snapshot(); }, {script_seconds});
+    }
     return &*computer;
+}
+
+SCRIPT_DOCUMENT CPDFDocument::State::script_snapshot()
+{
+    SCRIPT_DOCUMENT document;
+    const CPDFWidgetBinder& bound = bound_widgets();
+    document.pages = pages().page_count();
+    for_each_field(loaded_form(), [&](CPDFField& field) {
+        const PDF_FIELD_KIND& kind = field_kind(field);
+        if (kind.id != KIND_CONTAINER && field.m_name.len > 0)
+            document.fields.push_back(script_field_of(field, shape_of(field, bound)));
+    });
+    return document;
+}
+
+CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored)
+{
+    CPDFFieldSandbox* const sandbox = computer ? computer->sandbox() : nullptr;
+    if (!sandbox)
+        return {};
+    for (SCRIPT_CHANGE& change : sandbox->take_changes()) {
+        CPDFField* const field = names.find(loaded_form(), change.field);
+        if (!field || script_values_of(*field) == change.value)
+            continue;
+        bool one_stored = false;
+        std::string text = change.value.empty() ? std::string() : std::move(change.value.front());
+        if (CPDFStatus status = store_calculated(*field, std::move(text), one_stored); !status.ok())
+            return status;
+        stored = stored || one_stored;
+    }
+    for (std::string& fault : sandbox->take_faults())
+        note_calculation(std::move(fault));
+    return {};
 }
 
 CPDFStatus CPDFDocument::State::commit(PDF_FILL_PLAN& plan, PDF_FILL fill)
@@ -109,6 +173,8 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
             CPDFField& field = value_field(*each);
             const std::string before = script_value_of(field);
             std::optional<std::string> text = runner->calculate(field, before);
+            if (CPDFStatus status = take_from_sandbox(again); !status.ok())
+                return status;
             if (!text || *text == before)
                 continue;
             bool stored = false;
@@ -141,9 +207,11 @@ std::optional<std::string> CPDFDocument::shown_text(const CPDFField& field)
     return std::move(shown->text);
 }
 
-void CPDFDocument::set_scripts(PDF_SCRIPTS scripts)
+void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
 {
     m_state->scripts = scripts;
+    m_state->script_seconds = seconds;
+    m_state->computer.reset();
 }
 
 const std::vector<std::string>& CPDFDocument::calculation_notes() const

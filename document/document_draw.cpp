@@ -56,6 +56,9 @@ CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
     };
     const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
     std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
+    if (CPDFFieldSandbox* sandbox = computer ? computer->sandbox() : nullptr)
+        std::for_each(fields.begin(), fields.end(),
+                      [sandbox](const CPDFField* field) { sandbox->value_changed(*field); });
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
         return texts ? ask_to_draw() : CPDFStatus();
     values_changed = values_changed || !fields.empty();

@@ -40,6 +40,7 @@ struct CPDFDocument::State {
     std::string rescue_note;
     std::string password;  // that the file was opened with
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;
+    double script_seconds = 2;
     std::optional<CPDFFormCompute> computer;                   // made when the first script may run
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
@@ -81,6 +82,9 @@ struct CPDFDocument::State {
 
     // Null where no scripts run.
     CPDFFormCompute* compute();
+    SCRIPT_DOCUMENT script_snapshot();
+    // Stores what scripts gave other fields, and notes which did not run. Tells in `stored` whether values changed.
+    CPDFStatus take_from_sandbox(bool& stored);
     // Whether the field's scripts take the value that `plan` is to store; they may change it.
     CPDFStatus commit(PDF_FILL_PLAN& plan, PDF_FILL fill);
     const std::vector<CPDFField*>& fields_to_calculate();

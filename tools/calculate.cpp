@@ -21,7 +21,7 @@ int calculate(CALCULATE_ARGUMENTS& arguments)
     if (!status.ok())
         return complain_usage(status.text);
     CPDFDocument document;
-    document.set_scripts(arguments.scripts.scripts);
+    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     document.set_drawing(arguments.output.drawing());
     if (!open_document(document, arguments.input) || !may_fill(document, arguments.input))
         return COMMAND_REFUSED;

@@ -8,16 +8,21 @@ void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
 {
     verb.add_option("--scripts", arguments.word,
                     "which scripts of the form run: known (the usual formats,\nchecks and "
-                    "calculations) or off; known by default")
+                    "calculations), all (the others, too, in a sandbox) or off; known by default")
         ->option_text("WHICH");
+    verb.add_option("--script-seconds", arguments.seconds,
+                    "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
+        ->option_text("N");
 }
 
 CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
 {
     const std::string& word = arguments.word.text;
-    if (word != "known" && word != "off")
-        return wrong_usage("--scripts takes known or off, not " + in_quotes(word));
-    arguments.scripts = word == "off" ? PDF_SCRIPTS::OFF : PDF_SCRIPTS::KNOWN;
+    if (word != "known" && word != "off" && word != "all")
+        return wrong_usage("--scripts takes known, all or off, not " + in_quotes(word));
+    if (!(arguments.seconds >= 0.01 && arguments.seconds <= 3600))
+        return wrong_usage("--script-seconds takes a number from 0.01 to 3600");
+    arguments.scripts = word == "off" ? PDF_SCRIPTS::OFF : word == "all" ? PDF_SCRIPTS::ALL : PDF_SCRIPTS::KNOWN;
     return {};
 }
 

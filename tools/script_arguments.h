@@ -6,6 +6,7 @@
 
 struct SCRIPT_ARGUMENTS {
     COMMAND_WORD word{"known"};
+    double seconds = 2;
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;  // after check_scripts
 };
 

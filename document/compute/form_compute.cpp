@@ -37,11 +37,13 @@ bool CPDFFormCompute::run(const CPDFField& field, PDF_SCRIPT_EVENT event, FIELD_
 {
     bool ran = false;
     for (const PDF_FIELD_SCRIPT& script : scripts(field, event)) {
-        if (!script.call) {
-            m_skipped.emplace(field.m_ref.num, event);
+        if (script.call)
+            run_known_call(*script.call, at, *this);
+        else if (!m_sandbox || !m_sandbox->run(field, event, script.text, at)) {
+            if (!m_sandbox)
+                m_skipped.emplace(field.m_ref.num, event);
             continue;
         }
-        run_known_call(*script.call, at, *this);
         ran = true;
         if (!at.rc)
             break;

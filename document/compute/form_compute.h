@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "document/compute/field_sandbox.h"
 #include "document/compute/field_scripts.h"
 #include "file/status.h"
 
@@ -26,6 +27,14 @@ public:
 
     // `find` answers which field has a full name, null for none; scripts ask for others by name.
     explicit CPDFFormCompute(Find find) : m_find(std::move(find)) {}
+
+    // From now on scripts that are no well-known calls run, too.
+    void use_sandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
+    {
+        m_sandbox.emplace(std::move(snapshot), limits);
+    }
+    // Null where those do not run.
+    CPDFFieldSandbox* sandbox() { return m_sandbox ? &*m_sandbox : nullptr; }
 
     // Asks the field's scripts whether it takes `text`: those of keystrokes as when the value is committed, then those that
     // validate. They may change it. The refusal, in the script's own words, ends a sentence about the field. An empty text is
@@ -51,6 +60,7 @@ private:
 
     Find m_find;
     CPDFFieldScripts m_scripts;
+    std::optional<CPDFFieldSandbox> m_sandbox;
     std::set<std::pair<uint32_t, int>> m_skipped;  // object number of the field, and the event
 };
 

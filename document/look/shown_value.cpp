@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr PDF_COLOR RED = {3, {1, 0, 0}};
+constexpr WIDGET_COLOR RED = {3, {1, 0, 0}};
 
 std::u32string characters_of(const std::string& utf8)
 {

@@ -29,7 +29,7 @@ size_t find_assign(CPDFDocument& document, std::string_view assignment)
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
     document.set_drawing(arguments.output.drawing());
-    document.set_scripts(arguments.scripts.scripts);
+    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     return open_document(document, arguments.input,
                          values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM) &&
            (arguments.force || may_fill(document, arguments.input));

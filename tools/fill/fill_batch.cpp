@@ -114,7 +114,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     BatchRows rows(has_output ? &pattern : nullptr);
     std::vector<std::unique_ptr<CPDFDocument>> documents;
     documents.push_back(std::make_unique<CPDFDocument>());
-    documents.front()->set_scripts(arguments.scripts.scripts);
+    documents.front()->set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     if (!open_document(*documents.front(), arguments.input) ||
         !(arguments.force || may_fill(*documents.front(), arguments.input)) || !rows.open(arguments.batch.text) ||
         !rows.check_columns(*documents.front()) || !has_folder(pattern.fixed_folder()))
@@ -123,7 +123,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     rows.protect(arguments.batch.text);
     while (documents.size() < std::min(static_cast<size_t>(arguments.job_count), rows.count())) {
         documents.push_back(std::make_unique<CPDFDocument>());
-        documents.back()->set_scripts(arguments.scripts.scripts);
+        documents.back()->set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
         if (const CPDFStatus status =
                 documents.back()->open(arguments.input.path.text, PDF_LOAD::WHOLE_FORM, arguments.input.password.text);
             !status.ok())
