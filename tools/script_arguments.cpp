@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "document/lookup/field_text.h"
+#include "script/functions/number.h"
 
 void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
 {
@@ -10,7 +11,7 @@ void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
                     "which scripts of the form run: known (the usual formats,\nchecks and "
                     "calculations), all (the others, too, in a sandbox) or off; known by default")
         ->option_text("WHICH");
-    verb.add_option("--script-seconds", arguments.seconds,
+    verb.add_option("--script-seconds", arguments.time,
                     "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
         ->option_text("N");
 }
@@ -20,8 +21,9 @@ CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
     const std::string& word = arguments.word.text;
     if (word != "known" && word != "off" && word != "all")
         return wrong_usage("--scripts takes known, all or off, not " + in_quotes(word));
+    arguments.seconds = read_number(arguments.time.text).value_or(0);
     if (!(arguments.seconds >= 0.01 && arguments.seconds <= 3600))
-        return wrong_usage("--script-seconds takes a number from 0.01 to 3600");
+        return wrong_usage("--script-seconds takes a number from 0.01 to 3600, not " + in_quotes(arguments.time.text));
     arguments.scripts = word == "off" ? PDF_SCRIPTS::OFF : word == "all" ? PDF_SCRIPTS::ALL : PDF_SCRIPTS::KNOWN;
     return {};
 }

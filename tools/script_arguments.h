@@ -6,7 +6,8 @@
 
 struct SCRIPT_ARGUMENTS {
     COMMAND_WORD word{"known"};
-    double seconds = 2;
+    COMMAND_WORD time{"2"};
+    double seconds = 2;                        // after check_scripts
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;  // after check_scripts
 };
 
