@@ -1,5 +1,6 @@
-// Every limit that protects against hostile files, each with its reason. Together they keep what one command does with a file
-// of 1 MB below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file.
+// Every limit that protects against hostile files, each with its reason. What one command does with a file of 1 MB is to stay
+// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file. docs/security.md
+// names what does not yet.
 #pragma once
 
 #include <cstddef>

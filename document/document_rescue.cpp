@@ -37,7 +37,7 @@ CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load, std::string_view password
 {
     const VXFailureCheck memory;
     m_state->password = password;
-    const CPDFStatus status = m_state->load(load, password);
+    CPDFStatus status = m_state->load(load, password);
     const CPDFFileReader& reader = *m_state->reader;
     // What says how the file is encrypted can be broken, too.
     const bool locked = status.code == PDF_CODE::ENCRYPTED && reader.damage() != PDF_DAMAGE::NONE;

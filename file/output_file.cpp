@@ -9,8 +9,10 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
 #include "file/descriptor.h"
@@ -62,6 +64,39 @@ bool write_special(const std::string& path, const PDF_OUTPUT_INPUT& input, std::
 
 // The names of temporary files that have one at this moment. Whoever takes a name out owns it.
 std::array<std::atomic<char*>, 256> partial_names;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): a signal has no other way to them
+std::atomic<bool> is_ending = false;
+std::atomic<int> naming_count = 0;  // threads that give a temporary file its name
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
+
+// While one lives, remove_partial_outputs waits; once that was called, no thread gets past it any more. Signals wait, too, so
+// that it never waits for the thread that it runs in.
+class NamingTime {
+public:
+    NamingTime()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &m_before);
+        ++naming_count;
+        if (!is_ending)
+            return;
+        --naming_count;
+        for (;;)
+            ::pause();
+    }
+    ~NamingTime()
+    {
+        --naming_count;
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    }
+    NamingTime(const NamingTime&) = delete;
+    NamingTime& operator=(const NamingTime&) = delete;
+
+private:
+    sigset_t m_before;
+};
 
 // A name beside the target, noted for remove_partial_outputs while this lives. It is the same for every output to that
 // target, so that the next one takes away what a killed program left there.
@@ -131,7 +166,10 @@ bool name_file(int fd, const std::string& target)
     };
     if (link(target.c_str()))
         return true;
+    const int problem = errno;
     const PartialName whole(target + ".formwork-new");
+    const NamingTime naming;
+    errno = problem;
     for (int i = 0; i < ATTEMPTS && errno == EEXIST; ++i) {
         const bool linked = link(whole.c_str());
         if (!linked && errno != EEXIST)
@@ -150,7 +188,10 @@ bool name_file(int fd, const std::string& target)
 bool write_named(const std::string& target, const PDF_OUTPUT_INPUT& input, std::string_view update)
 {
     const PartialName partial(target + ".formwork-part");
-    const CPDFDescriptor file(::open(partial.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
+    const CPDFDescriptor file([&partial] {
+        const NamingTime naming;
+        return ::open(partial.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666);
+    }());
     if (file.get() < 0)
         return false;
     struct stat opened = {};
@@ -204,6 +245,11 @@ CPDFStatus write_file(const std::string& path, const PDF_OUTPUT_INPUT& input, st
 
 void remove_partial_outputs()
 {
+    constexpr int ATTEMPTS = 1000;
+    constexpr timespec MILLISECOND = {0, 1000000};
+    is_ending = true;
+    for (int i = 0; i < ATTEMPTS && naming_count > 0; ++i)
+        ::nanosleep(&MILLISECOND, nullptr);
     for (std::atomic<char*>& slot : partial_names) {
         if (const char* name = slot.exchange(nullptr))
             ::unlink(name);

@@ -144,7 +144,7 @@ bool write_all(int fd, const unsigned char* data, size_t size)
     const auto need = [&](QPDF_ERROR_CODE code) {
         if (!(code & QPDF_ERRORS))
             return;
-        const qpdf_error error = qpdf.qpdf_get_error(job);
+        qpdf_error error = qpdf.qpdf_get_error(job);
         const bool locked = qpdf.qpdf_get_error_code(job, error) == qpdf_e_password;
         outcome.end_with(locked ? RESCUE_END::ENCRYPTED : RESCUE_END::REFUSED,
                          qpdf.qpdf_get_error_message_detail(job, error));
