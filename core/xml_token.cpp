@@ -1,6 +1,8 @@
 #include "core/xml_token.h"
 
 #include <algorithm>
+#include <charconv>
+#include <utility>
 
 #include "core/text.h"
 
@@ -52,6 +54,25 @@ std::string_view xml_encoding(std::string_view text)
     const size_t open = declaration.find_first_of("'\"", key);
     const size_t close = open == NONE ? NONE : declaration.find(declaration[open], open + 1);
     return close == NONE ? std::string_view() : declaration.substr(open + 1, close - open - 1);
+}
+
+uint32_t xml_reference(std::string_view word)
+{
+    constexpr std::pair<std::string_view, char> ENTITIES[] = {
+        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''},
+    };
+    for (const auto& [name, character] : ENTITIES) {
+        if (word == name)
+            return static_cast<uint32_t>(character);
+    }
+    if (word.substr(0, 1) != "#")
+        return 0;
+    const bool is_hex = word.substr(0, 2) == "#x";
+    const std::string_view digits = word.substr(is_hex ? 2 : 1);
+    const char* const end = digits.data() + digits.size();
+    uint32_t code = 0;
+    const auto [last, error] = std::from_chars(digits.data(), end, code, is_hex ? 16 : 10);
+    return error == std::errc() && last == end && is_xml_char(code) ? code : 0;
 }
 
 bool is_same_word(std::string_view text, std::string_view small)

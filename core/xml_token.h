@@ -23,6 +23,9 @@ bool is_xml_name_like(std::string_view name);
 // read.
 std::string_view xml_encoding(std::string_view text);
 
+// The character that the reference `&word;` stands for: one of the five entities, or a character by its number. 0 for others.
+uint32_t xml_reference(std::string_view word);
+
 // Whether `text` is `small`, a word in small letters, with letters of either case.
 bool is_same_word(std::string_view text, std::string_view small);
 

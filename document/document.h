@@ -20,6 +20,7 @@ class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
 class CPDFXRefTable;
+struct PDF_XFA_VALUE;
 
 // How much of the form open loads.
 enum class PDF_LOAD {
@@ -84,7 +85,7 @@ public:
 
     // Whether the catalog names a form.
     bool has_form() const;
-    // Whether the form has XFA data beside its fields. Filling leaves them as they are.
+    // Whether the form has XFA data beside its fields. Filling leaves them as they are, see write_xfa.
     bool has_xfa();
     CPDFAcroForm& form();
     CPDFXRefTable& xref();
@@ -159,9 +160,26 @@ public:
     CPDFStatus reset(PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
     CPDFStatus reset(const std::vector<CPDFField*>& fields, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Writes the XFA data set, if the form has one, anew from the values of the fields. Refuses, and changes nothing
-    // then, where the XFA data have no data set that can be replaced, and where a name or value does not fit into XML.
-    CPDFStatus reset_xfa();
+    // Puts the values of the fields into the XFA data set, if the form has one, where its template says they belong; without a template the
+    // names of the fields say it. All else in the data stays byte for byte. Sentences about fields whose values can't be put there are
+    // appended to `notes` unless that is null. Refuses, and changes nothing then, where the XFA data can't be read or have no
+    // data set, and a value that XML can't hold.
+    CPDFStatus write_xfa(std::vector<std::string>* notes = nullptr);
+
+    // The data set as write_xfa makes it, as XML.
+    CPDFStatus read_xfa(std::string& out, std::vector<std::string>* notes = nullptr);
+
+    // Whether the form has XFA data and no field that takes a value, as dynamic XFA forms are.
+    bool has_only_xfa();
+
+    // The values in the XFA data, with their paths, in their order.
+    CPDFStatus xfa_values(std::vector<PDF_XFA_VALUE>& out);
+
+    // Sets values by paths as xfa_values gives them; a name without a place is the first of it. Refuses, and changes nothing then, a path
+    // that has no value, and what permissions and signatures forbid unless `fill` is FORCE. `check_xfa_values` changes nothing and tells in
+    // `each` what would be refused of each value; it fails for what is refused of all.
+    CPDFStatus check_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill, std::vector<CPDFStatus>& each);
+    CPDFStatus set_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
     // The structure of the form. Each loads the whole form, keeps names, widgets and tree in step, and refuses, with
     // nothing changed, what signatures forbid unless `edit` is FORCE, and what the functions that do it say (insert_field,

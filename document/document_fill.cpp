@@ -12,7 +12,6 @@
 namespace {
 
 constexpr const char* FILLING = "fill the form";
-constexpr const char* XFA = "write the XFA data";
 constexpr const char* RESETTING = "reset the form";
 
 // Which of `fields` the signatures lock.
@@ -130,32 +129,4 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
     if (status.ok())
         status = std::move(shown);
     return status.ok() ? calculate(nullptr) : status;
-}
-
-CPDFStatus CPDFDocument::reset_xfa()
-{
-    return within_memory(XFA, [&] { return m_state->reset_xfa(); });
-}
-
-CPDFStatus CPDFDocument::State::reset_xfa()
-{
-    if (!has_xfa())
-        return {};
-    if (CPDFStatus status = load_whole_form(); !status.ok())
-        return status;
-    if (CPDFStatus status = check_xfa_data(form); !status.ok())
-        return status;
-    const CPDFReadAllowance allowance(reader->budget());
-    const VXFailureCheck memory;
-    CPDFObj data_set;
-    xref->get_entity(data_set, form.m_xfa_ref);
-    if (data_set.type == PDF_OBJ_STREAM)
-        form.reset_XFA(xref.get());
-    data_set.free();
-    xref->get_entity(data_set, form.m_xfa_ref);
-    if (memory.failed())
-        return no_memory_to(XFA);
-    if (data_set.type == PDF_OBJ_STREAM && data_set.stream->in_memory)
-        return {};
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the XFA data have no data set that can be replaced");
 }

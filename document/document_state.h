@@ -19,6 +19,8 @@
 #include "file/file_reader.h"
 #include "forms/acro_form.h"
 
+class CPDFXfaForm;
+
 // Members are in the order in which they depend on one another.
 struct CPDFDocument::State {
     CPDFFileBytes bytes;
@@ -102,7 +104,11 @@ struct CPDFDocument::State {
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
     CPDFStatus flatten();
     CPDFStatus reset(const std::vector<CPDFField*>* fields, PDF_FILL fill);
-    CPDFStatus reset_xfa();
+    CPDFStatus open_xfa(CPDFXfaForm& xfa);
+    CPDFStatus take_xfa_values(CPDFXfaForm& xfa, std::vector<std::string>* notes);
+    bool has_only_xfa();
+    CPDFStatus set_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill, CPDFXfaForm& xfa,
+                              std::vector<CPDFStatus>& each);
     CPDFStatus begin_edit(CPDFField* field, PDF_EDIT edit);
     template <typename Operation>
     CPDFStatus edit(CPDFField* field, PDF_EDIT edit, const Operation& operation);

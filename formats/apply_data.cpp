@@ -1,10 +1,13 @@
 #include "formats/apply_data.h"
 
 #include <algorithm>
+#include <map>
+#include <string_view>
 #include <unordered_map>
 
 #include "document/document.h"
 #include "document/lookup/field_text.h"
+#include "document/xfa/data_value.h"
 #include "forms/field.h"
 #include "forms/field_kind.h"
 
@@ -22,6 +25,11 @@ CPDFStatus check_text(const PDF_FORM_ENTRY& entry)
                                       value + " has an escape character, which PDF text can't hold");
     }
     return {};
+}
+
+CPDFStatus refuse_second(const std::string& name)
+{
+    return CPDFStatus::failed(PDF_CODE::WRONG_KIND, "field " + in_quotes(name) + " is given more than one value");
 }
 
 // Other programs write empty texts into their data files for signatures and push buttons.
@@ -56,24 +64,52 @@ CPDFStatus check_item(CPDFDocument& document, PDF_DATA_ITEM& item, PDF_FILL fill
     return {};
 }
 
+// Names that no field has may be paths of XFA data, where the form has nothing else.
+void plan_xfa(CPDFDocument& document, std::vector<PDF_DATA_ITEM>& items, PDF_FILL fill)
+{
+    std::vector<PDF_DATA_ITEM*> unknown;
+    std::vector<PDF_XFA_VALUE> values;
+    for (PDF_DATA_ITEM& item : items) {
+        if (item.plan.field || (item.status = check_text(item.entry), !item.status.ok()))
+            continue;
+        unknown.push_back(&item);
+        values.push_back({item.entry.name, texts_of(item.entry.value).front()});
+    }
+    std::vector<CPDFStatus> each;
+    const CPDFStatus all = document.check_xfa_values(values, fill, each);
+    std::map<std::string_view, const CPDFValue*> seen;
+    for (size_t i = 0; i < unknown.size(); ++i) {
+        PDF_DATA_ITEM& item = *unknown[i];
+        item.is_xfa = true;
+        item.status = all.ok() ? each[i] : all;
+        const auto [earlier, is_first] = seen.emplace(item.entry.name, &item.entry.value);
+        if (item.status.ok() && (!is_first && *earlier->second != item.entry.value))
+            item.status = refuse_second(item.entry.name);
+        if (item.status.ok() && std::holds_alternative<std::vector<std::string>>(item.entry.value))
+            item.status = CPDFStatus::failed(PDF_CODE::WRONG_KIND, "the value " + in_quotes(item.entry.name) +
+                                                                       " of the XFA data is one text");
+    }
+}
+
 }  // namespace
 
 std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData& data, PDF_FILL fill)
 {
     std::vector<PDF_DATA_ITEM> items;
     std::unordered_map<uint32_t, size_t> item_of;  // by the object number of the field
+    bool has_unknown = false;
     for (const PDF_FORM_ENTRY& entry : data) {
         PDF_DATA_ITEM item = {entry, {}, {}};
         const CPDFField* field = item.plan.field = document.field(entry.name);
         const auto [earlier, is_first] = item_of.emplace(field ? field->m_ref.num : 0, items.size());
         if (!field) {
             item.status = no_such_field(entry.name);
+            has_unknown = true;
         } else if (!is_first) {
             CPDFValue& value = items[earlier->second].entry.value;
             if (join_values(*field, value, entry.value) || value == entry.value)
                 continue;
-            item.status = CPDFStatus::failed(PDF_CODE::WRONG_KIND,
-                                             "field " + in_quotes(entry.name) + " is given more than one value");
+            item.status = refuse_second(entry.name);
         }
         items.push_back(std::move(item));
     }
@@ -81,6 +117,8 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
         if (item.status.ok())
             item.status = check_item(document, item, fill);
     }
+    if (has_unknown && document.has_only_xfa())
+        plan_xfa(document, items, fill);
     return items;
 }
 
@@ -100,9 +138,14 @@ CPDFStatus apply_data(CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& 
                       std::vector<CPDFField*>* calculated)
 {
     CPDFStatus status;
+    std::vector<PDF_XFA_VALUE> values;
     for (const PDF_DATA_ITEM& item : items) {
-        if (status.ok() && item.status.ok())
+        if (item.is_xfa && item.status.ok())
+            values.push_back({item.entry.name, texts_of(item.entry.value).front()});
+        else if (status.ok() && item.status.ok())
             status = document.apply(item.plan);
     }
+    if (status.ok() && !values.empty())
+        status = document.set_xfa_values(values, PDF_FILL::FORCE);  // the plan has asked whether it may
     return status.ok() ? document.calculate(calculated) : status;
 }

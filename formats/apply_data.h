@@ -17,12 +17,13 @@ class CPDFDocument;
 // An entry of the data and what becomes of it.
 struct PDF_DATA_ITEM {
     PDF_FORM_ENTRY entry;
-    CPDFStatus status;   // why the entry is refused, in a sentence that names it; ok when it is not
-    PDF_FILL_PLAN plan;  // of an entry that is accepted; its field is borrowed from the document
+    CPDFStatus status;    // why the entry is refused, in a sentence that names it; ok when it is not
+    PDF_FILL_PLAN plan;   // of an entry that is accepted; its field is borrowed from the document
+    bool is_xfa = false;  // the name is the path of a value in the XFA data, and no field
 };
 
 // Checks all of `data` against the fields of the document, which does not change. There is an item for each field, in the
-// order of the data, and one for each entry that is refused: a name that no field has, text that is no UTF-8 or that PDF
+// order of the data, for each value in the XFA data of a form that has its values there alone, and one for each entry that is refused: a name that no field has, text that is no UTF-8 or that PDF
 // can't hold, and what CPDFDocument::check_value refuses. Values for one list box that takes several are joined; another
 // second value for a field is refused, unless it is the same. An empty text from a file leaves a field alone that takes no
 // value.

@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                                {7, stream_text("<x/>")}}))
               .ok(),
           "the form does not open");
-    const CPDFStatus status = document.reset_xfa();
+    const CPDFStatus status = document.write_xfa();
     check(status.ok() || !status.text.empty(), "the refusal has no sentence");
     if (!status.ok())
         return 0;
@@ -56,7 +56,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     again.set_rescue(PDF_RESCUE::OFF);  // it forks
     check(again.open(written(document)).ok(), "the output can't be opened");
     const std::string text = xfa_of(again);
-    check(text.find("&lt;&amp;") != std::string::npos, "the data set lacks a value");
-    check(again.reset_xfa().ok() && xfa_of(again) == text, "writing the data set again changes it");
+    check(again.write_xfa().ok() && xfa_of(again) == text, "writing the data set again changes it");
     return 0;
 }

@@ -105,8 +105,16 @@ CPDFStatus export_xml(const EXPORT_JOB& job, std::string& out)
     return {};
 }
 
+// The data of a form without any are those that its fields would make.
 CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
 {
+    if (job.document.has_xfa()) {
+        std::vector<std::string> notes;
+        CPDFStatus status = job.document.read_xfa(out, &notes);
+        for (const std::string& note : notes)
+            complain(job.arguments.input.path.text, "note: " + note);
+        return status;
+    }
     note_misfits(job);
     int len = 0;
     const VXBlock<char> text(job.document.form().get_xfa_data(len));
@@ -164,7 +172,7 @@ constexpr const char* FOOTER =
     R"(The formats:
   url    the pairs of a submit action, NAME=VALUE joined by '&', in plain ASCII
   xml    the XML of a submit action; with names the elements of these fields alone
-  xfa    the data set that --xfa of fill and reset writes
+  xfa    the data set as --xfa of fill and reset writes it; of a form without fields the data that it has
   json   one object of full names to values, as fill --data takes it
   fdf    the same as FDF
   xfdf   the same as XFDF

@@ -38,7 +38,7 @@ int reset_fields(RESET_ARGUMENTS& arguments)
     if (status.ok())
         note_xfa(document, arguments.input, arguments.xfa);
     if (status.ok() && arguments.xfa)
-        status = document.reset_xfa();
+        status = write_xfa(document, arguments.input);
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
@@ -57,7 +57,7 @@ void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
         ->option_text("...");
     add_output(verb, arguments->output);
     verb.add_flag("--xfa", arguments->xfa,
-                  "write the XFA data set anew from all fields, too; what no field holds goes");
+                  "put the values of all fields into the XFA data, too; what no field holds stays");
     verb.add_flag("--force", arguments->force, "reset what a signature locks or what is not permitted, too");
     add_scripts(verb, arguments->scripts);
     verb.footer(

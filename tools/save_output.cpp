@@ -34,10 +34,19 @@ CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& argu
 
 void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten)
 {
-    if (document.has_xfa() == rewritten)
+    if (document.has_xfa() == rewritten || document.has_only_xfa())
         return;
     complain(input.path.text, rewritten ? "note: the form has no XFA data"
                                         : "note: the form also has XFA data, which stay as they are without --xfa");
+}
+
+CPDFStatus write_xfa(CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    std::vector<std::string> notes;
+    CPDFStatus status = document.write_xfa(&notes);
+    for (size_t i = 0; status.ok() && i < notes.size(); ++i)
+        complain(input.path.text, "note: " + notes[i]);
+    return status;
 }
 
 void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input)

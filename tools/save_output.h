@@ -26,6 +26,9 @@ CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& argu
 // they are `rewritten`; or that there are none to rewrite.
 void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten);
 
+// Puts the values of the fields into the XFA data, and says on standard error of which fields it can't.
+CPDFStatus write_xfa(CPDFDocument& document, const COMMAND_INPUT& input);
+
 // Says on standard error what could not be drawn.
 void note_drawing(const CPDFDocument& document, const COMMAND_INPUT& input);
 

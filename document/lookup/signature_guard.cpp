@@ -186,6 +186,18 @@ CPDFStatus CPDFSignatureGuard::check_fill(const CPDFField& field) const
     return {};
 }
 
+CPDFStatus CPDFSignatureGuard::check_data() const
+{
+    if (m_no_changes)
+        return CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is certified against any change");
+    for (const LOCK& lock : m_locks) {
+        if (lock.all_but)
+            return CPDFStatus::failed(PDF_CODE::READ_ONLY,
+                                      "the data of the form are locked by the signature " + in_quotes(lock.signature));
+    }
+    return {};
+}
+
 CPDFStatus CPDFSignatureGuard::check_edit(CPDFField* field) const
 {
     if (m_certified)

@@ -33,6 +33,9 @@ public:
     // Refuses, naming the field and the signature, to fill a field where that would break a signature.
     CPDFStatus check_fill(const CPDFField& field) const;
 
+    // Refuses to change values that no field has where a signature allows no changes, or locks all fields but some.
+    CPDFStatus check_data() const;
+
     // Refuses to add, remove or change the fields themselves in a certified document, whatever the certification
     // allows, and, where `field` is not null, what the field's own lock or signature forbids for it and the fields
     // under it.

@@ -82,19 +82,3 @@ bool has_xml_value(const CPDFField& field)
     }
     return is_xml_text(text);
 }
-
-CPDFStatus check_xfa_data(CPDFAcroForm& form)
-{
-    CPDFNumberedNames names(form);
-    CPDFStatus status;
-    for_each_field(form, [&](const CPDFField& field) {
-        const bool is_push_button = field.m_type == FIELD_BUTTON && (field.m_flags & FIELD_PUSH_BUTTON);
-        const bool is_named_well = has_xml_name(field);
-        if (!status.ok() || is_push_button || (is_named_well && has_xml_value(field)))
-            return;
-        status = CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                    "field " + in_quotes(names.name_of(field)) + " does not fit into the XFA data: " +
-                                        (is_named_well ? "XML can't hold its value" : "its name is no XML name"));
-    });
-    return status;
-}

@@ -2,9 +2,6 @@
 // bytes; who wants the result well-formed asks before.
 #pragma once
 
-#include "file/status.h"
-
-class CPDFAcroForm;
 class CPDFField;
 
 // Whether the name of the field makes a tag that XML 1.0 (2.3) allows, without a colon, or none.
@@ -12,6 +9,3 @@ bool has_xml_name(const CPDFField& field);
 
 // Whether the value that is written for the field is character data of XML. True when memory runs out.
 bool has_xml_value(const CPDFField& field);
-
-// Fails, in a sentence that names the first field, when the XFA data set of the form would not be well-formed.
-CPDFStatus check_xfa_data(CPDFAcroForm& form);

@@ -7,9 +7,9 @@
 #include "core/alloc.h"
 #include "core/limits.h"
 #include "document/document.h"
+#include "document/lookup/export_value.h"
 #include "document/lookup/field_text.h"
 #include "formats/export/data_writer.h"
-#include "formats/export/export_value.h"
 #include "forms/field_walk.h"
 
 CPDFDataWriter::~CPDFDataWriter() = default;

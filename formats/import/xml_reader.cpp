@@ -1,7 +1,6 @@
 #include "formats/import/xml_reader.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "core/limits.h"
 #include "core/text.h"
@@ -204,9 +203,6 @@ bool CPDFXmlReader::decode(size_t begin, size_t end, std::string_view special)
 bool CPDFXmlReader::decode_reference(size_t& at, size_t end)
 {
     constexpr size_t LONGEST = 12;
-    constexpr std::pair<std::string_view, char> ENTITIES[] = {
-        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''},
-    };
     const size_t stop = m_all.substr(at, std::min(end - at, LONGEST)).find(';');
     if (stop == NONE) {
         fail(at, "an '&' begins no entity; it is written \"&amp;\" for itself");
@@ -215,18 +211,8 @@ bool CPDFXmlReader::decode_reference(size_t& at, size_t end)
     const std::string_view word = m_all.substr(at + 1, stop - 1);
     const size_t start = at;
     at += stop + 1;
-    for (const auto& [name, character] : ENTITIES) {
-        if (word == name) {
-            m_text += character;
-            return true;
-        }
-    }
-    const bool is_hex = word.substr(0, 2) == "#x";
-    const std::string_view digits = word.substr(std::min<size_t>(is_hex ? 2 : 1, word.size()));
-    uint32_t code = 0;
-    const auto [last, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code, is_hex ? 16 : 10);
-    if (word.substr(0, 1) != "#" || error != std::errc() || last != digits.data() + digits.size() ||
-        !is_xml_char(code)) {
+    const uint32_t code = xml_reference(word);
+    if (code == 0) {
         fail(start, "there is no entity \"&" + std::string(word) + ";\"");
         return false;
     }

@@ -25,6 +25,21 @@ inline PdfBuilder& put_objects(PdfBuilder& file, uint32_t num, const std::string
     return file;
 }
 
+// The beginning of a form file with these entries of fields, objects 10 and following; 20 and following are `kids`.
+inline PdfBuilder begin_form(std::vector<std::string> fields, const std::string& kids = "",
+                             const std::string& more = "")
+{
+    for (std::string& field : fields)
+        field = "<<" + field + ">>";
+    PdfBuilder file;
+    return put_objects(file.form(fields, more), 20, kids);
+}
+
+inline std::string form_of(const std::vector<std::string>& fields, const std::string& kids = "")
+{
+    return begin_form(fields, kids).table().text;
+}
+
 class FormAtWork {
 public:
     explicit FormAtWork(const std::string& text, PDF_LOAD load = PDF_LOAD::WHOLE_FORM)

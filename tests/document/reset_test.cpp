@@ -3,22 +3,6 @@
 #include "tests/support/alloc_walk.h"
 
 namespace {
-const std::string DATA_NAMESPACE = "http://www.xfa.org/schema/xfa-data/1.0/";
-
-// The beginning of a form file with these entries of fields, objects 10 and following; 20 and following are `kids`.
-PdfBuilder begin_form(std::vector<std::string> fields, const std::string& kids = "", const std::string& more = "")
-{
-    for (std::string& field : fields)
-        field = "<<" + field + ">>";
-    PdfBuilder file;
-    return put_objects(file.form(fields, more), 20, kids);
-}
-
-std::string form_of(const std::vector<std::string>& fields, const std::string& kids = "")
-{
-    return begin_form(fields, kids).table().text;
-}
-
 // "V" and "I" of the objects 10 to 13, and "AS" of the objects 20 to 22.
 std::string state_of(FormAtWork& f)
 {
@@ -134,61 +118,6 @@ TEST(ResetTest, LockedAndOversizedFormsStayAsTheyAre)
     FormAtWork huge(large);
     EXPECT_EQ(huge.document.reset().code, PDF_CODE::LIMIT);
     EXPECT_EQ(huge.saved(), large);
-}
-
-TEST(ResetTest, XfaDataFollowTheFields)
-{
-    const std::string data = "<xfa:datasets xmlns:xfa=\"" + DATA_NAMESPACE + "\"><xfa:data>";
-    const std::string packets = "<x><d:datasets xmlns:d='" + DATA_NAMESPACE + "'/><t/></x>";
-    for (const bool single : {false, true}) {
-        SCOPED_TRACE(single ? "one stream" : "packets");
-        PdfBuilder file =
-            begin_form({"/FT/Tx/T(t)/V(v)/DV(d)"}, "", single ? "/XFA 5 0 R" : "/XFA[(datasets)5 0 R(template)6 0 R]");
-        file.stream(5, "/Type/X", single ? packets : "old").stream(6, "", "<template/>").table();
-        FormAtWork f(file.text, PDF_LOAD::NAMED_FIELDS);
-        f.field("t");
-        f.document.form();  // does not know what is put into the field of a branch
-        for (const char* value : {"one", "two"}) {
-            EXPECT_TRUE(f.set("t", value).ok());
-            EXPECT_TRUE(f.document.reset_xfa().ok());
-            const std::string now = data + "<t>" + value + "</t></xfa:data></xfa:datasets>";
-            EXPECT_EQ(FileAtWork(f.saved()).data(5), single ? "<x>" + now + "<t/></x>" : now);
-        }
-        EXPECT_EQ(FileAtWork(f.saved()).data(6), "<template/>");
-        f.document.revert();
-        EXPECT_EQ(f.saved(), file.text);
-    }
-    PdfBuilder none = begin_form({"/T(t)"}, "", "/XFA 5 0 R");
-    none.stream(5, "", "<x><t/></x>").table();
-    FormAtWork f(none.text);
-    EXPECT_EQ(f.document.reset_xfa().code, PDF_CODE::BAD_DATA);
-    EXPECT_EQ(f.saved(), none.text);
-    EXPECT_TRUE(FormAtWork(form_of({"/T(t)"})).document.reset_xfa().ok());
-}
-
-// The engine writes names as tags and the states of buttons as their bytes.
-TEST(ResetTest, XfaDataStayWhereAFieldDoesNotFitIntoXml)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        {"/FT/Tx/T(t t)", "field \"t t\" does not fit into the XFA data: its name"},
-        {"/FT/Tx/T(1)", "its name"},
-        {"/FT/Btn/T(c)/V/Verf#FCgbar#26x", "field \"c\" does not fit into the XFA data: XML can't hold its value"},
-        {"/FT/Btn/T(c)/V/a#3Cb#3E#3C#2Fb#3E", "its value"},
-        {"/FT/Btn/Ff 32768/T(r)/V/a#26b", "its value"},
-        {"/FT/Btn/T(c)/V/J#C3#BC", ""},
-        {"/FT/Btn/T(c)/V/0/Opt[(a & b)]", ""},
-        {"/FT/Btn/Ff 65536/T(p p)/V/a#26b", ""},
-        {"/FT/Tx/T(#t t[0])/V(<\\001&)", ""},
-    };
-    for (const auto& [field, why] : cases) {
-        SCOPED_TRACE(field);
-        PdfBuilder file = begin_form({field}, "", "/XFA[(datasets)5 0 R]");
-        FormAtWork f(file.stream(5, "", "<old/>").table().text);
-        const CPDFStatus status = f.document.reset_xfa();
-        EXPECT_EQ(status.ok(), !*why);
-        EXPECT_NE(status.text.find(why), std::string::npos) << status.text;
-        EXPECT_EQ(f.saved() == file.text, !status.ok());
-    }
 }
 
 TEST(ResetTest, AllocationFailures)

@@ -5,7 +5,20 @@
 
 #include "document/document.h"
 #include "document/lookup/field_text.h"
+#include "document/xfa/data_value.h"
 #include "tools/verb.h"
+
+namespace {
+
+// Whether the name is that of a value in the XFA data of a form that has nothing else.
+bool has_xfa_value(CPDFDocument& document, const std::string& name)
+{
+    std::vector<CPDFStatus> each;
+    return document.has_only_xfa() && document.check_xfa_values({{name, ""}}, PDF_FILL::FORCE, each).ok() &&
+           each[0].ok();
+}
+
+}  // namespace
 
 bool BatchRows::open(const std::string& path)
 {
@@ -27,7 +40,7 @@ bool BatchRows::check_columns(CPDFDocument& document) const
         good = false;
     };
     for (const std::string& column : *columns) {
-        if (!document.field(column) && !(m_pattern && m_pattern->names(column)))
+        if (!document.field(column) && !(m_pattern && m_pattern->names(column)) && !has_xfa_value(document, column))
             refuse(no_such_field(column).text + ", and no output name (-o) uses it");
     }
     for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
@@ -85,7 +98,8 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     row.number = read.number;
     row.data = std::move(read.data);
     std::erase_if(row.data, [&](const PDF_FORM_ENTRY& entry) {
-        return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name);
+        return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name) &&
+               !has_xfa_value(document, entry.name);
     });
     return true;
 }

@@ -99,7 +99,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         return put_done();
     note_xfa(document, arguments.input, arguments.xfa);
     if (arguments.xfa)
-        status = document.reset_xfa();
+        status = write_xfa(document, arguments.input);
     if (status.ok() && arguments.flatten)
         status = document.flatten(arguments.edit());
     if (status.ok())
@@ -198,7 +198,7 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     add_output(verb, arguments->output);
     add_scripts(verb, arguments->scripts);
     verb.add_flag("--xfa", arguments->xfa,
-                  "write the XFA data set anew from all fields, too; what no field holds goes");
+                  "put the values of all fields into the XFA data, too; what no field holds stays");
     verb.add_flag("--flatten", arguments->flatten, "make what the fields show a part of the pages; the form goes");
     verb.add_flag("--force", arguments->force, "fill what is read-only, locked by a signature or not permitted, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");

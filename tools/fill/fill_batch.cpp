@@ -46,7 +46,7 @@ private:
         if (m_arguments.report)
             append_report(report, m_document, items, calculated, row.number);
         if (written.ok() && is_written && m_arguments.xfa)
-            written = m_document.reset_xfa();
+            written = write_xfa(m_document, m_arguments.input);
         if (written.ok() && is_written && m_arguments.flatten)
             written = m_document.flatten(m_arguments.edit());
         need_memory();

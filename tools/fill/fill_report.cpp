@@ -52,7 +52,10 @@ void append_report(std::string& out, CPDFDocument& document, const std::vector<P
 {
     for (const PDF_DATA_ITEM& item : items) {
         append_name(out, clean(item.entry.name), row);
-        if (item.status.ok()) {
+        if (item.status.ok() && item.is_xfa) {
+            out += ",\"result\":\"set\",\"value\":";
+            append_given(out, item.entry.value);
+        } else if (item.status.ok()) {
             out.append(",\"result\":\"").append(result_of(item.plan)).append("\",\"value\":");
             append_json_value(out, value_text(document.xref(), item.plan.field->m_value));
         } else {

@@ -23,16 +23,17 @@ int list_fields(const LIST_ARGUMENTS& arguments)
     if (!document.permits_filling())
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
     const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
+    const std::vector<PDF_XFA_VALUE> data = xfa_values_of(document, arguments.input);
     if (arguments.json)
-        return end_with(put_list_json(document, arguments.input, what), arguments.input.path.text);
+        return end_with(put_list_json(document, arguments.input, what, data), arguments.input.path.text);
     int64_t fields = 0;
-    int64_t listed = 0;
+    auto listed = static_cast<int64_t>(data.size());
     for_each_field(document.form(), [&](const CPDFField& field) {
         ++fields;
         listed += is_listed(field, what);
     });
     if (listed)
-        put_list_table(document, what);
+        put_list_table(document, what, data);
     else
         put(printable(arguments.input.path.text) + " has no form fields" + (fields ? " with a name" : "") + "\n");
     return put_done();
@@ -45,6 +46,18 @@ bool is_listed(const CPDFField& field, LIST_WHAT what)
     return what == LIST_WHAT::ALL || field.m_name.len > 0;
 }
 
+std::vector<PDF_XFA_VALUE> xfa_values_of(CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    std::vector<PDF_XFA_VALUE> values;
+    if (!document.has_only_xfa())
+        return values;
+    if (const CPDFStatus status = document.xfa_values(values); !status.ok()) {
+        complain(input.path.text, "note: " + status.text);
+        values.clear();
+    }
+    return values;
+}
+
 void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
 {
     const auto arguments = std::make_shared<LIST_ARGUMENTS>();
@@ -54,6 +67,8 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--all", arguments->all, "also fields without a name of their own, under their numbered names");
     verb.footer("In the table, control characters are shown as escapes, and what is too long for the terminal is cut.\n"
                 "The value is that of the field itself, or its default value where it has none; a\n"
-                "long text that is kept in a stream is left to `formwork get`.");
+                "long text that is kept in a stream is left to `formwork get`.\n"
+                "Where no field takes a value but the form has XFA data, as dynamic forms are made, their values are\n"
+                "shown, of the kind \"data\", under the paths by which fill takes them.");
     verb.callback([arguments, &action] { action = [arguments] { return list_fields(*arguments); }; });
 }

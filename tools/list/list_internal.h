@@ -1,6 +1,7 @@
 // The two ways in which the verb list shows fields.
 #pragma once
 
+#include "document/xfa/data_value.h"
 #include "tools/verb.h"
 
 enum class LIST_WHAT {
@@ -11,7 +12,11 @@ enum class LIST_WHAT {
 // Whether the list has the field.
 bool is_listed(const CPDFField& field, LIST_WHAT what);
 
+// The values of a form that has them in XFA data alone, and no fields. Says so where they can't be read.
+std::vector<PDF_XFA_VALUE> xfa_values_of(CPDFDocument& document, const COMMAND_INPUT& input);
+
 // Each writes to standard output: a JSON array with one object a line, which ends early where the fields share too many
 // options, or a table that fits the terminal. `input` is what the document was opened from.
-CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what);
-void put_list_table(CPDFDocument& document, LIST_WHAT what);
+CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what,
+                         const std::vector<PDF_XFA_VALUE>& data);
+void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);

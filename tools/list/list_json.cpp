@@ -36,7 +36,7 @@ public:
         m_binder.bind_references(document.xref(), document.form(), m_pages);
     }
 
-    CPDFStatus put_all(LIST_WHAT what)
+    CPDFStatus put_all(LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
     {
         m_out = "[";
         for_each_field(m_document.form(), [&](CPDFField& field) {
@@ -48,6 +48,8 @@ public:
             if (m_out.size() >= FLUSH_SIZE)
                 flush();
         });
+        for (const PDF_XFA_VALUE& at : data)
+            append_data(at);
         m_out += m_first ? "]\n" : "\n]\n";
         flush();
         if (m_option_bytes <= LIMIT_LISTED_OPTIONS)
@@ -60,6 +62,18 @@ private:
     {
         put(m_out);
         m_out.clear();
+    }
+
+    void append_data(const PDF_XFA_VALUE& value)
+    {
+        put_text(m_first ? "\n{\"name\":" : ",\n{\"name\":");
+        m_first = false;
+        append_json_text(m_out, value.path);
+        put_text(",\"type\":null,\"kind\":\"data\",\"value\":");
+        append_json_text(m_out, value.value);
+        m_out += '}';
+        if (m_out.size() >= FLUSH_SIZE)
+            flush();
     }
 
     void append_field(CPDFField& field)
@@ -185,11 +199,12 @@ private:
 
 }  // namespace
 
-CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what)
+CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what,
+                         const std::vector<PDF_XFA_VALUE>& data)
 {
     std::unique_ptr<JsonList> list;
     do
         list = std::make_unique<JsonList>(document);
     while (mend_document(document, input));
-    return list->put_all(what);
+    return list->put_all(what, data);
 }

@@ -85,7 +85,7 @@ void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
 }  // namespace
 
 // Two passes, so that the memory does not grow with the form.
-void put_list_table(CPDFDocument& document, LIST_WHAT what)
+void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
 {
     const int terminal = terminal_columns();
     CPDFNumberedNames names(document.form());
@@ -94,6 +94,8 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what)
             if (is_listed(field, what))
                 use(row_of(field, names));
         });
+        for (const PDF_XFA_VALUE& at : data)
+            use({"data", printable(at.path), printable(at.value), ""});
     };
     const LIST_ROW heading = {"KIND", "NAME", "VALUE", "FLAGS"};
     LIST_WIDTHS widths{};

@@ -1,4 +1,4 @@
-#include "formats/export/export_value.h"
+#include "document/lookup/export_value.h"
 
 #include <algorithm>
 
