@@ -16,8 +16,11 @@
 namespace {
 
 constexpr int32_t NONE = CPDFXfaData::NONE;
-constexpr int32_t TAG_PART = 256;  // bytes of a tag that are as much work as one element
-constexpr int32_t LOST = -2;       // a place in the data that is not known
+// Elements of a template are more work than what the limit counts otherwise, and long tags more than short ones.
+constexpr int64_t ELEMENT_VISITS = 8;
+constexpr uint32_t TAG_PART = 32;
+
+constexpr int32_t LOST = -2;  // a place in the data that is not known
 
 // The fields under one that the template names, by name and place. Levels without a name of their own ("#subform[0]") have no part
 // in the places.
@@ -93,7 +96,7 @@ private:
         for (int32_t at = m_tree.at(element).first; at >= 0 && !is_exhausted(); at = m_tree.at(at).next) {
             const std::string_view kind = m_tree.name(at);
             const std::string name = m_tree.attribute(at, "name");
-            m_visits += 1 + (m_tree.at(at).inner - m_tree.at(at).begin) / TAG_PART;
+            m_visits += ELEMENT_VISITS + (m_tree.at(at).inner - m_tree.at(at).begin) / TAG_PART;
             if (kind == "field" || (kind == "exclGroup" && !name.empty()))
                 bind_field(at, name, scope, context);
             else if (kind == "subform" || kind == "area" || kind == "subformSet" || kind == "pageSet" ||
