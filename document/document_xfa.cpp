@@ -30,7 +30,7 @@ CPDFStatus CPDFDocument::State::take_xfa_values(CPDFXfaForm& xfa, std::vector<st
     const CPDFWidgetBinder& bound = bound_widgets();
     const CPDFReadAllowance allowance(reader->budget());
     std::vector<std::string> found;
-    status = xfa.take_values(*xref, form, bound, found);
+    status = xfa.take_values(*xref, form, bound, filled, found);
     if (notes)
         notes->insert(notes->end(), found.begin(), found.end());
     return status;

@@ -480,6 +480,9 @@ def texts():
         "csv/quotes": b'\xef\xbb\xbf"t","g.t"\n"a ""b""\r\n,",\n\n',
         "csv/found_mark": b"\r\xfe\xfft",
         "xfa_data/packets": b"\0" + data,
+        "xfa_data/bound": b"\1<x><template><subform name='form1'><field name='a'><bind match='global'/></field><subform name='r'><occur "
+                          b"max='-1'/><bind match='dataRef' ref='$.r[*]'/></subform><field name='b'><bind match='dataRef' "
+                          b"ref='$record.c.d[1]'/></field></subform></template>" + data + b"</x>",
         "xfa_data/one": b"\1<?xml version='1.0'?><xdp:xdp xmlns:xdp='u'><template/>" + data + b"</xdp:xdp>",
         "syntax/dict": b"<</V(old)/RV<</A[1 0 R -1.50 .0]>>/T<FEFF00E9>/Kids[null true]/FT/T#78>>",
         "syntax/gaps": b"<< /A 1% c\n2/V ( (x) \\) \\053 \\\n)/B/ /C[1 0 R 2 0R 3. 0 R]>>",

@@ -1,8 +1,9 @@
-// The XFA data of a form, written anew from its fields. The first byte tells whether the rest is the data set or the one
-// stream with all packets; after writing, the data set must be there, the other packets too, and writing changes nothing more.
+// The XFA data of a form, read and filled by path, and brought in step with its fields. The first byte tells whether the rest is
+// the data set or the one stream with all packets; after writing, writing again changes nothing more.
 #include "core/stream.h"
 #include "core/xref_table.h"
 #include "document/document.h"
+#include "document/xfa/data_value.h"
 #include "forms/acro_form.h"
 #include "fuzz/fuzz_bytes.h"
 #include "fuzz/made_file.h"
@@ -48,6 +49,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                                {7, stream_text("<x/>")}}))
               .ok(),
           "the form does not open");
+    std::vector<PDF_XFA_VALUE> values;
+    if (document.xfa_values(values).ok() && !values.empty()) {
+        const PDF_XFA_VALUE last = {values.back().path, "<\n>"};
+        check(document.set_xfa_values({last}).ok(), "a value that was listed is not there");
+        check(document.xfa_values(values).ok() && values.back().value == last.value,
+              "a value that was set is not there");
+        document.revert();
+    }
     const CPDFStatus status = document.write_xfa();
     check(status.ok() || !status.text.empty(), "the refusal has no sentence");
     if (!status.ok())

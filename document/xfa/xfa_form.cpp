@@ -1,6 +1,8 @@
 #include "document/xfa/xfa_form.h"
 
 #include <algorithm>
+#include <map>
+#include <unordered_set>
 #include <utility>
 
 #include "core/xml_token.h"
@@ -29,6 +31,30 @@ bool fits_into_xml(const std::vector<std::string>& texts)
                        [](const std::string& text) { return find_xml_forbidden(text) == std::string::npos; });
 }
 
+// What becomes of one value of the data.
+struct DECISION {
+    int rank = 0;
+    const CPDFField* field = nullptr;  // borrowed from the form
+    CPDFXfaValues::RESULT result = CPDFXfaValues::KEEP;
+    std::vector<std::string> texts;
+};
+
+CPDFStatus carry_out(int32_t node, const DECISION& decision, CPDFXfaData& data, std::vector<const CPDFField*>& unread)
+{
+    if (decision.result == CPDFXfaValues::NO_FORMAT)
+        unread.push_back(decision.field);
+    if (decision.result == CPDFXfaValues::NO_FORMAT || decision.result == CPDFXfaValues::KEEP)
+        return {};
+    if (!fits_into_xml(decision.texts))
+        return CPDFStatus::failed(PDF_CODE::BAD_DATA, "field " + in_quotes(full_name(*decision.field)) +
+                                                          " does not fit into the XFA data: XML can't hold its value");
+    if (decision.result == CPDFXfaValues::SET_LIST)
+        data.set_list(node, decision.texts);
+    else
+        data.set_value(node, decision.texts[0]);
+    return {};
+}
+
 }  // namespace
 
 CPDFStatus CPDFXfaForm::open(CPDFXRefTable& xref, const CPDFObj* form)
@@ -37,44 +63,46 @@ CPDFStatus CPDFXfaForm::open(CPDFXRefTable& xref, const CPDFObj* form)
     return status.ok() ? m_data.open(std::move(m_packets.data)) : status;
 }
 
-CPDFStatus CPDFXfaForm::take_values(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFWidgetBinder& widgets,
-                                    std::vector<std::string>& notes)
+// Null where there is no template that can be read; its element is handed out in `top`.
+const CPDFXmlTree* CPDFXfaForm::template_tree(int32_t& top, std::vector<std::string>& notes)
 {
-    const CPDFXmlTree* tree = nullptr;
+    top = m_packets.is_single ? m_data.tree().child(0, "template") : 0;
+    if (m_packets.is_single)
+        return top < 0 ? nullptr : &m_data.tree();
+    if (m_packets.form_template.empty())
+        return nullptr;
+    if (m_own_template.parse(std::move(m_packets.form_template)).ok())
+        return &m_own_template;
+    notes.push_back("the XFA template can't be read, so the names of the fields say where their values belong");
+    return nullptr;
+}
+
+CPDFStatus CPDFXfaForm::take_values(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFWidgetBinder& widgets,
+                                    const std::vector<CPDFField*>& changed, std::vector<std::string>& notes)
+{
     int32_t top = 0;
-    if (m_packets.is_single) {
-        top = m_data.tree().child(0, "template");
-        tree = top < 0 ? nullptr : &m_data.tree();
-    } else if (!m_packets.form_template.empty()) {
-        if (m_own_template.parse(std::move(m_packets.form_template)).ok())
-            tree = &m_own_template;
-        else
-            notes.push_back("the XFA template can't be read, so the names of the fields say where their values belong");
-    }
+    const CPDFXmlTree* const tree = template_tree(top, notes);
     std::vector<XFA_BINDING> bound;
     std::vector<const CPDFField*> lost;
     if (CPDFStatus status = bind_xfa(form, m_data, tree, top, bound, lost); !status.ok())
         return status;
     CPDFXfaValues values(xref, widgets, tree);
-    std::vector<const CPDFField*> unread;
+    const std::unordered_set<const CPDFField*> is_changed(changed.begin(), changed.end());
+    std::map<int32_t, DECISION> decisions;
     for (const XFA_BINDING& at : bound) {
-        std::vector<std::string> texts;
-        const CPDFXfaValues::RESULT result = values.value_of(at, m_data, texts);
-        if (result == CPDFXfaValues::NO_FORMAT)
-            unread.push_back(at.field);
-        if (result != CPDFXfaValues::SET_TEXT && result != CPDFXfaValues::SET_LIST)
-            continue;
-        if (!fits_into_xml(texts))
-            return CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                      "field " + in_quotes(full_name(*at.field)) +
-                                          " does not fit into the XFA data: XML can't hold its value");
-        if (result == CPDFXfaValues::SET_LIST)
-            m_data.set_list(at.node, texts);
-        else
-            m_data.set_value(at.node, texts[0]);
+        DECISION now = {0, at.field, {}, {}};
+        now.result = values.value_of(at, m_data, now.texts);
+        now.rank = is_changed.count(at.field) ? 3 : now.result == CPDFXfaValues::KEEP ? 2 : 1;
+        if (DECISION& best = decisions[at.node]; best.rank < now.rank)
+            best = std::move(now);
     }
     if (values.over_limit())
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
+    std::vector<const CPDFField*> unread;
+    for (const auto& [node, decision] : decisions) {
+        if (CPDFStatus status = carry_out(node, decision, m_data, unread); !status.ok())
+            return status;
+    }
     note_fields(
         notes,
         "where in the XFA data the values of these fields belong is not known, so they are not written there:", lost);

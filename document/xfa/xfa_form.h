@@ -9,6 +9,7 @@
 #include "document/xfa/xfa_packets.h"
 
 class CPDFAcroForm;
+class CPDFField;
 class CPDFWidgetBinder;
 
 class CPDFXfaForm {
@@ -18,15 +19,18 @@ public:
 
     CPDFXfaData& data() { return m_data; }
 
-    // Notes the values of the fields where the template says they belong; what no field stands for stays. `notes` gets sentences that name
-    // the fields for which that can't be done. Refuses a value that XML can't hold.
+    // Notes the values of the fields where the template says they belong; what no field stands for stays. Where several fields stand for
+    // one value, one of those in `changed` is right, else one that says what the data say, else the first. `notes` gets sentences that
+    // name the fields that can't be written. Refuses a value that XML can't hold.
     CPDFStatus take_values(CPDFXRefTable& xref, CPDFAcroForm& form, const CPDFWidgetBinder& widgets,
-                           std::vector<std::string>& notes);
+                           const std::vector<CPDFField*>& changed, std::vector<std::string>& notes);
 
     // Makes the data with what was noted a new version of their stream; nothing when nothing was.
     CPDFStatus store(CPDFXRefTable& xref) const;
 
 private:
+    const CPDFXmlTree* template_tree(int32_t& top, std::vector<std::string>& notes);
+
     PDF_XFA_PACKETS m_packets;
     CPDFXfaData m_data;
     CPDFXmlTree m_own_template;  // of a packet

@@ -122,6 +122,22 @@ TEST(XfaTest, ValuesGoWhereTheTemplateSays)
     }
 }
 
+TEST(XfaTest, OfFieldsThatShareAValueTheChangedOneIsRight)
+{
+    const std::string global = "<bind match='global'/></field>";
+    FormAtWork f(xfa_form("/FT/Tx/T(g[0])/V(old);/FT/Tx/T(g[1])/V(old)",
+                          "<field name='g'>" + global + "<field name='g'>" + global,
+                          data_set("<form1><g>old</g></form1>")));
+    for (const char* name : {"form1[0].g[0]", "form1[0].g[1]"}) {
+        f.document.revert();
+        EXPECT_TRUE(f.set(name, "new").ok());
+        EXPECT_TRUE(f.document.write_xfa().ok());
+        const std::string saved = f.saved();
+        EXPECT_EQ(FileAtWork(saved).data(6), data_set("<form1><g>new</g></form1>"));
+        EXPECT_EQ(written(saved).data, data_set("<form1><g>new</g></form1>"));
+    }
+}
+
 TEST(XfaTest, OneStreamBlankDataAndRevert)
 {
     const std::string packets = "<x><template><subform name='t'/></template><d:datasets xmlns:d='u'/><t/></x>";
