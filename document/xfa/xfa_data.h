@@ -63,6 +63,12 @@ public:
         return is_there(node) && kind_of(node) == IS_TEXT && m_tree.at(node).first >= 0;
     }
 
+    // Whether the node can have a value: it holds no other elements than those of a list, and will not.
+    bool takes_value(int32_t node) const
+    {
+        return m_added_in.count(node) == 0 && (!is_there(node) || kind_of(node) != IS_GROUP);
+    }
+
     // Makes `value` the text of the node, or a list its <value> elements.
     void set_value(int32_t node, const std::string& value);
     void set_list(int32_t node, const std::vector<std::string>& values);

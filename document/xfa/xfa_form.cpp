@@ -90,6 +90,10 @@ CPDFStatus CPDFXfaForm::take_values(CPDFXRefTable& xref, CPDFAcroForm& form, con
     const std::unordered_set<const CPDFField*> is_changed(changed.begin(), changed.end());
     std::map<int32_t, DECISION> decisions;
     for (const XFA_BINDING& at : bound) {
+        if (!m_data.takes_value(at.node)) {
+            lost.push_back(at.field);
+            continue;
+        }
         DECISION now = {0, at.field, {}, {}};
         now.result = values.value_of(at, m_data, now.texts);
         now.rank = is_changed.count(at.field) ? 3 : now.result == CPDFXfaValues::KEEP ? 2 : 1;

@@ -169,6 +169,7 @@ TEST(XfaTest, WhatCantBeWrittenIsToldByName)
         {"<field name='a'><bind match='dataRef' ref='$.x.@id'/></field>", "\"form1[0].a[0]\""},
         {"<field name='a'><bind match='dataRef' ref='$.x[1000000]'/></field>", "\"form1[0].a[0]\""},
         {"<field name='a'><bind match='dataRef' ref='x.y()'/></field>", "\"form1[0].a[0]\""},
+        {"<field name='a'><bind match='dataRef' ref='$'/></field>", "\"form1[0].a[0]\""},
         {"<field name='a'><bind use='#p'/></field>", "\"form1[0].a[0]\""},
         {"<field name='a'><ui><dateTimeEdit/></ui></field>", "these dates are in no form that the XFA template tells"},
         {"<field name='a'><bind match='none'/></field>", ""},
