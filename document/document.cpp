@@ -169,6 +169,7 @@ void CPDFDocument::State::forget_fields()
     drawn_buttons.clear();
     computer.reset();
     calculation_order.reset();
+    shown_options = {};
     redraw.reset();
     branches.emplace();
     page_map.reset();

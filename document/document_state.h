@@ -11,6 +11,7 @@
 #include "document/edit/edit.h"
 #include "document/look/redraw.h"
 #include "document/lookup/branch_finder.h"
+#include "document/lookup/field_options.h"
 #include "document/lookup/name_index.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/signature_guard.h"
@@ -45,6 +46,7 @@ struct CPDFDocument::State {
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
     std::vector<std::string> calculation_notes;
+    CPDFOptionIndex shown_options;
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn

@@ -46,6 +46,8 @@ public:
     // The value that the field calculates; nothing when it calculates none. `text` is the one it has.
     std::optional<std::string> calculate(const CPDFField& field, const std::string& text);
 
+    // Whether the field has scripts that format.
+    bool formats(const CPDFField& field) { return !scripts(field, EVENT_FORMAT).empty(); }
     // What the field shows of `text`; nothing when that is `text` itself.
     std::optional<PDF_SHOWN_TEXT> format(const CPDFField& field, const std::string& text);
 
