@@ -44,22 +44,19 @@ protected:
 
 TEST_F(CalculateTest, AFilledFormComputes)
 {
-    const CommandResult filled =
-        folder.run({"fill", form, "amount=-1234.5", "day=2.1.2024", "own=x", "-o", out, "--report"});
-    EXPECT_EQ(filled.exit, 1) << "the form takes days as yyyy-mm-dd, and two-digit years";
     const CommandResult good =
         folder.run({"fill", form, "amount=-1234.5", "day=2024-01-02", "own=x", "-o", out, "--report"});
     ASSERT_EQ(good.exit, 0) << good.err;
-    EXPECT_THAT(good.out, HasSubstr(R"({"name":"double","result":"calculated","why":null,"value":"-2469"})"));
+    EXPECT_THAT(good.out, HasSubstr(R"({"name":"double","result":"calculated","value":"-2469"})"));
     EXPECT_EQ(good.err, "formwork: " + form + ": note: 1 script was not run (formwork actions shows it)\n");
     const json list = fields(out);
-    EXPECT_EQ(list[0]["shown"], "$(1,234.50)");
+    EXPECT_EQ(list[0]["shown"], "($1,234.50)");
     EXPECT_EQ(list[1]["shown"], "2.1.24");
     EXPECT_EQ(list[2]["value"], "-2469");
     EXPECT_EQ(list[2]["shown"], nullptr);
     EXPECT_THAT(folder.run({"list", out}).out, HasSubstr("VALUE       SHOWN"));
     EXPECT_THAT(folder.run({"list", form}).out, Not(HasSubstr("SHOWN")));
-    EXPECT_THAT(folder.run({"export", out, "--as", "json", "--shown", "amount"}).out, HasSubstr("$(1,234.50)"));
+    EXPECT_THAT(folder.run({"export", out, "--as", "json", "--shown", "amount"}).out, HasSubstr("($1,234.50)"));
     EXPECT_THAT(folder.run({"export", out, "--as", "csv"}).out, HasSubstr("-1234.5,"));
     EXPECT_EQ(folder.run({"export", out, "--as", "url", "--shown"}).exit, 2);
 }
