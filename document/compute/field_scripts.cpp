@@ -8,6 +8,7 @@
 #include "document/lookup/field_text.h"
 #include "engine/action.h"
 #include "forms/field.h"
+#include "forms/field_inherit.h"
 
 namespace {
 
@@ -32,21 +33,19 @@ const char* name_of_event(PDF_SCRIPT_EVENT event)
 
 const PDF_FIELD_SCRIPTS* CPDFFieldScripts::of(const CPDFField& field)
 {
-    const auto known = m_read.find(field.m_ref.num);
-    if (known != m_read.end())
-        return known->second ? &*known->second : nullptr;
-    return read(field);
+    const CPDFField* const holder = nearest_field(field, [](const CPDFField& at) { return at.m_has_actions; });
+    if (!holder)
+        return nullptr;
+    const auto known = m_read.find(holder->m_ref.num);
+    return known != m_read.end() ? &known->second : &read(*holder);
 }
 
-const PDF_FIELD_SCRIPTS* CPDFFieldScripts::read(const CPDFField& field)
+const PDF_FIELD_SCRIPTS& CPDFFieldScripts::read(const CPDFField& field)
 {
     constexpr CPDFKeySet KEYS{"AA"};
     CPDFObj own;
     field.m_xref->get_entity(own, field.m_ref, &KEYS);
-    const CPDFObj* entry = own.dictionary() ? own.dict->get_item("AA") : nullptr;
-    if (!entry)
-        return field.m_parent ? of(*field.m_parent) : nullptr;
-    const CPDFEntryView actions(field.m_xref, entry);
+    const CPDFEntryView actions(field.m_xref, own.dictionary() ? own.dict->get_item("AA") : nullptr);
     PDF_FIELD_SCRIPTS scripts;
     for (int event = 0; actions->dictionary() && event < EVENT_COUNT; ++event) {
         const std::unique_ptr<CPDFAction> action(
@@ -54,5 +53,5 @@ const PDF_FIELD_SCRIPTS* CPDFFieldScripts::read(const CPDFField& field)
         if (action)
             add_scripts(*action, scripts.on[event]);
     }
-    return &*m_read.emplace(field.m_ref.num, std::move(scripts)).first->second;
+    return m_read.emplace(field.m_ref.num, std::move(scripts)).first->second;
 }

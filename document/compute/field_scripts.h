@@ -40,7 +40,7 @@ public:
     const PDF_FIELD_SCRIPTS* of(const CPDFField& field);
 
 private:
-    const PDF_FIELD_SCRIPTS* read(const CPDFField& field);
+    const PDF_FIELD_SCRIPTS& read(const CPDFField& field);
 
-    std::unordered_map<uint32_t, std::optional<PDF_FIELD_SCRIPTS>> m_read;  // by object number
+    std::unordered_map<uint32_t, PDF_FIELD_SCRIPTS> m_read;  // by object number
 };
