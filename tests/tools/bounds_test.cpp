@@ -87,9 +87,9 @@ std::string widget(const std::string& entries)
 }
 
 // A form whose catalog, form, page and one plain field are objects 1 to 5; `count` objects from 10 on are fields and widgets.
-PdfBuilder form_of(size_t count, const std::string& form_entries = "", const std::string& more_fields = "")
+PdfBuilder form_of(size_t count, const std::string& form_entries = "")
 {
-    std::string fields = "5 0 R " + more_fields;
+    std::string fields = "5 0 R ";
     for (size_t i = 0; i < count; ++i)
         fields += std::to_string(10 + i) + " 0 R ";
     PdfBuilder file;
@@ -171,11 +171,13 @@ std::string chain_of_sections()
 
 std::string fonts()
 {
-    PdfBuilder file = form_of(60, "/NeedAppearances true");
+    std::string names;
+    for (int i = 0; i < 60; ++i)
+        names += "/F" + std::to_string(i) + " " + std::to_string(500 + i) + " 0 R";
+    PdfBuilder file = form_of(60, "/NeedAppearances true/DR<</Font<<" + names + ">>>>");
     for (uint32_t i = 0; i < 60; ++i) {
         const std::string num = std::to_string(i);
-        file.object(10 + i, "<</FT/Tx/V(v)/Subtype/Widget/Rect[0 0 90 90]/DA(/F 9 Tf)/T(c" + num + ")/DR<</Font<</F " +
-                                std::to_string(500 + i) + " 0 R>>>>>>");
+        file.object(10 + i, "<</FT/Tx/V(v)/Subtype/Widget/Rect[0 0 90 90]/T(c" + num + ")/DA(/F" + num + " 9 Tf)>>");
         file.object(500 + i,
                     "<</Type/Font/Subtype/Type0/Encoding/Identity-H/ToUnicode 6 0 R/DescendantFonts[<</Type/Font"
                     "/Subtype/CIDFontType2/FontDescriptor<</FontFile2 7 0 R>>/CIDToGIDMap 7 0 R>>]>>");
@@ -211,7 +213,6 @@ const Hostile FILES[] = {
     {"huge counts",
      [] {
          PdfBuilder file = form_of(0);
-         const std::string objects = file.text;
          std::string text = file.table("/Size 2147483647").text;
          return text.replace(text.find("\n0 "), 4, "\n0 4294967295 ");
      },
@@ -268,8 +269,13 @@ const Hostile FILES[] = {
      "fill"},
     {"one long text",
      [] {
-         PdfBuilder file = form_of(8000, "/NeedAppearances true", "6 0 R ");
-         file.object(6, "<</FT/Tx/Ff 4096/T(m)/DA(/Helv 0 Tf)/V(" + repeated("long text of words ", 10000) + ")>>");
+         PdfBuilder file = form_of(8000);
+         std::string kids;
+         for (int i = 0; i < 8000; ++i)
+             kids += std::to_string(10 + i) + " 0 R ";
+         file.object(3, "<</NeedAppearances true/Fields[5 0 R 6 0 R]>>");
+         file.object(6, "<</FT/Tx/Ff 4096/T(m)/DA(/Helv 0 Tf)/V(" + repeated("long text of words ", 10000) + ")/Kids[" +
+                            kids + "]>>");
          for (uint32_t i = 0; i < 8000; ++i)
              file.object(10 + i, "<</Parent 6 0 R/Subtype/Widget/Rect[0 0 " + std::to_string(600 + i % 97) + " 700]>>");
          return file.table().text;
