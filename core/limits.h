@@ -33,6 +33,9 @@ constexpr size_t LIMIT_DECODED_STREAM = size_t{256} << 20;
 constexpr size_t LIMIT_DECODE_RATIO = 1032;
 constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
 
+// Bytes of decoded data that a reader makes room for at once, before it sees how much of it is wanted.
+constexpr size_t LIMIT_STREAM_ESTIMATE = size_t{16} << 20;
+
 // Filters of one stream.
 constexpr int LIMIT_FILTERS = 16;
 
@@ -68,7 +71,7 @@ constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
 constexpr int LIMIT_XFA_STREAM = 64 << 20;
 
 // Bytes of default values that one reset puts into fields: a default above many fields is copied into each of them.
-constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{256} << 20;
+constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{48} << 20;
 
 // Bytes of one file with form data that is read as a whole.
 constexpr size_t LIMIT_DATA_FILE = size_t{256} << 20;
@@ -89,7 +92,7 @@ constexpr size_t LIMIT_EXPORT = size_t{128} << 20;
 constexpr size_t LIMIT_EXPORT_STREAMS = size_t{8} << 20;
 
 // Bytes of options that one list of fields shows; many fields may share a long list of options.
-constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
+constexpr size_t LIMIT_LISTED_OPTIONS = size_t{64} << 20;
 
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;

@@ -186,6 +186,19 @@ std::string fonts()
     return file.stream(7, "/Filter/FlateDecode", flate(std::string(64 * MIB, '\0'))).table().text;
 }
 
+// Many fields that have `entries` from the one above them.
+std::string under_one(int count, const std::string& entries)
+{
+    PdfBuilder file = form_of(0);
+    std::string kids;
+    for (int i = 0; i < count; ++i) {
+        kids += std::to_string(10 + i) + " 0 R ";
+        file.object(10 + static_cast<uint32_t>(i), "<</Parent 6 0 R/T(k" + std::to_string(i) + ")>>");
+    }
+    file.object(3, "<</Fields[5 0 R 6 0 R]>>");
+    return file.object(6, "<</T(g)" + entries + "/Kids[" + kids + "]>>").table().text;
+}
+
 struct Hostile {
     const char* name;
     std::string (*make)();
@@ -239,6 +252,19 @@ const Hostile FILES[] = {
      "list fill export flatten"},
     {"shared options", [] { return same_for_all(4000, "/FT/Ch/Opt 6 0 R", "[" + repeated("(o)", 100000) + "]"); },
      "list"},
+    {"options of one above", [] { return under_one(1200, "/FT/Ch/Opt[" + repeated("(\\7\\7\\7)", 50000) + "]"); },
+     "list"},
+    {"a default of one above", [] { return under_one(9000, "/FT/Tx/DV(" + std::string(25000, 'd') + ")"); }, "reset"},
+    {"scripts",
+     [] {
+         const std::string script = "<</S/JavaScript/JS 6 0 R>>";
+         PdfBuilder file = form_of(800);
+         file.stream(6, "/Filter/FlateDecode", flate(std::string(400 * MIB, 's')));
+         for (uint32_t i = 0; i < 800; ++i)
+             file.object(10 + i, "<</FT/Tx/T(c)/AA<</K" + script + "/F" + script + ">>>>");
+         return file.table().text;
+     },
+     "actions"},
     {"flate", [] { return values(1, "/Filter/FlateDecode", flate(std::string(400 * MIB, 'a'))); }, "export flatten"},
     {"flate, many", [] { return values(200, "/Filter/FlateDecode", flate(std::string(4 * MIB, 'a'))); },
      "export flatten"},
@@ -293,7 +319,9 @@ protected:
             arguments.emplace_back("--json");
         else if (verb == "export")
             arguments.insert(arguments.end(), {"--as", "json"});
-        else
+        else if (verb == "reset")
+            arguments.insert(arguments.end(), {"-o", out});
+        else if (verb != "actions")
             arguments.insert(arguments.end(), {"a=new", "-o", out});
         if (verb == "flatten")
             arguments.emplace_back("--flatten");
