@@ -1,5 +1,6 @@
-// Every limit that protects against hostile files, each with its reason. Together they keep what one command does with a file
-// of 1 MB below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file.
+// Every limit that protects against hostile files, each with its reason. What one command does with a file of 1 MB is to stay
+// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file. docs/security.md
+// names what does not yet.
 #pragma once
 
 #include <cstddef>
@@ -57,6 +58,9 @@ constexpr uint64_t LIMIT_PARSE_WORK_PER_BYTE = 128;
 // counted, so this bounds memory as well.
 constexpr uint64_t LIMIT_DECODE_WORK = uint64_t{48} << 20;
 constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 32;
+
+// How often the calculations of a form run until nothing changes: fields that are calculated from each other may never end.
+constexpr int LIMIT_CALCULATION_ROUNDS = 10;
 
 // Actions that one event starts, counting those of "Next", how many of them follow one another, and the bytes read of a
 // script that is kept in a stream.

@@ -37,6 +37,8 @@ void CPDFDocument::renew_state()
 {
     auto state = std::make_unique<State>();
     state->drawing = m_state->drawing;
+    state->scripts = m_state->scripts;
+    state->script_seconds = m_state->script_seconds;
     state->rescue = m_rescue;
     m_state = std::move(state);
 }
@@ -165,6 +167,8 @@ void CPDFDocument::State::forget_fields()
     filled.clear();
     to_draw.clear();
     drawn_buttons.clear();
+    computer.reset();
+    calculation_order.reset();
     redraw.reset();
     branches.emplace();
     page_map.reset();
@@ -289,6 +293,10 @@ void CPDFDocument::revert()
     state.asked_to_draw = state.values_changed = false;
     state.to_draw.clear();
     state.notes.clear();
+    state.calculation_notes.clear();
+    if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
+        sandbox->renew();
+    state.to_calculate = false;
     if (state.redraw)
         state.redraw->changes_dropped();
     if (std::exchange(state.edited, false)) {

@@ -3,12 +3,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/object.h"
+#include "document/compute/scripts.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
 #include "file/read_budget.h"
@@ -119,15 +121,36 @@ public:
                            PDF_WORDS words = PDF_WORDS::STATES_FIRST);
 
     // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
-    // The widgets are drawn anew, see set_drawing.
+    // The form is calculated, and the widgets are drawn anew, see set_scripts and set_drawing.
     CPDFStatus set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
     // The same for text fields only.
     CPDFStatus set_text(CPDFField& field, std::string_view value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Carries out a plan of check_value. Fails, with a part of the plan perhaps carried out, where the field's
+    // Carries out a plan of check_value; the form is calculated later. Fails, with a part of the plan perhaps carried out, where the field's
     // dictionary is missing or memory runs out.
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
+
+    // Which scripts of the form run from now on, KNOWN at first; `seconds` of processor time for those of ALL. Scripts decide in check_value whether a field takes a value
+    // (those of keystrokes as when a value is committed, and those that validate; they may change it), calculate fields from
+    // others, and format what widgets show; "V" stays the value.
+    void set_scripts(PDF_SCRIPTS scripts, double seconds = 2);
+
+    // Calculates the fields of the form's calculation order, each of which is then validated, until nothing changes any more;
+    // circles end after LIMIT_CALCULATION_ROUNDS. Fields that are read-only are calculated, too. Those that a signature
+    // locks are not, nor are values that a field does not take: calculation_notes says so. set_value, reset and import of data do
+    // this; after calls of apply it is done by save at the latest. Hands out the fields that changed in `changed` unless
+    // that is null.
+    CPDFStatus calculate(std::vector<CPDFField*>* changed = nullptr);
+
+    // What the widgets of `field` show of its value where a script formats it; nothing where they show the value itself.
+    std::optional<std::string> shown_text(const CPDFField& field);
+
+    // A sentence for each calculated value that was not stored since the file was opened or reverted. Borrowed until the next
+    // calculation.
+    const std::vector<std::string>& calculation_notes() const;
+    // How many scripts should have run since the file was opened, and did not, since they are no well-known calls.
+    size_t skipped_scripts() const;
 
     // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and
     // "I" of choices, in the field and all its widgets; without a default they end without a value. Push buttons and

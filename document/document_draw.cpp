@@ -56,6 +56,9 @@ CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
     };
     const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
     std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
+    if (CPDFFieldSandbox* sandbox = computer ? computer->sandbox() : nullptr)
+        std::for_each(fields.begin(), fields.end(),
+                      [sandbox](const CPDFField* field) { sandbox->value_changed(*field); });
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
         return texts ? ask_to_draw() : CPDFStatus();
     values_changed = values_changed || !fields.empty();
@@ -68,6 +71,7 @@ CPDFRedraw& CPDFDocument::State::painter()
         const CPDFEntryView entry(xref.get(), form_entry());
         redraw.emplace(*xref, entry->dictionary());
     }
+    redraw->format_with(compute());
     return *redraw;
 }
 
@@ -88,8 +92,8 @@ std::vector<PDF_DRAWN_WIDGET> CPDFDocument::State::widgets_to_draw(CPDFField& fi
 
 CPDFStatus CPDFDocument::State::draw()
 {
-    if (!values_changed)
-        return {};
+    if (CPDFStatus status = to_calculate ? calculate(nullptr) : CPDFStatus(); !status.ok() || !values_changed)
+        return status;
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
     std::unordered_set<const CPDFField*> drawn;

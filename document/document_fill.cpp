@@ -38,11 +38,14 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
     const bool button = field.m_type == FIELD_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
     CPDFStatus status = plan_fill(field, value, fill, words, button ? bound_widgets() : widgets, plan);
-    if (!status.ok() || fill == PDF_FILL::FORCE || plan.action == PDF_FILL_PLAN::KEEP)
+    if (!status.ok() || plan.action == PDF_FILL_PLAN::KEEP)
         return status;
-    status = check_permission(reader->permits_filling());
-    if (status.ok())
+    if (fill != PDF_FILL::FORCE)
+        status = check_permission(reader->permits_filling());
+    if (status.ok() && fill != PDF_FILL::FORCE)
         status = signatures().check_fill(field);
+    if (status.ok())
+        status = commit(plan, fill);
     return status.ok() || plan_keep(field, value, plan) ? CPDFStatus() : status;
 }
 
@@ -51,6 +54,7 @@ CPDFStatus CPDFDocument::State::apply(const PDF_FILL_PLAN& plan)
     const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
     const size_t before = filled.size();
+    to_calculate = true;
     CPDFStatus status = button ? draw_states(*plan.field) : CPDFStatus();
     if (status.ok())
         status = apply_fill(*xref, plan, button ? bound_widgets() : widgets, filled);
@@ -74,7 +78,9 @@ CPDFStatus CPDFDocument::set_value(CPDFField& field, const CPDFValue& value, PDF
     return within_memory(FILLING, [&] {
         PDF_FILL_PLAN plan;
         CPDFStatus status = m_state->check_value(field, value, fill, plan, PDF_WORDS::STATES_FIRST);
-        return status.ok() ? m_state->apply(plan) : status;
+        if (status.ok())
+            status = m_state->apply(plan);
+        return status.ok() ? m_state->calculate(nullptr) : status;
     });
 }
 
@@ -121,7 +127,9 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
         return no_memory_to(RESETTING);
     if (allowance.used_up())
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to reset than its size justifies");
-    return status.ok() ? shown : status;
+    if (status.ok())
+        status = std::move(shown);
+    return status.ok() ? calculate(nullptr) : status;
 }
 
 CPDFStatus CPDFDocument::reset_xfa()

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/alloc.h"
+#include "document/compute/form_compute.h"
 #include "document/document.h"
 #include "document/edit/edit.h"
 #include "document/look/redraw.h"
@@ -38,6 +39,12 @@ struct CPDFDocument::State {
     PDF_RESCUE rescue = PDF_RESCUE::REPAIR;  // OFF, too, when it was tried
     std::string rescue_note;
     std::string password;  // that the file was opened with
+    PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;
+    double script_seconds = 2;
+    std::optional<CPDFFormCompute> computer;                   // made when the first script may run
+    std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
+    bool to_calculate = false;                                 // values changed since the last calculation
+    std::vector<std::string> calculation_notes;
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn
@@ -72,6 +79,18 @@ struct CPDFDocument::State {
                            PDF_WORDS words);
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
     CPDFStatus ask_to_draw();
+
+    // Null where no scripts run.
+    CPDFFormCompute* compute();
+    SCRIPT_DOCUMENT script_snapshot();
+    // Stores what scripts gave other fields, and notes which did not run. Tells in `stored` whether values changed.
+    CPDFStatus take_from_sandbox(bool& stored);
+    // Whether the field's scripts take the value that `plan` is to store; they may change it.
+    CPDFStatus commit(PDF_FILL_PLAN& plan, PDF_FILL fill);
+    const std::vector<CPDFField*>& fields_to_calculate();
+    CPDFStatus calculate(std::vector<CPDFField*>* changed);
+    CPDFStatus store_calculated(CPDFField& field, std::string text, bool& stored);
+    void note_calculation(std::string sentence);
 
     // The widgets of these fields show something else from now on.
     CPDFStatus show(std::span<CPDFField* const> fields);

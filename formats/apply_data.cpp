@@ -96,12 +96,13 @@ CPDFStatus refusals_of(const std::vector<PDF_DATA_ITEM>& items)
     return all;
 }
 
-CPDFStatus apply_data(CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items)
+CPDFStatus apply_data(CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items,
+                      std::vector<CPDFField*>* calculated)
 {
     CPDFStatus status;
     for (const PDF_DATA_ITEM& item : items) {
         if (status.ok() && item.status.ok())
             status = document.apply(item.plan);
     }
-    return status;
+    return status.ok() ? document.calculate(calculated) : status;
 }

@@ -31,5 +31,7 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
 // Fails with the sentences of all items that are refused, "; " between them, and the code of the first; ok where none is.
 CPDFStatus refusals_of(const std::vector<PDF_DATA_ITEM>& items);
 
-// Carries out the plans of the items that are accepted, up to the first that fails as CPDFDocument::apply does.
-CPDFStatus apply_data(CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items);
+// Carries out the plans of the items that are accepted, up to the first that fails as CPDFDocument::apply does, and calculates
+// the form. Hands out the fields that the calculation changed in `calculated` unless that is null.
+CPDFStatus apply_data(CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items,
+                      std::vector<CPDFField*>* calculated = nullptr);

@@ -48,6 +48,11 @@ const SCRIPT_VALUE& FORM_CALL::operator[](size_t index) const
     return index < arguments.size() ? arguments[index] : NOTHING;
 }
 
+std::span<const FORM_FUNCTION> form_functions()
+{
+    return FUNCTIONS;
+}
+
 const FORM_FUNCTION* find_form_function(std::string_view name)
 {
     const FORM_FUNCTION* found =

@@ -2,6 +2,7 @@
 // calls that are recognised in a script and for scripts that run.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "script/event.h"
@@ -22,6 +23,9 @@ struct FORM_FUNCTION {
     std::string_view name;
     SCRIPT_VALUE (*run)(FORM_CALL& call);
 };
+
+// All of them, by name. Names end with a zero byte.
+std::span<const FORM_FUNCTION> form_functions();
 
 // The function of that name, or null.
 const FORM_FUNCTION* find_form_function(std::string_view name);

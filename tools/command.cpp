@@ -81,6 +81,7 @@ int run(int argc, char** argv)
     add_get_verb(app, action);
     add_fill_verb(app, action);
     add_reset_verb(app, action);
+    add_calculate_verb(app, action);
     add_export_verb(app, action);
     add_draw_verb(app, action);
     add_add_verb(app, action);

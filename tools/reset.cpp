@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "tools/save_output.h"
+#include "tools/script_arguments.h"
 #include "tools/verb.h"
 
 namespace {
@@ -10,20 +11,24 @@ struct RESET_ARGUMENTS {
     COMMAND_INPUT input;
     std::vector<COMMAND_WORD> names;
     OUTPUT_ARGUMENTS output;
+    SCRIPT_ARGUMENTS scripts;
     bool xfa = false;
     bool force = false;
 };
 
-int reset_fields(const RESET_ARGUMENTS& arguments)
+int reset_fields(RESET_ARGUMENTS& arguments)
 {
-    if (const CPDFStatus usage = check_output(arguments.input, arguments.output); !usage.ok())
-        return complain_usage(usage.text);
+    CPDFStatus status = check_output(arguments.input, arguments.output);
+    if (status.ok())
+        status = check_scripts(arguments.scripts);
+    if (!status.ok())
+        return complain_usage(status.text);
     CPDFDocument document;
+    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     document.set_drawing(arguments.output.drawing());
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
-    CPDFStatus status;
     do {
         std::vector<CPDFField*> fields;
         if (!find_fields(document, arguments.input, arguments.names, fields))
@@ -36,6 +41,8 @@ int reset_fields(const RESET_ARGUMENTS& arguments)
         status = document.reset_xfa();
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
+    if (status.ok())
+        note_scripts(document, arguments.input);
     return end_with(status, arguments.input.path.text);
 }
 
@@ -52,6 +59,7 @@ void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--xfa", arguments->xfa,
                   "write the XFA data set anew from all fields, too; what no field holds goes");
     verb.add_flag("--force", arguments->force, "reset what a signature locks or what is not permitted, too");
+    add_scripts(verb, arguments->scripts);
     verb.footer(
         "A field without a default ends without a value. A field that groups others is reset with all of them;\n"
         "read-only fields are reset, too. Push buttons and signatures stay as they are.");

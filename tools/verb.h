@@ -42,6 +42,7 @@ using COMMAND_ACTION = std::function<int()>;
 void add_list_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_get_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_calculate_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);

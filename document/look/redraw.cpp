@@ -85,7 +85,7 @@ void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DES
 {
     if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN || left_some())
         return;
-    set_shown_value(field, *m_options, widget);
+    set_shown_value(field, *m_options, m_compute, widget);
     if (!spend_characters(widget))
         return;
     WIDGET_PICTURE picture = draw_widget(widget.look, WIDGET_STATE::OFF);

@@ -11,6 +11,7 @@
 
 class CPDFDictionary;
 class CPDFField;
+class CPDFFormCompute;
 class CPDFFormFonts;
 class CPDFOptionIndex;
 class CPDFWidgetReader;
@@ -32,6 +33,9 @@ public:
     ~CPDFRedraw();
     CPDFRedraw(const CPDFRedraw&) = delete;
     CPDFRedraw& operator=(const CPDFRedraw&) = delete;
+
+    // What formats texts from now on, borrowed; null, as at first, leaves them as they are.
+    void format_with(CPDFFormCompute* compute) { m_compute = compute; }
 
     // Draws the widgets of `field`, which has its value itself. Buttons get what they lack for their states, and keep what
     // they have. Returns how many of `widgets` could be drawn; those without a rectangle can't. What can't be shown is noted.
@@ -68,6 +72,7 @@ private:
     std::unique_ptr<CPDFOptionIndex> m_options;
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
+    CPDFFormCompute* m_compute = nullptr;  // borrowed
     size_t m_characters = 0;  // of the values drawn since the last finish()
     bool m_failed = false;
 };

@@ -6,12 +6,15 @@
 #include "core/limits.h"
 #include "core/text.h"
 #include "core/xref_table.h"
+#include "document/compute/form_compute.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/value_text.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 
 namespace {
+
+constexpr WIDGET_COLOR RED = {3, {1, 0, 0}};
 
 std::u32string characters_of(const std::string& utf8)
 {
@@ -79,7 +82,8 @@ void set_rows(const CPDFField& field, const std::vector<std::string>& texts, CPD
 
 }  // namespace
 
-void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, WIDGET_DESCRIPTION& widget)
+void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, CPDFFormCompute* compute,
+                     WIDGET_DESCRIPTION& widget)
 {
     WIDGET_LOOK& look = widget.look;
     if (look.kind == WIDGET_KIND::PUSH_BUTTON)
@@ -93,5 +97,9 @@ void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, WIDGET_DESC
         return;
     const CPDFFieldOptions options(field);
     const int32_t option = look.kind == WIDGET_KIND::COMBO_BOX ? index.find(options, texts.front()) : -1;
-    look.text = characters_of(option >= 0 ? option_text(options, option) : texts.front());
+    const std::string text = option >= 0 ? option_text(options, option) : texts.front();
+    const std::optional<PDF_SHOWN_TEXT> formatted = compute ? compute->format(field, text) : std::nullopt;
+    look.text = characters_of(formatted ? formatted->text : text);
+    if (formatted && formatted->red)
+        look.style.color = RED;
 }

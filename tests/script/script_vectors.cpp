@@ -1,4 +1,5 @@
-// Runs calls of form functions from a file and compares what comes of them: script_vectors FILE. Ends with "N passed, N failed";
+// Runs calls of form functions from a file, as known calls and by scripts in the sandbox, and compares what comes of them:
+// script_vectors FILE. Ends with "N passed, N failed";
 // exits 0 when none failed, 77 when there is no such file. The file is a JSON array of
 //   {"call": "AFNumber_Format", "args": [2, 0], "value": "1", "event": {"willCommit": false, "change": "2", "selStart": -1,
 //    "selEnd": -1}, "fields": {"a": "1"}, "expect": {"value": "1.00", "rc": true} or {"returns": "1.00"}}
@@ -8,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "script/known_call.h"
+#include "script/sandbox/sandbox.h"
 
 namespace {
 
@@ -101,15 +103,47 @@ json outcome_of(const json& vector)
     return {{"value", as_text ? json(event.value) : json::parse(event.value, nullptr, false)}, {"rc", event.rc}};
 }
 
-bool run(const json& vector)
+// The same call made by a script in the sandbox.
+json sandbox_outcome_of(const json& vector, CPDFScriptSandbox& sandbox)
 {
-    const json outcome = outcome_of(vector);
+    SCRIPT_DOCUMENT document;
+    const json fields = vector.value("fields", json::object());
+    for (const auto& [field, value] : fields.items()) {
+        document.fields.emplace_back().name = field;
+        document.fields.back().value = {text_of(value)};
+    }
+    sandbox.renew();
+    sandbox.load(document);
+    const bool returns = vector.at("expect").contains("returns");
+    SCRIPT_RUN run;
+    run.event = event_of(vector);
+    run.text = script_of(vector);
+    if (returns)
+        run.text = "event.value = JSON.stringify(" + run.text.substr(0, run.text.size() - 1) + ')';
+    const SCRIPT_ANSWER answer = sandbox.run(run);
+    if (!answer.fault.empty())
+        return answer.fault;
+    const json value = json::parse(answer.event.value, nullptr, false);
+    if (returns)
+        return {{"returns", value}};
+    const bool as_text = vector.at("expect").value("value", json("")).is_string();
+    return {{"value", as_text ? json(answer.event.value) : value}, {"rc", answer.event.rc}};
+}
+
+bool is_expected(const json& vector, const json& outcome)
+{
     if (outcome == vector.at("expect"))
         return true;
     std::printf("%s of %s\n  got      %s\n  expected %s\n", script_of(vector).c_str(),
                 vector.value("value", json()).dump().c_str(), outcome.dump().c_str(),
                 vector.at("expect").dump().c_str());
     return false;
+}
+
+bool run(const json& vector, CPDFScriptSandbox& sandbox)
+{
+    const bool known = is_expected(vector, outcome_of(vector));
+    return is_expected(vector, sandbox_outcome_of(vector, sandbox)) && known;
 }
 
 }  // namespace
@@ -123,8 +157,9 @@ try {
     }
     int passed = 0;
     int failed = 0;
+    CPDFScriptSandbox sandbox;
     for (const json& vector : json::parse(file))
-        ++(run(vector) ? passed : failed);
+        ++(run(vector, sandbox) ? passed : failed);
     std::printf("%d passed, %d failed\n", passed, failed);
     return failed != 0;
 } catch (const std::exception& fault) {

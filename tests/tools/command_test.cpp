@@ -104,17 +104,20 @@ TEST_F(CommandTest, JsonTellsEveryProperty)
     ASSERT_EQ(result.exit, 0) << result.err;
     const ordered_json list = ordered_json::parse(result.out);
     const std::pair<size_t, const char*> cases[] = {
-        {0, R"({"name":"name","type":"text","kind":"text","flags":0,"readOnly":false,"required":false,"value":"Ann",)"
-            R"("default":"Zü","options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1})"},
+        {0,
+         R"({"name":"name","type":"text","kind":"text","flags":0,"readOnly":false,"required":false,"value":"Ann",)"
+         R"("default":"Zü","shown":null,"options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1})"},
         {2,
          R"({"name":"code","type":"text","kind":"text","flags":16777218,"readOnly":false,"required":true,"value":null,)"
-         R"("default":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[19],"page":1})"},
-        {6, R"({"name":"pick","type":"choice","kind":"list","flags":2097152,"readOnly":false,"required":false,)"
-            R"("value":["b","c"],"default":null,"options":[{"value":"a","text":""},{"value":"b","text":"Bee"}],)"
-            R"("selected":[1],"maxLength":null,"object":11,"widgets":[22],"page":null})"},
-        {9, R"({"name":"group.radio","type":"button","kind":"radio","flags":32768,"readOnly":false,"required":false,)"
-            R"("value":"On","default":null,"options":[],"selected":[],"maxLength":null,"object":14,"widgets":[15,16],)"
-            R"("page":1})"},
+         R"("default":null,"shown":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[19],"page":1})"},
+        {6,
+         R"({"name":"pick","type":"choice","kind":"list","flags":2097152,"readOnly":false,"required":false,)"
+         R"("value":["b","c"],"default":null,"shown":null,"options":[{"value":"a","text":""},{"value":"b","text":"Bee"}],)"
+         R"("selected":[1],"maxLength":null,"object":11,"widgets":[22],"page":null})"},
+        {9,
+         R"({"name":"group.radio","type":"button","kind":"radio","flags":32768,"readOnly":false,"required":false,)"
+         R"("value":"On","default":null,"shown":null,"options":[],"selected":[],"maxLength":null,"object":14,"widgets":[15,16],)"
+         R"("page":1})"},
     };
     ASSERT_EQ(list.size(), 12u);
     for (const auto& [index, expected] : cases)

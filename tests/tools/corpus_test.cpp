@@ -74,7 +74,8 @@ TEST_P(CorpusFileTest, EveryFieldIsFilled)
         GTEST_SKIP() << "refused";
     ordered_json values = values_for(list(folder, file));
     const std::string data = folder.write("data.json", values.dump());
-    const CommandResult result = folder.run({"fill", file, "--data", data, "--force", "-o", out});
+    // Formats of dates and the like refuse the value that is for any text field.
+    const CommandResult result = folder.run({"fill", file, "--data", data, "--force", "--scripts", "off", "-o", out});
     ASSERT_EQ(result.exit, 0) << result.err;
     const std::string input = read_text_file(file);
     EXPECT_EQ(read_text_file(out).compare(0, input.size(), input), 0) << "the input's bytes are gone";

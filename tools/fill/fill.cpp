@@ -29,16 +29,18 @@ size_t find_assign(CPDFDocument& document, std::string_view assignment)
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
     document.set_drawing(arguments.output.drawing());
+    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     return open_document(document, arguments.input,
                          values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM) &&
            (arguments.force || may_fill(document, arguments.input));
 }
 
 // The report goes to standard output unless the filled file does.
-void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<PDF_DATA_ITEM>& items)
+void put_report(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const std::vector<PDF_DATA_ITEM>& items,
+                const std::vector<CPDFField*>& calculated)
 {
     std::string report;
-    append_report(report, document, items);
+    append_report(report, document, items, calculated);
     if (arguments.output.output.text == "-" && !arguments.dry_run)
         std::fwrite(report.data(), 1, report.size(), stderr);
     else
@@ -84,13 +86,15 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
     const bool accepted = complain_of_refusals(arguments, items);
-    CPDFStatus status = apply_data(document, items);
+    std::vector<CPDFField*> calculated;
+    CPDFStatus status = apply_data(document, items, &calculated);
     if (!status.ok())
         return end_with(status, arguments.input.path.text);
     if (arguments.report)
-        put_report(document, arguments, items);
+        put_report(document, arguments, items, calculated);
     if (!accepted)
         return COMMAND_REFUSED;
+    note_scripts(document, arguments.input);
     if (arguments.dry_run)
         return put_done();
     note_xfa(document, arguments.input, arguments.xfa);
@@ -141,6 +145,8 @@ CPDFStatus check_usage(FILL_ARGUMENTS& arguments)
         return wrong_usage("--batch takes all values from its rows: give no NAME=VALUE and no --data with it");
     if (!read_jobs(arguments))
         return wrong_usage(in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256");
+    if (CPDFStatus status = check_scripts(arguments.scripts); !status.ok())
+        return status;
     return check_place(arguments);
 }
 
@@ -190,6 +196,7 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
         ->option_text("ROWS");
     add_output(verb, arguments->output);
+    add_scripts(verb, arguments->scripts);
     verb.add_flag("--xfa", arguments->xfa,
                   "write the XFA data set anew from all fields, too; what no field holds goes");
     verb.add_flag("--flatten", arguments->flatten, "make what the fields show a part of the pages; the form goes");

@@ -41,9 +41,10 @@ private:
         const bool is_written = status.ok() && !m_arguments.dry_run;
         if (!is_written && !m_arguments.report)
             return status;
-        CPDFStatus written = apply_data(m_document, items);
+        std::vector<CPDFField*> calculated;
+        CPDFStatus written = apply_data(m_document, items, &calculated);
         if (m_arguments.report)
-            append_report(report, m_document, items, row.number);
+            append_report(report, m_document, items, calculated, row.number);
         if (written.ok() && is_written && m_arguments.xfa)
             written = m_document.reset_xfa();
         if (written.ok() && is_written && m_arguments.flatten)
@@ -52,9 +53,16 @@ private:
         if (written.ok() && is_written)
             written = m_document.save(row.output);
         if (is_written)
-            note_drawing(m_document, m_arguments.input);
+            note_row();
         m_document.revert();
         return is_written ? written : status;
+    }
+
+    void note_row()
+    {
+        note_drawing(m_document, m_arguments.input);
+        for (const std::string& note : m_document.calculation_notes())
+            complain(m_arguments.input.path.text, "note: " + note);
     }
 
     CPDFDocument& m_document;  // borrowed from the caller, as the following
@@ -106,6 +114,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     BatchRows rows(has_output ? &pattern : nullptr);
     std::vector<std::unique_ptr<CPDFDocument>> documents;
     documents.push_back(std::make_unique<CPDFDocument>());
+    documents.front()->set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     if (!open_document(*documents.front(), arguments.input) ||
         !(arguments.force || may_fill(*documents.front(), arguments.input)) || !rows.open(arguments.batch.text) ||
         !rows.check_columns(*documents.front()) || !has_folder(pattern.fixed_folder()))
@@ -114,6 +123,7 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     rows.protect(arguments.batch.text);
     while (documents.size() < std::min(static_cast<size_t>(arguments.job_count), rows.count())) {
         documents.push_back(std::make_unique<CPDFDocument>());
+        documents.back()->set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
         if (const CPDFStatus status =
                 documents.back()->open(arguments.input.path.text, PDF_LOAD::WHOLE_FORM, arguments.input.password.text);
             !status.ok())
@@ -129,6 +139,10 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
         jobs.emplace_back(*document, arguments, rows, output);
     const bool done = run_jobs(jobs);
     const size_t refused = output.finish();
+    size_t skipped = 0;
+    for (const auto& document : documents)
+        skipped = std::max(skipped, document->skipped_scripts());
+    note_skipped_scripts(skipped, arguments.input);
     if (!done)
         complain(arguments.batch.text, "there is not enough memory");
     return refused || !done ? COMMAND_REFUSED : put_done();

@@ -6,6 +6,7 @@
 
 #include "document/fill/filler.h"
 #include "tools/save_output.h"
+#include "tools/script_arguments.h"
 #include "tools/verb.h"
 
 struct FILL_ARGUMENTS {
@@ -14,6 +15,7 @@ struct FILL_ARGUMENTS {
     COMMAND_WORD data;
     COMMAND_WORD batch;
     OUTPUT_ARGUMENTS output;
+    SCRIPT_ARGUMENTS scripts;
     COMMAND_WORD jobs{"1"};
     int job_count = 1;
     bool xfa = false;

@@ -35,16 +35,23 @@ void append_given(std::string& out, const CPDFValue& value)
         append_json_text(out, texts[0]);
 }
 
+// Begins a line.
+void append_name(std::string& out, const std::string& name, size_t row)
+{
+    out += '{';
+    if (row)
+        out.append("\"row\":").append(std::to_string(row)).append(",");
+    out += "\"name\":";
+    append_json_text(out, name);
+}
+
 }  // namespace
 
-void append_report(std::string& out, CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items, size_t row)
+void append_report(std::string& out, CPDFDocument& document, const std::vector<PDF_DATA_ITEM>& items,
+                   const std::vector<CPDFField*>& calculated, size_t row)
 {
     for (const PDF_DATA_ITEM& item : items) {
-        out += '{';
-        if (row)
-            out.append("\"row\":").append(std::to_string(row)).append(",");
-        out += "\"name\":";
-        append_json_text(out, clean(item.entry.name));
+        append_name(out, clean(item.entry.name), row);
         if (item.status.ok()) {
             out.append(",\"result\":\"").append(result_of(item.plan)).append("\",\"value\":");
             append_json_value(out, value_text(document.xref(), item.plan.field->m_value));
@@ -54,6 +61,12 @@ void append_report(std::string& out, CPDFDocument& document, const std::vector<P
             out += ",\"value\":";
             append_given(out, item.entry.value);
         }
+        out += "}\n";
+    }
+    for (const CPDFField* field : calculated) {
+        append_name(out, full_name(*field), row);
+        out += ",\"result\":\"calculated\",\"value\":";
+        append_json_value(out, value_text(document.xref(), field->m_value));
         out += "}\n";
     }
 }

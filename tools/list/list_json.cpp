@@ -1,4 +1,5 @@
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -72,6 +73,7 @@ private:
         put_text(",\"required\":").put_text(field.m_flags & FIELD_REQUIRED ? "true" : "false");
         append_value(",\"value\":", field.m_value);
         append_value(",\"default\":", field.m_def_value);
+        append_shown(field);
         append_options(field);
         append_numbers(",\"selected\":[", std::span(field.m_sels, static_cast<size_t>(field.m_sel_cnt)),
                        [](int32_t index) { return index; });
@@ -95,6 +97,15 @@ private:
     {
         m_out += key;
         append_json_value(m_out, value_text(m_document.xref(), object));
+    }
+
+    void append_shown(const CPDFField& field)
+    {
+        put_text(",\"shown\":");
+        if (const std::optional<std::string> shown = m_document.shown_text(field))
+            append_json_text(m_out, *shown);
+        else
+            put_text("null");
     }
 
     void append_options(const CPDFField& field)

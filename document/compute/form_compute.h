@@ -1,0 +1,68 @@
+// What a form computes: what values its scripts take, what they make of them, and how they are shown.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "document/compute/field_sandbox.h"
+#include "document/compute/field_scripts.h"
+#include "file/status.h"
+
+class CPDFField;
+
+// A value as its field shows it.
+struct PDF_SHOWN_TEXT {
+    std::string text;
+    bool red = false;
+};
+
+class CPDFFormCompute : private CPDFFieldValues {
+public:
+    using Find = std::function<CPDFField*(std::string_view name)>;
+
+    // `find` answers which field has a full name, null for none; scripts ask for others by name.
+    explicit CPDFFormCompute(Find find) : m_find(std::move(find)) {}
+
+    // From now on scripts that are no well-known calls run, too.
+    void use_sandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
+    {
+        m_sandbox.emplace(std::move(snapshot), limits);
+    }
+    // Null where those do not run.
+    CPDFFieldSandbox* sandbox() { return m_sandbox ? &*m_sandbox : nullptr; }
+
+    // Asks the field's scripts whether it takes `text`: those of keystrokes as when the value is committed, then those that
+    // validate. They may change it. The refusal, in the script's own words, ends a sentence about the field. An empty text is
+    // always taken.
+    CPDFStatus commit(const CPDFField& field, std::string& text);
+    // Those that validate alone.
+    CPDFStatus validate(const CPDFField& field, std::string& text);
+
+    // The value that the field calculates; nothing when it calculates none. `text` is the one it has.
+    std::optional<std::string> calculate(const CPDFField& field, const std::string& text);
+
+    // What the field shows of `text`; nothing when that is `text` itself.
+    std::optional<PDF_SHOWN_TEXT> format(const CPDFField& field, const std::string& text);
+
+    // How many scripts should have run so far and did not, since they are no well-known calls.
+    size_t skipped() const { return m_skipped.size(); }
+
+private:
+    const std::vector<PDF_FIELD_SCRIPT>& scripts(const CPDFField& field, PDF_SCRIPT_EVENT event);
+    bool run(const CPDFField& field, PDF_SCRIPT_EVENT event, FIELD_EVENT& at);
+    CPDFStatus check(const CPDFField& field, PDF_SCRIPT_EVENT event, std::string& text);
+    void append_values(const std::string& name, std::vector<std::string>& out) const override;
+
+    Find m_find;
+    CPDFFieldScripts m_scripts;
+    std::optional<CPDFFieldSandbox> m_sandbox;
+    std::set<std::pair<uint32_t, int>> m_skipped;  // object number of the field, and the event
+};
+
+// The text of a field's value as scripts see it; empty when it has none.
+std::string script_value_of(const CPDFField& field);

@@ -1,0 +1,45 @@
+#include "tools/script_arguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include "document/lookup/field_text.h"
+#include "script/functions/number.h"
+
+void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
+{
+    verb.add_option("--scripts", arguments.word,
+                    "which scripts of the form run: known (the usual formats,\nchecks and "
+                    "calculations), all (the others, too, in a sandbox) or off; known by default")
+        ->option_text("WHICH");
+    verb.add_option("--script-seconds", arguments.time,
+                    "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
+        ->option_text("N");
+}
+
+CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
+{
+    const std::string& word = arguments.word.text;
+    if (word != "known" && word != "off" && word != "all")
+        return wrong_usage("--scripts takes known, all or off, not " + in_quotes(word));
+    arguments.seconds = read_number(arguments.time.text).value_or(0);
+    if (!(arguments.seconds >= 0.01 && arguments.seconds <= 3600))
+        return wrong_usage("--script-seconds takes a number from 0.01 to 3600, not " + in_quotes(arguments.time.text));
+    arguments.scripts = word == "off" ? PDF_SCRIPTS::OFF : word == "all" ? PDF_SCRIPTS::ALL : PDF_SCRIPTS::KNOWN;
+    return {};
+}
+
+void note_scripts(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    for (const std::string& note : document.calculation_notes())
+        complain(input.path.text, "note: " + note);
+    note_skipped_scripts(document.skipped_scripts(), input);
+}
+
+void note_skipped_scripts(size_t count, const COMMAND_INPUT& input)
+{
+    if (count == 1)
+        complain(input.path.text, "note: 1 script was not run (formwork actions shows it)");
+    else if (count > 1)
+        complain(input.path.text,
+                 "note: " + std::to_string(count) + " scripts were not run (formwork actions shows them)");
+}

@@ -1,0 +1,21 @@
+// The option --scripts, and what is said of scripts.
+#pragma once
+
+#include "document/compute/scripts.h"
+#include "tools/verb.h"
+
+struct SCRIPT_ARGUMENTS {
+    COMMAND_WORD word{"known"};
+    COMMAND_WORD time{"2"};
+    double seconds = 2;                        // after check_scripts
+    PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;  // after check_scripts
+};
+
+void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments);
+
+// Understands the word, or says what is wrong with it.
+CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments);
+
+// Notes calculated values that were not stored, and how many scripts did not run.
+void note_scripts(const CPDFDocument& document, const COMMAND_INPUT& input);
+void note_skipped_scripts(size_t count, const COMMAND_INPUT& input);
