@@ -1,6 +1,5 @@
 // Every limit that protects against hostile files, each with its reason. What one command does with a file of 1 MB is to stay
-// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file. docs/security.md
-// names what does not yet.
+// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file.
 #pragma once
 
 #include <cstddef>
@@ -61,6 +60,11 @@ constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 32;
 
 // How often the calculations of a form run until nothing changes: fields that are calculated from each other may never end.
 constexpr int LIMIT_CALCULATION_ROUNDS = 10;
+
+// Bytes that the scripts of fields take which are kept, and of the values that one name gives a calculation. Fields beyond
+// have their scripts read anew; a name of a group stands for the values of all fields under it.
+constexpr size_t LIMIT_SCRIPTS_HELD = size_t{32} << 20;
+constexpr size_t LIMIT_GROUP_VALUES = size_t{32} << 20;
 
 // Actions that one event starts, counting those of "Next", how many of them follow one another, and the bytes read of a
 // script that is kept in a stream.
