@@ -295,6 +295,7 @@ void CPDFDocument::revert()
     state.to_draw.clear();
     state.notes.clear();
     state.calculation_notes.clear();
+    state.calculation_noted.clear();
     if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
         sandbox->renew();
     state.to_calculate = false;

@@ -127,7 +127,7 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (scripts == PDF_SCRIPTS::OFF)
         return nullptr;
     if (!computer) {
-        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
+        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); }, reader->budget());
         if (scripts == PDF_SCRIPTS::ALL)
             computer->use_sandbox([this] { return script_snapshot(); }, {script_seconds});
     }
@@ -207,7 +207,7 @@ const std::vector<CPDFField*>& CPDFDocument::State::fields_to_calculate()
 
 void CPDFDocument::State::note_calculation(std::string sentence)
 {
-    if (std::find(calculation_notes.begin(), calculation_notes.end(), sentence) == calculation_notes.end())
+    if (calculation_noted.insert(sentence).second)
         calculation_notes.push_back(std::move(sentence));
 }
 
@@ -225,9 +225,10 @@ CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string t
         return {};
     }
     stored = plan.action != PDF_FILL_PLAN::KEEP;
-    return stored ? apply(plan) : status;
+    return stored ? carry_out(plan) : status;
 }
 
+// The budget is one for all rounds, so what is stored meanwhile takes its part of it.
 CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
@@ -236,8 +237,13 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
+    std::unordered_set<const CPDFField*> listed;
+    if (changed)
+        listed.insert(changed->begin(), changed->end());
     CalculationOrder order(*calculation_order);
     while (CPDFField* field = order.next()) {
+        if (allowance.used_up())
+            return too_much_to(CALCULATING);
         const std::string before = script_value_of(*field);
         std::optional<std::string> text = runner->calculate(*field, before);
         bool others_changed = false;
@@ -249,7 +255,7 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
             return status;
         if (stored || others_changed)
             order.changed(field);
-        if (stored && changed && std::find(changed->begin(), changed->end(), field) == changed->end())
+        if (stored && changed && listed.insert(field).second)
             changed->push_back(field);
     }
     if (!order.at_rest())
@@ -257,7 +263,7 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
                          std::to_string(LIMIT_CALCULATION_ROUNDS) + " rounds");
     to_calculate = false;
     if (allowance.used_up())
-        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to calculate than its size justifies");
+        return too_much_to(CALCULATING);
     return memory.failed() ? no_memory_to(CALCULATING) : CPDFStatus();
 }
 
