@@ -73,6 +73,6 @@ private:
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
     CPDFFormCompute* m_compute = nullptr;  // borrowed
-    size_t m_characters = 0;  // of the values drawn since the last finish()
+    size_t m_characters = 0;               // of the values drawn since the last finish()
     bool m_failed = false;
 };
