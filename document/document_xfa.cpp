@@ -50,8 +50,10 @@ CPDFStatus CPDFDocument::write_xfa(std::vector<std::string>* notes)
     return within_memory(WRITING, [&] {
         if (!m_state->has_xfa())
             return CPDFStatus();
+        const VXFailureCheck memory;
         CPDFXfaForm xfa;
         CPDFStatus status = m_state->take_xfa_values(xfa, notes);
+        need_memory(memory);  // what could not be read is no value to store
         return status.ok() ? xfa.store(*m_state->xref) : status;
     });
 }
@@ -113,11 +115,13 @@ CPDFStatus CPDFDocument::check_xfa_values(const std::vector<PDF_XFA_VALUE>& valu
 CPDFStatus CPDFDocument::set_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill)
 {
     return within_memory(WRITING, [&] {
+        const VXFailureCheck memory;
         CPDFXfaForm xfa;
         std::vector<CPDFStatus> each;
         CPDFStatus status = m_state->set_xfa_values(values, fill, xfa, each);
         for (size_t i = 0; status.ok() && i < each.size(); ++i)
             status = each[i];
+        need_memory(memory);
         return status.ok() ? xfa.store(*m_state->xref) : status;
     });
 }

@@ -59,10 +59,12 @@ CPDFStatus read_xfa_packets(CPDFXRefTable& xref, const CPDFObj* form, PDF_XFA_PA
 
 CPDFStatus store_xfa_stream(CPDFXRefTable& xref, const PDF_REF& ref, const std::string& text)
 {
+    const VXFailureCheck memory;  // a dictionary without its filter must not be stored
     CPDFDictionary dict;
     dict.set_item_name(CPDFDictionary::sm_tag_filter, CPDFDictionary::sm_tag_fdec);
     int len = 0;
-    unsigned char* packed = xref.compress_data(text.data(), static_cast<int>(text.size()), len);
+    unsigned char* const packed =
+        memory.failed() ? nullptr : xref.compress_data(text.data(), static_cast<int>(text.size()), len);
     if (packed && xref.take_stream(ref, dict, packed, len) == PDF_CHANGE_RESULT::STORED)
         return {};
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to write the XFA data");

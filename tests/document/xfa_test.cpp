@@ -267,15 +267,20 @@ TEST(XfaTest, Dates)
 
 TEST(XfaTest, AllocationFailures)
 {
-    const std::string before = data_set("<form1/>");
-    const std::string file = xfa_form("/FT/Tx/T(a[0])/V(1)", "<field name='a'/>", before);
-    each_failed_allocation([&](const auto& arm) {
-        FormAtWork f(file);
-        CPDFStatus status;
-        const bool failed = arm([&] { status = f.document.write_xfa(); });
-        EXPECT_EQ(status.code, failed ? PDF_CODE::NO_MEMORY : PDF_CODE::OK);
-        EXPECT_TRUE(failed || FileAtWork(f.saved()).data(6) == data_set("<form1><a>1</a></form1>"));
-    });
+    const std::string form = data_set("<form1><a></a></form1>");
+    const std::string file = xfa_form("/FT/Tx/T(a[0])/V(1)", "<field name='a'/>", form);
+    for (const bool by_path : {false, true}) {
+        each_failed_allocation([&](const auto& arm) {
+            FormAtWork f(file);
+            CPDFStatus status;
+            const bool failed = arm([&] {
+                status = by_path ? f.document.set_xfa_values({{"form1.a", "1"}}) : f.document.write_xfa();
+            });
+            EXPECT_EQ(status.code, failed ? PDF_CODE::NO_MEMORY : PDF_CODE::OK);
+            const std::string now = FileAtWork(f.saved()).data(6);
+            EXPECT_TRUE(now == data_set("<form1><a>1</a></form1>") || (failed && now == form)) << now;
+        });
+    }
 }
 
 // What real forms hold: their data are what their fields say, so that writing them changes nothing.

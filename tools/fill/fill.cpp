@@ -168,6 +168,7 @@ constexpr const char* FOOTER =
   combo box     an export value or a shown text; any text when it is editable
   list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
 Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.
+Where no field takes a value but the form has XFA data, names are the paths in the data that `formwork list` shows.
 
 Data files, in UTF-8:
   .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
