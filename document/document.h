@@ -149,7 +149,8 @@ public:
     // A sentence for each calculated value that was not stored since the file was opened or reverted. Borrowed until the next
     // calculation.
     const std::vector<std::string>& calculation_notes() const;
-    // How many scripts should have run since the file was opened, and did not, since they are no well-known calls.
+    // How many scripts should have run since the file was opened, and did not, since they are no well-known calls; where
+    // there are such, those of the document count, too, which prepare them.
     size_t skipped_scripts() const;
 
     // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and

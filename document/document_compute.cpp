@@ -61,7 +61,10 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (!computer) {
         computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
         if (scripts == PDF_SCRIPTS::ALL)
-            computer->use_sandbox([this] { return script_snapshot(); }, {script_seconds});
+            computer->use_sandbox({[this] { return script_snapshot(); },
+                                   [this]() -> const auto& { return document_scripts(); },
+                                   [this](std::string_view name) { return names.find(loaded_form(), name); }},
+                                  {script_seconds});
     }
     return &*computer;
 }
@@ -77,6 +80,13 @@ SCRIPT_DOCUMENT CPDFDocument::State::script_snapshot()
             document.fields.push_back(script_field_of(field, shape_of(field, bound)));
     });
     return document;
+}
+
+const std::vector<PDF_DOCUMENT_SCRIPT>& CPDFDocument::State::document_scripts()
+{
+    if (!document_script_list)
+        document_script_list = read_document_scripts(*xref, *root.dict);
+    return *document_script_list;
 }
 
 CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored)
@@ -221,5 +231,6 @@ const std::vector<std::string>& CPDFDocument::calculation_notes() const
 
 size_t CPDFDocument::skipped_scripts() const
 {
-    return m_state->computer ? m_state->computer->skipped() : 0;
+    const size_t skipped = m_state->computer ? m_state->computer->skipped() : 0;
+    return skipped ? skipped + m_state->document_scripts().size() : 0;
 }

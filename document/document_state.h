@@ -45,6 +45,7 @@ struct CPDFDocument::State {
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
     std::vector<std::string> calculation_notes;
+    std::optional<std::vector<PDF_DOCUMENT_SCRIPT>> document_script_list;  // read when they are asked for
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn
@@ -83,6 +84,7 @@ struct CPDFDocument::State {
     // Null where no scripts run.
     CPDFFormCompute* compute();
     SCRIPT_DOCUMENT script_snapshot();
+    const std::vector<PDF_DOCUMENT_SCRIPT>& document_scripts();
     // Stores what scripts gave other fields, and notes which did not run. Tells in `stored` whether values changed.
     CPDFStatus take_from_sandbox(bool& stored);
     // Whether the field's scripts take the value that `plan` is to store; they may change it.

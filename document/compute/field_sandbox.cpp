@@ -1,5 +1,6 @@
 #include "document/compute/field_sandbox.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "document/lookup/field_text.h"
@@ -10,6 +11,9 @@ namespace {
 
 constexpr const char* EVENT_NAMES[EVENT_COUNT] = {"Keystroke", "Format", "Validate", "Calculate"};
 
+// Lines that are kept of what scripts print.
+constexpr size_t LINES_MAX = 1000;
+
 template <typename Item>
 void move_to_end(std::vector<Item>& from, std::vector<Item>& to)
 {
@@ -18,34 +22,105 @@ void move_to_end(std::vector<Item>& from, std::vector<Item>& to)
 
 }  // namespace
 
-bool CPDFFieldSandbox::run(const CPDFField& field, PDF_SCRIPT_EVENT event, const std::string& text, FIELD_EVENT& at)
+void CPDFFieldSandbox::load()
 {
-    if (m_sandbox.needs_document()) {
-        m_sandbox.load(m_snapshot());
-        m_changed.clear();
+    m_sandbox.load(m_document.snapshot());
+    m_changed.clear();
+    m_prepared = false;
+}
+
+// Values that the scripts of the document set count once: a process that takes another one's place is told what the fields
+// have become since.
+void CPDFFieldSandbox::take(SCRIPT_ANSWER& answer, CHANGES changes, const std::string& script)
+{
+    move_to_end(answer.console, m_console);
+    m_console.resize(std::min(m_console.size(), LINES_MAX));
+    if (!answer.fault.empty()) {
+        m_faults.push_back("the " + script + " was not run: " + answer.fault);
+        return;
     }
-    SCRIPT_RUN run;
+    if (changes == CHANGES::KEPT)
+        return move_to_end(answer.changes, m_changes);
+    for (const SCRIPT_CHANGE& change : answer.changes)
+        if (const CPDFField* field = m_document.find(change.field))
+            m_changed.push_back(field);
+}
+
+// Runs the scripts of the document. False when one of them ended the process.
+bool CPDFFieldSandbox::open_document()
+{
+    const std::vector<PDF_DOCUMENT_SCRIPT>& scripts = m_document.scripts();
+    for (size_t i = 0; i < scripts.size(); ++i) {
+        if (m_deadly.contains(i))
+            continue;
+        SCRIPT_RUN run;
+        run.event_type = "Doc";
+        run.event_name = "Open";
+        run.event.target = scripts[i].name;
+        run.text = scripts[i].text;
+        SCRIPT_ANSWER answer = m_sandbox.run(run);
+        if (m_sandbox.was_killed())
+            return false;
+        take(answer, i < m_opened ? CHANGES::DROPPED : CHANGES::KEPT, "document script " + in_quotes(scripts[i].name));
+        m_opened = std::max(m_opened, i + 1);
+        if (m_sandbox.needs_document()) {
+            m_deadly.insert(i);
+            return false;
+        }
+    }
+    return true;
+}
+
+void CPDFFieldSandbox::prepare()
+{
+    if (m_sandbox.needs_document())
+        load();
+    while (!m_prepared) {
+        m_prepared = open_document();
+        if (!m_prepared)
+            load();
+    }
+}
+
+SCRIPT_ANSWER CPDFFieldSandbox::attempt(SCRIPT_RUN& run)
+{
+    prepare();
+    run.changes.clear();
     for (const CPDFField* each : std::exchange(m_changed, {}))
         run.changes.push_back({full_name(*each), script_values_of(*each)});
+    return m_sandbox.run(run);
+}
+
+bool CPDFFieldSandbox::run(const CPDFField& field, PDF_SCRIPT_EVENT event, const std::string& text, FIELD_EVENT& at)
+{
+    SCRIPT_RUN run;
     run.event_type = "Field";
     run.event_name = EVENT_NAMES[event];
     run.event = at;
     run.text = text;
-    SCRIPT_ANSWER answer = m_sandbox.run(run);
-    move_to_end(answer.console, m_console);
-    if (!answer.fault.empty()) {
-        m_faults.push_back("the " + std::string(name_of_event(event)) + " script of field " +
-                           in_quotes(full_name(field)) + " was not run: " + answer.fault);
+    SCRIPT_ANSWER answer = attempt(run);
+    if (m_sandbox.was_killed())
+        answer = attempt(run);
+    take(answer, CHANGES::KEPT, std::string(name_of_event(event)) + " script of field " + in_quotes(full_name(field)));
+    if (!answer.fault.empty())
         return false;
-    }
-    move_to_end(answer.changes, m_changes);
     at = std::move(answer.event);
     return true;
+}
+
+void CPDFFieldSandbox::value_changed(const CPDFField& field)
+{
+    m_changed.push_back(&field);
+    if (!m_changes.empty())
+        std::erase_if(m_changes, [name = full_name(field)](const SCRIPT_CHANGE& at) { return at.field == name; });
 }
 
 void CPDFFieldSandbox::renew()
 {
     m_sandbox.renew();
+    m_prepared = false;
+    m_opened = 0;
+    m_deadly.clear();
     m_changed.clear();
     m_changes.clear();
     m_faults.clear();

@@ -2,29 +2,38 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "document/compute/document_scripts.h"
 #include "document/compute/field_scripts.h"
 #include "script/sandbox/sandbox.h"
 
 class CPDFField;
 
+// What the sandbox asks its document.
+struct PDF_SANDBOX_DOCUMENT {
+    std::function<SCRIPT_DOCUMENT()> snapshot;  // the form as it is now
+    std::function<const std::vector<PDF_DOCUMENT_SCRIPT>&()> scripts;
+    std::function<const CPDFField*(std::string_view name)> find;  // null for none
+};
+
 class CPDFFieldSandbox {
 public:
-    // `snapshot` describes the form as it is now.
-    CPDFFieldSandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
-        : m_snapshot(std::move(snapshot)), m_sandbox(limits)
+    CPDFFieldSandbox(PDF_SANDBOX_DOCUMENT document, const SCRIPT_LIMITS& limits)
+        : m_document(std::move(document)), m_sandbox(limits)
     {
     }
 
-    // Runs a script of `field`. False when it did not come to its end; a fault is noted then.
+    // Runs a script of `field`, the first one behind those of the document. False when it did not come to its end. Faults are
+    // noted. A run that somebody else's hand ended is made once more.
     bool run(const CPDFField& field, PDF_SCRIPT_EVENT event, const std::string& text, FIELD_EVENT& at);
 
-    // The field has another value than at the last run.
-    void value_changed(const CPDFField& field) { m_changed.push_back(&field); }
+    // The field has another value than at the last run. It is newer than what scripts gave it before.
+    void value_changed(const CPDFField& field);
     // The fields have the values again that they were opened with.
     void renew();
 
@@ -36,8 +45,19 @@ public:
     const std::vector<std::string>& console() const { return m_console; }
 
 private:
-    std::function<SCRIPT_DOCUMENT()> m_snapshot;
+    enum class CHANGES { KEPT, DROPPED };
+
+    SCRIPT_ANSWER attempt(SCRIPT_RUN& run);
+    void prepare();
+    bool open_document();
+    void load();
+    void take(SCRIPT_ANSWER& answer, CHANGES changes, const std::string& script);
+
+    PDF_SANDBOX_DOCUMENT m_document;
     CPDFScriptSandbox m_sandbox;
+    bool m_prepared = false;               // the scripts of the document have run in the state that there is
+    size_t m_opened = 0;                   // how many of them have run once
+    std::set<size_t> m_deadly;             // those of them that ended the process
     std::vector<const CPDFField*> m_changed;  // borrowed from the form
     std::vector<SCRIPT_CHANGE> m_changes;
     std::vector<std::string> m_faults;

@@ -29,9 +29,9 @@ public:
     explicit CPDFFormCompute(Find find) : m_find(std::move(find)) {}
 
     // From now on scripts that are no well-known calls run, too.
-    void use_sandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
+    void use_sandbox(PDF_SANDBOX_DOCUMENT document, const SCRIPT_LIMITS& limits)
     {
-        m_sandbox.emplace(std::move(snapshot), limits);
+        m_sandbox.emplace(std::move(document), limits);
     }
     // Null where those do not run.
     CPDFFieldSandbox* sandbox() { return m_sandbox ? &*m_sandbox : nullptr; }
