@@ -63,9 +63,8 @@ public:
         if (const CPDFEntryView action(&m_xref, open); action->dictionary())
             list(*open, "open");
         list_events(root.get_item("AA"), DOCUMENT_EVENTS);
-        visit_document_scripts(m_xref, root, [this](const std::string& name, const CPDFObj& action) {
-            list(action, "script " + name);
-        });
+        visit_document_scripts(
+            m_xref, root, [this](const std::string& name, const CPDFObj& action) { list(action, "script " + name); });
     }
 
     // The items of "Outlines" from the top down (ISO 32000-2, 12.3.3).

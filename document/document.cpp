@@ -167,8 +167,7 @@ void CPDFDocument::State::forget_fields()
     filled.clear();
     to_draw.clear();
     drawn_buttons.clear();
-    computer.reset();
-    calculation_order.reset();
+    forget_scripts();
     redraw.reset();
     branches.emplace();
     page_map.reset();
@@ -293,9 +292,10 @@ void CPDFDocument::revert()
     state.asked_to_draw = state.values_changed = false;
     state.to_draw.clear();
     state.notes.clear();
-    state.calculation_notes.clear();
     if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
         sandbox->renew();
+    state.calculation_notes.clear();
+    state.console.clear();
     state.to_calculate = false;
     if (state.redraw)
         state.redraw->changes_dropped();
@@ -316,6 +316,8 @@ void CPDFDocument::revert()
     for (CPDFField* field : state.filled)
         for_each_field(*field, [](CPDFField& at) { at.reload_value(); });
     state.filled.clear();
+    for (CPDFField* field : std::exchange(state.changed_fields, {}))
+        for_each_field(*field, [](CPDFField& at) { at.reload_entries(); });
     need_memory(memory);
 }
 

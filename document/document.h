@@ -149,6 +149,8 @@ public:
     // A sentence for each calculated value that was not stored since the file was opened or reverted. Borrowed until the next
     // calculation.
     const std::vector<std::string>& calculation_notes() const;
+    // The lines that scripts in the sandbox printed since then. Borrowed until the next call that runs scripts.
+    const std::vector<std::string>& script_console() const;
     // How many scripts should have run since the file was opened, and did not, since they are no well-known calls; where
     // there are such, those of the document count, too, which prepare them.
     size_t skipped_scripts() const;

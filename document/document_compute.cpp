@@ -8,7 +8,6 @@
 #include "document/document.h"
 #include "document/document_state.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/value_text.h"
 #include "file/file_reader.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
@@ -25,31 +24,10 @@ CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
     return status;
 }
 
-// In the order of PDF_FIELD_KIND_ID.
-constexpr SCRIPT_FIELD_TYPE TYPES[KIND_COUNT] = {
-    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::RADIO, SCRIPT_FIELD_TYPE::BUTTON, SCRIPT_FIELD_TYPE::CHECKBOX,
-    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::COMBO, SCRIPT_FIELD_TYPE::LIST,   SCRIPT_FIELD_TYPE::SIGNATURE};
-
-SCRIPT_FIELD script_field_of(const CPDFField& field, const PDF_FIELD_SHAPE& shape)
+void add_once(CPDFField& field, std::vector<CPDFField*>* to)
 {
-    constexpr std::pair<uint32_t, SCRIPT_FIELD_FLAG> FLAGS[] = {{FIELD_READ_ONLY, SCRIPT_READ_ONLY},
-                                                                {FIELD_REQUIRED, SCRIPT_REQUIRED},
-                                                                {FIELD_MULTILINE, SCRIPT_MULTILINE},
-                                                                {FIELD_COMB, SCRIPT_COMB}};
-    SCRIPT_FIELD out;
-    out.name = full_name(field);
-    out.type = TYPES[shape.kind->id];
-    for (const auto& [from, to] : FLAGS)
-        if (shape.flags & from)
-            out.flags |= to;
-    out.value = script_values_of(field);
-    out.default_value = value_text(*field.m_xref, field.m_def_value).joined();
-    out.char_limit = shape.max_length;
-    for (int32_t i = 0; i < shape.options.count(); ++i)
-        out.items.push_back({shape.options.text(i), shape.options.value(i)});
-    for (const PDF_BUTTON_CHOICE& choice : shape.buttons)
-        out.items.push_back({choice.state, choice.export_value});
-    return out;
+    if (to && std::find(to->begin(), to->end(), &field) == to->end())
+        to->push_back(&field);
 }
 
 }  // namespace
@@ -61,52 +39,15 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (!computer) {
         computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
         if (scripts == PDF_SCRIPTS::ALL)
-            computer->use_sandbox({[this] { return script_snapshot(); },
-                                   [this]() -> const auto& { return document_scripts(); },
-                                   [this](std::string_view name) { return names.find(loaded_form(), name); }},
+            computer->use_sandbox({[this] {
+                return script_snapshot(); },
+                                   [this]() -> const auto& { return document_scripts();
+    }
+    , [this](std::string_view name) { return names.find(loaded_form(), name); }
+},
                                   {script_seconds});
-    }
-    return &*computer;
 }
-
-SCRIPT_DOCUMENT CPDFDocument::State::script_snapshot()
-{
-    SCRIPT_DOCUMENT document;
-    const CPDFWidgetBinder& bound = bound_widgets();
-    document.pages = pages().page_count();
-    for_each_field(loaded_form(), [&](CPDFField& field) {
-        const PDF_FIELD_KIND& kind = field_kind(field);
-        if (kind.id != KIND_CONTAINER && field.m_name.len > 0)
-            document.fields.push_back(script_field_of(field, shape_of(field, bound)));
-    });
-    return document;
-}
-
-const std::vector<PDF_DOCUMENT_SCRIPT>& CPDFDocument::State::document_scripts()
-{
-    if (!document_script_list)
-        document_script_list = read_document_scripts(*xref, *root.dict);
-    return *document_script_list;
-}
-
-CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored)
-{
-    CPDFFieldSandbox* const sandbox = computer ? computer->sandbox() : nullptr;
-    if (!sandbox)
-        return {};
-    for (SCRIPT_CHANGE& change : sandbox->take_changes()) {
-        CPDFField* const field = names.find(loaded_form(), change.field);
-        if (!field || script_values_of(*field) == change.value)
-            continue;
-        bool one_stored = false;
-        std::string text = change.value.empty() ? std::string() : std::move(change.value.front());
-        if (CPDFStatus status = store_calculated(*field, std::move(text), one_stored); !status.ok())
-            return status;
-        stored = stored || one_stored;
-    }
-    for (std::string& fault : sandbox->take_faults())
-        note_calculation(std::move(fault));
-    return {};
+return &*computer;
 }
 
 CPDFStatus CPDFDocument::State::commit(PDF_FILL_PLAN& plan, PDF_FILL fill)
@@ -172,18 +113,21 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
     CPDFFormCompute* const runner = compute();
-    if (!runner || fields_to_calculate().empty())
+    if (!runner)
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    bool again = true;
+    bool again = false;
+    if (CPDFStatus status = take_from_sandbox(again, changed); !status.ok())
+        return status;
+    again = !fields_to_calculate().empty();
     for (int round = 0; again && round < LIMIT_CALCULATION_ROUNDS; ++round) {
         again = false;
         for (CPDFField* each : *calculation_order) {
             CPDFField& field = value_field(*each);
             const std::string before = script_value_of(field);
             std::optional<std::string> text = runner->calculate(field, before);
-            if (CPDFStatus status = take_from_sandbox(again); !status.ok())
+            if (CPDFStatus status = take_from_sandbox(again, changed); !status.ok())
                 return status;
             if (!text || *text == before)
                 continue;
@@ -191,8 +135,8 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
             if (CPDFStatus status = store_calculated(field, std::move(*text), stored); !status.ok())
                 return status;
             again = again || stored;
-            if (stored && changed && std::find(changed->begin(), changed->end(), &field) == changed->end())
-                changed->push_back(&field);
+            if (stored)
+                add_once(field, changed);
         }
     }
     to_calculate = false;
@@ -222,15 +166,4 @@ void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
     m_state->scripts = scripts;
     m_state->script_seconds = seconds;
     m_state->computer.reset();
-}
-
-const std::vector<std::string>& CPDFDocument::calculation_notes() const
-{
-    return m_state->calculation_notes;
-}
-
-size_t CPDFDocument::skipped_scripts() const
-{
-    const size_t skipped = m_state->computer ? m_state->computer->skipped() : 0;
-    return skipped ? skipped + m_state->document_scripts().size() : 0;
 }

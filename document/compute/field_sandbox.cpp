@@ -39,8 +39,10 @@ void CPDFFieldSandbox::take(SCRIPT_ANSWER& answer, CHANGES changes, const std::s
         m_faults.push_back("the " + script + " was not run: " + answer.fault);
         return;
     }
-    if (changes == CHANGES::KEPT)
+    if (changes == CHANGES::KEPT) {
+        move_to_end(answer.traits, m_traits);
         return move_to_end(answer.changes, m_changes);
+    }
     for (const SCRIPT_CHANGE& change : answer.changes)
         if (const CPDFField* field = m_document.find(change.field))
             m_changed.push_back(field);
@@ -101,7 +103,8 @@ bool CPDFFieldSandbox::run(const CPDFField& field, PDF_SCRIPT_EVENT event, const
     SCRIPT_ANSWER answer = attempt(run);
     if (m_sandbox.was_killed())
         answer = attempt(run);
-    take(answer, CHANGES::KEPT, std::string(name_of_event(event)) + " script of field " + in_quotes(full_name(field)));
+    take(answer, event == EVENT_FORMAT ? CHANGES::DROPPED : CHANGES::KEPT,
+         std::string(name_of_event(event)) + " script of field " + in_quotes(full_name(field)));
     if (!answer.fault.empty())
         return false;
     at = std::move(answer.event);
@@ -123,6 +126,7 @@ void CPDFFieldSandbox::renew()
     m_deadly.clear();
     m_changed.clear();
     m_changes.clear();
+    m_traits.clear();
     m_faults.clear();
     m_console.clear();
 }

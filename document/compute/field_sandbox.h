@@ -37,12 +37,12 @@ public:
     // The fields have the values again that they were opened with.
     void renew();
 
-    // Hand over what scripts did since the last call: values for other fields, and sentences on scripts that did not run.
+    // Hand over what scripts did since the last call: values for other fields, what else they made of fields, sentences on
+    // scripts that did not run, and the lines that they printed. Formats make nothing of other fields.
     std::vector<SCRIPT_CHANGE> take_changes() { return std::exchange(m_changes, {}); }
+    std::vector<SCRIPT_TRAITS> take_traits() { return std::exchange(m_traits, {}); }
     std::vector<std::string> take_faults() { return std::exchange(m_faults, {}); }
-
-    // Lines that scripts printed.
-    const std::vector<std::string>& console() const { return m_console; }
+    std::vector<std::string> take_console() { return std::exchange(m_console, {}); }
 
 private:
     enum class CHANGES { KEPT, DROPPED };
@@ -55,11 +55,12 @@ private:
 
     PDF_SANDBOX_DOCUMENT m_document;
     CPDFScriptSandbox m_sandbox;
-    bool m_prepared = false;               // the scripts of the document have run in the state that there is
-    size_t m_opened = 0;                   // how many of them have run once
-    std::set<size_t> m_deadly;             // those of them that ended the process
+    bool m_prepared = false;                  // the scripts of the document have run in the state that there is
+    size_t m_opened = 0;                      // how many of them have run once
+    std::set<size_t> m_deadly;                // those of them that ended the process
     std::vector<const CPDFField*> m_changed;  // borrowed from the form
     std::vector<SCRIPT_CHANGE> m_changes;
+    std::vector<SCRIPT_TRAITS> m_traits;
     std::vector<std::string> m_faults;
     std::vector<std::string> m_console;
 };

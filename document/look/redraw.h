@@ -51,6 +51,9 @@ public:
     // Whether widgets were left as they are since the last finish(), for more than LIMIT_DRAWN_CHARACTERS.
     bool left_some() const { return m_characters > LIMIT_DRAWN_CHARACTERS; }
 
+    // To be called when a field has got other options.
+    void options_changed();
+
     // To be called when all changes of the document were dropped.
     void changes_dropped();
 
@@ -73,6 +76,6 @@ private:
     std::vector<SHARED_PICTURE> m_pictures;  // of the field that is drawn
     std::vector<std::string> m_notes;
     CPDFFormCompute* m_compute = nullptr;  // borrowed
-    size_t m_characters = 0;  // of the values drawn since the last finish()
+    size_t m_characters = 0;               // of the values drawn since the last finish()
     bool m_failed = false;
 };
