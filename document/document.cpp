@@ -295,6 +295,7 @@ void CPDFDocument::revert()
     if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
         sandbox->renew();
     state.calculation_notes.clear();
+    state.calculation_noted.clear();
     state.console.clear();
     state.to_calculate = false;
     if (state.redraw)

@@ -24,10 +24,11 @@ CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
     return status;
 }
 
-void add_once(CPDFField& field, std::vector<CPDFField*>* to)
+// Each field once, where it comes first.
+void keep_first(std::vector<CPDFField*>& fields)
 {
-    if (to && std::find(to->begin(), to->end(), &field) == to->end())
-        to->push_back(&field);
+    std::unordered_set<const CPDFField*> seen;
+    std::erase_if(fields, [&seen](const CPDFField* field) { return !seen.insert(field).second; });
 }
 
 }  // namespace
@@ -37,17 +38,11 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (scripts == PDF_SCRIPTS::OFF)
         return nullptr;
     if (!computer) {
-        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
+        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); }, reader->budget());
         if (scripts == PDF_SCRIPTS::ALL)
-            computer->use_sandbox({[this] {
-                return script_snapshot(); },
-                                   [this]() -> const auto& { return document_scripts();
+            computer->use_sandbox(sandbox_document(), {script_seconds});
     }
-    , [this](std::string_view name) { return names.find(loaded_form(), name); }
-},
-                                  {script_seconds});
-}
-return &*computer;
+    return &*computer;
 }
 
 CPDFStatus CPDFDocument::State::commit(PDF_FILL_PLAN& plan, PDF_FILL fill)
@@ -89,7 +84,7 @@ const std::vector<CPDFField*>& CPDFDocument::State::fields_to_calculate()
 
 void CPDFDocument::State::note_calculation(std::string sentence)
 {
-    if (std::find(calculation_notes.begin(), calculation_notes.end(), sentence) == calculation_notes.end())
+    if (calculation_noted.insert(sentence).second)
         calculation_notes.push_back(std::move(sentence));
 }
 
@@ -106,9 +101,10 @@ CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string t
         return {};
     }
     stored = plan.action != PDF_FILL_PLAN::KEEP;
-    return stored ? apply(plan) : status;
+    return stored ? carry_out(plan) : status;
 }
 
+// The budget is one for all rounds, so what is stored meanwhile takes its part of it.
 CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
@@ -124,6 +120,8 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
     for (int round = 0; again && round < LIMIT_CALCULATION_ROUNDS; ++round) {
         again = false;
         for (CPDFField* each : *calculation_order) {
+            if (allowance.used_up())
+                return too_much_to(CALCULATING);
             CPDFField& field = value_field(*each);
             const std::string before = script_value_of(field);
             std::optional<std::string> text = runner->calculate(field, before);
@@ -135,13 +133,15 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
             if (CPDFStatus status = store_calculated(field, std::move(*text), stored); !status.ok())
                 return status;
             again = again || stored;
-            if (stored)
-                add_once(field, changed);
+            if (stored && changed)
+                changed->push_back(&field);
         }
     }
+    if (changed)
+        keep_first(*changed);
     to_calculate = false;
     if (allowance.used_up())
-        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to calculate than its size justifies");
+        return too_much_to(CALCULATING);
     return memory.failed() ? no_memory_to(CALCULATING) : CPDFStatus();
 }
 

@@ -32,12 +32,6 @@ void add_known_widgets(const CPDFField& field, std::vector<PDF_DRAWN_WIDGET>& wi
     }
 }
 
-CPDFStatus too_much_to(const char* what)
-{
-    return CPDFStatus::failed(PDF_CODE::LIMIT,
-                              std::string("it takes more work than the file's size justifies to ") + what);
-}
-
 }  // namespace
 
 CPDFStatus CPDFDocument::State::ask_to_draw()
@@ -57,7 +51,8 @@ CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
     };
     const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
     std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
-    if (CPDFFieldSandbox* sandbox = computer ? computer->sandbox() : nullptr)
+    CPDFFormCompute* const runner = scripts == PDF_SCRIPTS::ALL ? compute() : nullptr;
+    if (CPDFFieldSandbox* sandbox = runner ? runner->sandbox() : nullptr)
         std::for_each(fields.begin(), fields.end(),
                       [sandbox](const CPDFField* field) { sandbox->value_changed(*field); });
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)

@@ -97,13 +97,16 @@ PDF_FIELD_CHANGE change_of(const CPDFField& field, const SCRIPT_TRAITS& traits)
     return change;
 }
 
-void add_once(CPDFField& field, std::vector<CPDFField*>* to)
-{
-    if (to && std::find(to->begin(), to->end(), &field) == to->end())
-        to->push_back(&field);
-}
-
 }  // namespace
+
+PDF_SANDBOX_DOCUMENT CPDFDocument::State::sandbox_document()
+{
+    PDF_SANDBOX_DOCUMENT document;
+    document.snapshot = [this] { return script_snapshot(); };
+    document.scripts = [this]() -> const std::vector<PDF_DOCUMENT_SCRIPT>& { return document_scripts(); };
+    document.find = [this](std::string_view name) { return names.find(loaded_form(), name); };
+    return document;
+}
 
 SCRIPT_DOCUMENT CPDFDocument::State::script_snapshot()
 {
@@ -155,7 +158,7 @@ CPDFStatus CPDFDocument::State::change_kind(CPDFField& field, const SCRIPT_TRAIT
         PDF_FILL_PLAN plan;
         status = plan_fill(field, std::string(), PDF_FILL::FORCE, PDF_WORDS::STATES_FIRST, widgets, plan);
         if (status.ok() && plan.action != PDF_FILL_PLAN::KEEP)
-            status = apply(plan);
+            status = carry_out(plan);
         if (status.ok())
             status = ::change_field(field, change, bound_widgets());
     }
@@ -207,7 +210,8 @@ CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored, std::vector<CPDF
             continue;
         }
         stored = true;
-        add_once(*field, changed);
+        if (changed)
+            changed->push_back(field);
     }
     return {};
 }

@@ -4,6 +4,8 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <string>
+#include <unordered_set>
 
 #include "core/alloc.h"
 #include "document/compute/form_compute.h"
@@ -45,6 +47,7 @@ struct CPDFDocument::State {
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
     std::vector<std::string> calculation_notes;
+    std::unordered_set<std::string> calculation_noted;                     // the same
     std::optional<std::vector<PDF_DOCUMENT_SCRIPT>> document_script_list;  // read when they are asked for
     std::vector<CPDFField*> changed_fields;  // borrowed; those that scripts made another kind of
     std::vector<std::string> console;        // what scripts printed
@@ -82,10 +85,12 @@ struct CPDFDocument::State {
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
                            PDF_WORDS words);
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
+    CPDFStatus carry_out(const PDF_FILL_PLAN& plan);  // within the budget of what is going on
     CPDFStatus ask_to_draw();
 
     // Null where no scripts run.
     CPDFFormCompute* compute();
+    PDF_SANDBOX_DOCUMENT sandbox_document();
     SCRIPT_DOCUMENT script_snapshot();
     const std::vector<PDF_DOCUMENT_SCRIPT>& document_scripts();
     // Stores what scripts made of other fields. Tells in `stored` whether values changed, and of which in `changed` unless that
@@ -132,6 +137,12 @@ inline void need_memory(const VXFailureCheck& memory)
 inline CPDFStatus no_memory_to(const char* what)
 {
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
+}
+
+inline CPDFStatus too_much_to(const char* what)
+{
+    return CPDFStatus::failed(PDF_CODE::LIMIT,
+                              std::string("it takes more work than the file's size justifies to ") + what);
 }
 
 // Runs an operation of the front class: where memory runs out it says so, whatever the operation made of it, and no

@@ -39,13 +39,17 @@ void CPDFFieldSandbox::take(SCRIPT_ANSWER& answer, CHANGES changes, const std::s
         m_faults.push_back("the " + script + " was not run: " + answer.fault);
         return;
     }
-    if (changes == CHANGES::KEPT) {
+    if (changes != CHANGES::DROPPED)
         move_to_end(answer.traits, m_traits);
+    if (changes == CHANGES::KEPT)
         return move_to_end(answer.changes, m_changes);
-    }
-    for (const SCRIPT_CHANGE& change : answer.changes)
-        if (const CPDFField* field = m_document.find(change.field))
+    for (SCRIPT_CHANGE& change : answer.changes) {
+        const CPDFField* const field = m_document.find(change.field);
+        if (changes == CHANGES::OLDER && !m_newer.contains(field))
+            m_changes.push_back(std::move(change));
+        else if (field)
             m_changed.push_back(field);
+    }
 }
 
 // Runs the scripts of the document. False when one of them ended the process.
@@ -63,7 +67,7 @@ bool CPDFFieldSandbox::open_document()
         SCRIPT_ANSWER answer = m_sandbox.run(run);
         if (m_sandbox.was_killed())
             return false;
-        take(answer, i < m_opened ? CHANGES::DROPPED : CHANGES::KEPT, "document script " + in_quotes(scripts[i].name));
+        take(answer, i < m_opened ? CHANGES::DROPPED : CHANGES::OLDER, "document script " + in_quotes(scripts[i].name));
         m_opened = std::max(m_opened, i + 1);
         if (m_sandbox.needs_document()) {
             m_deadly.insert(i);
@@ -114,6 +118,8 @@ bool CPDFFieldSandbox::run(const CPDFField& field, PDF_SCRIPT_EVENT event, const
 void CPDFFieldSandbox::value_changed(const CPDFField& field)
 {
     m_changed.push_back(&field);
+    if (!m_prepared)
+        m_newer.insert(&field);
     if (!m_changes.empty())
         std::erase_if(m_changes, [name = full_name(field)](const SCRIPT_CHANGE& at) { return at.field == name; });
 }
@@ -124,6 +130,7 @@ void CPDFFieldSandbox::renew()
     m_prepared = false;
     m_opened = 0;
     m_deadly.clear();
+    m_newer.clear();
     m_changed.clear();
     m_changes.clear();
     m_traits.clear();

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -45,7 +46,11 @@ public:
     std::vector<std::string> take_console() { return std::exchange(m_console, {}); }
 
 private:
-    enum class CHANGES { KEPT, DROPPED };
+    enum class CHANGES {
+        KEPT,
+        OLDER,  // kept but for fields that have got a value already
+        DROPPED,
+    };
 
     SCRIPT_ANSWER attempt(SCRIPT_RUN& run);
     void prepare();
@@ -55,10 +60,11 @@ private:
 
     PDF_SANDBOX_DOCUMENT m_document;
     CPDFScriptSandbox m_sandbox;
-    bool m_prepared = false;                  // the scripts of the document have run in the state that there is
-    size_t m_opened = 0;                      // how many of them have run once
-    std::set<size_t> m_deadly;                // those of them that ended the process
-    std::vector<const CPDFField*> m_changed;  // borrowed from the form
+    bool m_prepared = false;                       // the scripts of the document have run in the state that there is
+    size_t m_opened = 0;                           // how many of them have run once
+    std::unordered_set<const CPDFField*> m_newer;  // fields that got a value before they ran
+    std::set<size_t> m_deadly;                     // those of them that ended the process
+    std::vector<const CPDFField*> m_changed;       // borrowed from the form
     std::vector<SCRIPT_CHANGE> m_changes;
     std::vector<SCRIPT_TRAITS> m_traits;
     std::vector<std::string> m_faults;
