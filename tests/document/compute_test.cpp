@@ -177,9 +177,9 @@ TEST(ComputeTest, FormsOpenedForSingleFieldsAreCalculatedToo)
 // What a questionnaire does: buttons whose states are numbers in a row, and what they count for in "Opt".
 TEST(ComputeTest, ButtonsCountForWhatTheyExport)
 {
-    FormAtWork f(
-        form({"/FT/Btn/Ff 49152/T(q)/Opt[(10)(20)]/Kids[20 0 R 21 0 R]", text_field("t", {{"C", sum_of("'q'")}})},
-             "/CO[11 0 R]", "/Parent 10 0 R" + widget_states("0") + ";/Parent 10 0 R" + widget_states("1")));
+    FormAtWork f(form({text_field("t", {{"C", sum_of("'q'")}}), text_field("x", {}), text_field("y", {}),
+                       "/FT/Btn/Ff 49152/T(q)/Opt[(10)(20)]/Kids[20 0 R 21 0 R]"},
+                      "/CO[10 0 R]", "/Parent 13 0 R" + widget_states("0") + ";/Parent 13 0 R" + widget_states("1")));
     ASSERT_TRUE(f.set("q", "20").ok());
     EXPECT_THAT(f.memory(), AllOf(HasSubstr("q=/1"), HasSubstr("t=(20)")));
 }
