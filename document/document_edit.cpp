@@ -19,6 +19,8 @@ CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
     if (!status.ok())
         return status;
     redraw.reset();  // the form's fonts may change
+    forget_scripts();
+    shown_options = {};
     to_draw.clear();
     filled.clear();
     edited = true;

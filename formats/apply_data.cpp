@@ -73,7 +73,8 @@ void plan_xfa(CPDFDocument& document, std::vector<PDF_DATA_ITEM>& items, PDF_FIL
         if (item.plan.field || (item.status = check_text(item.entry), !item.status.ok()))
             continue;
         unknown.push_back(&item);
-        values.push_back({item.entry.name, texts_of(item.entry.value).front()});
+        const bool is_list = std::holds_alternative<std::vector<std::string>>(item.entry.value);
+        values.push_back({item.entry.name, is_list ? std::string() : texts_of(item.entry.value).front()});
     }
     std::vector<CPDFStatus> each;
     const CPDFStatus all = document.check_xfa_values(values, fill, each);
@@ -116,7 +117,10 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
     for (PDF_DATA_ITEM& item : items) {
         if (item.status.ok())
             item.status = check_item(document, item, fill);
+        if (item.status.ok())
+            item.status = document.assume(item.plan);
     }
+    document.drop_assumptions();
     if (has_unknown && document.has_only_xfa())
         plan_xfa(document, items, fill);
     return items;
