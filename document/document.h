@@ -11,6 +11,7 @@
 
 #include "core/object.h"
 #include "document/compute/scripts.h"
+#include "document/design/field_design.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
 #include "file/read_budget.h"
@@ -181,6 +182,10 @@ public:
                           CPDFField** moved = nullptr);
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Makes `design` that of every field, or of none where one of them refuses it; see check_design. The widgets are drawn anew.
+    CPDFStatus design_fields(std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
+                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
     // Makes what the widgets show a part of the pages, those without an appearance drawn as their fields are, and takes the
     // form off the document, see flatten_form. Refuses a signed document unless `edit` is FORCE. Ends all fields.

@@ -98,14 +98,17 @@ struct CPDFDocument::State {
     CPDFStatus draw();
     CPDFStatus draw_missing();
     CPDFStatus draw_states(CPDFField& field);
+    // The same for fields whose widgets are to look anew in everything. Buttons are drawn at once, since only their
+    // pictures say which states they have.
+    CPDFStatus show_anew(std::span<CPDFField* const> fields);
     CPDFRedraw& painter();
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
     CPDFStatus flatten();
     CPDFStatus reset(const std::vector<CPDFField*>* fields, PDF_FILL fill);
     CPDFStatus reset_xfa();
-    CPDFStatus begin_edit(CPDFField* field, PDF_EDIT edit);
+    CPDFStatus begin_edit(std::span<CPDFField* const> fields, PDF_EDIT edit);
     template <typename Operation>
-    CPDFStatus edit(CPDFField* field, PDF_EDIT edit, const Operation& operation);
+    CPDFStatus edit(std::span<CPDFField* const> fields, PDF_EDIT edit, const Operation& operation);
     CPDFStatus make_update(std::string& update);
 };
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "document/lookup/field_text.h"
+#include "tools/edit/design_words.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/terminal_text.h"
 
@@ -17,6 +18,7 @@ struct ADD_ARGUMENTS {
     std::vector<COMMAND_WORD> rects;
     std::vector<COMMAND_WORD> states;
     CHANGE_ARGUMENTS change;
+    CPDFDesignWords design;
     std::list<std::pair<uint32_t, bool>> flags;  // every flag, and whether it is given
 };
 
@@ -67,10 +69,18 @@ CPDFStatus read_field(const ADD_ARGUMENTS& arguments, PDF_NEW_FIELD& field)
 int add(const ADD_ARGUMENTS& arguments)
 {
     PDF_NEW_FIELD field;
-    if (const CPDFStatus usage = read_field(arguments, field); !usage.ok())
+    PDF_FIELD_DESIGN design;
+    CPDFStatus usage = read_field(arguments, field);
+    if (usage.ok())
+        usage = arguments.design.read(design);
+    if (!usage.ok())
         return complain_usage(usage.text);
     return edit_file(arguments.edit, [&](CPDFDocument& document) {
-        return std::vector{document.add_field(field, arguments.edit.how())};
+        CPDFField* added = nullptr;
+        CPDFStatus status = document.add_field(field, arguments.edit.how(), &added);
+        if (status.ok() && design.sets_any())
+            status = document.design_fields({&added, 1}, design, arguments.edit.how());
+        return std::vector{status};
     });
 }
 
@@ -100,6 +110,7 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     add_change_options(verb, arguments->change);
+    arguments->design.add_options(verb);
     for (const FLAG_OPTION& option : flag_options()) {
         bool& given = arguments->flags.emplace_back(option.flag, false).second;
         verb.add_flag(option.name(), given, option.help);

@@ -1,0 +1,50 @@
+#include "document/design/field_design.h"
+
+#include "core/alloc.h"
+#include "core/xref_table.h"
+#include "document/design/font_home.h"
+#include "document/design/widget_style.h"
+#include "document/edit/form_home.h"
+#include "document/lookup/field_text.h"
+#include "forms/field.h"
+
+namespace {
+
+PDF_CHANGE_RESULT store_text(EDIT_TARGET& target, const CPDFField& field, const char* key, const std::string& text)
+{
+    CPDFObj value;
+    value.type = PDF_OBJ_STRING;
+    value.str = pdf_string_of(text);
+    const PDF_ENTRY_CHANGE change[] = {{key, text.empty() ? nullptr : &value}};
+    return target.xref.change_entries(field.m_ref, change);
+}
+
+}  // namespace
+
+void check_design(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design, CPDFRefusals& refusals)
+{
+    check_style(target, field, design.style, refusals);
+    if (field.m_name.len <= 0)
+        refusals.add("a field without a name of its own only shows field " + in_quotes(full_name(field)));
+}
+
+CPDFStatus design_field(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design)
+{
+    const VXFailureCheck memory;
+    if (CPDFStatus status = settle_form(target); !status.ok())
+        return status;
+    std::string font;
+    if (design.style.font) {
+        if (CPDFStatus status = find_font(target, *design.style.font, font); !status.ok())
+            return status;
+    }
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    for (const auto& [key, text] : {std::pair("TU", &design.label), std::pair("TM", &design.mapping_name)})
+        result = *text ? both(result, store_text(target, field, key, **text)) : result;
+    if (design.style.sets_any())
+        result = both(result, apply_style(target, field, design.style, font));
+    if (memory.failed())
+        return no_memory_to_edit();
+    return edit_status(result, "field " + in_quotes(full_name(field)) +
+                                   " can't be changed: a dictionary of it is missing or damaged");
+}
