@@ -55,7 +55,7 @@ CPDFStatus CPDFDocument::add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit, CP
             return status;
         if (out)
             *out = added;
-        return m_state->show({&added, 1});
+        return m_state->show_anew({&added, 1});
     });
 }
 
@@ -64,8 +64,7 @@ CPDFStatus CPDFDocument::design_fields(std::span<CPDFField* const> fields, const
 {
     return m_state->edit(fields, edit, [&](EDIT_TARGET& target) {
         CPDFRefusals refusals;
-        for (const CPDFField* field : fields)
-            check_design(target, *field, design, refusals);
+        check_design(target, fields, design, refusals);
         CPDFStatus status = refusals.status();
         m_state->bound_widgets();
         for (size_t i = 0; i < fields.size() && status.ok(); ++i)

@@ -58,11 +58,11 @@ private:
         PDF_NEW_FIELD field;
         field.kind = static_cast<PDF_FIELD_KIND_ID>(m_choices.below(KIND_COUNT));
         field.name = name();
-        field.page = static_cast<int32_t>(m_choices.below(3));
-        const size_t buttons = field.kind == KIND_RADIO ? 1 + m_choices.below(3) : 1;
+        const auto page = static_cast<int32_t>(m_choices.below(3));
+        const size_t buttons = 1 + m_choices.below(3);
         for (size_t i = 0; i < buttons; ++i) {
             const double at = 10.0 * static_cast<double>(i + m_choices.below(64));
-            field.rects.push_back({at, at, 12.5, m_choices.below(8) * 4.0});
+            field.places.push_back({{at, at, 12.5, m_choices.below(8) * 4.0}, page});
             if (field.kind == KIND_RADIO)
                 field.states.push_back(std::string(1, static_cast<char>('A' + i)));
         }

@@ -21,11 +21,18 @@ PDF_CHANGE_RESULT store_text(EDIT_TARGET& target, const CPDFField& field, const 
 
 }  // namespace
 
-void check_design(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design, CPDFRefusals& refusals)
+void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
+                  CPDFRefusals& refusals)
 {
-    check_style(target, field, design.style, refusals);
-    if (field.m_name.len <= 0)
-        refusals.add("a field without a name of its own only shows field " + in_quotes(full_name(field)));
+    if (design.style.font && !is_font(target, *design.style.font))
+        refusals.add("there is no font " + in_quotes(*design.style.font) +
+                     ": give one that the form has, or Helvetica, Times or Courier, each with -Bold, -Italic or "
+                     "-BoldItalic, Symbol or ZapfDingbats");
+    for (const CPDFField* field : fields) {
+        check_style(*field, design.style, refusals);
+        if (field->m_name.len <= 0)
+            refusals.add("a field without a name of its own only shows field " + in_quotes(full_name(*field)));
+    }
 }
 
 CPDFStatus design_field(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -43,8 +44,9 @@ struct PDF_FIELD_DESIGN {
     bool sets_any() const { return label || mapping_name || style.sets_any(); }
 };
 
-// Notes in `refusals` what of `design` does not fit the kind of `field` or can't be.
-void check_design(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design, CPDFRefusals& refusals);
+// Notes in `refusals` what of `design` does not fit the kinds of `fields` or can't be.
+void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
+                  CPDFRefusals& refusals);
 
 // Makes a design that was checked that of `field`, whose widgets are bound, without drawing them. Fails where the
 // field's dictionary is missing or memory runs out.

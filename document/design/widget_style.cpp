@@ -32,7 +32,7 @@ public:
     {
     }
 
-    void check(EDIT_TARGET& target, const PDF_WIDGET_STYLE& style)
+    void check(const PDF_WIDGET_STYLE& style)
     {
         const bool bare = m_kind.id == KIND_CONTAINER;
         if (bare && style.sets_any())
@@ -43,10 +43,6 @@ public:
             refuse_kind("alignment");
         if (style.font && is_mark_button(m_kind))
             refuse_kind("font");
-        else if (style.font && !is_font(target, *style.font))
-            m_refusals.add("there is no font " + in_quotes(*style.font) +
-                           ": give one that the form has, or Helvetica, Times or Courier, each with -Bold, -Italic or "
-                           "-BoldItalic, Symbol or ZapfDingbats");
         check_number(style.size, "a text size");
         check_number(style.border_width, "a border width");
         if (style.caption)
@@ -236,9 +232,9 @@ private:
 
 }  // namespace
 
-void check_style(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefusals& refusals)
+void check_style(const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefusals& refusals)
 {
-    CPDFStyleCheck(field, refusals).check(target, style);
+    CPDFStyleCheck(field, refusals).check(style);
 }
 
 PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style,

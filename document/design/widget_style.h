@@ -4,7 +4,7 @@
 #include "document/design/field_design.h"
 
 // Notes in `refusals` what of `style` does not fit the kind of `field` or can't be.
-void check_style(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefusals& refusals);
+void check_style(const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefusals& refusals);
 
 // Writes "DA" and "Q" of the field and of the widgets that have their own, and "MK" and "BS" of all its widgets.
 PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style,
