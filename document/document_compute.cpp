@@ -223,3 +223,11 @@ size_t CPDFDocument::skipped_scripts() const
 {
     return m_state->computer ? m_state->computer->skipped() : 0;
 }
+
+void CPDFDocument::State::forget_scripts()
+{
+    computer.reset();
+    calculation_order.reset();
+    to_calculate = true;
+    values_changed = true;
+}

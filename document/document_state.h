@@ -101,6 +101,9 @@ struct CPDFDocument::State {
     // The same for fields whose widgets are to look anew in everything. Buttons are drawn at once, since only their
     // pictures say which states they have.
     CPDFStatus show_anew(std::span<CPDFField* const> fields);
+    CPDFStatus show_moved(CPDFField& field, PDF_MOVED_LOOK look);
+    // Scripts of fields were changed: the form is calculated with the new ones.
+    void forget_scripts();
     CPDFRedraw& painter();
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
     CPDFStatus flatten();

@@ -85,6 +85,9 @@ int run(int argc, char** argv)
     add_export_verb(app, action);
     add_draw_verb(app, action);
     add_add_verb(app, action);
+    add_move_verb(app, action);
+    add_copy_verb(app, action);
+    add_tabs_verb(app, action);
     add_remove_verb(app, action);
     add_rename_verb(app, action);
     add_set_verb(app, action);

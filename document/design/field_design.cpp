@@ -3,10 +3,14 @@
 #include "core/alloc.h"
 #include "core/xref_table.h"
 #include "document/design/font_home.h"
+#include "document/design/script_entries.h"
 #include "document/design/widget_style.h"
 #include "document/edit/form_home.h"
+#include "document/edit/new_object.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/widget_binder.h"
 #include "forms/field.h"
+#include "forms/field_kind.h"
 
 namespace {
 
@@ -19,6 +23,18 @@ PDF_CHANGE_RESULT store_text(EDIT_TARGET& target, const CPDFField& field, const 
     return target.xref.change_entries(field.m_ref, change);
 }
 
+PDF_CHANGE_RESULT store_action(EDIT_TARGET& target, const CPDFField& field, const PDF_BUTTON_ACTION& action)
+{
+    CPDFObj value;
+    if (!action.dictionary.empty())
+        parse_syntax(action.dictionary, value);
+    const PDF_ENTRY_CHANGE change[] = {{"A", action.dictionary.empty() ? nullptr : &value}};
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
+        result = both(result, target.xref.change_entries(widget->m_ref, change));
+    return result;
+}
+
 }  // namespace
 
 void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
@@ -29,7 +45,11 @@ void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const
                      ": give one that the form has, or Helvetica, Times or Courier, each with -Bold, -Italic or "
                      "-BoldItalic, Symbol or ZapfDingbats");
     for (const CPDFField* field : fields) {
+        const PDF_FIELD_KIND& kind = field_kind(*field);
         check_style(*field, design.style, refusals);
+        check_scripts(target, *field, design, refusals);
+        if (design.action && kind.id != KIND_PUSH)
+            refusals.add("field " + in_quotes(full_name(*field)) + " is a " + kind.title + ", which has no action");
         if (field->m_name.len <= 0)
             refusals.add("a field without a name of its own only shows field " + in_quotes(full_name(*field)));
     }
@@ -50,6 +70,10 @@ CPDFStatus design_field(EDIT_TARGET& target, const CPDFField& field, const PDF_F
         result = *text ? both(result, store_text(target, field, key, **text)) : result;
     if (design.style.sets_any())
         result = both(result, apply_style(target, field, design.style, font));
+    if (design.sets_scripts())
+        result = both(result, apply_scripts(target, field, design));
+    if (design.action)
+        result = both(result, store_action(target, field, *design.action));
     if (memory.failed())
         return no_memory_to_edit();
     return edit_status(result, "field " + in_quotes(full_name(field)) +

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "document/design/button_action.h"
+#include "document/design/field_script.h"
 #include "document/edit/edit.h"
 
 class CPDFField;
@@ -40,8 +42,12 @@ struct PDF_FIELD_DESIGN {
     std::optional<std::string> label;         // "TU", what people are told that the field is
     std::optional<std::string> mapping_name;  // "TM", what the field is called in exported data
     PDF_WIDGET_STYLE style;
+    std::optional<PDF_FIELD_FORMAT> format;  // of text fields and combo boxes, as is the calculation
+    std::optional<PDF_CALCULATION> calculation;
+    std::optional<PDF_BUTTON_ACTION> action;  // of push buttons
 
-    bool sets_any() const { return label || mapping_name || style.sets_any(); }
+    bool sets_scripts() const { return format || calculation; }
+    bool sets_any() const { return label || mapping_name || style.sets_any() || sets_scripts() || action; }
 };
 
 // Notes in `refusals` what of `design` does not fit the kinds of `fields` or can't be.

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "core/alloc.h"
-#include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
+#include "document/edit/new_name.h"
 #include "document/edit/new_object.h"
 #include "document/edit/remove_field.h"
 #include "document/lookup/field_text.h"
@@ -48,18 +48,6 @@ const NEW_KIND* new_kind(PDF_FIELD_KIND_ID id)
     return found == std::end(NEW_KINDS) ? nullptr : found;
 }
 
-// The parts of a full name.
-std::vector<std::string> parts_of(const std::string& name)
-{
-    std::vector<std::string> parts;
-    for (size_t begin = 0; begin <= name.size();) {
-        const size_t end = std::min(name.find('.', begin), name.size());
-        parts.push_back(name.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return parts;
-}
-
 class FieldMaker {
 public:
     FieldMaker(EDIT_TARGET& target, const PDF_NEW_FIELD& field) : m_target(target), m_field(field) {}
@@ -74,7 +62,7 @@ public:
         m_shape.kind = &field_kind(m_kind->id);
         m_shape.flags = m_shape.kind->set | m_kind->flags;
         m_states = m_field.states;
-        check_name();
+        check_new_name(m_target, m_field.name, m_kind->id == KIND_RADIO ? 1 : 0, m_refusals);
         check_states();
         for (const std::string& state : m_states)
             m_shape.buttons.push_back({nullptr, state, state});
@@ -93,7 +81,7 @@ public:
             if (CPDFStatus status = need_font(m_target, m_kind->font, m_kind->base_font); !status.ok())
                 return status;
         }
-        CPDFField* parent = make_parents();
+        CPDFField* parent = make_groups(m_target, m_field.name);
         const bool several = m_kind->id == KIND_RADIO || m_field.places.size() > 1;
         const PDF_REF ref = several ? make_group(parent) : make_merged(parent);
         added = memory.failed() ? nullptr : attach_field(m_target, parent, ref);
@@ -121,30 +109,6 @@ public:
     }
 
 private:
-    void check_name()
-    {
-        const std::vector<std::string> parts = parts_of(m_field.name);
-        if (std::any_of(parts.begin(), parts.end(), [](const std::string& part) { return part.empty(); })) {
-            m_refusals.add(in_quotes(m_field.name) + " is no name for a field: every part between dots needs a letter");
-            return;
-        }
-        if (parts.size() + (m_kind->id == KIND_RADIO ? 1 : 0) > LIMIT_FIELD_DEPTH)
-            m_refusals.add("the fields would be too deep inside one another");
-        if (!is_readable_name(m_field.name)) {
-            m_refusals.add("the full name would be longer than " + std::to_string(LIMIT_FULL_NAME) + " bytes");
-            return;
-        }
-        if (field_named(m_target, m_field.name))
-            m_refusals.add("there is a field " + in_quotes(m_field.name) + " already");
-        std::string above;
-        for (size_t i = 0; i + 1 < parts.size(); ++i) {
-            above += (i ? "." : "") + parts[i];
-            const CPDFField* group = field_named(m_target, above);
-            if (group && !can_hold_fields(m_target, *group))
-                m_refusals.add("field " + in_quotes(above) + " has a value of its own and can't hold other fields");
-        }
-    }
-
     void check_states()
     {
         const bool check = m_kind->id == KIND_CHECK;
@@ -195,24 +159,6 @@ private:
                            " has the maximum length of its group, which can't be taken away");
     }
 
-    // The group above the field; missing ones are made from the top down. Null for a top-level field.
-    CPDFField* make_parents()
-    {
-        const std::vector<std::string> parts = parts_of(m_field.name);
-        CPDFField* parent = nullptr;
-        std::string above;
-        for (size_t i = 0; i + 1 < parts.size(); ++i) {
-            above += (i ? "." : "") + parts[i];
-            CPDFField* group = field_named(m_target, above);
-            if (!group) {
-                const std::string entries = "/T " + string_syntax(parts[i]) + parent_entry(parent) + "/Kids[]";
-                group = attach_field(m_target, parent, new_object(m_target.xref, "<<" + entries + ">>"));
-            }
-            parent = group;
-        }
-        return parent;
-    }
-
     static std::string parent_entry(const CPDFField* parent)
     {
         return parent ? "/Parent " + ref_syntax(parent->m_ref) : "";
@@ -221,8 +167,7 @@ private:
     // The entries that make a dictionary the field.
     std::string field_entries(const CPDFField* parent) const
     {
-        std::string out =
-            std::string("/FT/") + m_shape.kind->type_key + "/T " + string_syntax(parts_of(m_field.name).back());
+        std::string out = std::string("/FT/") + m_shape.kind->type_key + "/T " + string_syntax(last_part(m_field.name));
         out += parent_entry(parent);
         CPDFObj above;
         if (m_shape.flags || inherited_entry(parent, "Ff", above))

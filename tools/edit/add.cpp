@@ -31,7 +31,7 @@ CPDFStatus read_field(const ADD_ARGUMENTS& arguments, PDF_NEW_FIELD& field)
     field.name = arguments.name.text;
     if (!is_utf8(field.name))
         return wrong_usage("the name " + in_quotes(field.name) + " is not UTF-8");
-    if (CPDFStatus usage = read_places(arguments.places, field.places); !usage.ok())
+    if (CPDFStatus usage = read_places(arguments.places, 1, field.places); !usage.ok())
         return usage;
     for (const COMMAND_WORD& state : arguments.states) {
         if (!is_utf8(state.text))

@@ -118,6 +118,17 @@ constexpr DESIGN_OPTION OPTIONS[] = {
      }},
     {"--caption", "push button: what it says", "TEXT", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.style.caption); }},
+    {"--action", "push button: submit:URL, reset, print, link:URL or none", "WHAT", ACTION_WORDS,
+     [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_action(word, design.action.emplace()); }},
+    {"--format", "text, combo: number:2, percent:1, date:mm/dd/yyyy, time:HH:MM, special:phone, mask:999-AA or none",
+     "HOW", FORMAT_WORDS,
+     [](const std::string& word, PDF_FIELD_DESIGN& design) {
+         return is_utf8(word) && read_format(word, design.format.emplace());
+     }},
+    {"--calculate", "text, combo: sum:a,b; also average, product, minimum, maximum; or none", "HOW", CALCULATION_WORDS,
+     [](const std::string& word, PDF_FIELD_DESIGN& design) {
+         return is_utf8(word) && read_calculation(word, design.calculation.emplace());
+     }},
     {"--mark", "check box, radio group: check, circle, cross, diamond, square or star", "MARK",
      "check, circle, cross, diamond, square or star",
      [](const std::string& word, PDF_FIELD_DESIGN& design) {

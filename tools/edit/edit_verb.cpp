@@ -78,9 +78,8 @@ CPDFStatus read_page(const PLACE_ARGUMENTS& arguments, int32_t& page)
     return good ? CPDFStatus() : wrong_usage(in_quotes(text) + " is no page number");
 }
 
-CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, std::vector<PDF_PLACE>& places)
+CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, int32_t page, std::vector<PDF_PLACE>& places)
 {
-    int32_t page = 1;
     if (CPDFStatus usage = read_page(arguments, page); !usage.ok())
         return usage;
     for (const COMMAND_WORD& word : arguments.rects) {

@@ -61,8 +61,9 @@ struct PLACE_ARGUMENTS {
 // Adds --rect, which is returned, and --page.
 CLI::Option* add_place_options(CLI::App& verb, PLACE_ARGUMENTS& arguments);
 
-// Makes `places` of the rectangles; `page` is for those that name none. Fails for a word that makes no sense.
-CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, std::vector<PDF_PLACE>& places);
+// Makes `places` of the rectangles; those that name no page are on the given one, or on `page` where none is given. Fails
+// for a word that makes no sense.
+CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, int32_t page, std::vector<PDF_PLACE>& places);
 
 // The page alone: `page` stays where none is given.
 CPDFStatus read_page(const PLACE_ARGUMENTS& arguments, int32_t& page);
