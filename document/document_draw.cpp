@@ -164,9 +164,13 @@ CPDFStatus CPDFDocument::State::show_anew(std::span<CPDFField* const> fields)
         painter().draw_anew(*field, widgets_to_draw(*field));
         for (CPDFAnnotWidget* widget : bound_widgets().widgets_of(*field))
             widget->load(xref.get(), widget->m_ref);
-        values_changed = true;
     }
-    return memory.failed() ? no_memory_to(DRAWING) : show(fields);
+    if (memory.failed()) {
+        redraw.reset();  // it would say so again when the document is saved
+        return no_memory_to(DRAWING);
+    }
+    values_changed = true;
+    return show(fields);
 }
 
 // Viewers show a widget without an appearance as well as they can, and draw all texts where the form asks them to.

@@ -40,10 +40,8 @@ PDF_CHANGE_RESULT store_action(EDIT_TARGET& target, const CPDFField& field, cons
 void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
                   CPDFRefusals& refusals)
 {
-    if (design.style.font && !is_font(target, *design.style.font))
-        refusals.add("there is no font " + in_quotes(*design.style.font) +
-                     ": give one that the form has, or Helvetica, Times or Courier, each with -Bold, -Italic or "
-                     "-BoldItalic, Symbol or ZapfDingbats");
+    if (const std::string wrong = design.style.font ? wrong_font(target, *design.style.font) : ""; !wrong.empty())
+        refusals.add(wrong);
     for (const CPDFField* field : fields) {
         const PDF_FIELD_KIND& kind = field_kind(*field);
         check_style(*field, design.style, refusals);

@@ -33,6 +33,7 @@ CPDFNumberTree::CPDFNumberTree(CPDFXRefTable& xref, const PDF_REF& owner, const 
 
 std::vector<PDF_REF> CPDFNumberTree::path_to(std::optional<int32_t> number)
 {
+    settle_root();
     const CPDFKeySet keys(m_key);
     CPDFObj owner;
     m_xref.get_entity(owner, m_owner, &keys);
@@ -86,28 +87,20 @@ int32_t CPDFNumberTree::last()
                                                     : -1;
 }
 
-// The root becomes an object of its own.
-PDF_CHANGE_RESULT CPDFNumberTree::settle_root()
+// A root that its owner holds directly becomes an object of its own. What memory does not allow shows as no tree.
+void CPDFNumberTree::settle_root()
 {
     const CPDFKeySet keys(m_key);
     CPDFObj owner;
     m_xref.get_entity(owner, m_owner, &keys);
-    CPDFObj* entry = owner.dictionary() ? owner.dict->get_item(m_key) : nullptr;
-    const CPDFEntryView view(&m_xref, entry);
-    const bool there = view->dictionary() != nullptr;
-    if (there && entry->type == PDF_OBJ_REF)
-        return PDF_CHANGE_RESULT::STORED;
-    PDF_REF ref = {0, 0};
-    if (there) {
-        ref = {m_xref.new_obj_num(), 0};
-        m_xref.store_changed(ref, *entry);
-    } else {
-        ref = new_object(m_xref, "<</Nums[]>>");
-    }
+    const CPDFObj* entry = owner.dictionary() ? owner.dict->get_item(m_key) : nullptr;
+    if (!entry || !entry->dictionary())
+        return;
     CPDFObj root;
-    root.set_ref(ref);
+    root.set_ref({m_xref.new_obj_num(), 0});
+    m_xref.store_changed(root.ref, *entry);
     const PDF_ENTRY_CHANGE change[] = {{m_key, &root}};
-    return ref.num ? m_xref.change_entries(m_owner, change) : PDF_CHANGE_RESULT::NO_MEMORY;
+    (void)m_xref.change_entries(m_owner, change);
 }
 
 // "Limits" from what the node holds.
@@ -138,10 +131,17 @@ PDF_CHANGE_RESULT CPDFNumberTree::set_limits(const PDF_REF& node)
 
 PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
 {
-    PDF_CHANGE_RESULT result = settle_root();
-    const std::vector<PDF_REF> path = path_to({});
-    if (result != PDF_CHANGE_RESULT::STORED || path.empty())
-        return both(result, PDF_CHANGE_RESULT::NO_DICTIONARY);
+    std::vector<PDF_REF> path = path_to({});
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    if (path.empty()) {
+        CPDFObj root;
+        root.set_ref(new_object(m_xref, "<</Nums[]>>"));
+        const PDF_ENTRY_CHANGE change[] = {{m_key, &root}};
+        result = root.ref.num ? m_xref.change_entries(m_owner, change) : PDF_CHANGE_RESULT::NO_MEMORY;
+        path.push_back(root.ref);
+    }
+    if (result != PDF_CHANGE_RESULT::STORED)
+        return result;
     result = edit_array(m_xref, path.back(), "Nums", [&](CPDFArray& pairs) {
         pairs.append_int(number);
         pairs.append_ref(value);
@@ -154,8 +154,6 @@ PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
 
 PDF_CHANGE_RESULT CPDFNumberTree::remove(int32_t number)
 {
-    if (settle_root() != PDF_CHANGE_RESULT::STORED)
-        return PDF_CHANGE_RESULT::NO_DICTIONARY;
     const std::vector<PDF_REF> path = path_to(number);
     if (path.empty())
         return PDF_CHANGE_RESULT::NO_DICTIONARY;

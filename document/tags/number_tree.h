@@ -29,7 +29,7 @@ public:
 private:
     // The nodes from the root to the leaf that would hold `number`; the last leaf for none. Empty without a tree.
     std::vector<PDF_REF> path_to(std::optional<int32_t> number);
-    PDF_CHANGE_RESULT settle_root();
+    void settle_root();
     PDF_CHANGE_RESULT set_limits(const PDF_REF& node);
 
     CPDFXRefTable& m_xref;  // borrowed

@@ -45,7 +45,9 @@ std::vector<CPDFField*> choose_fields(CPDFDocument& document, const FIELD_PICK& 
             choose(field);
         });
         const std::string what = pick.kind.text.empty() ? "field" : "field of the kind " + pick.kind.text;
-        if (!any)
+        if (!any && pick.all)
+            refusals.push_back(CPDFStatus::failed(PDF_CODE::NO_FIELD, "the form has no " + what));
+        else if (!any)
             refusals.push_back(
                 CPDFStatus::failed(PDF_CODE::NO_FIELD, "no " + what + " has a name like " + in_quotes(pattern)));
     };

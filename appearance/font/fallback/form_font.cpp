@@ -57,7 +57,8 @@ bool read_form_font(const std::string& path, FORM_FONT& out, std::string& proble
     }
     const std::unique_ptr<CPDFFontFile> file = CPDFFontFile::open(*hb, path, 0, out.name);
     if (!file || file->is_cff()) {
-        problem = file ? "it has no TrueType outlines" : "its maker does not allow it to be embedded, or it has no outlines";
+        problem =
+            file ? "it has no TrueType outlines" : "its maker does not allow it to be embedded, or it has no outlines";
         return false;
     }
     std::u32string characters;
@@ -67,7 +68,8 @@ bool read_form_font(const std::string& path, FORM_FONT& out, std::string& proble
         if (!glyph)
             continue;
         characters += character;
-        out.widths[static_cast<size_t>(code - FORM_FONT_FIRST)] = static_cast<int>(std::lround(file->width(glyph) * 1000));
+        out.widths[static_cast<size_t>(code - FORM_FONT_FIRST)] =
+            static_cast<int>(std::lround(file->width(glyph) * 1000));
     }
     out.metrics = file->metrics();
     if (make_character_subset(out.program, *file, characters))
