@@ -49,7 +49,8 @@ std::vector<STEP> plan_steps(EDIT_TARGET& target, const CPDFField& field, const 
         refusals.add("field " + in_quotes(full_name(field)) + " has no widget that could stand elsewhere");
     else if (given > 1 && given != steps.size())
         refusals.add("field " + in_quotes(full_name(field)) + " has " + std::to_string(steps.size()) +
-                     " widgets: give a rectangle for each, or one for the first");
+                     (steps.size() == 1 ? " widget: give one rectangle"
+                                        : " widgets: give a rectangle for each, or one for the first"));
     if (steps.empty() || (given > 1 && given != steps.size()))
         return {};
     for (size_t i = 0; i < steps.size(); ++i) {
@@ -63,7 +64,10 @@ std::vector<STEP> plan_steps(EDIT_TARGET& target, const CPDFField& field, const 
         }
         if (const int32_t page = place ? place->page : move.page)
             to.page = page;
-        check_place(target, to, refusals);
+        if (to.page)
+            check_place(target, to, refusals);
+        else
+            refusals.add("a widget of field " + in_quotes(full_name(field)) + " is on no page: give one");
     }
     return steps;
 }

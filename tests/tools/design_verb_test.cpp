@@ -252,7 +252,7 @@ TEST_F(DesignVerbTest, PatternsAndRefusals)
         {{"set", "line2.amount", "--calculate", "sum:none"}, 1, "no field \"none\""},
         {{"move", "line2.amount"}, 2, "--rect, --page or both"},
         {{"move", "line2.amount", "--page", "3"}, 1, "no page 3"},
-        {{"move", "line2.amount", "--rect", "1,1,9,9", "--rect", "1,1,9,9"}, 1, "has 1 widgets"},
+        {{"move", "line2.amount", "--rect", "1,1,9,9", "--rect", "1,1,9,9"}, 1, "has 1 widget: give one"},
         {{"move", "line2", "--page", "2"}, 1, "no widget"},
         {{"copy", "line2.amount", "line1.amount", "--page", "2"}, 1, "already"},
         {{"tabs", "--by", "structure"}, 1, "not tagged"},

@@ -84,7 +84,9 @@ void add_set_verb(CLI::App& app, COMMAND_ACTION& action)
     add_change_options(verb, arguments->change);
     arguments->design.add_options(verb);
     add_edit_options(verb, arguments->edit);
-    verb.footer("--max-length none takes the limit away. The options given replace all that the field had.\n"
-                "An empty label or caption takes it away. Values are what `formwork fill` changes.");
+    verb.footer("--max-length none takes the limit away. The options given replace all that the\n"
+                "field had. "
+                "An empty label or caption takes it away. Values are what\n"
+                "`formwork fill` changes.");
     verb.callback([arguments, &action] { action = [arguments] { return set(*arguments); }; });
 }
