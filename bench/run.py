@@ -21,6 +21,8 @@ import subprocess
 import sys
 import tempfile
 
+import scripted_form
+
 STORAGES = (("plain", []), ("object streams", ["--object-streams"]))
 WALKERS = {
     "formwork": "walk_formwork",
@@ -326,6 +328,44 @@ def bench_batch(bench, command, sizes, tax):
     table(("form", "output in", "jobs", "elapsed s", "CPU s", "copies a second", "copies a CPU second", "peak MB"), table_rows)
 
 
+def check_totals(bench, command, copy, row, scripts):
+    """The grand total is that of the row, where scripts run."""
+    shown = subprocess.run([command, "export", copy, "--as", "json", "total9"], check=True, text=True, stdout=subprocess.PIPE)
+    wanted = None if scripts == "off" else str(sum(i + row for i in range((scripted_form.TOTALS - 1) * 6)))
+    if json.loads(shown.stdout).get("total9") != wanted:
+        bench.wrong(f"{copy.name}: the total with --scripts {scripts} is not {wanted}")
+
+
+def bench_scripts(bench, command):
+    """`formwork fill --batch` of a form with ten calculated fields, 60 amounts a row, into memory, on one processor."""
+    print(f"## Fill {BATCH_ROWS:,} copies of a form that computes, {scripted_form.LINES} amounts each, on one processor\n")
+    rows = bench.work / "amounts.csv"
+    with open(rows, "w", encoding="utf-8") as file:
+        file.write("id," + ",".join(scripted_form.line(i) for i in range(scripted_form.LINES)) + "\n")
+        for row in range(BATCH_ROWS):
+            file.write(f"{row}," + ",".join(str(i + row) for i in range(scripted_form.LINES)) + "\n")
+    memory = pathlib.Path("/dev/shm")
+    table_rows = []
+    forms = (("well-known calls", scripted_form.known_sum, ("off", "known", "all")),
+             ("scripts of its own", scripted_form.free_sum, ("off", "all")))
+    for kind, sum_script, modes in forms:
+        form = bench.work / "computing.pdf"
+        form.write_bytes(scripted_form.scripted_form(sum_script))
+        for scripts in modes:
+            runs = []
+            for _ in range(3):
+                with tempfile.TemporaryDirectory(dir=memory if memory.is_dir() else bench.work, prefix="formwork-bench-") as folder:
+                    runs.append(bench.measured("/dev/null", "/usr/bin/taskset", "-c", "0", command, "fill", form, "--batch",
+                                               rows, "--scripts", scripts, "-o", f"{folder}/{{id}}.pdf"))
+                    check_totals(bench, command, pathlib.Path(folder) / "7.pdf", 7, scripts)
+            wall = median(runs, "wall_ms") / 1e3
+            cpu = median(runs, "cpu_ms") / 1e3
+            table_rows.append((kind, scripts, f"{wall:.2f}", f"{cpu:.2f}", f"{BATCH_ROWS / wall:,.0f}",
+                               f"{BATCH_ROWS / cpu:,.0f}", f"{median(runs, 'peak_kb') / 1024:.1f}"))
+    table(("the totals are", "--scripts", "elapsed s", "CPU s", "copies a second", "copies a CPU second", "peak MB"),
+          table_rows)
+
+
 def main():
     parser = argparse.ArgumentParser(description="Race the programs of BUILD_DIR/bench and print Markdown tables.")
     parser.add_argument("build", type=pathlib.Path, metavar="BUILD_DIR")
@@ -339,6 +379,7 @@ def main():
     bench_fill_one(bench, sizes, tax)
     bench_fill_all(bench, sizes, tax)
     bench_batch(bench, build / "formwork", sizes, tax)
+    bench_scripts(bench, build / "formwork")
     return 1 if bench.failed else 0
 
 

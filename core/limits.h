@@ -1,6 +1,5 @@
 // Every limit that protects against hostile files, each with its reason. What one command does with a file of 1 MB is to stay
-// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file. docs/security.md
-// names what does not yet.
+// below two seconds of one processor and 256 MiB (tests/tools/bounds_test.cpp); beyond, both grow with the file.
 #pragma once
 
 #include <cstddef>
@@ -34,6 +33,9 @@ constexpr size_t LIMIT_DECODED_STREAM = size_t{256} << 20;
 constexpr size_t LIMIT_DECODE_RATIO = 1032;
 constexpr size_t LIMIT_DECODE_SLACK = size_t{1} << 20;
 
+// Bytes of decoded data that a reader makes room for at once, before it sees how much of it is wanted.
+constexpr size_t LIMIT_STREAM_ESTIMATE = size_t{16} << 20;
+
 // Filters of one stream.
 constexpr int LIMIT_FILTERS = 16;
 
@@ -59,6 +61,11 @@ constexpr uint64_t LIMIT_DECODE_WORK_PER_BYTE = 32;
 // How often the calculations of a form run until nothing changes: fields that are calculated from each other may never end.
 constexpr int LIMIT_CALCULATION_ROUNDS = 10;
 
+// Bytes that the scripts of fields take which are kept, and of the values that one name gives a calculation. Fields beyond
+// have their scripts read anew; a name of a group stands for the values of all fields under it.
+constexpr size_t LIMIT_SCRIPTS_HELD = size_t{32} << 20;
+constexpr size_t LIMIT_GROUP_VALUES = size_t{32} << 20;
+
 // Actions that one event starts, counting those of "Next", how many of them follow one another, and the bytes read of a
 // script that is kept in a stream.
 constexpr int LIMIT_ACTIONS = 1000;
@@ -72,7 +79,7 @@ constexpr int LIMIT_XFA_TEMPLATE = 0x1000000;
 constexpr int LIMIT_XFA_STREAM = 64 << 20;
 
 // Bytes of default values that one reset puts into fields: a default above many fields is copied into each of them.
-constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{256} << 20;
+constexpr uint64_t LIMIT_RESET_VALUES = uint64_t{48} << 20;
 
 // Bytes of one file with form data that is read as a whole.
 constexpr size_t LIMIT_DATA_FILE = size_t{256} << 20;
@@ -93,7 +100,7 @@ constexpr size_t LIMIT_EXPORT = size_t{128} << 20;
 constexpr size_t LIMIT_EXPORT_STREAMS = size_t{8} << 20;
 
 // Bytes of options that one list of fields shows; many fields may share a long list of options.
-constexpr size_t LIMIT_LISTED_OPTIONS = size_t{512} << 20;
+constexpr size_t LIMIT_LISTED_OPTIONS = size_t{64} << 20;
 
 // Fields looked at while the events of an XFA template are bound; every event searches the tree.
 constexpr int64_t LIMIT_XFA_VISITS = 20000000;

@@ -169,6 +169,7 @@ void CPDFDocument::State::forget_fields()
     drawn_buttons.clear();
     computer.reset();
     calculation_order.reset();
+    shown_options = {};
     redraw.reset();
     branches.emplace();
     page_map.reset();
@@ -294,6 +295,7 @@ void CPDFDocument::revert()
     state.to_draw.clear();
     state.notes.clear();
     state.calculation_notes.clear();
+    state.calculation_noted.clear();
     if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
         sandbox->renew();
     state.to_calculate = false;

@@ -7,6 +7,7 @@
 #include "core/xref_table.h"
 #include "document/document.h"
 #include "document/document_state.h"
+#include "document/look/shown_value.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/value_text.h"
 #include "file/file_reader.h"
@@ -23,6 +24,17 @@ CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
     if (!status.ok())
         status.text = "field " + in_quotes(full_name(field)) + ' ' + status.text;
     return status;
+}
+
+// What a person would have typed or chosen for a value of this plan; nothing where that is no text.
+std::optional<std::string> committed_text(const PDF_FILL_PLAN& plan)
+{
+    if (plan.action == PDF_FILL_PLAN::SET_TEXT)
+        return plan.text;
+    if (plan.action != PDF_FILL_PLAN::SET_OPTIONS || plan.options.size() != 1 ||
+        field_kind(*plan.field).id != KIND_COMBO)
+        return {};
+    return CPDFFieldOptions(*plan.field).shown(plan.options.front());
 }
 
 // In the order of PDF_FIELD_KIND_ID.
@@ -52,6 +64,62 @@ SCRIPT_FIELD script_field_of(const CPDFField& field, const PDF_FIELD_SHAPE& shap
     return out;
 }
 
+// Which field is to be calculated next. One is calculated again only when another one's script has changed something since, so
+// that a field that counts up counts once.
+class CalculationOrder {
+public:
+    // `fields` are borrowed.
+    explicit CalculationOrder(const std::vector<CPDFField*>& fields) : m_fields(fields), m_ran(fields.size(), -1) {}
+
+    // Null when nothing is left to calculate, or the bound is reached.
+    CPDFField* next()
+    {
+        for (; m_round < LIMIT_CALCULATION_ROUNDS; ++m_round, m_at = 0) {
+            for (; m_at < m_fields.size(); ++m_at) {
+                if (!is_due(m_at))
+                    continue;
+                m_ran[m_at] = m_changes;
+                return &value_field(*m_fields[m_at++]);
+            }
+            if (at_rest())
+                return nullptr;
+        }
+        return nullptr;
+    }
+
+    // The script of `field` has changed a value.
+    void changed(const CPDFField* field)
+    {
+        if (m_last_field != field)
+            m_last_of_others = m_changes;
+        m_last_field = field;
+        ++m_changes;
+    }
+
+    bool at_rest() const
+    {
+        for (size_t i = 0; i < m_fields.size(); ++i)
+            if (is_due(i))
+                return false;
+        return true;
+    }
+
+private:
+    bool is_due(size_t index) const
+    {
+        const bool own = m_last_field == &value_field(*m_fields[index]);
+        return m_ran[index] < (own ? m_last_of_others : m_changes);
+    }
+
+    const std::vector<CPDFField*>& m_fields;
+    std::vector<int64_t> m_ran;  // for each field the number of changes when it was calculated; -1 for never
+    const CPDFField* m_last_field = nullptr;  // whose script made the last change
+    int64_t m_changes = 0;
+    int64_t m_last_of_others = 0;  // number of changes before those that this one made in a row
+    size_t m_at = 0;
+    int m_round = 0;
+};
+
 }  // namespace
 
 CPDFFormCompute* CPDFDocument::State::compute()
@@ -59,7 +127,7 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (scripts == PDF_SCRIPTS::OFF)
         return nullptr;
     if (!computer) {
-        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); });
+        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); }, reader->budget());
         if (scripts == PDF_SCRIPTS::ALL)
             computer->use_sandbox([this] { return script_snapshot(); }, {script_seconds});
     }
@@ -101,13 +169,14 @@ CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored)
 
 CPDFStatus CPDFDocument::State::commit(PDF_FILL_PLAN& plan, PDF_FILL fill)
 {
-    CPDFFormCompute* const runner = plan.action == PDF_FILL_PLAN::SET_TEXT ? compute() : nullptr;
+    const std::optional<std::string> before = committed_text(plan);
+    CPDFFormCompute* const runner = before ? compute() : nullptr;
     if (!runner)
         return {};
-    std::string text = plan.text;
+    std::string text = *before;
     if (CPDFStatus status = about_field(*plan.field, runner->commit(*plan.field, text)); !status.ok())
         return status;
-    if (text == plan.text)
+    if (text == *before)
         return {};
     CPDFField& field = *plan.field;
     CPDFStatus status = plan_fill(field, text, fill, PDF_WORDS::STATES_FIRST, widgets, plan);
@@ -138,7 +207,7 @@ const std::vector<CPDFField*>& CPDFDocument::State::fields_to_calculate()
 
 void CPDFDocument::State::note_calculation(std::string sentence)
 {
-    if (std::find(calculation_notes.begin(), calculation_notes.end(), sentence) == calculation_notes.end())
+    if (calculation_noted.insert(sentence).second)
         calculation_notes.push_back(std::move(sentence));
 }
 
@@ -147,7 +216,8 @@ CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string t
     PDF_FILL_PLAN plan;
     CPDFStatus status = about_field(field, compute()->validate(field, text));
     if (status.ok())
-        status = plan_fill(field, text, PDF_FILL::FORCE, PDF_WORDS::STATES_FIRST, widgets, plan);
+        status = plan_fill(field, text, PDF_FILL::FORCE, PDF_WORDS::EXPORT_FIRST,
+                           field.m_type == FIELD_BUTTON ? bound_widgets() : widgets, plan);
     if (status.ok())
         status = signatures().check_fill(field);
     if (!status.ok()) {
@@ -155,9 +225,10 @@ CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string t
         return {};
     }
     stored = plan.action != PDF_FILL_PLAN::KEEP;
-    return stored ? apply(plan) : status;
+    return stored ? carry_out(plan) : status;
 }
 
+// The budget is one for all rounds, so what is stored meanwhile takes its part of it.
 CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
@@ -166,28 +237,33 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    bool again = true;
-    for (int round = 0; again && round < LIMIT_CALCULATION_ROUNDS; ++round) {
-        again = false;
-        for (CPDFField* each : *calculation_order) {
-            CPDFField& field = value_field(*each);
-            const std::string before = script_value_of(field);
-            std::optional<std::string> text = runner->calculate(field, before);
-            if (CPDFStatus status = take_from_sandbox(again); !status.ok())
-                return status;
-            if (!text || *text == before)
-                continue;
-            bool stored = false;
-            if (CPDFStatus status = store_calculated(field, std::move(*text), stored); !status.ok())
-                return status;
-            again = again || stored;
-            if (stored && changed && std::find(changed->begin(), changed->end(), &field) == changed->end())
-                changed->push_back(&field);
-        }
+    std::unordered_set<const CPDFField*> listed;
+    if (changed)
+        listed.insert(changed->begin(), changed->end());
+    CalculationOrder order(*calculation_order);
+    while (CPDFField* field = order.next()) {
+        if (allowance.used_up())
+            return too_much_to(CALCULATING);
+        const std::string before = script_value_of(*field);
+        std::optional<std::string> text = runner->calculate(*field, before);
+        bool others_changed = false;
+        CPDFStatus status = take_from_sandbox(others_changed);
+        bool stored = false;
+        if (status.ok() && text && *text != before)
+            status = store_calculated(*field, std::move(*text), stored);
+        if (!status.ok())
+            return status;
+        if (stored || others_changed)
+            order.changed(field);
+        if (stored && changed && listed.insert(field).second)
+            changed->push_back(field);
     }
+    if (!order.at_rest())
+        note_calculation("the calculations of the form go in a circle: they were stopped after " +
+                         std::to_string(LIMIT_CALCULATION_ROUNDS) + " rounds");
     to_calculate = false;
     if (allowance.used_up())
-        return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to calculate than its size justifies");
+        return too_much_to(CALCULATING);
     return memory.failed() ? no_memory_to(CALCULATING) : CPDFStatus();
 }
 
@@ -199,12 +275,7 @@ CPDFStatus CPDFDocument::calculate(std::vector<CPDFField*>* changed)
 std::optional<std::string> CPDFDocument::shown_text(const CPDFField& field)
 {
     CPDFFormCompute* const runner = m_state->compute();
-    if (!runner || (field.m_type != FIELD_TEXT && field.m_type != FIELD_CHOICE))
-        return {};
-    std::optional<PDF_SHOWN_TEXT> shown = runner->format(field, script_value_of(field));
-    if (!shown)
-        return {};
-    return std::move(shown->text);
+    return runner ? formatted_text(field, m_state->shown_options, *runner) : std::nullopt;
 }
 
 void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)

@@ -31,12 +31,6 @@ void add_known_widgets(const CPDFField& field, std::vector<PDF_DRAWN_WIDGET>& wi
     }
 }
 
-CPDFStatus too_much_to(const char* what)
-{
-    return CPDFStatus::failed(PDF_CODE::LIMIT,
-                              std::string("it takes more work than the file's size justifies to ") + what);
-}
-
 }  // namespace
 
 CPDFStatus CPDFDocument::State::ask_to_draw()

@@ -51,8 +51,13 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
 
 CPDFStatus CPDFDocument::State::apply(const PDF_FILL_PLAN& plan)
 {
-    const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const CPDFReadAllowance allowance(reader->budget());
+    return carry_out(plan);
+}
+
+CPDFStatus CPDFDocument::State::carry_out(const PDF_FILL_PLAN& plan)
+{
+    const bool button = plan.action == PDF_FILL_PLAN::SET_BUTTON;
     const size_t before = filled.size();
     to_calculate = true;
     CPDFStatus status = button ? draw_states(*plan.field) : CPDFStatus();

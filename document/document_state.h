@@ -4,6 +4,8 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <string>
+#include <unordered_set>
 
 #include "core/alloc.h"
 #include "document/compute/form_compute.h"
@@ -11,6 +13,7 @@
 #include "document/edit/edit.h"
 #include "document/look/redraw.h"
 #include "document/lookup/branch_finder.h"
+#include "document/lookup/field_options.h"
 #include "document/lookup/name_index.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/signature_guard.h"
@@ -45,6 +48,8 @@ struct CPDFDocument::State {
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
     std::vector<std::string> calculation_notes;
+    std::unordered_set<std::string> calculation_noted;  // the same
+    CPDFOptionIndex shown_options;
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
     bool values_changed = false;                  // since the widgets were drawn
@@ -78,6 +83,7 @@ struct CPDFDocument::State {
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
                            PDF_WORDS words);
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
+    CPDFStatus carry_out(const PDF_FILL_PLAN& plan);  // within the budget of what is going on
     CPDFStatus ask_to_draw();
 
     // Null where no scripts run.
@@ -125,6 +131,12 @@ inline void need_memory(const VXFailureCheck& memory)
 inline CPDFStatus no_memory_to(const char* what)
 {
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
+}
+
+inline CPDFStatus too_much_to(const char* what)
+{
+    return CPDFStatus::failed(PDF_CODE::LIMIT,
+                              std::string("it takes more work than the file's size justifies to ") + what);
 }
 
 // Runs an operation of the front class: where memory runs out it says so, whatever the operation made of it, and no

@@ -12,8 +12,9 @@
 
 namespace {
 
-// What loading looks at; the appearance, action and layout entries of a field are not even built.
-constexpr CPDFKeySet FIELD_KEY_SET{"T", "V", "FT", "Ff", "Kids", "Parent", "Subtype", "DA", "DV", "Opt", "I", "MaxLen"};
+// What loading looks at; the appearance and layout entries of a field are not even built.
+constexpr CPDFKeySet FIELD_KEY_SET{"T",  "V",  "FT",  "Ff", "Kids",   "Parent", "Subtype",
+                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
 
 // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
@@ -64,6 +65,7 @@ void CPDFField::load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF&
     m_parent = parent;
     m_ref = ref;
     m_inherited = 1;
+    m_has_actions = dict.get_item("AA") != nullptr;
     load_kind(dict);
     if (m_type == FIELD_TEXT)
         m_max_len = resolve_integer(xref, dict.get_item("MaxLen"));

@@ -39,9 +39,13 @@ SCRIPT_VALUE simple_calculate(FORM_CALL& call)
     const std::optional<CALCULATION> calculation = calculation_named(call[0].text());
     if (!calculation)
         return {};
-    std::vector<std::string> values;
-    for (const std::string& name : names_argument(call[1]))
+    // The texts of one name at a time: a list may name a large group thousands of times.
+    std::vector<double> numbers;
+    for (const std::string& name : names_argument(call[1])) {
+        std::vector<std::string> values;
         call.fields.append_values(name, values);
-    call.event.value = print_number(calculate_values(*calculation, values));
+        append_numbers(*calculation, values, numbers);
+    }
+    call.event.value = print_number(calculate(*calculation, numbers));
     return {};
 }

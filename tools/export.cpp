@@ -19,6 +19,7 @@ struct EXPORT_ARGUMENTS {
     std::vector<COMMAND_WORD> names;
     COMMAND_WORD format;
     COMMAND_WORD output;
+    bool shown = false;
 };
 
 // What one export has to do with. Texts come from the engine's allocator.
@@ -118,23 +119,25 @@ CPDFStatus export_xfa(const EXPORT_JOB& job, std::string& out)
 template <PDF_DATA_FORMAT format>
 CPDFStatus export_form_data(const EXPORT_JOB& job, std::string& out)
 {
-    return write_form_data(job.document, format, job.fields.empty() ? nullptr : &job.fields, out);
+    return write_form_data(job.document, format, job.fields.empty() ? nullptr : &job.fields, out,
+                           job.arguments.shown ? PDF_EXPORT_TEXTS::SHOWN : PDF_EXPORT_TEXTS::VALUES);
 }
 
 // The formats by name.
 struct EXPORT_FORMAT {
     const char* name;
     CPDFStatus (*write)(const EXPORT_JOB& job, std::string& out);
+    bool has_full_names = false;
 };
 
 constexpr EXPORT_FORMAT FORMATS[] = {
     {"url", export_url},
     {"xml", export_xml},
     {"xfa", export_xfa},
-    {"json", export_form_data<PDF_DATA_FORMAT::JSON>},
-    {"fdf", export_form_data<PDF_DATA_FORMAT::FDF>},
-    {"xfdf", export_form_data<PDF_DATA_FORMAT::XFDF>},
-    {"csv", export_form_data<PDF_DATA_FORMAT::CSV>},
+    {"json", export_form_data<PDF_DATA_FORMAT::JSON>, true},
+    {"fdf", export_form_data<PDF_DATA_FORMAT::FDF>, true},
+    {"xfdf", export_form_data<PDF_DATA_FORMAT::XFDF>, true},
+    {"csv", export_form_data<PDF_DATA_FORMAT::CSV>, true},
 };
 
 int export_data(const EXPORT_ARGUMENTS& arguments)
@@ -147,6 +150,8 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
                               ": give --as url, xml, xfa, json, fdf, xfdf or csv");
     if (format->write == export_xfa && !arguments.names.empty())
         return complain_usage("--as xfa writes the data of all fields: give no names");
+    if (arguments.shown && !format->has_full_names)
+        return complain_usage("--shown goes with --as json, fdf, xfdf or csv, not with " + in_quotes(name));
     if (is_same_file(arguments.output.text, arguments.input.path.text))
         return complain_usage(in_quotes(arguments.output.text) + " is the input, which is never written to");
     CPDFDocument document;
@@ -184,6 +189,8 @@ void add_export_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--as", arguments->format, "url, xml, xfa, json, fdf, xfdf or csv")
         ->required()
         ->option_text("FORMAT");
+    verb.add_flag("--shown", arguments->shown,
+                  "texts as the form's formats show them; an import does not take these back");
     verb.add_option("-o,--output", arguments->output, "where to write; standard output by default")->option_text("OUT");
     verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return export_data(*arguments); }; });

@@ -3,14 +3,16 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "file/read_budget.h"
 #include "script/known_call.h"
 
 class CPDFField;
-struct CPDFObj;
+class CPDFAction;
 
 // When a script of a field runs.
 enum PDF_SCRIPT_EVENT {
@@ -30,17 +32,30 @@ struct PDF_FIELD_SCRIPT {
 };
 
 struct PDF_FIELD_SCRIPTS {
-    std::vector<PDF_FIELD_SCRIPT> on[EVENT_COUNT];  // in the order in which they run
+    std::vector<const PDF_FIELD_SCRIPT*> on[EVENT_COUNT];  // borrowed; in the order in which they run
 };
 
 class CPDFFieldScripts {
 public:
+    // What is read and kept counts against the budget, which outlives this.
+    explicit CPDFFieldScripts(CPDFReadBudget& budget) : m_budget(budget) {}
+
     // The scripts of `field`; those of the nearest field above it that has actions, when it has none. Null when there are
-    // none. Borrowed as long as this lives: scripts do not change while a document is open.
+    // none, and when the budget ends before it is known. Borrowed until the next call: scripts do not change while a document
+    // is open, but only LIMIT_SCRIPTS_HELD of them are kept.
     const PDF_FIELD_SCRIPTS* of(const CPDFField& field);
 
 private:
-    const PDF_FIELD_SCRIPTS* read(const CPDFField& field);
+    struct BY_TEXT {
+        bool operator()(const PDF_FIELD_SCRIPT& a, const PDF_FIELD_SCRIPT& b) const { return a.text < b.text; }
+    };
 
-    std::unordered_map<uint32_t, std::optional<PDF_FIELD_SCRIPTS>> m_read;  // by object number
+    PDF_FIELD_SCRIPTS read(const CPDFField& field);
+    void add_scripts(const CPDFAction& action, std::vector<const PDF_FIELD_SCRIPT*>& out);
+    const PDF_FIELD_SCRIPT& kept(std::string text);
+
+    CPDFReadBudget& m_budget;                                // borrowed
+    std::unordered_map<uint32_t, PDF_FIELD_SCRIPTS> m_read;  // by object number
+    std::set<PDF_FIELD_SCRIPT, BY_TEXT> m_scripts;           // many fields have the same
+    size_t m_held = 0;                                       // bytes that they take
 };

@@ -1,5 +1,9 @@
 #include "document/compute/form_compute.h"
 
+#include <algorithm>
+#include <cstdint>
+
+#include "core/limits.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/value_text.h"
 #include "forms/field.h"
@@ -7,6 +11,10 @@
 #include "forms/field_walk.h"
 
 namespace {
+
+// What a script that runs and a value that one gets take beside their bytes, in bytes that could be parsed meanwhile.
+constexpr size_t RUN_WORK = 256;
+constexpr size_t VALUE_WORK = 48;
 
 FIELD_EVENT event_for(const CPDFField& field, const std::string& text)
 {
@@ -25,9 +33,9 @@ std::string script_value_of(const CPDFField& field)
     return value_text(*field.m_xref, field.m_value).joined();
 }
 
-const std::vector<PDF_FIELD_SCRIPT>& CPDFFormCompute::scripts(const CPDFField& field, PDF_SCRIPT_EVENT event)
+const std::vector<const PDF_FIELD_SCRIPT*>& CPDFFormCompute::scripts(const CPDFField& field, PDF_SCRIPT_EVENT event)
 {
-    static const std::vector<PDF_FIELD_SCRIPT> NONE;
+    static const std::vector<const PDF_FIELD_SCRIPT*> NONE;
     const PDF_FIELD_SCRIPTS* all = m_scripts.of(field);
     return all ? all->on[event] : NONE;
 }
@@ -36,10 +44,12 @@ const std::vector<PDF_FIELD_SCRIPT>& CPDFFormCompute::scripts(const CPDFField& f
 bool CPDFFormCompute::run(const CPDFField& field, PDF_SCRIPT_EVENT event, FIELD_EVENT& at)
 {
     bool ran = false;
-    for (const PDF_FIELD_SCRIPT& script : scripts(field, event)) {
-        if (script.call)
-            run_known_call(*script.call, at, *this);
-        else if (!m_sandbox || !m_sandbox->run(field, event, script.text, at)) {
+    for (const PDF_FIELD_SCRIPT* script : scripts(field, event)) {
+        if (!m_budget.spend(RUN_WORK + script->text.size() + at.value.size()))
+            break;
+        if (script->call)
+            run_known_call(*script->call, at, *this);
+        else if (!m_sandbox || !m_sandbox->run(field, event, script->text, at)) {
             if (!m_sandbox)
                 m_skipped.emplace(field.m_ref.num, event);
             continue;
@@ -53,10 +63,12 @@ bool CPDFFormCompute::run(const CPDFField& field, PDF_SCRIPT_EVENT event, FIELD_
 
 CPDFStatus CPDFFormCompute::check(const CPDFField& field, PDF_SCRIPT_EVENT event, std::string& text)
 {
-    if (text.empty() || scripts(field, event).empty())
+    if (text.empty() || (scripts(field, event).empty() && !m_budget.exhausted()))
         return {};
     FIELD_EVENT at = event_for(field, text);
     run(field, event, at);
+    if (m_budget.exhausted())
+        return CPDFStatus::failed(PDF_CODE::LIMIT, "takes more work to check than the file's size justifies");
     if (!at.rc) {
         const std::string why = at.message.empty() ? std::string("its script refuses it") : at.message;
         return CPDFStatus::failed(PDF_CODE::WRONG_KIND, "does not take " + in_quotes(text) + ": " + why);
@@ -78,7 +90,7 @@ CPDFStatus CPDFFormCompute::validate(const CPDFField& field, std::string& text)
 
 std::optional<std::string> CPDFFormCompute::calculate(const CPDFField& field, const std::string& text)
 {
-    if (scripts(field, EVENT_CALCULATE).empty())
+    if (!m_budget.spend(VALUE_WORK + text.size()) || scripts(field, EVENT_CALCULATE).empty())
         return {};
     FIELD_EVENT at = event_for(field, text);
     if (!run(field, EVENT_CALCULATE, at) || !at.rc)
@@ -101,11 +113,18 @@ std::optional<PDF_SHOWN_TEXT> CPDFFormCompute::format(const CPDFField& field, co
 
 void CPDFFormCompute::append_values(const std::string& name, std::vector<std::string>& out) const
 {
-    if (CPDFField* found = m_find(name)) {
-        for_each_field(value_field(*found), [&out](const CPDFField& field) {
-            const bool holds_value = field.m_kid_cnt == 0 || (field.m_kids[0] && field.m_kids[0]->m_name.len == 0);
-            if (field.m_name.len > 0 && holds_value)
-                out.push_back(script_value_of(field));
-        });
-    }
+    CPDFField* const found = m_budget.spend(VALUE_WORK + name.size()) ? m_find(name) : nullptr;
+    if (!found)
+        return;
+    size_t left = LIMIT_GROUP_VALUES;
+    for_each_field(value_field(*found), [&](const CPDFField& field) {
+        const bool holds_value = field.m_kid_cnt == 0 || (field.m_kids[0] && field.m_kids[0]->m_name.len == 0);
+        if (!m_budget.spend(VALUE_WORK) || field.m_name.len <= 0 || !holds_value)
+            return;
+        std::string value = script_value_of(field);
+        const size_t size = VALUE_WORK + value.size();
+        if (m_budget.spend(size <= left ? size : SIZE_MAX))
+            out.push_back(std::move(value));
+        left -= std::min(left, size);
+    });
 }

@@ -25,8 +25,9 @@ class CPDFFormCompute : private CPDFFieldValues {
 public:
     using Find = std::function<CPDFField*(std::string_view name)>;
 
-    // `find` answers which field has a full name, null for none; scripts ask for others by name.
-    explicit CPDFFormCompute(Find find) : m_find(std::move(find)) {}
+    // `find` answers which field has a full name, null for none; scripts ask for others by name. What scripts take counts
+    // against `budget`, borrowed: nothing runs when it is used up, which whoever began the operation is to tell.
+    CPDFFormCompute(Find find, CPDFReadBudget& budget) : m_find(std::move(find)), m_budget(budget), m_scripts(budget) {}
 
     // From now on scripts that are no well-known calls run, too.
     void use_sandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
@@ -46,6 +47,8 @@ public:
     // The value that the field calculates; nothing when it calculates none. `text` is the one it has.
     std::optional<std::string> calculate(const CPDFField& field, const std::string& text);
 
+    // Whether the field has scripts that format.
+    bool formats(const CPDFField& field) { return !scripts(field, EVENT_FORMAT).empty(); }
     // What the field shows of `text`; nothing when that is `text` itself.
     std::optional<PDF_SHOWN_TEXT> format(const CPDFField& field, const std::string& text);
 
@@ -53,12 +56,13 @@ public:
     size_t skipped() const { return m_skipped.size(); }
 
 private:
-    const std::vector<PDF_FIELD_SCRIPT>& scripts(const CPDFField& field, PDF_SCRIPT_EVENT event);
+    const std::vector<const PDF_FIELD_SCRIPT*>& scripts(const CPDFField& field, PDF_SCRIPT_EVENT event);
     bool run(const CPDFField& field, PDF_SCRIPT_EVENT event, FIELD_EVENT& at);
     CPDFStatus check(const CPDFField& field, PDF_SCRIPT_EVENT event, std::string& text);
     void append_values(const std::string& name, std::vector<std::string>& out) const override;
 
     Find m_find;
+    CPDFReadBudget& m_budget;  // borrowed
     CPDFFieldScripts m_scripts;
     std::optional<CPDFFieldSandbox> m_sandbox;
     std::set<std::pair<uint32_t, int>> m_skipped;  // object number of the field, and the event

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "appearance/widget_reader.h"
 #include "core/dictionary.h"
 #include "core/limits.h"
 #include "core/text.h"
@@ -11,6 +12,7 @@
 #include "document/lookup/value_text.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
+#include "forms/field_kind.h"
 
 namespace {
 
@@ -58,10 +60,12 @@ std::vector<std::string> texts_of(const CPDFField& field)
     return held.is_list ? std::move(held.items) : std::vector<std::string>{std::move(held.text)};
 }
 
-std::string option_text(const CPDFFieldOptions& options, int32_t index)
+// What a combo box shows of `value`.
+std::string text_of_option(const CPDFField& field, CPDFOptionIndex& index, const std::string& value)
 {
-    std::string text = options.text(index);
-    return text.empty() ? options.value(index) : text;
+    const CPDFFieldOptions options(field);
+    const int32_t option = index.find(options, value);
+    return option >= 0 ? options.shown(option) : value;
 }
 
 void set_rows(const CPDFField& field, const std::vector<std::string>& texts, CPDFOptionIndex& index,
@@ -72,7 +76,7 @@ void set_rows(const CPDFField& field, const std::vector<std::string>& texts, CPD
     const int32_t top = std::clamp(widget.top_row, 0, std::max(options.count() - 1, 0));
     const int32_t last = static_cast<int32_t>(std::min<int64_t>(options.count(), int64_t{top} + LIMIT_DRAWN_ROWS));
     for (int32_t i = top; i < last; ++i)
-        look.rows.push_back(characters_of(option_text(options, i)));
+        look.rows.push_back(characters_of(options.shown(i)));
     for (const std::string& text : texts) {
         const int32_t option = index.find(options, text);
         if (option >= top && option < last)
@@ -95,11 +99,25 @@ void set_shown_value(const CPDFField& field, CPDFOptionIndex& index, CPDFFormCom
     }
     if (texts.empty())
         return;
-    const CPDFFieldOptions options(field);
-    const int32_t option = look.kind == WIDGET_KIND::COMBO_BOX ? index.find(options, texts.front()) : -1;
-    const std::string text = option >= 0 ? option_text(options, option) : texts.front();
+    const bool combo = look.kind == WIDGET_KIND::COMBO_BOX;
+    const std::string text = combo ? text_of_option(field, index, texts.front()) : texts.front();
     const std::optional<PDF_SHOWN_TEXT> formatted = compute ? compute->format(field, text) : std::nullopt;
     look.text = characters_of(formatted ? formatted->text : text);
     if (formatted && formatted->red)
         look.style.color = RED;
+}
+
+std::optional<std::string> formatted_text(const CPDFField& field, CPDFOptionIndex& index, CPDFFormCompute& compute)
+{
+    const PDF_FIELD_KIND_ID kind = field_kind(field).id;
+    if ((kind != KIND_TEXT && kind != KIND_COMBO) || !compute.formats(field))
+        return {};
+    const std::vector<std::string> texts = texts_of(field);
+    if (texts.empty())
+        return {};
+    std::optional<PDF_SHOWN_TEXT> shown =
+        compute.format(field, kind == KIND_COMBO ? text_of_option(field, index, texts.front()) : texts.front());
+    if (!shown || shown->text == texts.front())
+        return {};
+    return std::move(shown->text);
 }

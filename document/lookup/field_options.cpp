@@ -29,6 +29,12 @@ std::string CPDFFieldOptions::text(int32_t index) const
     return m_given ? (*m_given)[static_cast<size_t>(index)].text : utf8_of(m_holder->m_opts[index].text);
 }
 
+std::string CPDFFieldOptions::shown(int32_t index) const
+{
+    std::string seen = text(index);
+    return seen.empty() ? value(index) : seen;
+}
+
 void CPDFFieldOptions::make_value(int32_t index, CPDFObj& out) const
 {
     if (!m_given) {

@@ -28,6 +28,8 @@ public:
     int32_t count() const;
     std::string value(int32_t index) const;
     std::string text(int32_t index) const;
+    // What a person sees: the text, or else the value.
+    std::string shown(int32_t index) const;
     // The export value as a dictionary has it, byte for byte where the option comes from one.
     void make_value(int32_t index, CPDFObj& out) const;
 

@@ -156,7 +156,7 @@ class CPDFDecodedStream : public CPDFStream {
 public:
     explicit CPDFDecodedStream(CPDFBytes&& bytes) : m_bytes(std::move(bytes))
     {
-        m_data_len = static_cast<int32_t>(std::min<size_t>(m_bytes.size(), INT32_MAX));
+        m_data_len = static_cast<int32_t>(std::min(m_bytes.size(), LIMIT_STREAM_ESTIMATE));
     }
 
     void rewind() override { m_at = 0; }

@@ -46,8 +46,9 @@ struct SAME_NAME {
 
 class Exporter {
 public:
-    Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, std::string& out)
+    Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, PDF_EXPORT_TEXTS texts, std::string& out)
         : m_document(document),
+          m_texts(texts),
           m_by_export(format == PDF_DATA_FORMAT::FDF || format == PDF_DATA_FORMAT::XFDF),
           m_values(document.xref()),
           m_writer(make_writer(format, out)),
@@ -79,6 +80,8 @@ private:
             return;
         const std::string name = full_name(field);
         PDF_VALUE_TEXT value = m_values.value_of(field);
+        if (m_texts == PDF_EXPORT_TEXTS::SHOWN && value.present)
+            value.text = m_document.shown_text(field).value_or(value.text);
         const bool is_export = m_by_export && export_of(field, value.text);
         m_status = m_writer->add({name, field, value, is_export});
         if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT || m_document.read_too_much()))
@@ -103,7 +106,8 @@ private:
     }
 
     CPDFDocument& m_document;  // borrowed from the caller
-    bool m_by_export;          // whether the format is one that other programs read
+    PDF_EXPORT_TEXTS m_texts;
+    bool m_by_export;  // whether the format is one that other programs read
     CPDFExportValues m_values;
     std::unique_ptr<CPDFDataWriter> m_writer;
     const std::string& m_out;                                           // borrowed from the caller
@@ -114,10 +118,10 @@ private:
 }  // namespace
 
 CPDFStatus write_form_data(CPDFDocument& document, PDF_DATA_FORMAT format, const std::vector<CPDFField*>* fields,
-                           std::string& out)
+                           std::string& out, PDF_EXPORT_TEXTS texts)
 {
     out.clear();
-    CPDFStatus status = Exporter(document, format, out).run(fields);
+    CPDFStatus status = Exporter(document, format, texts, out).run(fields);
     if (!status.ok())
         out.clear();
     return status;

@@ -16,6 +16,12 @@ enum class PDF_DATA_FORMAT {
     CSV,   // RFC 4180
 };
 
+// Which texts are exported.
+enum class PDF_EXPORT_TEXTS {
+    VALUES,  // what an import takes back
+    SHOWN,   // what CPDFDocument::shown_text says, where it says anything
+};
+
 // Makes `out` a file with the values of `fields`, each with all the fields under it, in that order; of the whole form,
 // in tree order, when it is null. Text fields, check boxes, radio groups and choices with a name of their own are
 // exported, the first of each full name; one without a value is left out, so that an import leaves it alone.
@@ -25,4 +31,4 @@ enum class PDF_DATA_FORMAT {
 // one. A name or value that the format can't hold is refused in a sentence that names the field: several values in CSV,
 // characters that XML forbids. On failure `out` is empty.
 CPDFStatus write_form_data(CPDFDocument& document, PDF_DATA_FORMAT format, const std::vector<CPDFField*>* fields,
-                           std::string& out);
+                           std::string& out, PDF_EXPORT_TEXTS texts = PDF_EXPORT_TEXTS::VALUES);

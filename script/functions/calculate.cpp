@@ -41,11 +41,9 @@ double calculate(CALCULATION calculation, const std::vector<double>& numbers)
     }
 }
 
-double calculate_values(CALCULATION calculation, const std::vector<std::string>& values)
+void append_numbers(CALCULATION calculation, const std::vector<std::string>& values, std::vector<double>& numbers)
 {
-    std::vector<double> numbers;
     for (const std::string& value : values)
         if (calculation != CALCULATION::AVERAGE || !trimmed(value).empty())
             numbers.push_back(make_number(value).value_or(0));
-    return calculate(calculation, numbers);
 }

@@ -14,6 +14,6 @@ std::optional<CALCULATION> calculation_named(std::string_view name);
 // The result of `numbers`, 0 for none.
 double calculate(CALCULATION calculation, const std::vector<double>& numbers);
 
-// The result of the values of fields. An empty one and one that is no number count as 0; an average leaves the empty ones
-// out.
-double calculate_values(CALCULATION calculation, const std::vector<std::string>& values);
+// Appends the numbers of the values of fields. An empty one and one that is no number count as 0; an average leaves the empty
+// ones out.
+void append_numbers(CALCULATION calculation, const std::vector<std::string>& values, std::vector<double>& numbers);

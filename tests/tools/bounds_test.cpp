@@ -86,12 +86,19 @@ std::string widget(const std::string& entries)
     return "<</FT/Tx/Ff 4096/Subtype/Widget/Rect[0 0 600 700]/DA(/Helv 0 Tf)" + entries + ">>";
 }
 
-// A form whose catalog, form, page and one plain field are objects 1 to 5; `count` objects from 10 on are fields and widgets.
-PdfBuilder form_of(size_t count, const std::string& form_entries = "", const std::string& more_fields = "")
+// The names of `count` objects from 10 on.
+std::string names_of(size_t count)
 {
-    std::string fields = "5 0 R " + more_fields;
+    std::string names;
     for (size_t i = 0; i < count; ++i)
-        fields += std::to_string(10 + i) + " 0 R ";
+        names += std::to_string(10 + i) + " 0 R ";
+    return names;
+}
+
+// A form whose catalog, form, page and one plain field are objects 1 to 5; `count` objects from 10 on are fields and widgets.
+PdfBuilder form_of(size_t count, const std::string& form_entries = "")
+{
+    const std::string fields = "5 0 R " + names_of(count);
     PdfBuilder file;
     file.object(1, "<</Type/Catalog/Pages 2 0 R/AcroForm 3 0 R>>");
     file.object(2, "<</Type/Pages/Count 1/Kids[4 0 R]>>").object(3, "<</Fields[" + fields + "]" + form_entries + ">>");
@@ -171,17 +178,39 @@ std::string chain_of_sections()
 
 std::string fonts()
 {
-    PdfBuilder file = form_of(60, "/NeedAppearances true");
+    std::string names;
+    for (int i = 0; i < 60; ++i)
+        names += "/F" + std::to_string(i) + " " + std::to_string(500 + i) + " 0 R";
+    PdfBuilder file = form_of(60, "/NeedAppearances true/DR<</Font<<" + names + ">>>>");
     for (uint32_t i = 0; i < 60; ++i) {
         const std::string num = std::to_string(i);
-        file.object(10 + i, "<</FT/Tx/V(v)/Subtype/Widget/Rect[0 0 90 90]/DA(/F 9 Tf)/T(c" + num + ")/DR<</Font<</F " +
-                                std::to_string(500 + i) + " 0 R>>>>>>");
+        file.object(10 + i, "<</FT/Tx/V(v)/Subtype/Widget/Rect[0 0 90 90]/T(c" + num + ")/DA(/F" + num + " 9 Tf)>>");
         file.object(500 + i,
                     "<</Type/Font/Subtype/Type0/Encoding/Identity-H/ToUnicode 6 0 R/DescendantFonts[<</Type/Font"
                     "/Subtype/CIDFontType2/FontDescriptor<</FontFile2 7 0 R>>/CIDToGIDMap 7 0 R>>]>>");
     }
     file.stream(6, "/Filter/FlateDecode", flate(repeated("1 beginbfrange <0000> <ffff> <0000> endbfrange ", 100000)));
     return file.stream(7, "/Filter/FlateDecode", flate(std::string(64 * MIB, '\0'))).table().text;
+}
+
+// Many fields that have `entries` from the one above them, "g", which is calculated in the order `order`.
+std::string under_one(uint32_t count, const std::string& entries, const std::string& order = "")
+{
+    PdfBuilder file = form_of(0);
+    for (uint32_t i = 0; i < count; ++i)
+        file.object(10 + i, "<</Parent 6 0 R/T(k" + std::to_string(i) + ")>>");
+    file.object(3, "<</Fields[5 0 R 6 0 R]/CO[" + order + "]>>");
+    return file.object(6, "<</T(g)" + entries + "/Kids[" + names_of(count) + "]>>").table().text;
+}
+
+std::string script(const std::string& text)
+{
+    return "<</S/JavaScript/JS(" + text + ")>>";
+}
+
+std::string sum_of(const std::string& names)
+{
+    return "/FT/Tx/AA<</C" + script("AFSimple_Calculate('SUM',[" + names + "])") + ">>";
 }
 
 struct Hostile {
@@ -211,7 +240,6 @@ const Hostile FILES[] = {
     {"huge counts",
      [] {
          PdfBuilder file = form_of(0);
-         const std::string objects = file.text;
          std::string text = file.table("/Size 2147483647").text;
          return text.replace(text.find("\n0 "), 4, "\n0 4294967295 ");
      },
@@ -238,6 +266,52 @@ const Hostile FILES[] = {
      "list fill export flatten"},
     {"shared options", [] { return same_for_all(4000, "/FT/Ch/Opt 6 0 R", "[" + repeated("(o)", 100000) + "]"); },
      "list"},
+    {"options of one above", [] { return under_one(1200, "/FT/Ch/Opt[" + repeated("(\\7\\7\\7)", 50000) + "]"); },
+     "list"},
+    {"a default of one above", [] { return under_one(9000, "/FT/Tx/DV(" + std::string(25000, 'd') + ")"); }, "reset"},
+    {"scripts",
+     [] {
+         const std::string shared = "<</S/JavaScript/JS 6 0 R>>";
+         PdfBuilder file = form_of(800);
+         file.stream(6, "/Filter/FlateDecode", flate(std::string(400 * MIB, 's')));
+         for (uint32_t i = 0; i < 800; ++i)
+             file.object(10 + i, "<</FT/Tx/T(c)/AA<</K" + shared + "/F" + shared + ">>>>");
+         return file.table().text;
+     },
+     "actions"},
+    {"sums of all by all", [] { return under_one(8000, sum_of("'g'") + "/V(1)", names_of(8000)); }, "fill calculate"},
+    {"sum of a name, often", [] { return under_one(8000, sum_of(repeated("'g',", 9000) + "'g'"), names_of(1)); },
+     "fill calculate"},
+    {"one sum, often",
+     [] { return under_one(1, sum_of(repeated("'n',", 9000) + "'n'"), repeated(names_of(1), 100000)); }, "calculate"},
+    {"one long script",
+     [] {
+         return same_for_all(7000, "/V(1)/AA<</K 6 0 R/F 6 0 R>>",
+                             script("AFNumber_Format(0,0,0,0,'" + std::string(250000, '$') + "',true)"));
+     },
+     "list fill flatten"},
+    {"scripts of many arguments",
+     [] {
+         PdfBuilder file = form_of(1);
+         std::string rows[4];
+         for (uint32_t i = 0; i < 4000; ++i) {
+             rows[i % 4] += "<</S/JavaScript/JS " + std::to_string(5000 + i) + " 0 R>>";
+             file.stream(5000 + i, "/Filter/FlateDecode",
+                         flate("AFNumber_Format(" + std::to_string(i) + repeated(",''", 9000) + ")"));
+         }
+         std::string actions;
+         for (size_t i = 0; i < 4; ++i)
+             actions += std::string("/") + "KFVC"[i] + "<</S/Named/Next[" + rows[i] + "]>>";
+         return file.object(10, "<</FT/Tx/T(c)/V(1)/AA<<" + actions + ">>>>").table().text;
+     },
+     "list"},
+    {"scripts in rows",
+     [] {
+         const std::string next = script("AFNumber_Format(0,0,0,0,'',1)");
+         return same_for_all(7000, "/V(1)/AA<</K 6 0 R/F 6 0 R>>",
+                             "<</S/JavaScript/JS()/Next[" + repeated(next, 999) + "]>>");
+     },
+     "list fill actions"},
     {"flate", [] { return values(1, "/Filter/FlateDecode", flate(std::string(400 * MIB, 'a'))); }, "export flatten"},
     {"flate, many", [] { return values(200, "/Filter/FlateDecode", flate(std::string(4 * MIB, 'a'))); },
      "export flatten"},
@@ -268,8 +342,10 @@ const Hostile FILES[] = {
      "fill"},
     {"one long text",
      [] {
-         PdfBuilder file = form_of(8000, "/NeedAppearances true", "6 0 R ");
-         file.object(6, "<</FT/Tx/Ff 4096/T(m)/DA(/Helv 0 Tf)/V(" + repeated("long text of words ", 10000) + ")>>");
+         PdfBuilder file = form_of(8000);
+         file.object(3, "<</NeedAppearances true/Fields[5 0 R 6 0 R]>>");
+         file.object(6, "<</FT/Tx/Ff 4096/T(m)/DA(/Helv 0 Tf)/V(" + repeated("long text of words ", 10000) + ")/Kids[" +
+                            names_of(8000) + "]>>");
          for (uint32_t i = 0; i < 8000; ++i)
              file.object(10 + i, "<</Parent 6 0 R/Subtype/Widget/Rect[0 0 " + std::to_string(600 + i % 97) + " 700]>>");
          return file.table().text;
@@ -287,7 +363,9 @@ protected:
             arguments.emplace_back("--json");
         else if (verb == "export")
             arguments.insert(arguments.end(), {"--as", "json"});
-        else
+        else if (verb == "reset" || verb == "calculate")
+            arguments.insert(arguments.end(), {"-o", out});
+        else if (verb != "actions")
             arguments.insert(arguments.end(), {"a=new", "-o", out});
         if (verb == "flatten")
             arguments.emplace_back("--flatten");

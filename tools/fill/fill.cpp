@@ -94,9 +94,10 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         put_report(document, arguments, items, calculated);
     if (!accepted)
         return COMMAND_REFUSED;
-    note_scripts(document, arguments.input);
-    if (arguments.dry_run)
+    if (arguments.dry_run) {
+        note_scripts(document, arguments.input);
         return put_done();
+    }
     note_xfa(document, arguments.input, arguments.xfa);
     if (arguments.xfa)
         status = document.reset_xfa();
@@ -104,6 +105,8 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         status = document.flatten(arguments.edit());
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
+    if (status.ok())
+        note_scripts(document, arguments.input);
     return end_with(status, arguments.input.path.text);
 }
 

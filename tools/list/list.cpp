@@ -54,6 +54,7 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--all", arguments->all, "also fields without a name of their own, under their numbered names");
     verb.footer("In the table, control characters are shown as escapes, and what is too long for the terminal is cut.\n"
                 "The value is that of the field itself, or its default value where it has none; a\n"
-                "long text that is kept in a stream is left to `formwork get`.");
+                "long text that is kept in a stream is left to `formwork get`. What a format of the form, such as one\n"
+                "for dates, makes of the value stands beside it (shown).");
     verb.callback([arguments, &action] { action = [arguments] { return list_fields(*arguments); }; });
 }

@@ -50,9 +50,12 @@ public:
         });
         m_out += m_first ? "]\n" : "\n]\n";
         flush();
-        if (m_option_bytes <= LIMIT_LISTED_OPTIONS)
-            return {};
-        return CPDFStatus::failed(PDF_CODE::LIMIT, "the options of its fields are larger than what is supported");
+        if (m_option_bytes > LIMIT_LISTED_OPTIONS)
+            return CPDFStatus::failed(PDF_CODE::LIMIT, "the options of its fields are larger than what is supported");
+        if (m_document.read_too_much())
+            return CPDFStatus::failed(PDF_CODE::LIMIT,
+                                      "the fields take more work to list than the size of the file justifies");
+        return {};
     }
 
 private:

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 #include "document/document.h"
 #include "document/lookup/field_text.h"
@@ -13,7 +12,7 @@
 
 namespace {
 
-enum LIST_COLUMN { COLUMN_KIND, COLUMN_NAME, COLUMN_VALUE, COLUMN_FLAGS, COLUMN_COUNT };
+enum LIST_COLUMN { COLUMN_KIND, COLUMN_NAME, COLUMN_VALUE, COLUMN_SHOWN, COLUMN_FLAGS, COLUMN_COUNT };
 
 using LIST_ROW = std::array<std::string, COLUMN_COUNT>;
 using LIST_WIDTHS = std::array<int, COLUMN_COUNT>;
@@ -37,11 +36,11 @@ std::string flag_words(const CPDFField& field, const PDF_FIELD_KIND& kind)
     return words;
 }
 
-LIST_ROW row_of(CPDFField& field, CPDFNumberedNames& names)
+LIST_ROW row_of(CPDFDocument& document, CPDFField& field, CPDFNumberedNames& names)
 {
     const PDF_FIELD_KIND& kind = field_kind(field);
     return {kind.name, printable(names.name_of(field)), printable(value_text(*field.m_xref, field.m_value).joined()),
-            flag_words(field, kind)};
+            printable(document.shown_text(field).value_or("")), flag_words(field, kind)};
 }
 
 void widen(LIST_WIDTHS& widths, const LIST_ROW& row, int limit)
@@ -50,11 +49,19 @@ void widen(LIST_WIDTHS& widths, const LIST_ROW& row, int limit)
         widths[i] = std::max(widths[i], std::min(columns_of(row[i]), limit));
 }
 
+// A column without a width is left out.
+int total_width(const LIST_WIDTHS& widths)
+{
+    int total = -GAP;
+    for (const int width : widths)
+        total += width > 0 ? width + GAP : 0;
+    return total;
+}
+
 // Takes from the widest column until the row fits `total`.
 void narrow(LIST_WIDTHS& widths, int total)
 {
-    int left = std::accumulate(widths.begin(), widths.end(), GAP * (COLUMN_COUNT - 1)) - total;
-    for (; left > 0; --left) {
+    for (int left = total_width(widths) - total; left > 0; --left) {
         int& widest = *std::max_element(widths.begin() + COLUMN_NAME, widths.end());
         if (widest <= LEAST_WIDTH)
             return;
@@ -67,6 +74,7 @@ void cut(LIST_ROW& row, const LIST_WIDTHS& widths)
 {
     row[COLUMN_NAME] = cut_start(row[COLUMN_NAME], widths[COLUMN_NAME]);
     row[COLUMN_VALUE] = cut_end(row[COLUMN_VALUE], widths[COLUMN_VALUE]);
+    row[COLUMN_SHOWN] = cut_end(row[COLUMN_SHOWN], widths[COLUMN_SHOWN]);
     row[COLUMN_FLAGS] = cut_end(row[COLUMN_FLAGS], widths[COLUMN_FLAGS]);
 }
 
@@ -74,6 +82,8 @@ void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
 {
     std::string line;
     for (size_t i = 0; i < COLUMN_COUNT; ++i) {
+        if (widths[i] == 0)
+            continue;
         line += row[i];
         const int padding = std::max(widths[i] - columns_of(row[i]), 0) + GAP;
         line.append(static_cast<size_t>(padding), ' ');
@@ -92,13 +102,19 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what)
     const auto for_each_row = [&](auto&& use) {
         for_each_field(document.form(), [&](CPDFField& field) {
             if (is_listed(field, what))
-                use(row_of(field, names));
+                use(row_of(document, field, names));
         });
     };
-    const LIST_ROW heading = {"KIND", "NAME", "VALUE", "FLAGS"};
+    const LIST_ROW heading = {"KIND", "NAME", "VALUE", "SHOWN", "FLAGS"};
     LIST_WIDTHS widths{};
     widen(widths, heading, LEAST_WIDTH);
-    for_each_row([&](const LIST_ROW& row) { widen(widths, row, terminal ? terminal : MOST_PADDING); });
+    bool formatted = false;
+    for_each_row([&](const LIST_ROW& row) {
+        widen(widths, row, terminal ? terminal : MOST_PADDING);
+        formatted = formatted || !row[COLUMN_SHOWN].empty();
+    });
+    if (!formatted)
+        widths[COLUMN_SHOWN] = 0;
     if (terminal)
         narrow(widths, terminal);
     put_row(heading, widths);
