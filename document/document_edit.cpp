@@ -118,12 +118,8 @@ CPDFStatus CPDFDocument::design_fields(std::span<CPDFField* const> fields, const
         check_design(target, fields, design, refusals);
         CPDFStatus status = refusals.status();
         m_state->bound_widgets();
-        for (size_t i = 0; i < fields.size() && status.ok(); ++i) {
-            status = design_field(target, *fields[i], design);
-            if (status.ok() && design.label)
-                (void)label_widgets(target, tagged_widgets(target, target.widgets.widgets_of(*fields[i])),
-                                    *design.label);
-        }
+        if (status.ok())
+            status = ::design_fields(target, fields, design);
         if (design.sets_scripts())
             m_state->forget_scripts();
         const bool shown = design.style.sets_any() || design.sets_scripts();

@@ -9,6 +9,7 @@
 #include "document/edit/new_object.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/widget_binder.h"
+#include "document/tags/structure.h"
 #include "forms/field.h"
 #include "forms/field_kind.h"
 
@@ -35,6 +36,26 @@ PDF_CHANGE_RESULT store_action(EDIT_TARGET& target, const CPDFField& field, cons
     return result;
 }
 
+PDF_CHANGE_RESULT apply_design(EDIT_TARGET& target, CPDFField& field, const PDF_FIELD_DESIGN& design,
+                               const PDF_STYLE_TO_APPLY& style, bool tagged)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    for (const auto& [key, text] : {std::pair("TU", &design.label), std::pair("TM", &design.mapping_name)})
+        result = *text ? both(result, store_text(target, field, key, **text)) : result;
+    if (tagged)
+        result = both(result,
+                      label_widgets(target, tagged_widgets(target, target.widgets.widgets_of(field)), *design.label));
+    if (design.style.sets_any())
+        result = both(result, apply_style(target, field, style));
+    if (design.action)
+        result = both(result, store_action(target, field, *design.action));
+    if (!design.sets_scripts())
+        return result;
+    result = both(result, apply_scripts(target, field, design));
+    field.reload_entries();
+    return result;
+}
+
 }  // namespace
 
 void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
@@ -53,27 +74,18 @@ void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const
     }
 }
 
-CPDFStatus design_field(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design)
+CPDFStatus design_fields(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design)
 {
     const VXFailureCheck memory;
-    if (CPDFStatus status = settle_form(target); !status.ok())
-        return status;
-    std::string font;
-    if (design.style.font) {
-        if (CPDFStatus status = find_font(target, *design.style.font, font); !status.ok())
-            return status;
+    PDF_STYLE_TO_APPLY style = {design.style, {}, {}};
+    CPDFStatus status = settle_form(target);
+    if (status.ok())
+        status = prepare_style(target, style);
+    const bool tagged = design.label && is_tagged(target);
+    for (size_t i = 0; i < fields.size() && status.ok(); ++i) {
+        const PDF_CHANGE_RESULT result = apply_design(target, *fields[i], design, style, tagged);
+        status = edit_status(result, "field " + in_quotes(full_name(*fields[i])) +
+                                         " can't be changed: a dictionary of it is missing or damaged");
     }
-    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
-    for (const auto& [key, text] : {std::pair("TU", &design.label), std::pair("TM", &design.mapping_name)})
-        result = *text ? both(result, store_text(target, field, key, **text)) : result;
-    if (design.style.sets_any())
-        result = both(result, apply_style(target, field, design.style, font));
-    if (design.sets_scripts())
-        result = both(result, apply_scripts(target, field, design));
-    if (design.action)
-        result = both(result, store_action(target, field, *design.action));
-    if (memory.failed())
-        return no_memory_to_edit();
-    return edit_status(result, "field " + in_quotes(full_name(field)) +
-                                   " can't be changed: a dictionary of it is missing or damaged");
+    return memory.failed() ? no_memory_to_edit() : status;
 }

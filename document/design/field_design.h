@@ -54,6 +54,6 @@ struct PDF_FIELD_DESIGN {
 void check_design(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
                   CPDFRefusals& refusals);
 
-// Makes a design that was checked that of `field`, whose widgets are bound, without drawing them. Fails where the
-// field's dictionary is missing or memory runs out.
-CPDFStatus design_field(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design);
+// Makes a design that was checked that of `fields`, whose widgets are bound, without drawing them. Fails where a dictionary
+// is missing or memory runs out, with a part of the fields perhaps changed.
+CPDFStatus design_fields(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design);

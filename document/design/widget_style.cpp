@@ -107,8 +107,12 @@ std::string color_syntax(const PDF_FIELD_COLOR& color)
 
 class CPDFStyleWriter {
 public:
-    CPDFStyleWriter(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style, const std::string& font)
-        : m_target(target), m_field(field), m_style(style), m_font(font)
+    CPDFStyleWriter(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& apply)
+        : m_target(target),
+          m_field(field),
+          m_style(apply.style),
+          m_font(apply.font),
+          m_form_appearance(apply.appearance)
     {
     }
 
@@ -118,7 +122,7 @@ public:
         CPDFObj appearance;
         if (m_style.sets_text()) {
             if (!inherited_entry(&m_field, "DA", appearance))
-                inherited_from_form(appearance);
+                appearance.copy_from(&m_form_appearance);
             write_appearance(appearance, entries);
         }
         if (m_style.alignment)
@@ -149,14 +153,6 @@ public:
     }
 
 private:
-    void inherited_from_form(CPDFObj& out)
-    {
-        constexpr CPDFKeySet KEYS{"DA"};
-        CPDFObj form;
-        m_target.xref.get_entity(form, m_target.form.m_ref, &KEYS);
-        resolve_obj(&m_target.xref, form.dictionary() ? form.dict->get_item("DA") : nullptr, out);
-    }
-
     void write_appearance(CPDFObj& before, CPDFNewEntries& entries)
     {
         CPDFObj text;
@@ -227,7 +223,8 @@ private:
     EDIT_TARGET& m_target;  // borrowed, as the following
     const CPDFField& m_field;
     const PDF_WIDGET_STYLE& m_style;
-    const std::string& m_font;  // resource name; empty to keep what is there
+    const std::string& m_font;
+    const CPDFObj& m_form_appearance;
 };
 
 }  // namespace
@@ -237,10 +234,18 @@ void check_style(const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefu
     CPDFStyleCheck(field, refusals).check(style);
 }
 
-PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_WIDGET_STYLE& style,
-                              const std::string& font_resource)
+CPDFStatus prepare_style(EDIT_TARGET& target, PDF_STYLE_TO_APPLY& style)
 {
-    CPDFStyleWriter writer(target, field, style, font_resource);
+    constexpr CPDFKeySet KEYS{"DA"};
+    CPDFObj form;
+    target.xref.get_entity(form, target.form.m_ref, &KEYS);
+    resolve_obj(&target.xref, form.dictionary() ? form.dict->get_item("DA") : nullptr, style.appearance);
+    return style.style.font ? find_font(target, *style.style.font, style.font) : CPDFStatus();
+}
+
+PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& style)
+{
+    CPDFStyleWriter writer(target, field, style);
     PDF_CHANGE_RESULT result = writer.write_field();
     for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
         result = both(result, writer.write_widget(widget->m_ref));

@@ -202,7 +202,9 @@ PDF_CHANGE_RESULT tag_widget(EDIT_TARGET& target, const PDF_REF& widget, int32_t
     CPDFObj number;
     CPDFObj next;
     const int32_t key = next_number(target, tree);
-    if (!element.num || key == std::numeric_limits<int32_t>::max())
+    if (key == std::numeric_limits<int32_t>::max())
+        return PDF_CHANGE_RESULT::NO_DICTIONARY;
+    if (!element.num)
         return PDF_CHANGE_RESULT::NO_MEMORY;
     number.set_int(key);
     next.set_int(key + 1);

@@ -2,6 +2,7 @@
 #include <list>
 #include <memory>
 
+#include "core/dictionary.h"
 #include "document/lookup/field_text.h"
 #include "tools/edit/design_words.h"
 #include "tools/edit/edit_verb.h"
@@ -57,6 +58,9 @@ int add(const ADD_ARGUMENTS& arguments)
         CPDFStatus status = document.add_field(field, arguments.edit.how(), &added);
         if (status.ok() && design.sets_any())
             status = document.design_fields({&added, 1}, design, arguments.edit.how());
+        if (status.ok() && !design.label && document.root().dict->get_item("StructTreeRoot"))
+            complain(arguments.edit.input.path.text,
+                     "note: the document is tagged, and field " + in_quotes(field.name) + " has no label (--label)");
         return std::vector{status};
     });
 }
