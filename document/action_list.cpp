@@ -7,8 +7,8 @@
 
 #include "core/array.h"
 #include "core/dictionary.h"
-#include "core/limits.h"
 #include "core/xref_table.h"
+#include "document/compute/document_scripts.h"
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/page_map.h"
@@ -63,10 +63,8 @@ public:
         if (const CPDFEntryView action(&m_xref, open); action->dictionary())
             list(*open, "open");
         list_events(root.get_item("AA"), DOCUMENT_EVENTS);
-        const CPDFEntryView names_entry(&m_xref, root.get_item("Names"));
-        const CPDFDictionary* names = names_entry->dictionary();
-        if (const CPDFObj* scripts = names ? names->get_item("JavaScript") : nullptr)
-            list_name_tree(*scripts, 0);
+        visit_document_scripts(
+            m_xref, root, [this](const std::string& name, const CPDFObj& action) { list(action, "script " + name); });
     }
 
     // The items of "Outlines" from the top down (ISO 32000-2, 12.3.3).
@@ -183,28 +181,6 @@ private:
             if (action)
                 list(*action, event.name);
         }
-    }
-
-    // Document scripts stand in a name tree (ISO 32000-2, 7.9.6).
-    void list_name_tree(const CPDFObj& entry, int depth)
-    {
-        const bool again = entry.type == PDF_OBJ_REF && !m_seen.insert(entry.ref.num).second;
-        const CPDFEntryView node_entry(&m_xref, &entry);
-        const CPDFDictionary* node = node_entry->dictionary();
-        if (!node || again || depth > LIMIT_PAGE_DEPTH)
-            return;
-        const CPDFEntryView names_entry(&m_xref, node->get_item("Names"));
-        const CPDFArray* names = names_entry->array();
-        for (int32_t i = 0; names && i + 1 < names->count; i += 2) {
-            PDF_String name;
-            m_xref.read_obj_string(name, &names->items[i]);
-            list(names->items[i + 1], "script " + utf8_of(name));
-            name.release();
-        }
-        const CPDFEntryView kids_entry(&m_xref, node->get_item("Kids"));
-        const CPDFArray* kids = kids_entry->array();
-        for (int32_t i = 0; kids && i < kids->count; ++i)
-            list_name_tree(kids->items[i], depth + 1);
     }
 
     void list(const CPDFObj& entry, const std::string& event)

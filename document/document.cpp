@@ -167,8 +167,7 @@ void CPDFDocument::State::forget_fields()
     filled.clear();
     to_draw.clear();
     drawn_buttons.clear();
-    computer.reset();
-    calculation_order.reset();
+    forget_scripts();
     shown_options = {};
     redraw.reset();
     branches.emplace();
@@ -294,10 +293,11 @@ void CPDFDocument::revert()
     state.asked_to_draw = state.values_changed = false;
     state.to_draw.clear();
     state.notes.clear();
-    state.calculation_notes.clear();
-    state.calculation_noted.clear();
     if (CPDFFieldSandbox* sandbox = state.computer ? state.computer->sandbox() : nullptr)
         sandbox->renew();
+    state.calculation_notes.clear();
+    state.calculation_noted.clear();
+    state.console.clear();
     state.to_calculate = false;
     if (state.redraw)
         state.redraw->changes_dropped();
@@ -318,6 +318,8 @@ void CPDFDocument::revert()
     for (CPDFField* field : state.filled)
         for_each_field(*field, [](CPDFField& at) { at.reload_value(); });
     state.filled.clear();
+    for (CPDFField* field : std::exchange(state.changed_fields, {}))
+        for_each_field(*field, [](CPDFField& at) { at.reload_entries(); });
     need_memory(memory);
 }
 

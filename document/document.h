@@ -123,6 +123,11 @@ public:
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
                            PDF_WORDS words = PDF_WORDS::STATES_FIRST);
 
+    // Scripts that check further values see those of `plan`, which check_value made, as if it were carried out, until assumptions
+    // are dropped: so values that are set together are checked together, in their order. Fails when memory runs out.
+    CPDFStatus assume(const PDF_FILL_PLAN& plan);
+    void drop_assumptions();
+
     // Makes `value` the value of `field`, all its widgets included; refuses as check_value does and changes nothing then.
     // The form is calculated, and the widgets are drawn anew, see set_scripts and set_drawing.
     CPDFStatus set_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
@@ -152,7 +157,10 @@ public:
     // A sentence for each calculated value that was not stored since the file was opened or reverted. Borrowed until the next
     // calculation.
     const std::vector<std::string>& calculation_notes() const;
-    // How many scripts should have run since the file was opened, and did not, since they are no well-known calls.
+    // The lines that scripts in the sandbox printed since then. Borrowed until the next call that runs scripts.
+    const std::vector<std::string>& script_console() const;
+    // How many scripts should have run since the file was opened, and did not, since they are no well-known calls; where
+    // there are such, those of the document count, too, which prepare them.
     size_t skipped_scripts() const;
 
     // Brings every field, or `fields` and all under them, to their defaults, "DV" of their own or inherited: "V", and

@@ -9,7 +9,6 @@
 #include "document/document_state.h"
 #include "document/look/shown_value.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/value_text.h"
 #include "file/file_reader.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
@@ -37,31 +36,11 @@ std::optional<std::string> committed_text(const PDF_FILL_PLAN& plan)
     return CPDFFieldOptions(*plan.field).shown(plan.options.front());
 }
 
-// In the order of PDF_FIELD_KIND_ID.
-constexpr SCRIPT_FIELD_TYPE TYPES[KIND_COUNT] = {
-    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::RADIO, SCRIPT_FIELD_TYPE::BUTTON, SCRIPT_FIELD_TYPE::CHECKBOX,
-    SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::COMBO, SCRIPT_FIELD_TYPE::LIST,   SCRIPT_FIELD_TYPE::SIGNATURE};
-
-SCRIPT_FIELD script_field_of(const CPDFField& field, const PDF_FIELD_SHAPE& shape)
+// Each field once, where it comes first.
+void keep_first(std::vector<CPDFField*>& fields)
 {
-    constexpr std::pair<uint32_t, SCRIPT_FIELD_FLAG> FLAGS[] = {{FIELD_READ_ONLY, SCRIPT_READ_ONLY},
-                                                                {FIELD_REQUIRED, SCRIPT_REQUIRED},
-                                                                {FIELD_MULTILINE, SCRIPT_MULTILINE},
-                                                                {FIELD_COMB, SCRIPT_COMB}};
-    SCRIPT_FIELD out;
-    out.name = full_name(field);
-    out.type = TYPES[shape.kind->id];
-    for (const auto& [from, to] : FLAGS)
-        if (shape.flags & from)
-            out.flags |= to;
-    out.value = script_values_of(field);
-    out.default_value = value_text(*field.m_xref, field.m_def_value).joined();
-    out.char_limit = shape.max_length;
-    for (int32_t i = 0; i < shape.options.count(); ++i)
-        out.items.push_back({shape.options.text(i), shape.options.value(i)});
-    for (const PDF_BUTTON_CHOICE& choice : shape.buttons)
-        out.items.push_back({choice.state, choice.export_value});
-    return out;
+    std::unordered_set<const CPDFField*> seen;
+    std::erase_if(fields, [&seen](const CPDFField* field) { return !seen.insert(field).second; });
 }
 
 // Which field is to be calculated next. One is calculated again only when another one's script has changed something since, so
@@ -127,44 +106,24 @@ CPDFFormCompute* CPDFDocument::State::compute()
     if (scripts == PDF_SCRIPTS::OFF)
         return nullptr;
     if (!computer) {
-        computer.emplace([this](std::string_view name) { return names.find(loaded_form(), name); }, reader->budget());
+        computer.emplace(script_fields(), reader->budget());
         if (scripts == PDF_SCRIPTS::ALL)
-            computer->use_sandbox([this] { return script_snapshot(); }, {script_seconds});
+            computer->use_sandbox(sandbox_document(), {script_seconds});
     }
     return &*computer;
 }
 
-SCRIPT_DOCUMENT CPDFDocument::State::script_snapshot()
+PDF_SCRIPT_FIELDS CPDFDocument::State::script_fields()
 {
-    SCRIPT_DOCUMENT document;
-    const CPDFWidgetBinder& bound = bound_widgets();
-    document.pages = pages().page_count();
-    for_each_field(loaded_form(), [&](CPDFField& field) {
-        const PDF_FIELD_KIND& kind = field_kind(field);
-        if (kind.id != KIND_CONTAINER && field.m_name.len > 0)
-            document.fields.push_back(script_field_of(field, shape_of(field, bound)));
-    });
-    return document;
-}
-
-CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored)
-{
-    CPDFFieldSandbox* const sandbox = computer ? computer->sandbox() : nullptr;
-    if (!sandbox)
-        return {};
-    for (SCRIPT_CHANGE& change : sandbox->take_changes()) {
-        CPDFField* const field = names.find(loaded_form(), change.field);
-        if (!field || script_values_of(*field) == change.value)
-            continue;
-        bool one_stored = false;
-        std::string text = change.value.empty() ? std::string() : std::move(change.value.front());
-        if (CPDFStatus status = store_calculated(*field, std::move(text), one_stored); !status.ok())
-            return status;
-        stored = stored || one_stored;
-    }
-    for (std::string& fault : sandbox->take_faults())
-        note_calculation(std::move(fault));
-    return {};
+    PDF_SCRIPT_FIELDS fields;
+    fields.find = [this](std::string_view name) { return names.find(loaded_form(), name); };
+    fields.export_value = [this](const CPDFField& field) {
+        for (const PDF_BUTTON_CHOICE& choice : button_choices(field, bound_widgets()))
+            if (field.m_value.is_name(choice.state.c_str()))
+                return choice.export_value;
+        return std::string(field.m_value.name_text());
+    };
+    return fields;
 }
 
 CPDFStatus CPDFDocument::State::commit(PDF_FILL_PLAN& plan, PDF_FILL fill)
@@ -233,21 +192,21 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
     CPDFFormCompute* const runner = compute();
-    if (!runner || fields_to_calculate().empty())
+    if (!runner)
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    std::unordered_set<const CPDFField*> listed;
-    if (changed)
-        listed.insert(changed->begin(), changed->end());
-    CalculationOrder order(*calculation_order);
+    bool prepared = false;
+    if (CPDFStatus status = take_from_sandbox(prepared, changed); !status.ok())
+        return status;
+    CalculationOrder order(fields_to_calculate());
     while (CPDFField* field = order.next()) {
         if (allowance.used_up())
             return too_much_to(CALCULATING);
-        const std::string before = script_value_of(*field);
+        const std::string before = runner->value_of(*field);
         std::optional<std::string> text = runner->calculate(*field, before);
         bool others_changed = false;
-        CPDFStatus status = take_from_sandbox(others_changed);
+        CPDFStatus status = take_from_sandbox(others_changed, changed);
         bool stored = false;
         if (status.ok() && text && *text != before)
             status = store_calculated(*field, std::move(*text), stored);
@@ -255,12 +214,14 @@ CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
             return status;
         if (stored || others_changed)
             order.changed(field);
-        if (stored && changed && listed.insert(field).second)
+        if (stored && changed)
             changed->push_back(field);
     }
     if (!order.at_rest())
         note_calculation("the calculations of the form go in a circle: they were stopped after " +
                          std::to_string(LIMIT_CALCULATION_ROUNDS) + " rounds");
+    if (changed)
+        keep_first(*changed);
     to_calculate = false;
     if (allowance.used_up())
         return too_much_to(CALCULATING);
@@ -285,20 +246,8 @@ void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
     m_state->computer.reset();
 }
 
-const std::vector<std::string>& CPDFDocument::calculation_notes() const
+void CPDFDocument::State::calculate_later()
 {
-    return m_state->calculation_notes;
-}
-
-size_t CPDFDocument::skipped_scripts() const
-{
-    return m_state->computer ? m_state->computer->skipped() : 0;
-}
-
-void CPDFDocument::State::forget_scripts()
-{
-    computer.reset();
-    calculation_order.reset();
     to_calculate = true;
     values_changed = true;
 }

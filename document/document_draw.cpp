@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/dictionary.h"
+#include "core/limits.h"
 #include "core/xref_table.h"
 #include "document/document.h"
 #include "document/document_state.h"
@@ -50,7 +51,8 @@ CPDFStatus CPDFDocument::State::show(std::span<CPDFField* const> fields)
     };
     const bool texts = std::any_of(fields.begin(), fields.end(), is_text);
     std::copy_if(fields.begin(), fields.end(), std::back_inserter(to_draw), is_text);
-    if (CPDFFieldSandbox* sandbox = computer ? computer->sandbox() : nullptr)
+    CPDFFormCompute* const runner = scripts == PDF_SCRIPTS::ALL ? compute() : nullptr;
+    if (CPDFFieldSandbox* sandbox = runner ? runner->sandbox() : nullptr)
         std::for_each(fields.begin(), fields.end(),
                       [sandbox](const CPDFField* field) { sandbox->value_changed(*field); });
     if (drawing == PDF_DRAWING::LEAVE_TO_VIEWERS)
@@ -84,23 +86,40 @@ std::vector<PDF_DRAWN_WIDGET> CPDFDocument::State::widgets_to_draw(CPDFField& fi
     return out;
 }
 
+// The first script may be a format: what those of the document set before it is drawn then, too.
+CPDFStatus CPDFDocument::State::draw_changed()
+{
+    CPDFStatus status;
+    size_t first = 0;
+    for (int round = 0; status.ok() && first < to_draw.size() && round < LIMIT_CALCULATION_ROUNDS; ++round) {
+        std::unordered_set<CPDFField*> fields(to_draw.begin() + static_cast<std::ptrdiff_t>(first), to_draw.end());
+        for (const size_t end = to_draw.size(); first < end; ++first) {
+            CPDFField* const field = to_draw[first];
+            if (fields.erase(field) == 0)
+                continue;
+            // A widget that only its page knows is found when the whole form is bound.
+            if (painter().draw(*field, widgets_to_draw(*field)) == 0 && !form_loaded) {
+                loaded_form();
+                painter().draw(*field, widgets_to_draw(*field));
+            }
+        }
+        bool stored = false;
+        status = take_from_sandbox(stored, nullptr);
+        if (status.ok() && stored)
+            status = calculate(nullptr);
+    }
+    return status;
+}
+
 CPDFStatus CPDFDocument::State::draw()
 {
     if (CPDFStatus status = to_calculate ? calculate(nullptr) : CPDFStatus(); !status.ok() || !values_changed)
         return status;
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    std::unordered_set<const CPDFField*> drawn;
-    for (CPDFField* field : to_draw) {
-        if (!drawn.insert(field).second)
-            continue;
-        // A widget that only its page knows is found when the whole form is bound.
-        if (painter().draw(*field, widgets_to_draw(*field)) == 0 && !form_loaded) {
-            loaded_form();
-            painter().draw(*field, widgets_to_draw(*field));
-        }
-    }
-    CPDFStatus status = needs_appearances(*xref, root) && !signatures().is_signed() ? draw_missing() : CPDFStatus();
+    CPDFStatus status = draw_changed();
+    if (status.ok() && needs_appearances(*xref, root) && !signatures().is_signed())
+        status = draw_missing();
     if (status.ok() && redraw && redraw->left_some())
         status = ask_to_draw();
     if (status.ok() && redraw)

@@ -22,9 +22,10 @@ CPDFStatus CPDFDocument::State::begin_edit(std::span<CPDFField* const> fields, P
     if (!status.ok())
         return status;
     redraw.reset();  // the form's fonts may change
+    forget_scripts();
+    shown_options = {};
     to_draw.clear();
     filled.clear();
-    calculation_order.reset();
     edited = true;
     if (edit == PDF_EDIT::FORCE)
         return {};
@@ -121,7 +122,7 @@ CPDFStatus CPDFDocument::design_fields(std::span<CPDFField* const> fields, const
         if (status.ok())
             status = ::design_fields(target, fields, design);
         if (design.sets_scripts())
-            m_state->forget_scripts();
+            m_state->calculate_later();
         const bool shown = design.style.sets_any() || design.sets_scripts();
         return status.ok() && shown ? m_state->show_anew(fields) : status;
     });
@@ -155,7 +156,7 @@ CPDFStatus CPDFDocument::copy_field(CPDFField& field, const std::string& name, c
             *out = copy;
         if (status.ok())
             status = tag_field(target, *copy);
-        m_state->forget_scripts();
+        m_state->calculate_later();
         return status.ok() ? m_state->show_moved(*copy, look) : status;
     });
 }

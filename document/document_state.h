@@ -48,7 +48,11 @@ struct CPDFDocument::State {
     std::optional<std::vector<CPDFField*>> calculation_order;  // borrowed; "CO"
     bool to_calculate = false;                                 // values changed since the last calculation
     std::vector<std::string> calculation_notes;
-    std::unordered_set<std::string> calculation_noted;  // the same
+    std::unordered_set<std::string> calculation_noted;                     // the same
+    std::optional<std::vector<PDF_DOCUMENT_SCRIPT>> document_script_list;  // read when they are asked for
+    std::vector<CPDFField*> changed_fields;  // borrowed; those that scripts made another kind of
+    std::vector<std::string> console;        // what scripts printed
+    size_t skipped = 0;                      // scripts that should have run
     CPDFOptionIndex shown_options;
     PDF_DRAWING drawing = PDF_DRAWING::DRAW;
     bool asked_to_draw = false;                   // the form tells viewers to draw its texts anew
@@ -88,9 +92,20 @@ struct CPDFDocument::State {
 
     // Null where no scripts run.
     CPDFFormCompute* compute();
+    PDF_SCRIPT_FIELDS script_fields();
+    void assume(const PDF_FILL_PLAN& plan);
+    PDF_SANDBOX_DOCUMENT sandbox_document();
     SCRIPT_DOCUMENT script_snapshot();
-    // Stores what scripts gave other fields, and notes which did not run. Tells in `stored` whether values changed.
-    CPDFStatus take_from_sandbox(bool& stored);
+    const std::vector<PDF_DOCUMENT_SCRIPT>& document_scripts();
+    // Stores what scripts made of other fields. Tells in `stored` whether values changed, and of which in `changed` unless that
+    // is null.
+    CPDFStatus take_from_sandbox(bool& stored, std::vector<CPDFField*>* changed);
+    CPDFStatus store_traits(const SCRIPT_TRAITS& traits);
+    CPDFStatus change_kind(CPDFField& field, const SCRIPT_TRAITS& traits);
+    CPDFStatus change_widgets(CPDFField& field, const SCRIPT_TRAITS& traits);
+    // Notes which scripts did not run, and what they printed.
+    void note_scripts();
+    void forget_scripts();
     // Whether the field's scripts take the value that `plan` is to store; they may change it.
     CPDFStatus commit(PDF_FILL_PLAN& plan, PDF_FILL fill);
     const std::vector<CPDFField*>& fields_to_calculate();
@@ -102,6 +117,7 @@ struct CPDFDocument::State {
     CPDFStatus show(std::span<CPDFField* const> fields);
     // Draws what show() noted, and all that lacks an appearance where the form asks viewers to draw.
     CPDFStatus draw();
+    CPDFStatus draw_changed();
     CPDFStatus draw_missing();
     CPDFStatus draw_states(CPDFField& field);
     // The same for fields whose widgets are to look anew in everything. Buttons are drawn at once, since only their
@@ -109,7 +125,7 @@ struct CPDFDocument::State {
     CPDFStatus show_anew(std::span<CPDFField* const> fields);
     CPDFStatus show_moved(CPDFField& field, PDF_MOVED_LOOK look);
     // Scripts of fields were changed: the form is calculated with the new ones.
-    void forget_scripts();
+    void calculate_later();
     CPDFRedraw& painter();
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
     CPDFStatus flatten();

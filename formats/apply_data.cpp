@@ -80,7 +80,10 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
     for (PDF_DATA_ITEM& item : items) {
         if (item.status.ok())
             item.status = check_item(document, item, fill);
+        if (item.status.ok())
+            item.status = document.assume(item.plan);
     }
+    document.drop_assumptions();
     return items;
 }
 

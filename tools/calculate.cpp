@@ -29,7 +29,7 @@ int calculate(CALCULATE_ARGUMENTS& arguments)
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
-        note_scripts(document, arguments.input);
+        note_scripts(document, arguments.scripts, arguments.input);
     return end_with(status, arguments.input.path.text);
 }
 

@@ -42,7 +42,7 @@ int reset_fields(RESET_ARGUMENTS& arguments)
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
-        note_scripts(document, arguments.input);
+        note_scripts(document, arguments.scripts, arguments.input);
     return end_with(status, arguments.input.path.text);
 }
 

@@ -14,6 +14,7 @@ void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
     verb.add_option("--script-seconds", arguments.time,
                     "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
         ->option_text("N");
+    verb.add_flag("--verbose", arguments.verbose, "say on standard error what scripts print (console.println)");
 }
 
 CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
@@ -28,10 +29,17 @@ CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
     return {};
 }
 
-void note_scripts(const CPDFDocument& document, const COMMAND_INPUT& input)
+void note_script_run(const CPDFDocument& document, const SCRIPT_ARGUMENTS& arguments, const COMMAND_INPUT& input)
 {
+    for (const std::string& line : arguments.verbose ? document.script_console() : std::vector<std::string>())
+        complain(input.path.text, "console: " + line);
     for (const std::string& note : document.calculation_notes())
         complain(input.path.text, "note: " + note);
+}
+
+void note_scripts(const CPDFDocument& document, const SCRIPT_ARGUMENTS& arguments, const COMMAND_INPUT& input)
+{
+    note_script_run(document, arguments, input);
     note_skipped_scripts(document.skipped_scripts(), input);
 }
 

@@ -5,7 +5,6 @@
 
 #include "core/limits.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/value_text.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_walk.h"
@@ -25,13 +24,6 @@ FIELD_EVENT event_for(const CPDFField& field, const std::string& text)
 }
 
 }  // namespace
-
-std::string script_value_of(const CPDFField& field)
-{
-    if (field.m_value.type == PDF_OBJ_STREAM)
-        return stream_text(*field.m_xref, *field.m_value.stream);
-    return value_text(*field.m_xref, field.m_value).joined();
-}
 
 const std::vector<const PDF_FIELD_SCRIPT*>& CPDFFormCompute::scripts(const CPDFField& field, PDF_SCRIPT_EVENT event)
 {
@@ -113,7 +105,7 @@ std::optional<PDF_SHOWN_TEXT> CPDFFormCompute::format(const CPDFField& field, co
 
 void CPDFFormCompute::append_values(const std::string& name, std::vector<std::string>& out) const
 {
-    CPDFField* const found = m_budget.spend(VALUE_WORK + name.size()) ? m_find(name) : nullptr;
+    CPDFField* const found = m_budget.spend(VALUE_WORK + name.size()) ? m_fields.find(name) : nullptr;
     if (!found)
         return;
     size_t left = LIMIT_GROUP_VALUES;
@@ -121,7 +113,7 @@ void CPDFFormCompute::append_values(const std::string& name, std::vector<std::st
         const bool holds_value = field.m_kid_cnt == 0 || (field.m_kids[0] && field.m_kids[0]->m_name.len == 0);
         if (!m_budget.spend(VALUE_WORK) || field.m_name.len <= 0 || !holds_value)
             return;
-        std::string value = script_value_of(field);
+        std::string value = value_of(field);
         const size_t size = VALUE_WORK + value.size();
         if (m_budget.spend(size <= left ? size : SIZE_MAX))
             out.push_back(std::move(value));

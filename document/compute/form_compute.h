@@ -1,16 +1,15 @@
 // What a form computes: what values its scripts take, what they make of them, and how they are shown.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "document/compute/field_sandbox.h"
 #include "document/compute/field_scripts.h"
+#include "document/compute/script_fields.h"
 #include "file/status.h"
 
 class CPDFField;
@@ -23,19 +22,23 @@ struct PDF_SHOWN_TEXT {
 
 class CPDFFormCompute : private CPDFFieldValues {
 public:
-    using Find = std::function<CPDFField*(std::string_view name)>;
-
-    // `find` answers which field has a full name, null for none; scripts ask for others by name. What scripts take counts
-    // against `budget`, borrowed: nothing runs when it is used up, which whoever began the operation is to tell.
-    CPDFFormCompute(Find find, CPDFReadBudget& budget) : m_find(std::move(find)), m_budget(budget), m_scripts(budget) {}
+    // Scripts ask `fields` for others. What scripts take counts against `budget`, borrowed: nothing runs when it is used up,
+    // which whoever began the operation is to tell.
+    CPDFFormCompute(PDF_SCRIPT_FIELDS fields, CPDFReadBudget& budget)
+        : m_fields(std::move(fields)), m_budget(budget), m_scripts(budget)
+    {
+    }
 
     // From now on scripts that are no well-known calls run, too.
-    void use_sandbox(std::function<SCRIPT_DOCUMENT()> snapshot, const SCRIPT_LIMITS& limits)
+    void use_sandbox(PDF_SANDBOX_DOCUMENT document, const SCRIPT_LIMITS& limits)
     {
-        m_sandbox.emplace(std::move(snapshot), limits);
+        m_sandbox.emplace(std::move(document), limits);
     }
     // Null where those do not run.
     CPDFFieldSandbox* sandbox() { return m_sandbox ? &*m_sandbox : nullptr; }
+
+    // The field's value as its scripts see it.
+    std::string value_of(const CPDFField& field) const { return script_value_of(field, m_fields); }
 
     // Asks the field's scripts whether it takes `text`: those of keystrokes as when the value is committed, then those that
     // validate. They may change it. The refusal, in the script's own words, ends a sentence about the field. An empty text is
@@ -61,12 +64,9 @@ private:
     CPDFStatus check(const CPDFField& field, PDF_SCRIPT_EVENT event, std::string& text);
     void append_values(const std::string& name, std::vector<std::string>& out) const override;
 
-    Find m_find;
+    PDF_SCRIPT_FIELDS m_fields;
     CPDFReadBudget& m_budget;  // borrowed
     CPDFFieldScripts m_scripts;
     std::optional<CPDFFieldSandbox> m_sandbox;
     std::set<std::pair<uint32_t, int>> m_skipped;  // object number of the field, and the event
 };
-
-// The text of a field's value as scripts see it; empty when it has none.
-std::string script_value_of(const CPDFField& field);

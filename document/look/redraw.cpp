@@ -212,8 +212,14 @@ CPDFStatus CPDFRedraw::finish(std::vector<std::string>& notes)
     return {};
 }
 
+void CPDFRedraw::options_changed()
+{
+    *m_options = CPDFOptionIndex();
+}
+
 void CPDFRedraw::changes_dropped()
 {
+    options_changed();
     m_fonts->changes_dropped();
     m_pictures.clear();
     m_notes.clear();

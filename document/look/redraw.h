@@ -55,6 +55,9 @@ public:
     // Whether widgets were left as they are since the last finish(), for more than LIMIT_DRAWN_CHARACTERS.
     bool left_some() const { return m_characters > LIMIT_DRAWN_CHARACTERS; }
 
+    // To be called when a field has got other options.
+    void options_changed();
+
     // To be called when all changes of the document were dropped.
     void changes_dropped();
 

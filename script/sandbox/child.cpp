@@ -157,6 +157,7 @@ private:
         for (const SCRIPT_CHANGE& change : m_host.run.changes)
             m_host.take_change(change);
         run();
+        m_host.tell_traits();
         const std::string bytes = write_message(m_host.answer);
         if (bytes.size() <= SCRIPT_MESSAGE_MAX)
             return send(bytes);

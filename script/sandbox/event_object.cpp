@@ -25,7 +25,9 @@ void set_flag(js_State* js, const char* name, int flag)
 
 void set_field(js_State* js, const char* name, const std::string& field)
 {
-    if (SCRIPT_NODE* node = host_of(js).node(field))
+    SCRIPT_HOST& host = host_of(js);
+    SCRIPT_NODE* const node = host.run.event_type == "Field" ? host.node(field) : nullptr;
+    if (node)
         push_field(js, *node);
     else
         js_pushglobal(js);

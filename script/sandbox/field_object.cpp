@@ -1,4 +1,5 @@
-// Fields as scripts see them. What scripts change but the value lasts as long as the scripts do.
+// Fields as scripts see them. Values, some flags, how they show and their items are told to the document; what else scripts
+// change lasts as long as they do.
 #include <algorithm>
 
 #include "script/functions/characters.h"
@@ -118,8 +119,12 @@ uint8_t flag_of(js_State* js)
 
 void put_flag(js_State* js, uint8_t flag, bool on)
 {
+    SCRIPT_HOST& host = host_of(js);
     for (const size_t index : node_of(js).fields) {
-        uint8_t& flags = host_of(js).change(index).flags;
+        const bool read_only = flag == SCRIPT_READ_ONLY;
+        const bool told = read_only || flag == SCRIPT_REQUIRED;
+        const SCRIPT_TRAIT trait = read_only ? SCRIPT_TRAIT_READ_ONLY : SCRIPT_TRAIT_REQUIRED;
+        uint8_t& flags = (told ? host.change_trait(index, trait) : host.change(index)).flags;
         flags = static_cast<uint8_t>(on ? flags | flag : flags & ~flag);
     }
 }
@@ -135,16 +140,33 @@ void set_flag(js_State* js)
     js_pushundefined(js);
 }
 
-// display.visible is 0, display.hidden 1; what shows on paper only counts as visible.
 void get_display(js_State* js)
 {
-    js_pushnumber(js, (field_of(js).flags & SCRIPT_HIDDEN) != 0);
+    js_pushnumber(js, static_cast<int>(field_of(js).display));
+}
+
+void put_display(js_State* js, int display)
+{
+    const bool known = display >= 0 && display < static_cast<int>(SCRIPT_DISPLAY::COUNT);
+    for (const size_t index : node_of(js).fields)
+        if (known)
+            host_of(js).change_trait(index, SCRIPT_TRAIT_DISPLAY).display = static_cast<SCRIPT_DISPLAY>(display);
+    js_pushundefined(js);
 }
 
 void set_display(js_State* js)
 {
-    put_flag(js, SCRIPT_HIDDEN, js_tointeger(js, 1) == 1);
-    js_pushundefined(js);
+    put_display(js, js_tointeger(js, 1));
+}
+
+void get_hidden(js_State* js)
+{
+    js_pushboolean(js, field_of(js).display == SCRIPT_DISPLAY::HIDDEN);
+}
+
+void set_hidden(js_State* js)
+{
+    put_display(js, js_toboolean(js, 1));
 }
 
 void get_char_limit(js_State* js)
@@ -175,11 +197,33 @@ void get_rect(js_State* js)
     }
 }
 
-// Black text is all that is known of how fields look; red text of the event's own field is told to whoever draws it.
-void get_text_color(js_State* js)
+constexpr size_t COLORS[] = {SCRIPT_TEXT_COLOR, SCRIPT_FILL_COLOR, SCRIPT_STROKE_COLOR};
+
+void get_color(js_State* js)
 {
-    const bool own = node_of(js).name == host_of(js).event.target;
-    push_color(js, own ? host_of(js).event.color : EVENT_COLOR::BLACK);
+    push_color(js, field_of(js).colors[*static_cast<const size_t*>(js_currentfunctiondata(js))]);
+}
+
+// Numbers only, as many as the name of the space asks for: other colours are transparent.
+void put_color(js_State* js)
+{
+    static constexpr std::pair<const char*, size_t> SPACES[] = {{"G", 1}, {"RGB", 3}, {"CMYK", 4}};
+    SCRIPT_HOST& host = host_of(js);
+    read_texts(js, 1);
+    host.arguments.clear();
+    for (const std::string& text : host.texts)
+        host.arguments.push_back({text});
+    const auto has_space = [&host](const auto& space) {
+        return !host.texts.empty() && host.texts[0] == space.first && host.texts.size() == space.second + 1;
+    };
+    const bool known = std::any_of(std::begin(SPACES), std::end(SPACES), has_space);
+    for (const size_t index : node_of(js).fields) {
+        std::vector<double>& color = host.change(index).colors[*static_cast<const size_t*>(js_currentfunctiondata(js))];
+        color.clear();
+        for (size_t i = 1; known && i < host.arguments.size(); ++i)
+            color.push_back(host.arguments[i].number());
+    }
+    js_pushundefined(js);
 }
 
 void set_text_color(js_State* js)
@@ -187,17 +231,11 @@ void set_text_color(js_State* js)
     read_texts(js, 1);
     SCRIPT_HOST& host = host_of(js);
     const std::vector<std::string>& color = host.texts;
+    // Red text of the event's own field is told to whoever draws it.
     const bool red = color.size() == 4 && color[0] == "RGB" && color[1] == "1" && color[2] == "0" && color[3] == "0";
     if (node_of(js).name == host.event.target)
         host.event.color = red ? EVENT_COLOR::RED : EVENT_COLOR::BLACK;
-    js_pushundefined(js);
-}
-
-void get_no_color(js_State* js)
-{
-    js_newarray(js);
-    js_pushliteral(js, "T");
-    js_setindex(js, -2, 0);
+    put_color(js);
 }
 
 void keep_as_it_is(js_State* js)
@@ -231,7 +269,8 @@ void get_item(js_State* js)
 void clear_items(js_State* js)
 {
     for (const size_t index : node_of(js).fields)
-        host_of(js).change(index).items.clear();
+        if (is_choice(host_of(js).document.fields[index]))
+            host_of(js).change_trait(index, SCRIPT_TRAIT_ITEMS).items.clear();
     js_pushundefined(js);
 }
 
@@ -249,7 +288,8 @@ void set_items(js_State* js)
         if (host.texts.empty())
             continue;
         for (const size_t index : node.fields)
-            host.change(index).items.push_back({host.texts.front(), host.texts.back()});
+            if (is_choice(host.document.fields[index]))
+                host.change(index).items.push_back({host.texts.front(), host.texts.back()});
     }
     js_pushundefined(js);
 }
@@ -263,7 +303,9 @@ void insert_item(js_State* js)
     const char* const value = js_isdefined(js, 2) ? text_at(js, 2) : shown;
     const int at = js_isdefined(js, 3) ? js_tointeger(js, 3) : 0;
     for (const size_t index : node.fields) {
-        std::vector<SCRIPT_ITEM>& items = host.change(index).items;
+        if (!is_choice(host.document.fields[index]))
+            continue;
+        std::vector<SCRIPT_ITEM>& items = host.change_trait(index, SCRIPT_TRAIT_ITEMS).items;
         const bool last = at < 0 || static_cast<size_t>(at) > items.size();
         items.insert(last ? items.end() : items.begin() + at, SCRIPT_ITEM{shown, value});
     }
@@ -273,9 +315,10 @@ void insert_item(js_State* js)
 void delete_item(js_State* js)
 {
     const SCRIPT_FIELD& field = field_of(js);
-    if (!field.items.empty()) {
+    if (is_choice(field) && !field.items.empty()) {
         const size_t at = item_index(js, 1, field.items.size());
-        std::vector<SCRIPT_ITEM>& items = host_of(js).change(node_of(js).fields.front()).items;
+        std::vector<SCRIPT_ITEM>& items =
+            host_of(js).change_trait(node_of(js).fields.front(), SCRIPT_TRAIT_ITEMS).items;
         items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));
     }
     js_pushundefined(js);
@@ -377,7 +420,6 @@ void define_flags(js_State* js)
         uint8_t flag;
     } FLAGS[] = {{"readonly", SCRIPT_READ_ONLY},
                  {"required", SCRIPT_REQUIRED},
-                 {"hidden", SCRIPT_HIDDEN},
                  {"multiline", SCRIPT_MULTILINE},
                  {"comb", SCRIPT_COMB}};
     for (const auto& each : FLAGS)
@@ -402,12 +444,14 @@ void define_fields(js_State* js)
     define_property(js, "valueAsString", get_text, nullptr);
     define_property(js, "defaultValue", get_default, set_default);
     define_property(js, "display", get_display, set_display);
+    define_property(js, "hidden", get_hidden, set_hidden);
     define_property(js, "charLimit", get_char_limit, set_char_limit);
     define_property(js, "page", get_page, nullptr);
     define_property(js, "rect", get_rect, keep_as_it_is);
-    define_property(js, "textColor", get_text_color, set_text_color);
-    define_property(js, "fillColor", get_no_color, keep_as_it_is);
-    define_property(js, "strokeColor", get_no_color, keep_as_it_is);
+    static constexpr const char* COLOR_NAMES[] = {"textColor", "fillColor", "strokeColor"};
+    for (const size_t& color : COLORS)
+        define_property(js, COLOR_NAMES[color], get_color, color == SCRIPT_TEXT_COLOR ? set_text_color : put_color,
+                        const_cast<size_t*>(&color));
     define_property(js, "numItems", get_item_count, nullptr);
     define_property(js, "currentValueIndices", get_indices, set_indices);
     define_property(js, "exportValues", get_export_values, nullptr);

@@ -1,6 +1,7 @@
 #include "script/sandbox/host.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -29,6 +30,7 @@ void SCRIPT_HOST::load(SCRIPT_DOCUMENT&& loaded)
     m_by_name.clear();
     m_nodes.clear();
     m_originals.clear();
+    m_traits.clear();
     for (size_t i = 0; i < document.fields.size(); ++i)
         m_by_name.emplace(document.fields[i].name, i);
 }
@@ -75,6 +77,24 @@ SCRIPT_FIELD& SCRIPT_HOST::change(size_t index)
 {
     m_originals.emplace(index, document.fields[index]);
     return document.fields[index];
+}
+
+SCRIPT_FIELD& SCRIPT_HOST::change_trait(size_t index, SCRIPT_TRAIT trait)
+{
+    m_traits[index] |= trait;
+    return change(index);
+}
+
+void SCRIPT_HOST::tell_traits()
+{
+    answer.traits.clear();
+    for (const auto& [index, made] : m_traits) {
+        const SCRIPT_FIELD& at = document.fields[index];
+        answer.traits.push_back({at.name, made, at.flags, at.display, {}});
+        if (made & SCRIPT_TRAIT_ITEMS)
+            answer.traits.back().items = at.items;
+    }
+    m_traits.clear();
 }
 
 void SCRIPT_HOST::set_value(size_t index, std::vector<std::string> value)
@@ -138,14 +158,15 @@ void push_text(js_State* js, const std::string& text)
     js_pushstring(js, text.c_str());
 }
 
-void push_color(js_State* js, EVENT_COLOR color)
+void push_color(js_State* js, const std::vector<double>& color)
 {
+    constexpr const char* SPACES[] = {"T", "G", "T", "RGB", "CMYK"};
     js_newarray(js);
-    js_pushliteral(js, color == EVENT_COLOR::RED ? "RGB" : "G");
+    js_pushstring(js, SPACES[std::min(color.size(), std::size(SPACES) - 1)]);
     js_setindex(js, -2, 0);
-    for (int i = 1; i < (color == EVENT_COLOR::RED ? 4 : 2); ++i) {
-        js_pushnumber(js, color == EVENT_COLOR::RED && i == 1);
-        js_setindex(js, -2, i);
+    for (size_t i = 0; i < color.size(); ++i) {
+        js_pushnumber(js, color[i]);
+        js_setindex(js, -2, static_cast<int>(i) + 1);
     }
 }
 

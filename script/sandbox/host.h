@@ -29,7 +29,11 @@ struct SCRIPT_HOST : CPDFFieldValues {
     // For changes: what it was comes back with renew.
     SCRIPT_FIELD& change(size_t index);
     void set_value(size_t index, std::vector<std::string> value);
+    // The same for what is told of a field besides its value.
+    SCRIPT_FIELD& change_trait(size_t index, SCRIPT_TRAIT trait);
     void take_change(const SCRIPT_CHANGE& change);
+    // Puts into the answer what scripts made since the last one.
+    void tell_traits();
     void alert(std::string text);
     void print(std::string line);
 
@@ -49,6 +53,7 @@ private:
     std::map<std::string, size_t> m_by_name;
     std::map<std::string, SCRIPT_NODE> m_nodes;
     std::map<size_t, SCRIPT_FIELD> m_originals;
+    std::map<size_t, uint8_t> m_traits;  // SCRIPT_TRAIT, by field
     size_t m_printed = 0;
 };
 
@@ -62,7 +67,8 @@ const char* text_at(js_State* js, int index);
 // Leaves the texts of a list, or the one of anything else, in the host.
 void read_texts(js_State* js, int index);
 void push_text(js_State* js, const std::string& text);
-void push_color(js_State* js, EVENT_COLOR color);
+// A colour of so many components as scripts have it; none is transparent.
+void push_color(js_State* js, const std::vector<double>& color);
 
 // Put a function into the object on top of the stack, or an accessor; `data` as js_newcfunctionx has it.
 void define_function(js_State* js, const char* name, js_CFunction function, void* data = nullptr);

@@ -145,6 +145,36 @@ void event_record(Way& way, Event& event)
         event.color = color;
 }
 
+template <typename Way, typename Display>
+void display_record(Way& way, Display& display)
+{
+    auto number = display;
+    enumeration(way, number, SCRIPT_DISPLAY::NO_VIEW);
+    if constexpr (READS<Way>)
+        display = number;
+}
+
+template <typename Way, typename Items>
+void items_record(Way& way, Items& items)
+{
+    way.list(items, [&way](auto& item) {
+        way.text(item.shown);
+        way.text(item.value);
+    });
+}
+
+template <typename Way, typename List>
+void traits_record(Way& way, List& list)
+{
+    way.list(list, [&way](auto& traits) {
+        way.text(traits.field);
+        way.number(traits.made);
+        way.number(traits.flags);
+        display_record(way, traits.display);
+        items_record(way, traits.items);
+    });
+}
+
 template <typename Way, typename Field>
 void field_record(Way& way, Field& field)
 {
@@ -154,16 +184,16 @@ void field_record(Way& way, Field& field)
     if constexpr (READS<Way>)
         field.type = type;
     way.number(field.flags);
+    display_record(way, field.display);
     texts(way, field.value);
     way.text(field.default_value);
-    way.list(field.items, [&way](auto& item) {
-        way.text(item.shown);
-        way.text(item.value);
-    });
+    items_record(way, field.items);
     way.number(field.char_limit);
     way.number(field.page);
     for (auto& side : field.rect)
         way.number(side);
+    for (auto& color : field.colors)
+        way.list(color, [&way](auto& value) { way.number(value); });
 }
 
 template <typename Way, typename Document>
@@ -197,6 +227,7 @@ void record(Way& way, Answer& answer) requires std::is_same_v<std::remove_const_
     way.text(answer.fault);
     event_record(way, answer.event);
     changes(way, answer.changes);
+    traits_record(way, answer.traits);
     texts(way, answer.console);
 }
 
@@ -283,6 +314,13 @@ bool read_message(std::string_view message, SCRIPT_ANSWER& out)
         make_well_formed(change.field);
         for (std::string& text : change.value)
             make_well_formed(text);
+    }
+    for (SCRIPT_TRAITS& traits : out.traits) {
+        make_well_formed(traits.field);
+        for (SCRIPT_ITEM& item : traits.items) {
+            make_well_formed(item.shown);
+            make_well_formed(item.value);
+        }
     }
     for (std::string& line : out.console)
         make_well_formed(line);

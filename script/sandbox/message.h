@@ -20,10 +20,14 @@ enum class SCRIPT_FIELD_TYPE : uint8_t { TEXT, CHECKBOX, RADIO, BUTTON, LIST, CO
 enum SCRIPT_FIELD_FLAG : uint8_t {
     SCRIPT_READ_ONLY = 1,
     SCRIPT_REQUIRED = 2,
-    SCRIPT_HIDDEN = 4,
-    SCRIPT_MULTILINE = 8,
-    SCRIPT_COMB = 16,
+    SCRIPT_MULTILINE = 4,
+    SCRIPT_COMB = 8,
 };
+
+// Where and how the widgets of a field show, in the numbers that scripts have for it.
+enum class SCRIPT_DISPLAY : uint8_t { VISIBLE, HIDDEN, NO_PRINT, NO_VIEW, COUNT };
+
+enum SCRIPT_COLOR { SCRIPT_TEXT_COLOR, SCRIPT_FILL_COLOR, SCRIPT_STROKE_COLOR, SCRIPT_COLOR_COUNT };
 
 struct SCRIPT_ITEM {
     std::string shown;
@@ -34,12 +38,14 @@ struct SCRIPT_FIELD {
     std::string name;  // full name
     SCRIPT_FIELD_TYPE type = SCRIPT_FIELD_TYPE::TEXT;
     uint8_t flags = 0;
+    SCRIPT_DISPLAY display = SCRIPT_DISPLAY::VISIBLE;
     std::vector<std::string> value;  // several of a list box only
     std::string default_value;
     std::vector<SCRIPT_ITEM> items;  // options of a choice; of a check box or radio group a value for each widget
     int32_t char_limit = 0;
-    int32_t page = 0;              // from 0
+    int32_t page = 0;              // of the first widget, from 0; -1 for none
     std::array<double, 4> rect{};  // of the first widget, in points: left, top, right, bottom
+    std::array<std::vector<double>, SCRIPT_COLOR_COUNT> colors;  // of the first widget: gray, RGB, CMYK or none
 };
 
 struct SCRIPT_TEXT {
@@ -60,6 +66,22 @@ struct SCRIPT_CHANGE {
     std::vector<std::string> value;
 };
 
+// What of a field, besides its value, a script has made as it stands here.
+enum SCRIPT_TRAIT : uint8_t {
+    SCRIPT_TRAIT_READ_ONLY = 1,
+    SCRIPT_TRAIT_REQUIRED = 2,
+    SCRIPT_TRAIT_DISPLAY = 4,
+    SCRIPT_TRAIT_ITEMS = 8,
+};
+
+struct SCRIPT_TRAITS {
+    std::string field;
+    uint8_t made = 0;   // SCRIPT_TRAIT
+    uint8_t flags = 0;  // SCRIPT_FIELD_FLAG
+    SCRIPT_DISPLAY display = SCRIPT_DISPLAY::VISIBLE;
+    std::vector<SCRIPT_ITEM> items;
+};
+
 // One script that is to run, in the event that its field has.
 struct SCRIPT_RUN {
     std::vector<SCRIPT_CHANGE> changes;  // of other fields since the last run
@@ -74,6 +96,7 @@ struct SCRIPT_ANSWER {
     std::string fault;  // why the script did not come to its end; empty when it did
     FIELD_EVENT event;
     std::vector<SCRIPT_CHANGE> changes;  // in the order in which the script made them
+    std::vector<SCRIPT_TRAITS> traits;
     std::vector<std::string> console;
 };
 

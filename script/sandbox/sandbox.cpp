@@ -38,6 +38,11 @@ private:
     sigset_t m_before{};
 };
 
+double seconds_of(const timeval& time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
 }  // namespace
 
 bool CPDFScriptSandbox::start()
@@ -75,22 +80,26 @@ void CPDFScriptSandbox::stop()
     m_child = 0;
 }
 
-// The status that waitpid gives; 0 when somebody else took it.
+// The status that waitpid gives; 0 when somebody else took it. Counts the time of the run that it ends.
 int CPDFScriptSandbox::wait_for_end()
 {
     int status = 0;
+    rusage usage{};
     pid_t ended = 0;
     do
-        ended = waitpid(m_child, &status, 0);
+        ended = wait4(m_child, &status, 0, &usage);
     while (ended < 0 && errno == EINTR);
     m_child = 0;
+    if (ended > 0)
+        m_used += std::max(0.0, seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime) - m_began);
     return ended < 0 ? 0 : status;
 }
 
 void CPDFScriptSandbox::renew()
 {
     m_used = 0;
-    m_out_of_time = false;
+    m_losses = 0;
+    m_out_of_time = m_too_large = m_was_killed = false;
     if (!needs_document() && (!begin_time() || !send(write_message(SCRIPT_REQUEST::RENEW))))
         stop();
 }
@@ -99,11 +108,13 @@ void CPDFScriptSandbox::load(const SCRIPT_DOCUMENT& document)
 {
     const std::string message = write_message(SCRIPT_REQUEST::LOAD, document);
     m_too_large = message.size() > SCRIPT_MESSAGE_MAX;
-    if (m_too_large || m_out_of_time || (m_child <= 0 && !start()))
+    if (gave_up() || (m_child <= 0 && !start()))
         return;
     m_loaded = begin_time() && send(message);
-    if (!m_loaded)
-        stop();
+    if (m_loaded)
+        return;
+    ++m_losses;
+    stop();
 }
 
 SCRIPT_ANSWER CPDFScriptSandbox::failed(std::string fault)
@@ -115,10 +126,13 @@ SCRIPT_ANSWER CPDFScriptSandbox::failed(std::string fault)
 
 SCRIPT_ANSWER CPDFScriptSandbox::run(const SCRIPT_RUN& run)
 {
+    m_was_killed = false;
     if (m_too_large)
         return failed("the form is too large for its scripts");
     if (m_out_of_time)
         return failed(time_fault());
+    if (m_losses >= LOSSES_MAX)
+        return failed("too many scripts before it ended their process");
     if (needs_document())
         return failed(std::string(NO_PROCESS));
     const std::string message = write_message(SCRIPT_REQUEST::RUN, run);
@@ -133,6 +147,7 @@ SCRIPT_ANSWER CPDFScriptSandbox::run(const SCRIPT_RUN& run)
         return failed(why_lost());
     SCRIPT_ANSWER answer;
     if (!size || !read_message(text, answer)) {
+        ++m_losses;
         stop();
         return failed("its process answered nonsense");
     }
@@ -227,6 +242,8 @@ std::string CPDFScriptSandbox::why_lost()
         if (info.si_pid == 0)
             usleep(1000);
     }
+    m_was_killed = info.si_pid != 0 && info.si_code == CLD_KILLED && info.si_status == SIGKILL;
+    ++m_losses;
     kill(m_child, SIGKILL);
     const int status = wait_for_end();
     m_out_of_time = killed || (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU);

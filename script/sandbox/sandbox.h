@@ -26,13 +26,17 @@ public:
     void renew();
 
     // Whether a document has to be loaded before the next run: at first, and after the process was lost. Scripts that
-    // prepare the document run after each renewal and each loading.
-    bool needs_document() const { return m_child <= 0 || !m_loaded; }
+    // prepare the document run after each renewal and each loading. False, too, when no script will run until the next renewal.
+    bool needs_document() const { return !gave_up() && (m_child <= 0 || !m_loaded); }
     void load(const SCRIPT_DOCUMENT& document);
 
     // Runs a script. Where it does not come to its end, or anything is wrong with the process, the answer has a fault, the
     // end of a sentence such as "it took longer than 2 seconds", and nothing else counts.
     SCRIPT_ANSWER run(const SCRIPT_RUN& run);
+
+    // Whether the last run failed only because somebody else ended the process, as the system does when the thread that started
+    // it ends: it may be made once more.
+    bool was_killed() const { return m_was_killed; }
 
     // The process, for those who look from outside; 0 for none.
     pid_t child() const { return m_child > 0 ? m_child : 0; }
@@ -40,6 +44,9 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    static constexpr int LOSSES_MAX = 10;
+
+    bool gave_up() const { return m_too_large || m_out_of_time || m_losses >= LOSSES_MAX; }
     bool start();
     void stop();
     int wait_for_end();
@@ -58,6 +65,8 @@ private:
     bool m_loaded = false;
     bool m_too_large = false;
     bool m_out_of_time = false;
+    bool m_was_killed = false;
+    int m_losses = 0;          // processes that this document has lost
     double m_used = 0;         // seconds of processor time of this document before `m_began`
     double m_began = 0;        // processor time of the child when the run began
     Clock::time_point m_ends;  // when a run ends at the latest, however little the machine let it run

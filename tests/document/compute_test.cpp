@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "formats/apply_data.h"
 #include "tests/document/fill_fixture.h"
 
 namespace {
@@ -171,6 +172,46 @@ TEST(ComputeTest, FormsOpenedForSingleFieldsAreCalculatedToo)
     ASSERT_TRUE(f.document.calculate(&changed).ok());
     EXPECT_THAT(changed, ElementsAre(&f.field("total")));
     EXPECT_EQ(FormAtWork(f.saved()).entry(12, "V"), "(7)");
+}
+
+// What a questionnaire does: buttons whose states are numbers in a row, and what they count for in "Opt".
+TEST(ComputeTest, ButtonsCountForWhatTheyExport)
+{
+    FormAtWork f(form({text_field("t", {{"C", sum_of("'q'")}}), text_field("x", {}), text_field("y", {}),
+                       "/FT/Btn/Ff 49152/T(q)/Opt[(10)(20)]/Kids[20 0 R 21 0 R]"},
+                      "/CO[10 0 R]", "/Parent 13 0 R" + widget_states("0") + ";/Parent 13 0 R" + widget_states("1")));
+    ASSERT_TRUE(f.set("q", "20").ok());
+    EXPECT_THAT(f.memory(), AllOf(HasSubstr("q=/1"), HasSubstr("t=(20)")));
+}
+
+TEST(ComputeTest, ValuesThatAreSetTogetherAreCheckedTogether)
+{
+    FormAtWork f(
+        form({text_field("from", {}), text_field("to", {{"V", "if (event.value < getField('from').value) {"
+                                                              " app.alert('too early'); event.rc = false; }"}})}));
+    f.document.set_scripts(PDF_SCRIPTS::ALL);
+    ASSERT_TRUE(f.set("from", "2").ok());
+    const auto plan = [&f](const char* from, const char* to) {
+        return plan_data(f.document,
+                         {{"from", from, PDF_WORDS::STATES_FIRST, true}, {"to", to, PDF_WORDS::STATES_FIRST, true}},
+                         PDF_FILL::RESPECT_READ_ONLY);
+    };
+    EXPECT_TRUE(refusals_of(plan("1", "1")).ok());
+    EXPECT_EQ(refusals_of(plan("4", "3")).text, "field \"to\" does not take \"3\": too early");
+    EXPECT_TRUE(f.set("to", "3").ok()) << "what was only asked is forgotten";
+}
+
+TEST(ComputeTest, EditsOfTheFormAreSeen)
+{
+    FormAtWork f(
+        form({text_field("a", {}), text_field("t", {{"C", sum_of("'a','b'")}}), text_field("b", {})}, "/CO[11 0 R]"));
+    ASSERT_TRUE(f.set("a", "1").ok());
+    ASSERT_TRUE(f.set("b", "1").ok());
+    ASSERT_TRUE(f.document.remove_field(f.field("b")).ok());
+    ASSERT_TRUE(f.set("a", "5").ok());
+    EXPECT_THAT(f.memory(), HasSubstr("t=(5)"));
+    ASSERT_TRUE(f.document.remove_field(f.field("t")).ok());
+    EXPECT_TRUE(f.set("a", "6").ok());
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     if (!accepted)
         return COMMAND_REFUSED;
     if (arguments.dry_run) {
-        note_scripts(document, arguments.input);
+        note_scripts(document, arguments.scripts, arguments.input);
         return put_done();
     }
     note_xfa(document, arguments.input, arguments.xfa);
@@ -106,7 +106,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     if (status.ok())
         status = save_output(document, arguments.input, arguments.output);
     if (status.ok())
-        note_scripts(document, arguments.input);
+        note_scripts(document, arguments.scripts, arguments.input);
     return end_with(status, arguments.input.path.text);
 }
 

@@ -39,8 +39,10 @@ private:
             items = plan_data(m_document, row.data, m_arguments.how());
         CPDFStatus status = refusals_of(items);
         const bool is_written = status.ok() && !m_arguments.dry_run;
-        if (!is_written && !m_arguments.report)
+        if (!is_written && !m_arguments.report) {
+            m_document.revert();  // what scripts did when they looked at the values
             return status;
+        }
         std::vector<CPDFField*> calculated;
         CPDFStatus written = apply_data(m_document, items, &calculated);
         if (m_arguments.report)
@@ -61,8 +63,7 @@ private:
     void note_row()
     {
         note_drawing(m_document, m_arguments.input);
-        for (const std::string& note : m_document.calculation_notes())
-            complain(m_arguments.input.path.text, "note: " + note);
+        note_script_run(m_document, m_arguments.scripts, m_arguments.input);
     }
 
     CPDFDocument& m_document;  // borrowed from the caller, as the following
