@@ -11,6 +11,9 @@
 
 #include "core/object.h"
 #include "document/compute/scripts.h"
+#include "document/design/field_design.h"
+#include "document/design/move_field.h"
+#include "document/design/tab_order.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
 #include "file/read_budget.h"
@@ -192,7 +195,8 @@ public:
     // The structure of the form. Each loads the whole form, keeps names, widgets and tree in step, and refuses, with
     // nothing changed, what signatures forbid unless `edit` is FORCE, and what the functions that do it say (insert_field,
     // erase_field, set_field_name, set_field_parent in document/edit, set_field.h).
-    // When memory runs out a part may be done. XFA data stay as they are. The new field is handed out in `added` unless
+    // When memory runs out a part may be done. XFA data stay as they are. In a tagged document the structure follows, see
+    // tags/structure.h. The new field is handed out in `added` unless
     // that is null. Widgets are drawn anew, see set_drawing, where texts look different: for a new text or
     // choice field, changed options, another maximum length, and several lines, passwords or combs switched on or off.
     CPDFStatus add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES,
@@ -207,6 +211,18 @@ public:
                           CPDFField** moved = nullptr);
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Makes `design` that of every field, or of none where one of them refuses it; see check_design. The widgets are drawn anew.
+    CPDFStatus design_fields(std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
+                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Moves the widgets of the field, and makes a field like another one, see design/move_field.h. The copy is handed out in
+    // `copy` unless that is null. What looks different then is drawn anew.
+    CPDFStatus move_widgets(CPDFField& field, const PDF_MOVE& move, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+    CPDFStatus copy_field(CPDFField& field, const std::string& name, const PDF_MOVE& move,
+                          PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, CPDFField** copy = nullptr);
+    // The order in which the tab key goes through the fields, see design/tab_order.h.
+    CPDFStatus order_tabs(const PDF_TABS& tabs, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
     // Makes what the widgets show a part of the pages, those without an appearance drawn as their fields are, and takes the
     // form off the document, see flatten_form. Refuses a signed document unless `edit` is FORCE. Ends all fields.

@@ -245,3 +245,9 @@ void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
     m_state->script_seconds = seconds;
     m_state->computer.reset();
 }
+
+void CPDFDocument::State::calculate_later()
+{
+    to_calculate = true;
+    values_changed = true;
+}

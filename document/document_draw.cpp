@@ -168,6 +168,24 @@ CPDFStatus CPDFDocument::State::draw_states(CPDFField& field)
     return memory.failed() ? no_memory_to(DRAWING) : CPDFStatus();
 }
 
+CPDFStatus CPDFDocument::State::show_anew(std::span<CPDFField* const> fields)
+{
+    const VXFailureCheck memory;
+    for (CPDFField* field : fields) {
+        if (field->m_type != FIELD_BUTTON && field->m_type != FIELD_SIGNATURE)
+            continue;
+        painter().draw_anew(*field, widgets_to_draw(*field));
+        for (CPDFAnnotWidget* widget : bound_widgets().widgets_of(*field))
+            widget->load(xref.get(), widget->m_ref);
+    }
+    if (memory.failed()) {
+        redraw.reset();  // it would say so again when the document is saved
+        return no_memory_to(DRAWING);
+    }
+    values_changed = true;
+    return show(fields);
+}
+
 // Viewers show a widget without an appearance as well as they can, and draw all texts where the form asks them to.
 CPDFStatus CPDFDocument::State::flatten()
 {
@@ -209,7 +227,7 @@ CPDFStatus CPDFDocument::flatten(PDF_EDIT edit)
     return within_memory("flatten the form", [&] {
         State& state = *m_state;
         state.values_changed = state.values_changed || !state.to_draw.empty();
-        CPDFStatus status = state.begin_edit(nullptr, edit);
+        CPDFStatus status = state.begin_edit({}, edit);
         if (status.ok() && edit != PDF_EDIT::FORCE && state.signatures().is_signed())
             status =
                 CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is signed: flattening breaks its signatures");

@@ -5,11 +5,14 @@
 #include "document/document_state.h"
 #include "document/edit/remove_field.h"
 #include "document/edit/rename_field.h"
+#include "document/lookup/field_text.h"
+#include "document/tags/structure.h"
 #include "file/file_reader.h"
 #include "forms/field.h"
+#include "forms/field_walk.h"
 
-// What every edit begins with: the whole form, the checks, and what would not survive the change. `field` may be null.
-CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
+// What every edit begins with: the whole form, the checks, and what would not survive the change.
+CPDFStatus CPDFDocument::State::begin_edit(std::span<CPDFField* const> fields, PDF_EDIT edit)
 {
     CPDFStatus status = load_whole_form();
     if (status.ok() && edit != PDF_EDIT::FORCE)
@@ -24,15 +27,20 @@ CPDFStatus CPDFDocument::State::begin_edit(CPDFField* field, PDF_EDIT edit)
     to_draw.clear();
     filled.clear();
     edited = true;
-    return edit == PDF_EDIT::FORCE ? CPDFStatus() : signatures().check_edit(field);
+    if (edit == PDF_EDIT::FORCE)
+        return {};
+    status = signatures().check_edit(nullptr);
+    for (size_t i = 0; i < fields.size() && status.ok(); ++i)
+        status = signatures().check_edit(fields[i]);
+    return status;
 }
 
-// Carries out `operation(EDIT_TARGET&)` on `field`, which may be null.
+// Carries out `operation(EDIT_TARGET&)` on `fields`.
 template <typename Operation>
-CPDFStatus CPDFDocument::State::edit(CPDFField* field, PDF_EDIT edit, const Operation& operation)
+CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDIT edit, const Operation& operation)
 {
     return within_memory("change the form", [&] {
-        CPDFStatus status = begin_edit(field, edit);
+        CPDFStatus status = begin_edit(fields, edit);
         if (!status.ok())
             return status;
         const CPDFReadAllowance allowance(reader->budget());
@@ -41,39 +49,149 @@ CPDFStatus CPDFDocument::State::edit(CPDFField* field, PDF_EDIT edit, const Oper
     });
 }
 
+namespace {
+
+// Widgets of a tagged document stand in its structure.
+CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    constexpr CPDFKeySet KEYS{"TU"};
+    CPDFObj own;
+    PDF_String text = {0, nullptr};
+    target.xref.get_entity(own, field.m_ref, &KEYS);
+    target.xref.read_obj_string(text, own.dictionary() ? own.dict->get_item("TU") : nullptr);
+    const std::string label = utf8_of(text);
+    text.release();
+    for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
+        result =
+            both(result, tag_widget(target, widget->m_ref, target.pages.page_of_annotation(widget->m_ref.num), label));
+    return edit_status(result, "the structure of the document can't be changed: it is damaged");
+}
+
+CPDFStatus untag_field(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets)
+{
+    return edit_status(untag_widgets(target, widgets), "the structure of the document can't be changed: it is damaged");
+}
+
+// The widgets of all fields under `top`.
+std::vector<PDF_TAGGED_WIDGET> tagged_under(EDIT_TARGET& target, CPDFField& top)
+{
+    std::vector<PDF_TAGGED_WIDGET> all;
+    for_each_field(top, [&](const CPDFField& field) {
+        const std::vector<PDF_TAGGED_WIDGET> some = tagged_widgets(target, target.widgets.widgets_of(field));
+        all.insert(all.end(), some.begin(), some.end());
+    });
+    return all;
+}
+
+}  // namespace
+
+// The widgets of a field that came into being or was moved are shown as `look` needs it.
+CPDFStatus CPDFDocument::State::show_moved(CPDFField& field, PDF_MOVED_LOOK look)
+{
+    CPDFField* const at = &field;
+    if (look == PDF_MOVED_LOOK::SHAPE)
+        return show_anew({&at, 1});
+    return look == PDF_MOVED_LOOK::SIZE ? show({&at, 1}) : CPDFStatus();
+}
+
 CPDFStatus CPDFDocument::add_field(const PDF_NEW_FIELD& field, PDF_EDIT edit, CPDFField** out)
 {
-    return m_state->edit(nullptr, edit, [&](EDIT_TARGET& target) {
-        if (field.entries.default_value)
-            m_state->bound_widgets();
+    return m_state->edit({}, edit, [&](EDIT_TARGET& target) {
+        m_state->bound_widgets();
         CPDFField* added = nullptr;
         CPDFStatus status = insert_field(target, field, added);
+        if (status.ok())
+            status = tag_field(target, *added);
         if (!status.ok())
             return status;
         if (out)
             *out = added;
-        return m_state->show({&added, 1});
+        return m_state->show_anew({&added, 1});
+    });
+}
+
+CPDFStatus CPDFDocument::design_fields(std::span<CPDFField* const> fields, const PDF_FIELD_DESIGN& design,
+                                       PDF_EDIT edit)
+{
+    return m_state->edit(fields, edit, [&](EDIT_TARGET& target) {
+        CPDFRefusals refusals;
+        check_design(target, fields, design, refusals);
+        CPDFStatus status = refusals.status();
+        m_state->bound_widgets();
+        if (status.ok())
+            status = ::design_fields(target, fields, design);
+        if (design.sets_scripts())
+            m_state->calculate_later();
+        const bool shown = design.style.sets_any() || design.sets_scripts();
+        return status.ok() && shown ? m_state->show_anew(fields) : status;
+    });
+}
+
+CPDFStatus CPDFDocument::move_widgets(CPDFField& field, const PDF_MOVE& move, PDF_EDIT edit)
+{
+    CPDFField* const at = &field;
+    return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) {
+        m_state->bound_widgets();
+        const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_widgets(target, target.widgets.widgets_of(field));
+        PDF_MOVED_LOOK look = PDF_MOVED_LOOK::SAME;
+        CPDFStatus status = ::move_widgets(target, field, move, look);
+        if (status.ok() && !tagged.empty()) {
+            status = untag_field(target, tagged);
+            status = status.ok() ? tag_field(target, field) : status;
+        }
+        return status.ok() ? m_state->show_moved(field, look) : status;
+    });
+}
+
+CPDFStatus CPDFDocument::copy_field(CPDFField& field, const std::string& name, const PDF_MOVE& move, PDF_EDIT edit,
+                                    CPDFField** out)
+{
+    return m_state->edit({}, edit, [&](EDIT_TARGET& target) {
+        m_state->bound_widgets();
+        CPDFField* copy = nullptr;
+        PDF_MOVED_LOOK look = PDF_MOVED_LOOK::SAME;
+        CPDFStatus status = ::copy_field(target, field, name, move, copy, look);
+        if (out)
+            *out = copy;
+        if (status.ok())
+            status = tag_field(target, *copy);
+        m_state->calculate_later();
+        return status.ok() ? m_state->show_moved(*copy, look) : status;
+    });
+}
+
+CPDFStatus CPDFDocument::order_tabs(const PDF_TABS& tabs, PDF_EDIT edit)
+{
+    return m_state->edit({}, edit, [&](EDIT_TARGET& target) {
+        m_state->bound_widgets();
+        return ::order_tabs(target, tabs);
     });
 }
 
 CPDFStatus CPDFDocument::remove_field(CPDFField& field, PDF_EDIT edit)
 {
-    return m_state->edit(&field, edit, [&](EDIT_TARGET& target) {
+    CPDFField* const at = &field;
+    return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) {
         if (field.has_sign())
             m_state->guard.reset();
         m_state->bound_widgets();
-        return erase_field(target, field);
+        const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_under(target, field);
+        CPDFStatus status = erase_field(target, field);
+        return status.ok() ? untag_field(target, tagged) : status;
     });
 }
 
 CPDFStatus CPDFDocument::rename_field(CPDFField& field, const std::string& name, PDF_EDIT edit)
 {
-    return m_state->edit(&field, edit, [&](EDIT_TARGET& target) { return set_field_name(target, field, name); });
+    CPDFField* const at = &field;
+    return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) { return set_field_name(target, field, name); });
 }
 
 CPDFStatus CPDFDocument::move_field(CPDFField& field, CPDFField* parent, PDF_EDIT edit, CPDFField** out)
 {
-    return m_state->edit(&field, edit, [&](EDIT_TARGET& target) {
+    CPDFField* const at = &field;
+    return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) {
         CPDFField* moved = nullptr;
         CPDFStatus status = set_field_parent(target, field, parent, moved);
         if (out)
@@ -84,12 +202,12 @@ CPDFStatus CPDFDocument::move_field(CPDFField& field, CPDFField* parent, PDF_EDI
 
 CPDFStatus CPDFDocument::change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, PDF_EDIT edit)
 {
-    return m_state->edit(&field, edit, [&](EDIT_TARGET&) {
+    CPDFField* const at = &field;
+    return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET&) {
         CPDFStatus status = ::change_field(field, change, m_state->bound_widgets());
         constexpr uint32_t DRAWN = FIELD_MULTILINE | FIELD_PASSWORD | FIELD_COMB;
         const bool drawn =
             change.options || change.max_length || ((change.set_flags | change.clear_flags) & DRAWN) != 0;
-        CPDFField* const shown = &field;
-        return status.ok() && drawn ? m_state->show({&shown, 1}) : status;
+        return status.ok() && drawn ? m_state->show({&at, 1}) : status;
     });
 }

@@ -122,6 +122,12 @@ struct CPDFDocument::State {
     CPDFStatus draw_changed();
     CPDFStatus draw_missing();
     CPDFStatus draw_states(CPDFField& field);
+    // The same for fields whose widgets are to look anew in everything. Buttons are drawn at once, since only their
+    // pictures say which states they have.
+    CPDFStatus show_anew(std::span<CPDFField* const> fields);
+    CPDFStatus show_moved(CPDFField& field, PDF_MOVED_LOOK look);
+    // Scripts of fields were changed: the form is calculated with the new ones.
+    void calculate_later();
     CPDFRedraw& painter();
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
     CPDFStatus flatten();
@@ -131,9 +137,9 @@ struct CPDFDocument::State {
     bool has_only_xfa();
     CPDFStatus set_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill, CPDFXfaForm& xfa,
                               std::vector<CPDFStatus>& each);
-    CPDFStatus begin_edit(CPDFField* field, PDF_EDIT edit);
+    CPDFStatus begin_edit(std::span<CPDFField* const> fields, PDF_EDIT edit);
     template <typename Operation>
-    CPDFStatus edit(CPDFField* field, PDF_EDIT edit, const Operation& operation);
+    CPDFStatus edit(std::span<CPDFField* const> fields, PDF_EDIT edit, const Operation& operation);
     CPDFStatus make_update(std::string& update);
 };
 

@@ -53,16 +53,46 @@ private:
         return entries;
     }
 
+    PDF_FIELD_DESIGN design()
+    {
+        constexpr const char* FONTS[] = {"Times", "Helv", "F"};
+        PDF_FIELD_DESIGN design;
+        const uint8_t what = m_choices.byte();
+        if (what & 1)
+            design.label = std::string(m_choices.text());
+        if (what & 2)
+            design.style.font = FONTS[m_choices.below(3)];
+        if (what & 4)
+            design.style.border_width = m_choices.below(5);
+        if (what & 8)
+            design.calculation = {"SUM", {std::string(m_choices.text())}};
+        if (what & 16)
+            design.format = {"AFNumber_Keystroke(2, 0);", "AFNumber_Format(2, 0);"};
+        if (what & 32)
+            design.style.caption = "4";
+        return design;
+    }
+
+    PDF_MOVE move()
+    {
+        PDF_MOVE move;
+        move.page = static_cast<int32_t>(m_choices.below(3));
+        const double at = 10.0 * static_cast<double>(m_choices.below(32));
+        if (m_choices.below(2))
+            move.places = {{{at, at, 20, 10}, move.page}};
+        return move;
+    }
+
     CPDFStatus add()
     {
         PDF_NEW_FIELD field;
         field.kind = static_cast<PDF_FIELD_KIND_ID>(m_choices.below(KIND_COUNT));
         field.name = name();
-        field.page = static_cast<int32_t>(m_choices.below(3));
-        const size_t buttons = field.kind == KIND_RADIO ? 1 + m_choices.below(3) : 1;
+        const auto page = static_cast<int32_t>(m_choices.below(3));
+        const size_t buttons = 1 + m_choices.below(3);
         for (size_t i = 0; i < buttons; ++i) {
             const double at = 10.0 * static_cast<double>(i + m_choices.below(64));
-            field.rects.push_back({at, at, 12.5, m_choices.below(8) * 4.0});
+            field.places.push_back({{at, at, 12.5, m_choices.below(8) * 4.0}, page});
             if (field.kind == KIND_RADIO)
                 field.states.push_back(std::string(1, static_cast<char>('A' + i)));
         }
@@ -72,7 +102,7 @@ private:
 
     CPDFStatus change()
     {
-        const size_t what = m_choices.below(9);
+        const size_t what = m_choices.below(13);
         if (what == 0)
             return add();
         if (what == 7)
@@ -93,6 +123,14 @@ private:
             return m_document.change_field(*field, entries(), PDF_EDIT::FORCE);
         case 5:
             return m_document.reset({field}, PDF_FILL::FORCE);
+        case 9:
+            return m_document.design_fields({&field, 1}, design(), PDF_EDIT::FORCE);
+        case 10:
+            return m_document.move_widgets(*field, move(), PDF_EDIT::FORCE);
+        case 11:
+            return m_document.copy_field(*field, name(), move(), PDF_EDIT::FORCE);
+        case 12:
+            return m_document.order_tabs({static_cast<PDF_TAB_ORDER>(m_choices.below(4)), {field}, 0}, PDF_EDIT::FORCE);
         default:
             if (const char* wrong = set_fault(m_document, *field, value_for(m_document, *field, m_choices.byte())))
                 fault(wrong);

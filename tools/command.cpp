@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <memory>
 #include <new>
 #include <optional>
 
 #include "core/alloc.h"
 #include "document/lookup/field_text.h"
+#include "tools/help_format.h"
 #include "tools/verb.h"
 
 namespace {
@@ -74,6 +76,7 @@ int run(int argc, char** argv)
     std::optional<Reserve> reserve(std::in_place);
     CLI::App app("Shows, reads, fills, exports, edits and draws the forms of PDF files.", "formwork");
     app.require_subcommand(1);
+    app.formatter(std::make_shared<CPDFHelpFormat>());
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
     app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for a wrong command line.");
     COMMAND_ACTION action;
@@ -85,6 +88,9 @@ int run(int argc, char** argv)
     add_export_verb(app, action);
     add_draw_verb(app, action);
     add_add_verb(app, action);
+    add_move_verb(app, action);
+    add_copy_verb(app, action);
+    add_tabs_verb(app, action);
     add_remove_verb(app, action);
     add_rename_verb(app, action);
     add_set_verb(app, action);

@@ -171,3 +171,46 @@ TEXT_STYLE read_default_appearance(std::string_view bytes)
 {
     return CPDFStyleReader(bytes).read();
 }
+
+namespace {
+
+std::string number_text(double number)
+{
+    constexpr int DECIMALS = 4;
+    char digits[64];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, DECIMALS);
+    std::string text(digits, end.ec == std::errc() ? end.ptr : digits);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (!text.empty() && text.back() == '.')
+        text.pop_back();
+    return text;
+}
+
+std::string name_text(const std::string& name)
+{
+    constexpr char DIGITS[] = "0123456789ABCDEF";
+    std::string text = "/";
+    for (const char c : name) {
+        if (c > ' ' && c < '\x7f' && !is_delimiter(c) && c != '#')
+            text += c;
+        else
+            text += {'#', DIGITS[static_cast<unsigned char>(c) >> 4], DIGITS[static_cast<unsigned char>(c) & 15]};
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string write_default_appearance(const TEXT_STYLE& style)
+{
+    std::string out = name_text(style.font) + " " + number_text(style.size) + " Tf";
+    const WIDGET_COLOR& color = style.color;
+    for (int i = 0; i < color.count; ++i)
+        out += " " + number_text(color.values[i]);
+    out += color.count == 3 ? " rg" : color.count == 4 ? " k" : color.count == 1 ? " g" : " 0 g";
+    const std::pair<double, const char*> others[] = {
+        {style.rise, "Ts"}, {style.spacing, "Tc"}, {style.stretch == 1 ? 0 : style.stretch * 100, "Tz"}};
+    for (const auto& [value, op] : others)
+        out += value == 0 ? "" : " " + number_text(value) + " " + op;
+    return out;
+}

@@ -22,3 +22,7 @@ struct TEXT_STYLE {
 // Reads a default appearance string. Of operators that come twice the last one counts; what can't be read is passed over,
 // and numbers out of any reason give the default, so that every input gives a style that text can be set with.
 TEXT_STYLE read_default_appearance(std::string_view bytes);
+
+// The string that says `style`: the operators that a default appearance needs, and of the others those that change
+// something.
+std::string write_default_appearance(const TEXT_STYLE& style);

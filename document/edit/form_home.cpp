@@ -63,7 +63,8 @@ CPDFStatus need_font(EDIT_TARGET& target, const char* name, const char* base_fon
     CPDFAcroForm& form = target.form;
     if (form.m_res && form.m_res->find("Font", name))
         return {};
-    const std::string encoding = std::strcmp(base_font, "ZapfDingbats") == 0 ? "" : "/Encoding/WinAnsiEncoding";
+    const bool symbols = std::strcmp(base_font, "ZapfDingbats") == 0 || std::strcmp(base_font, "Symbol") == 0;
+    const std::string encoding = symbols ? "" : "/Encoding/WinAnsiEncoding";
     const PDF_REF font =
         new_object(target.xref, "<</Type/Font/Subtype/Type1/BaseFont" + name_syntax(base_font) + encoding + ">>");
     const bool done =

@@ -1,12 +1,11 @@
 #include "document/edit/remove_field.h"
 
-#include <map>
 #include <unordered_set>
 
 #include "document/edit/edit_array.h"
 #include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
-#include "document/edit/page_annots.h"
+#include "document/edit/page_place.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/widget_binder.h"
@@ -55,20 +54,6 @@ NumberSet objects_of(CPDFField& top, const CPDFWidgetBinder& widgets)
     return objects;
 }
 
-PDF_CHANGE_RESULT remove_from_pages(EDIT_TARGET& target, const NumberSet& gone)
-{
-    std::map<int32_t, NumberSet> by_page;
-    for (const uint32_t num : gone) {
-        for (const PDF_PAGE_ANNOTATION& at : target.pages.annotations_of(num))
-            by_page[at.page].insert(num);
-        target.pages.remove_annotation(num);
-    }
-    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
-    for (const auto& [page, annotations] : by_page)
-        result = both(result, remove_annotations(target.xref, target.pages.page_ref(page), annotations));
-    return result;
-}
-
 bool has_signature_field(CPDFField& top)
 {
     bool found = false;
@@ -99,7 +84,7 @@ CPDFStatus erase_field(EDIT_TARGET& target, CPDFField& field)
     const PDF_CHANGE_RESULT detached = detach_field(target, top);
     if (detached != PDF_CHANGE_RESULT::STORED)
         return edit_status(detached, name + " can't be removed: the list that holds it is damaged");
-    const PDF_CHANGE_RESULT lists = both(remove_from_pages(target, gone), remove_from_order(target, gone));
+    const PDF_CHANGE_RESULT lists = both(take_off_pages(target, gone), remove_from_order(target, gone));
     if (signature)
         clear_signature_flags(target.form);
     if (memory.failed())

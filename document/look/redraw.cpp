@@ -31,6 +31,14 @@ bool is_same(const WIDGET_PICTURE& a, const WIDGET_PICTURE& b)
            std::equal(a.fonts.begin(), a.fonts.end(), b.fonts.begin(), b.fonts.end(), same_font);
 }
 
+// What push buttons and signatures show is their own unless they are to look anew; a signature shows what was signed.
+bool may_draw(const CPDFField& field, const WIDGET_DESCRIPTION& widget, bool anew)
+{
+    if (field.m_type == FIELD_SIGNATURE)
+        return anew && field.m_value.type == PDF_OBJ_NULL;
+    return widget.look.kind != WIDGET_KIND::PUSH_BUTTON || !widget.dictionary.dict->get_item("AP");
+}
+
 }  // namespace
 
 struct CPDFRedraw::SHARED_PICTURE {
@@ -58,6 +66,11 @@ size_t CPDFRedraw::draw_missing(const CPDFField& field, const std::vector<PDF_DR
     return draw(field, widgets, WIDGETS::WITHOUT_APPEARANCE);
 }
 
+size_t CPDFRedraw::draw_anew(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets)
+{
+    return draw(field, widgets, WIDGETS::ANEW);
+}
+
 size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which)
 {
     const VXFailureCheck memory;
@@ -70,9 +83,11 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
         ++drawn;
         if (which == WIDGETS::WITHOUT_APPEARANCE && widget.dictionary.dict->get_item("AP"))
             continue;
+        if (which == WIDGETS::ANEW)
+            widget.dictionary.dict->remove_item("AP");
         if (has_states(widget.look.kind))
             draw_states(field, at, widget);
-        else if (widget.look.kind != WIDGET_KIND::PUSH_BUTTON || !widget.dictionary.dict->get_item("AP"))
+        else if (may_draw(field, widget, which == WIDGETS::ANEW))
             draw_one(field, at.ref, widget);
     }
     m_pictures.clear();
@@ -83,7 +98,7 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
 // What the appearance had for the pressed and the touched widget showed the value before.
 void CPDFRedraw::draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget)
 {
-    if (field.m_type == FIELD_SIGNATURE || field.m_type == FIELD_UNKNOWN || left_some())
+    if (field.m_type == FIELD_UNKNOWN || left_some())
         return;
     set_shown_value(field, *m_options, m_compute, widget);
     if (!spend_characters(widget))

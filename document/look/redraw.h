@@ -44,6 +44,10 @@ public:
     // The same for the widgets that have no appearance at all.
     size_t draw_missing(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets);
 
+    // The same for widgets that are to look anew whatever they show so far: buttons get all their states again, and
+    // signature fields without a signature their frame.
+    size_t draw_anew(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets);
+
     // Embeds fonts of this machine that were used, and adds to `notes` a sentence for each field whose value can't be shown
     // whole. To be called before the document is saved. Fails when memory ran out since the last call.
     CPDFStatus finish(std::vector<std::string>& notes);
@@ -59,7 +63,7 @@ public:
 
 private:
     struct SHARED_PICTURE;
-    enum class WIDGETS { ALL, WITHOUT_APPEARANCE };
+    enum class WIDGETS { ALL, WITHOUT_APPEARANCE, ANEW };
 
     size_t draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDGET>& widgets, WIDGETS which);
     void draw_one(const CPDFField& field, const PDF_REF& ref, WIDGET_DESCRIPTION& widget);

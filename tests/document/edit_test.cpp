@@ -48,7 +48,7 @@ PDF_NEW_FIELD new_field(PDF_FIELD_KIND_ID kind, const std::string& name)
     PDF_NEW_FIELD field;
     field.kind = kind;
     field.name = name;
-    field.rects = {{10, 20, 60, 12}};
+    field.places = {{{10, 20, 60, 12}}};
     if (kind == KIND_RADIO)
         field.states = {"S", "L"};
     return field;
@@ -116,22 +116,22 @@ TEST(EditTest, AddRefusesByNameAndChangesNothing)
         {"already", [](PDF_NEW_FIELD& field) { field.name = "a"; }},
         {"can't hold other fields", [](PDF_NEW_FIELD& field) { field.name = "a.b"; }},
         {"is no name", [](PDF_NEW_FIELD& field) { field.name = "b."; }},
-        {"no page 2", [](PDF_NEW_FIELD& field) { field.page = 2; }},
+        {"no page 2", [](PDF_NEW_FIELD& field) { field.places[0].page = 2; }},
         {"too deep",
          [](PDF_NEW_FIELD& field) {
              for (field.name = "x"; field.name.size() < 2 * LIMIT_FIELD_DEPTH;)
                  field.name += ".x";
          }},
         {"longer than", [](PDF_NEW_FIELD& field) { field.name = std::string(LIMIT_FULL_NAME, 'x') + ".y"; }},
-        {"not on page 1", [](PDF_NEW_FIELD& field) { field.rects[0].x = 150; }},
-        {"is empty", [](PDF_NEW_FIELD& field) { field.rects[0].height = 0.0004; }},
+        {"not on page 1", [](PDF_NEW_FIELD& field) { field.places[0].rect.x = 150; }},
+        {"is empty", [](PDF_NEW_FIELD& field) { field.places[0].rect.height = 0.0004; }},
         {"at most 1 ", [](PDF_NEW_FIELD& field) { field.name = "m.n", field.entries.default_value = "ab"; }},
-        {"one rectangle", [](PDF_NEW_FIELD& field) { field.rects.clear(); }},
+        {"one rectangle", [](PDF_NEW_FIELD& field) { field.places.clear(); }},
         {"no states", [](PDF_NEW_FIELD& field) { field.states = {"x"}; }},
         {"no options", [](PDF_NEW_FIELD& field) { field.entries.options.emplace(); }},
         {"no flag \"edit\"", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_EDIT; }},
         {"can't be a comb", [](PDF_NEW_FIELD& field) { field.entries.set_flags = FIELD_COMB; }},
-        {"can't be added", [](PDF_NEW_FIELD& field) { field.kind = KIND_PUSH; }},
+        {"can't be added", [](PDF_NEW_FIELD& field) { field.kind = KIND_CONTAINER; }},
         {"state for each", [](PDF_NEW_FIELD& field) { field.kind = KIND_RADIO; }},
         {"no option \"x\"", [](PDF_NEW_FIELD& field) { field.kind = KIND_LIST, field.entries.default_value = "x"; }},
     };
@@ -209,7 +209,7 @@ TEST(EditTest, AddGoesByTheBoxThatIsDrawn)
         file.object(1, "<</Pages 2 0 R>>").object(2, "<</Type/Pages/Kids[3 0 R]" + std::string(c.tree) + ">>");
         FormAtWork f(file.object(3, "<</Type/Page/Parent 2 0 R" + std::string(c.page) + ">>").table().text);
         PDF_NEW_FIELD field = new_field(KIND_TEXT, "t");
-        field.rects = {{-9, 0, 1, 1}};
+        field.places = {{{-9, 0, 1, 1}}};
         EXPECT_THAT(f.document.add_field(field).text, testing::HasSubstr(c.box)) << c.page << c.tree;
     }
 }
@@ -276,8 +276,7 @@ TEST(EditTest, SharedAnnotationsStayWithTheOtherPage)
     file.object(10, "[11 0 R]").object(11, "<</T(old)/FT/Tx/Subtype/Widget>>");
     FormAtWork f(file.table().text);
     PDF_NEW_FIELD field = new_field(KIND_TEXT, "t");
-    field.page = 2;
-    field.rects = {{0, 0, 200.0004, 100}};
+    field.places = {{{0, 0, 200.0004, 100}, 2}};
     ASSERT_TRUE(f.document.add_field(field).ok());
     ASSERT_TRUE(f.document.remove_field(f.field("old")).ok());
     EXPECT_EQ(f.entry(3, "Annots") + f.entry(4, "Annots"), "10 0 R[" + ref_syntax(f.field("t").m_ref) + "]");

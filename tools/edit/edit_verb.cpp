@@ -41,6 +41,60 @@ int edit_file(const EDIT_ARGUMENTS& arguments,
     return end_with(save_output(document, arguments.input, arguments.output), path);
 }
 
+namespace {
+
+// "X,Y,W,H" in points.
+bool read_rect(std::string_view text, PDF_RECT& out)
+{
+    double* const parts[] = {&out.x, &out.y, &out.width, &out.height};
+    const char* at = text.data();
+    const char* const end = text.data() + text.size();
+    for (double* part : parts) {
+        if (part != parts[0] && (at == end || *at++ != ','))
+            return false;
+        const std::from_chars_result result = std::from_chars(at, end, *part, std::chars_format::fixed);
+        if (result.ec != std::errc() || !(*part >= -1e6 && *part <= 1e6))
+            return false;
+        at = result.ptr;
+    }
+    return at == end;
+}
+
+}  // namespace
+
+CLI::Option* add_place_options(CLI::App& verb, PLACE_ARGUMENTS& arguments)
+{
+    verb.add_option("--page", arguments.page, "the page, counted from 1, of rectangles without one")->option_text("N");
+    return verb.add_option("--rect", arguments.rects, "where it stands; again for more widgets")
+        ->option_text("[PAGE:]X,Y,W,H")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+CPDFStatus read_page(const PLACE_ARGUMENTS& arguments, int32_t& page)
+{
+    const std::string& text = arguments.page.text;
+    const bool good = text.empty() || read_count(text, page);
+    return good ? CPDFStatus() : wrong_usage(in_quotes(text) + " is no page number");
+}
+
+CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, int32_t page, std::vector<PDF_PLACE>& places)
+{
+    if (CPDFStatus usage = read_page(arguments, page); !usage.ok())
+        return usage;
+    for (const COMMAND_WORD& word : arguments.rects) {
+        PDF_PLACE& place = places.emplace_back();
+        place.page = page;
+        const size_t colon = word.text.find(':');
+        const bool paged = colon != std::string::npos;
+        if ((paged && !read_count(word.text.substr(0, colon), place.page)) ||
+            !read_rect(std::string_view(word.text).substr(paged ? colon + 1 : 0), place.rect))
+            return wrong_usage(in_quotes(word.text) + " is no rectangle: give X,Y,WIDTH,HEIGHT in points, or " +
+                               "PAGE:X,Y,WIDTH,HEIGHT");
+    }
+    return {};
+}
+
 bool read_count(const std::string& text, int32_t& out)
 {
     constexpr int32_t MOST = 1000000000;

@@ -10,6 +10,10 @@
 #include "tools/save_output.h"
 #include "tools/verb.h"
 
+namespace CLI {
+class Option;
+}
+
 struct EDIT_ARGUMENTS {
     COMMAND_INPUT input;
     OUTPUT_ARGUMENTS output;
@@ -47,6 +51,22 @@ void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments);
 
 // Makes `change` out of them, except for the flags. Fails for a word that makes no sense.
 CPDFStatus read_change(const CHANGE_ARGUMENTS& arguments, PDF_FIELD_CHANGE& change);
+
+// Where widgets are to stand: "X,Y,W,H" in points, on the page N or behind "PAGE:".
+struct PLACE_ARGUMENTS {
+    COMMAND_WORD page;  // empty when it is not given
+    std::vector<COMMAND_WORD> rects;
+};
+
+// Adds --rect, which is returned, and --page.
+CLI::Option* add_place_options(CLI::App& verb, PLACE_ARGUMENTS& arguments);
+
+// Makes `places` of the rectangles; those that name no page are on the given one, or on `page` where none is given. Fails
+// for a word that makes no sense.
+CPDFStatus read_places(const PLACE_ARGUMENTS& arguments, int32_t page, std::vector<PDF_PLACE>& places);
+
+// The page alone: `page` stays where none is given.
+CPDFStatus read_page(const PLACE_ARGUMENTS& arguments, int32_t& page);
 
 // Reads a whole number of decimal digits, at most one billion; false for anything else.
 bool read_count(const std::string& text, int32_t& out);

@@ -24,6 +24,16 @@ std::vector<hb_tag_t> tables_of(const CPDFFontFile& file)
     return tags;
 }
 
+// Drops every table but these that the font has and `also`.
+void drop_tables(hb_subset_input_t* input, const CPDFFontFile& file, hb_tag_t also)
+{
+    const HARFBUZZ& hb = file.harfbuzz();
+    for (const hb_tag_t tag : tables_of(file)) {
+        if (tag != also && std::find(std::begin(KEPT_TABLES), std::end(KEPT_TABLES), tag) == std::end(KEPT_TABLES))
+            hb.hb_set_add(hb.hb_subset_input_set(input, HB_SUBSET_SETS_DROP_TABLE_TAG), tag);
+    }
+}
+
 void choose_parts(hb_subset_input_t* input, const CPDFFontFile& file, const CPDFGlyphCodes& codes)
 {
     const HARFBUZZ& hb = file.harfbuzz();
@@ -31,10 +41,7 @@ void choose_parts(hb_subset_input_t* input, const CPDFFontFile& file, const CPDF
         if (entry.used)
             hb.hb_set_add(hb.hb_subset_input_glyph_set(input), entry.glyph);
     }
-    for (const hb_tag_t tag : tables_of(file)) {
-        if (std::find(std::begin(KEPT_TABLES), std::end(KEPT_TABLES), tag) == std::end(KEPT_TABLES))
-            hb.hb_set_add(hb.hb_subset_input_set(input, HB_SUBSET_SETS_DROP_TABLE_TAG), tag);
-    }
+    drop_tables(input, file, 0);
     // Codes are glyph numbers in a CFF font without numbers of a character collection.
     const unsigned numbers = file.is_cff() && !file.has_cids() ? HB_SUBSET_FLAGS_RETAIN_GIDS : HB_SUBSET_FLAGS_DEFAULT;
     hb.hb_subset_input_set_flags(input, numbers | HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
@@ -88,4 +95,26 @@ bool make_subset(FONT_SUBSET& out, const CPDFFontFile& file, const CPDFGlyphCode
     if (!file.is_cff())
         out.cid_glyphs = glyphs_by_code(hb, hb.hb_subset_plan_old_to_new_glyph_mapping(plan.get()), codes);
     return !out.program.empty();
+}
+
+bool make_character_subset(std::string& program, const CPDFFontFile& file, std::u32string_view characters)
+{
+    const VXLibraryCalls memory;
+    const HARFBUZZ& hb = file.harfbuzz();
+    const auto input = harfbuzz_guard(hb.hb_subset_input_create_or_fail(), hb.hb_subset_input_destroy);
+    if (!input)
+        return false;
+    for (const char32_t c : characters)
+        hb.hb_set_add(hb.hb_subset_input_unicode_set(input.get()), c);
+    drop_tables(input.get(), file, HB_TAG('c', 'm', 'a', 'p'));
+    hb.hb_subset_input_set_flags(input.get(), HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+    const auto plan =
+        harfbuzz_guard(hb.hb_subset_plan_create_or_fail(file.face(), input.get()), hb.hb_subset_plan_destroy);
+    if (!plan)
+        return false;
+    const auto face = harfbuzz_guard(hb.hb_subset_plan_execute_or_fail(plan.get()), hb.hb_face_destroy);
+    if (!face)
+        return false;
+    program = bytes_of(hb, hb.hb_face_reference_blob(face.get()));
+    return !program.empty();
 }

@@ -45,6 +45,7 @@
     F(hb_subset_input_glyph_set)                                                                                       \
     F(hb_subset_input_set)                                                                                             \
     F(hb_subset_input_set_flags)                                                                                       \
+    F(hb_subset_input_unicode_set)                                                                                     \
     F(hb_subset_plan_create_or_fail)                                                                                   \
     F(hb_subset_plan_destroy)                                                                                          \
     F(hb_subset_plan_execute_or_fail)                                                                                  \

@@ -118,6 +118,11 @@ const char* standard_font_name(STANDARD_FONT font)
     return row_of(font).name;
 }
 
+const char* standard_font_resource(STANDARD_FONT font)
+{
+    return row_of(font).resource;
+}
+
 STANDARD_BOX standard_box(STANDARD_FONT font)
 {
     return row_of(font).box;

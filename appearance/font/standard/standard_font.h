@@ -37,6 +37,9 @@ std::optional<STANDARD_FONT> find_standard_font(std::string_view name);
 // The name that "BaseFont" has.
 const char* standard_font_name(STANDARD_FONT font);
 
+// The usual name of its resource, such as "Helv".
+const char* standard_font_resource(STANDARD_FONT font);
+
 STANDARD_BOX standard_box(STANDARD_FONT font);
 
 // Whether the font has an encoding of its own, that of Symbol or ZapfDingbats.

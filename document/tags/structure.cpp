@@ -1,0 +1,305 @@
+#include "document/tags/structure.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_set>
+
+#include "document/edit/edit_array.h"
+#include "document/edit/new_object.h"
+#include "document/lookup/field_text.h"
+#include "document/lookup/page_map.h"
+#include "document/tags/number_tree.h"
+#include "engine/annot_widget.h"
+
+namespace {
+
+constexpr const char* ROOT = "StructTreeRoot";
+constexpr const char* PARENT_TREE = "ParentTree";
+constexpr const char* NEXT_KEY = "ParentTreeNextKey";
+constexpr const char* NUMBER = "StructParent";
+constexpr CPDFKeySet ELEMENT_KEYS{"ID", "K", "P", "Pg", "S"};
+constexpr int DEEPEST = 200;
+
+PDF_REF root_of(const EDIT_TARGET& target)
+{
+    const CPDFObj* entry = target.root.dict->get_item(ROOT);
+    return entry && entry->type == PDF_OBJ_REF ? entry->ref : PDF_REF{0, 0};
+}
+
+// Reads the dictionary that an entry of "K" is or refers to.
+const CPDFDictionary* read_kid(CPDFXRefTable& xref, const CPDFObj* entry, CPDFObj& out)
+{
+    out.free();
+    if (entry && entry->type == PDF_OBJ_REF)
+        xref.get_entity(out, entry->ref, &ELEMENT_KEYS);
+    else
+        out.copy_from(entry);
+    return out.dictionary();
+}
+
+PDF_CHANGE_RESULT change_entry(EDIT_TARGET& target, const PDF_REF& owner, const char* key, const CPDFObj* value)
+{
+    const PDF_ENTRY_CHANGE change[] = {{key, value}};
+    return target.xref.change_entries(owner, change);
+}
+
+// Calls `edit(CPDFArray&)` for the kids of an element, of which "K" may be a single one.
+template <typename Edit>
+PDF_CHANGE_RESULT edit_kids(EDIT_TARGET& target, const PDF_REF& element, const Edit& edit)
+{
+    constexpr CPDFKeySet KEYS{"K"};
+    CPDFObj own;
+    target.xref.get_entity(own, element, &KEYS);
+    const CPDFObj* entry = own.dictionary() ? own.dict->get_item("K") : nullptr;
+    const CPDFEntryView kids(&target.xref, entry);
+    if (entry && kids->type != PDF_OBJ_ARRAY) {
+        CPDFObj list;
+        CPDFArray* array = list.set_array();
+        CPDFObj* slot = array ? array->append() : nullptr;
+        if (!slot)
+            return PDF_CHANGE_RESULT::NO_MEMORY;
+        slot->copy_from(entry);
+        const PDF_CHANGE_RESULT result = change_entry(target, element, "K", &list);
+        if (result != PDF_CHANGE_RESULT::STORED)
+            return result;
+    }
+    return edit_array(target.xref, element, "K", edit);
+}
+
+// The page of the element `entry`, its own or that of the first element in it that has one; 0 for none.
+int32_t page_of_element(EDIT_TARGET& target, const CPDFObj* entry)
+{
+    constexpr int DEEP = 12;
+    CPDFObj at;
+    at.copy_from(entry);
+    for (int i = 0; i < DEEP; ++i) {
+        CPDFObj element;
+        const CPDFDictionary* dict = read_kid(target.xref, &at, element);
+        const CPDFObj* page = dict ? dict->get_item("Pg") : nullptr;
+        if (page && page->type == PDF_OBJ_REF)
+            return target.pages.page_of(page->ref.num);
+        const CPDFEntryView kids(&target.xref, dict ? dict->get_item("K") : nullptr);
+        at.free();
+        at.copy_from(kids->array() ? kids->arr->at(0) : &*kids);
+    }
+    return 0;
+}
+
+// The element that holds the document: the only one of the root, else the root.
+PDF_REF top_element(EDIT_TARGET& target)
+{
+    CPDFObj own;
+    const PDF_REF root = root_of(target);
+    target.xref.get_entity(own, root, &ELEMENT_KEYS);
+    const CPDFObj* entry = own.dictionary() ? own.dict->get_item("K") : nullptr;
+    const CPDFEntryView kids(&target.xref, entry);
+    if (kids->array())
+        entry = kids->arr->count == 1 ? kids->arr->at(0) : nullptr;
+    CPDFObj only;
+    const bool is_element = entry && entry->type == PDF_OBJ_REF && read_kid(target.xref, entry, only);
+    return is_element ? entry->ref : root;
+}
+
+// Appends `element` to the kids, then moves it behind the last one that is on its page or before.
+void insert_by_page(EDIT_TARGET& target, CPDFArray& kids, const PDF_REF& element, int32_t page)
+{
+    int32_t place = kids.count;
+    bool later = false;
+    for (int32_t i = kids.count - 1; i >= 0; --i) {
+        const int32_t at = page_of_element(target, &kids.items[i]);
+        if (at && at <= page)
+            break;
+        later = later || at > page;
+        place = later ? i : place;
+    }
+    kids.append_ref(element);
+    for (int32_t i = kids.count - 1; i > place; --i) {
+        CPDFObj before;
+        before.take(kids.items[i - 1]);
+        kids.items[i - 1].take(kids.items[i]);
+        kids.items[i].take(before);
+    }
+}
+
+// The number that leads from the parent tree to the next element.
+int32_t next_number(EDIT_TARGET& target, CPDFNumberTree& tree)
+{
+    constexpr CPDFKeySet KEYS{NEXT_KEY};
+    CPDFObj own;
+    target.xref.get_entity(own, root_of(target), &KEYS);
+    const int32_t said = own.dictionary() ? resolve_integer(&target.xref, own.dict->get_item(NEXT_KEY)) : 0;
+    return std::max({said, tree.last() + 1, 0});
+}
+
+// Untagged pages say nothing about the order of their annotations.
+PDF_CHANGE_RESULT walk_by_structure(EDIT_TARGET& target, const PDF_REF& page)
+{
+    constexpr CPDFKeySet KEYS{"Tabs"};
+    CPDFObj own;
+    target.xref.get_entity(own, page, &KEYS);
+    CPDFObj structure;
+    structure.set_name("S");
+    return own.dictionary() && own.dict->get_item("Tabs") ? PDF_CHANGE_RESULT::STORED
+                                                          : change_entry(target, page, "Tabs", &structure);
+}
+
+// Whether a kid is an object reference to `widget`.
+bool is_reference_to(CPDFXRefTable& xref, const CPDFObj& kid, const PDF_REF& widget)
+{
+    const CPDFEntryView view(&xref, &kid);
+    const CPDFObj* object = view->dictionary() ? view->dict->get_item("Obj") : nullptr;
+    return object && object->type == PDF_OBJ_REF && object->ref.num == widget.num;
+}
+
+// Takes `element` out of the one above it when nothing is in it, and that one likewise. One with a name that others may
+// know stays, and so does the topmost.
+PDF_CHANGE_RESULT drop_empty(EDIT_TARGET& target, PDF_REF element)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    const PDF_REF root = root_of(target);
+    const PDF_REF top = top_element(target);
+    for (int depth = 0; depth < DEEPEST && element.num != root.num && element.num != top.num; ++depth) {
+        CPDFObj own;
+        target.xref.get_entity(own, element, &ELEMENT_KEYS);
+        const CPDFObj* above = own.dictionary() ? own.dict->get_item("P") : nullptr;
+        const CPDFEntryView kids(&target.xref, own.dictionary() ? own.dict->get_item("K") : nullptr);
+        const bool empty = kids->type == PDF_OBJ_NULL || (kids->array() && kids->arr->count == 0);
+        if (!empty || !above || above->type != PDF_OBJ_REF || own.dict->get_item("ID"))
+            break;
+        const uint32_t gone = element.num;
+        element = above->ref;
+        result = both(result, edit_kids(target, element, [gone](CPDFArray& list) {
+                          return remove_references(list, [gone](uint32_t num) { return num == gone; });
+                      }));
+    }
+    return result;
+}
+
+}  // namespace
+
+bool is_tagged(const EDIT_TARGET& target)
+{
+    CPDFObj own;
+    const PDF_REF root = root_of(target);
+    if (root.num)
+        target.xref.get_entity(own, root, &ELEMENT_KEYS);
+    return own.dictionary() != nullptr;
+}
+
+PDF_CHANGE_RESULT tag_widget(EDIT_TARGET& target, const PDF_REF& widget, int32_t page, const std::string& label)
+{
+    if (!is_tagged(target) || page < 1)
+        return PDF_CHANGE_RESULT::STORED;
+    const PDF_REF root = root_of(target);
+    const PDF_REF top = top_element(target);
+    const PDF_REF& page_ref = target.pages.page_ref(page);
+    const std::string on_page = "/Pg " + ref_syntax(page_ref);
+    const PDF_REF element =
+        new_object(target.xref, "<</Type/StructElem/S/Form/P " + ref_syntax(top) + on_page +
+                                    (label.empty() ? "" : "/Alt" + string_syntax(label)) + "/K[<</Type/OBJR" + on_page +
+                                    "/Obj " + ref_syntax(widget) + ">>]>>");
+    CPDFNumberTree tree(target.xref, root, PARENT_TREE);
+    CPDFObj number;
+    CPDFObj next;
+    const int32_t key = next_number(target, tree);
+    if (key == std::numeric_limits<int32_t>::max())
+        return PDF_CHANGE_RESULT::NO_DICTIONARY;
+    if (!element.num)
+        return PDF_CHANGE_RESULT::NO_MEMORY;
+    number.set_int(key);
+    next.set_int(key + 1);
+    PDF_CHANGE_RESULT result = edit_kids(target, top, [&](CPDFArray& kids) {
+        insert_by_page(target, kids, element, page);
+        return true;
+    });
+    result = both(result, tree.append(key, element));
+    result = both(result, change_entry(target, root, NEXT_KEY, &next));
+    result = both(result, change_entry(target, widget, NUMBER, &number));
+    return both(result, walk_by_structure(target, page_ref));
+}
+
+std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets)
+{
+    constexpr CPDFKeySet KEYS{NUMBER};
+    std::vector<PDF_TAGGED_WIDGET> tagged;
+    for (const CPDFAnnotWidget* widget : is_tagged(target) ? widgets : std::span<CPDFAnnotWidget* const>()) {
+        CPDFObj own;
+        target.xref.get_entity(own, widget->m_ref, &KEYS);
+        if (const CPDFObj* number = own.dictionary() ? own.dict->get_item(NUMBER) : nullptr)
+            tagged.push_back({widget->m_ref, resolve_integer(&target.xref, number)});
+    }
+    return tagged;
+}
+
+PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
+    for (const PDF_TAGGED_WIDGET& at : widgets) {
+        const PDF_REF element = tree.find(at.number);
+        bool referred = false;
+        if (element.num)
+            result = both(result, edit_kids(target, element, [&](CPDFArray& kids) {
+                              const int32_t before = kids.count;
+                              for (int32_t i = before - 1; i >= 0; --i) {
+                                  if (is_reference_to(target.xref, kids.items[i], at.widget))
+                                      kids.remove_obj(i);
+                              }
+                              return referred = kids.count != before;
+                          }));
+        if (!referred)
+            continue;  // the number leads to what is another's
+        result = both(result, drop_empty(target, element));
+        result = both(result, tree.remove(at.number));
+    }
+    return result;
+}
+
+PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets,
+                                const std::string& label)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
+    CPDFObj text;
+    text.type = PDF_OBJ_STRING;
+    text.str = pdf_string_of(label);
+    for (const PDF_TAGGED_WIDGET& at : widgets) {
+        const PDF_REF element = tree.find(at.number);
+        CPDFObj own;
+        if (element.num)
+            target.xref.get_entity(own, element, &ELEMENT_KEYS);
+        const CPDFObj* role = own.dictionary() ? own.dict->get_item("S") : nullptr;
+        if (role && role->is_name("Form"))
+            result = both(result, change_entry(target, element, "Alt", label.empty() ? nullptr : &text));
+    }
+    return result;
+}
+
+std::unordered_map<uint32_t, int32_t> structure_order(EDIT_TARGET& target)
+{
+    std::unordered_map<uint32_t, int32_t> order;
+    std::unordered_set<uint32_t> seen;
+    const auto visit = [&](const auto& self, const CPDFObj* entry, int depth) -> void {
+        if (!entry || depth > DEEPEST || (entry->type == PDF_OBJ_REF && !seen.insert(entry->ref.num).second))
+            return;
+        CPDFObj element;
+        constexpr CPDFKeySet KEYS{"K", "Obj"};
+        if (entry->type == PDF_OBJ_REF)
+            target.xref.get_entity(element, entry->ref, &KEYS);
+        const CPDFObj& at = entry->type == PDF_OBJ_REF ? element : *entry;
+        if (at.array()) {
+            for (int32_t i = 0; i < at.arr->count; ++i)
+                self(self, at.arr->at(i), depth + 1);
+        }
+        if (!at.dictionary())
+            return;
+        const CPDFObj* object = at.dict->get_item("Obj");
+        if (object && object->type == PDF_OBJ_REF)
+            order.emplace(object->ref.num, static_cast<int32_t>(order.size()));
+        self(self, at.dict->get_item("K"), depth + 1);
+    };
+    CPDFObj root;
+    root.set_ref(root_of(target));
+    visit(visit, &root, 0);
+    return order;
+}

@@ -1,0 +1,190 @@
+// What a designer changes in a form, as its dictionaries then say it, where the command does not show it.
+
+#include <gmock/gmock.h>
+
+#include "document/edit/new_object.h"
+#include "forms/field_kind.h"
+#include "tests/document/fill_fixture.h"
+#include "tests/support/alloc_walk.h"
+
+namespace {
+
+constexpr const char* PAGE = "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]";
+
+// A catalog with these entries, one page with these, and objects from 10 on.
+std::string pdf_with(const std::string& catalog, const std::string& page, const std::string& objects)
+{
+    PdfBuilder file;
+    file.object(1, "<</Pages 2 0 R" + catalog + ">>").object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>");
+    file.object(3, PAGE + page + ">>");
+    return put_objects(file, 10, objects).table().text;
+}
+
+// A tagged page with two widgets: of "t" in a form element of its own, of "u" in a paragraph beside text.
+std::string tagged_form(const std::string& parent_tree, const std::string& nodes = "null")
+{
+    return pdf_with("/AcroForm<</Fields[10 0 R 11 0 R]>>/StructTreeRoot 12 0 R",
+                    "/Annots[10 0 R 11 0 R]/StructParents 0",
+                    "/T(t)/FT/Tx/Subtype/Widget/Rect[1 1 9 9]/StructParent 1;"
+                    "/T(u)/FT/Tx/Subtype/Widget/Rect[11 1 19 9]/StructParent 2;"
+                    "/K[13 0 R]/ParentTree" +
+                        parent_tree +
+                        ";/S/Document/P 12 0 R/K[14 0 R 15 0 R];"
+                        "/S/Form/P 13 0 R/Pg 3 0 R/K<</Type/OBJR/Obj 10 0 R>>;"
+                        "/S/P/P 13 0 R/Pg 3 0 R/K[0<</Type/OBJR/Obj 11 0 R>>];" +
+                        nodes);
+}
+
+CPDFStatus design(FormAtWork& f, const std::string& name, const PDF_FIELD_DESIGN& design)
+{
+    CPDFField* const field = &f.field(name);
+    return f.document.design_fields({&field, 1}, design);
+}
+
+}  // namespace
+
+TEST(DesignTest, WordsOfFormatsAndCalculations)
+{
+    const struct {
+        const char* words;
+        const char* keystroke;
+        const char* format;
+    } cases[] = {
+        {"number:2", "AFNumber_Keystroke(2, 0, 0, 0, \"\", true);", "AFNumber_Format(2, 0, 0, 0, \"\", true);"},
+        {"number:0:1'234.56 Fr.", "AFNumber_Keystroke(0, 4, 0, 0, \" Fr.\", false);",
+         "AFNumber_Format(0, 4, 0, 0, \" Fr.\", false);"},
+        {"percent:1:1234,56", "AFPercent_Keystroke(1, 3);", "AFPercent_Format(1, 3);"},
+        {"time:HH:MM", "AFTime_KeystrokeEx(\"HH:MM\");", "AFTime_FormatEx(\"HH:MM\");"},
+        {"special:ssn", "AFSpecial_Keystroke(3);", "AFSpecial_Format(3);"},
+        {"mask:9\"9", "AFSpecial_KeystrokeEx(\"9\\\"9\");", ""},
+        {"none", "", ""},
+    };
+    PDF_FIELD_FORMAT format;
+    for (const auto& c : cases) {
+        EXPECT_TRUE(read_format(c.words, format)) << c.words;
+        EXPECT_EQ(format.keystroke, c.keystroke);
+        EXPECT_EQ(format.format, c.format);
+    }
+    for (const char* wrong : {"", "number", "number:x", "number:2:$1,234.56 €", "number:2:1.2", "percent:1:$1234.56",
+                              "date:", "special:x", "money:2"})
+        EXPECT_FALSE(read_format(wrong, format)) << wrong;
+    PDF_CALCULATION calculation;
+    for (const char* wrong : {"", "sum", "sum:", "sum:a,,b", "plus:a"})
+        EXPECT_FALSE(read_calculation(wrong, calculation)) << wrong;
+    EXPECT_TRUE(read_calculation("average:a,b c", calculation));
+    EXPECT_EQ(calculation_script(calculation.function, calculation.fields),
+              "AFSimple_Calculate(\"AVG\", new Array(\"a\", \"b c\"));");
+}
+
+TEST(DesignTest, StylesKeepWhatTheyDoNotSay)
+{
+    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R]/DA(/F 9 Tf 1 0 0 rg 50 Tz)>>", "/Annots[11 0 R 12 0 R]",
+                          "/T(t)/FT/Tx/Kids[11 0 R 12 0 R];/Parent 10 0 R/Subtype/Widget/Rect[1 1 9 9]/MK<</R 90>>/Q 2;"
+                          "/Parent 10 0 R/Subtype/Widget/Rect[1 1 9 9]/DA(/G 5 Tf)/Border[0 0 3]"));
+    PDF_FIELD_DESIGN change;
+    change.style.size = 12;
+    change.style.alignment = PDF_ALIGNMENT::CENTER;
+    change.style.background = PDF_FIELD_COLOR{1};
+    change.style.border_color = PDF_FIELD_COLOR();
+    change.style.border_style = PDF_BORDER_STYLE::DASHED;
+    ASSERT_TRUE(design(f, "t", change).ok());
+    EXPECT_EQ(f.entry(10, "DA") + f.entry(10, "Q"), "(/F 12 Tf 1 0 0 rg 50 Tz)1");
+    EXPECT_EQ(f.entry(11, "DA") + f.entry(11, "Q") + f.entry(11, "MK"), "--<< /BG [1] /R 90 >>");
+    EXPECT_EQ(f.entry(12, "DA") + f.entry(12, "BS"), "(/G 12 Tf 0 g)<< /S /D /W 3 >>");
+}
+
+TEST(DesignTest, CalculatedFieldsComeAndGo)
+{
+    FormAtWork f(pdf_with("/AcroForm 10 0 R", "",
+                          "/Fields[11 0 R 12 0 R];/T(a)/FT/Tx/V(2);/T(s)/FT/Tx/AA<</V<</S/JavaScript/JS(v)>>>>"));
+    PDF_FIELD_DESIGN change;
+    change.calculation = {"SUM", {"a*"}};
+    ASSERT_TRUE(design(f, "s", change).ok());
+    ASSERT_TRUE(f.document.set_value(f.field("a"), "3").ok());
+    EXPECT_EQ(f.entry(12, "V") + f.entry(10, "CO"), "(3)[12 0 R]");
+    change.calculation.emplace();
+    ASSERT_TRUE(design(f, "s", change).ok());
+    EXPECT_EQ(f.entry(12, "AA") + f.entry(10, "CO"), "<< /V << /JS (v) /S /JavaScript >> >>[]");
+}
+
+TEST(DesignTest, TheStructureFollows)
+{
+    const struct {
+        const char* tree;
+        const char* nodes;    // objects 16 and 17
+        const char* numbers;  // of the first node, without "t"
+        const char* limits;
+    } cases[] = {
+        {" 16 0 R", "/Nums[0[14 0 R]1 14 0 R 2 15 0 R]", "[0 [14 0 R] 2 15 0 R]", "-"},
+        {"<</Kids[16 0 R 17 0 R]>>", "/Limits[0 1]/Nums[0[14 0 R]1 14 0 R];/Limits[2 2]/Nums[2 15 0 R]", "[0 [14 0 R]]",
+         "[0 0]"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tree);
+        FormAtWork f(tagged_form(c.tree, c.nodes));
+        ASSERT_TRUE(f.document.remove_field(f.field("t")).ok());
+        EXPECT_EQ(f.entry(13, "K"), "[15 0 R]") << "the element that held it alone goes";
+        EXPECT_EQ(f.entry(16, "Nums") + f.entry(16, "Limits"), std::string(c.numbers) + c.limits);
+        PDF_NEW_FIELD field;
+        field.name = "n";
+        field.places = {{{1, 50, 9, 9}}};
+        ASSERT_TRUE(f.document.add_field(field).ok());
+        EXPECT_EQ(f.entry(f.field("n").m_ref.num, "StructParent") + f.entry(12, "ParentTreeNextKey"), "34");
+        ASSERT_TRUE(f.document.remove_field(f.field("u")).ok());
+        EXPECT_EQ(f.entry(15, "K"), "[0]") << "the text stays";
+        EXPECT_EQ(f.entry(3, "Tabs"), "/S");
+    }
+}
+
+TEST(DesignTest, CopiesKeepWhatTheyInherit)
+{
+    FormAtWork f(pdf_with("/AcroForm 10 0 R", "/Annots[12 0 R 15 0 R]",
+                          "/Fields[11 0 R 13 0 R]/CO[12 0 R];/T(g)/FT/Ch/Ff 131072/Opt[(x)]/Kids[12 0 R];"
+                          "/T(c)/Parent 11 0 R/Subtype/Widget/Rect[1 1 9 9]/V(x)/NM(n);"
+                          "/T(o)/Kids[14 0 R];/T(k)/Parent 13 0 R/Kids[15 0 R]/FT/Sig/V<<>>;"
+                          "/Parent 14 0 R/Subtype/Widget/Rect[1 1 9 9]"));
+    PDF_MOVE move;
+    move.places = {{{50, 50, 20, 10}, 0}};
+    CPDFField* copy = nullptr;
+    ASSERT_TRUE(f.document.copy_field(f.field("g.c"), "o.c", move, PDF_EDIT::FORCE, &copy).ok());
+    const uint32_t num = copy->m_ref.num;
+    EXPECT_EQ(f.entry(num, "Ff") + f.entry(num, "Opt") + f.entry(num, "Parent") + f.entry(num, "V") +
+                  f.entry(num, "Rect") + f.entry(num, "NM"),
+              "131072[(x)]13 0 R(x)[50 50 70 60]-");
+    EXPECT_EQ(f.entry(10, "CO"), "[12 0 R " + ref_syntax(copy->m_ref) + "]");
+    ASSERT_TRUE(f.document.copy_field(f.field("o.k"), "s", move, PDF_EDIT::FORCE, &copy).ok());
+    EXPECT_EQ(f.entry(copy->m_ref.num, "V") + f.entry(copy->m_ref.num, "FT"), "-/Sig");
+    EXPECT_EQ(f.document.widgets_of(*copy).size(), 1u);
+    FormAtWork again(f.saved());
+    EXPECT_EQ(again.memory(), f.memory());
+}
+
+#ifdef FORMWORK_ALLOC_HOOK
+
+TEST(DesignTest, EveryFailedAllocation)
+{
+    for (const int operation : {0, 1, 2, 3}) {
+        SCOPED_TRACE(operation);
+        each_failed_allocation([&](const auto& arm) {
+            FormAtWork f(tagged_form("<</Nums[1 14 0 R 2 15 0 R]>>"));
+            f.document.widgets_of(f.field("t"));
+            PDF_FIELD_DESIGN change;
+            change.label = "label";
+            change.style.font = "Times";
+            change.calculation = {"SUM", {"u"}};
+            PDF_MOVE move;
+            move.places = {{{50, 50, 20, 10}, 1}};
+            CPDFStatus status;
+            const bool failed = arm([&] {
+                status = operation == 0   ? design(f, "t", change)
+                         : operation == 1 ? f.document.copy_field(f.field("t"), "g.n", move)
+                         : operation == 2 ? f.document.move_widgets(f.field("t"), move)
+                                          : f.document.order_tabs({PDF_TAB_ORDER::STRUCTURE, {}, 0});
+            });
+            EXPECT_TRUE(status.ok() || failed) << status.text;
+            FormAtWork again(f.saved());
+        });
+    }
+}
+
+#endif

@@ -1,0 +1,33 @@
+// How the help of the command is laid out.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+// Breaks what options say into lines, so that help fits a terminal of 80 columns.
+class CPDFHelpFormat : public CLI::Formatter {
+public:
+    std::string make_option_desc(const CLI::Option* option) const override
+    {
+        constexpr size_t COLUMNS = 80;
+        return wrapped(CLI::Formatter::make_option_desc(option), COLUMNS - get_column_width());
+    }
+
+private:
+    static std::string wrapped(std::string text, size_t width)
+    {
+        for (size_t line = 0; text.size() - line > width;) {
+            const size_t space = text.rfind(' ', line + width);
+            const size_t end = text.find('\n', line);
+            if (end != std::string::npos && end <= line + width) {
+                line = end + 1;
+                continue;
+            }
+            if (space == std::string::npos || space <= line)
+                break;
+            text[space] = '\n';
+            line = space + 1;
+        }
+        return text;
+    }
+};
