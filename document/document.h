@@ -13,6 +13,7 @@
 #include "document/compute/scripts.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
+#include "document/merge/same_names.h"
 #include "file/read_budget.h"
 #include "file/status.h"
 
@@ -189,6 +190,14 @@ public:
                           CPDFField** moved = nullptr);
     CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change,
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Appends another document: its pages, fields, outlines, named destinations, page labels and layers, see merge_document;
+    // `names` is for fields that both have. What its widgets lack is drawn first; the values of joined fields are drawn by
+    // save. A sentence for each thing that did not come along is handed out in `notes` unless that is null. Refuses, with
+    // nothing changed, a document that is signed unless `edit` is FORCE, and what merge_document refuses. Ends all fields
+    // of this document. `other` is open, has been changed where widgets were drawn, and is not needed any more then.
+    CPDFStatus append(CPDFDocument& other, PDF_SAME_NAMES names = PDF_SAME_NAMES::REFUSE,
+                      PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, std::vector<std::string>* notes = nullptr);
 
     // Makes what the widgets show a part of the pages, those without an appearance drawn as their fields are, and takes the
     // form off the document, see flatten_form. Refuses a signed document unless `edit` is FORCE. Ends all fields.

@@ -1,7 +1,6 @@
 #include "document/edit/rename_field.h"
 
 #include <algorithm>
-#include <list>
 #include <unordered_map>
 #include <vector>
 
@@ -11,6 +10,7 @@
 #include "core/xref_table.h"
 #include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
+#include "document/edit/inheritance.h"
 #include "document/edit/remove_field.h"
 #include "document/edit/set_field.h"
 #include "document/lookup/field_text.h"
@@ -85,50 +85,6 @@ void check_parent(EDIT_TARGET& target, const CPDFField& field, const CPDFField& 
         refusals.add("field " + in_quotes(full_name(parent)) + " has a value of its own and can't hold other fields");
     if (depth_of(&parent) + height_of(field) > LIMIT_FIELD_DEPTH)
         refusals.add("the fields would be too deep inside one another");
-}
-
-// Entries that fields inherit (ISO 32000-2, 12.7.4.1 and 12.7.4.3), and the scripts, which they take in this system.
-constexpr const char* INHERITED[] = {"FT", "Ff", "V", "DV", "DA", "Q", "MaxLen", "Opt", "AA"};
-constexpr CPDFKeySet INHERITED_KEYS(INHERITED);
-
-struct INHERITANCE {
-    std::list<CPDFObj> values;
-    std::vector<PDF_ENTRY_CHANGE> changes;
-};
-
-// Makes `out` what stands for no entry `key` where the fields above have one. False where nothing does.
-bool neutral_entry(const CPDFField& field, const std::string& key, CPDFObj& out)
-{
-    const bool value = (key == "V" || key == "DV") && field.m_type != FIELD_SIGNATURE;
-    if (key == "Ff" || key == "Q")
-        out.set_int(0);
-    else if (value && field.m_type == FIELD_BUTTON)
-        out.set_name(PDF_STATE_OFF);
-    else if (value)
-        out.type = PDF_OBJ_STRING;
-    else if (key == "AA")
-        out.set_dict();
-    else
-        return false;
-    return true;
-}
-
-// Collects what `field` has from the fields above it, and what keeps it from taking over what `parent` has.
-void collect_inherited(const CPDFField& field, const CPDFField* parent, INHERITANCE& out)
-{
-    CPDFObj own;
-    field.m_xref->get_entity(own, field.m_ref, &INHERITED_KEYS);
-    for (const char* key : INHERITED) {
-        if (!own.dictionary() || own.dict->get_item(key))
-            continue;
-        CPDFObj value;
-        CPDFObj other;
-        if (inherited_entry(field.m_parent, key, value) ||
-            (inherited_entry(parent, key, other) && neutral_entry(field, key, value))) {
-            out.values.emplace_back().take(value);
-            out.changes.push_back({key, &out.values.back()});
-        }
-    }
 }
 
 // Texts without a limit come under that of the new parent.
