@@ -192,10 +192,11 @@ public:
                             PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
 
     // Appends another document: its pages, fields, outlines, named destinations, page labels and layers, see merge_document;
-    // `names` is for fields that both have. What its widgets lack is drawn first; the values of joined fields are drawn by
-    // save. A sentence for each thing that did not come along is handed out in `notes` unless that is null. Refuses, with
-    // nothing changed, a document that is signed unless `edit` is FORCE, and what merge_document refuses. Ends all fields
-    // of this document. `other` is open, has been changed where widgets were drawn, and is not needed any more then.
+    // `names` is for fields that both have. Before that, widgets of either that lack an appearance get one, and all texts
+    // where a form asks viewers to draw them; values of joined fields are drawn by save. A sentence for each thing that did
+    // not come along is handed out in `notes` unless that is null. Refuses, with no more changed than that, a document that
+    // is signed unless `edit` is FORCE, and what merge_document refuses; after other failures this document is to be
+    // reverted. Ends its fields. `other` must be open, and is not needed any more then.
     CPDFStatus append(CPDFDocument& other, PDF_SAME_NAMES names = PDF_SAME_NAMES::REFUSE,
                       PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, std::vector<std::string>* notes = nullptr);
 

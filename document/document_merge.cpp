@@ -25,7 +25,7 @@ CPDFStatus CPDFDocument::State::begin_merge(PDF_EDIT edit)
     return status;
 }
 
-// The same for the one that is appended, which its own form's fonts are known to.
+// Either form may ask viewers to draw its texts; together they must not, since what the other shows is to stay as it is.
 CPDFStatus CPDFDocument::State::draw_before_merge()
 {
     const CPDFReadAllowance allowance(reader->budget());
@@ -88,8 +88,10 @@ CPDFStatus CPDFDocument::append(CPDFDocument& other, PDF_SAME_NAMES names, PDF_E
         CPDFStatus status = m_state->begin_merge(edit);
         if (status.ok())
             status = other.m_state->begin_merge(edit);
-        if (status.ok())
-            status = other.m_state->draw_before_merge();
+        for (State* state : {m_state.get(), other.m_state.get()}) {
+            if (status.ok())
+                status = state->draw_before_merge();
+        }
         std::vector<std::string> told;
         if (status.ok())
             status = m_state->append(*other.m_state, names, told);

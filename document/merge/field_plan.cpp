@@ -69,7 +69,7 @@ public:
     {
         place(nullptr, top_of(m_into.form), top_of(m_from.form), 1);
         if (m_conflicts > 1)
-            m_first += ", and so do " + std::to_string(m_conflicts - 1) + " more fields";
+            m_first += " (the first of " + std::to_string(m_conflicts) + " such fields)";
         return m_conflicts ? CPDFStatus::failed(PDF_CODE::BAD_EDIT, m_first) : CPDFStatus();
     }
 
