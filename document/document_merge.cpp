@@ -86,7 +86,9 @@ CPDFStatus CPDFDocument::append(CPDFDocument& other, PDF_SAME_NAMES names, PDF_E
         if (&other == this)
             return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, "a document can't be appended to itself");
         CPDFStatus status = m_state->begin_merge(edit);
-        if (status.ok())
+        if (!status.ok())
+            status.text = "nothing can be appended to the first document: " + status.text;
+        else
             status = other.m_state->begin_merge(edit);
         for (State* state : {m_state.get(), other.m_state.get()}) {
             if (status.ok())
