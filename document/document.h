@@ -16,6 +16,7 @@
 #include "document/design/tab_order.h"
 #include "document/edit/add_field.h"
 #include "document/fill/filler.h"
+#include "document/merge/same_names.h"
 #include "file/read_budget.h"
 #include "file/status.h"
 
@@ -225,6 +226,15 @@ public:
                           PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, CPDFField** copy = nullptr);
     // The order in which the tab key goes through the fields, see design/tab_order.h.
     CPDFStatus order_tabs(const PDF_TABS& tabs, PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
+
+    // Appends another document: its pages, fields, outlines, named destinations, page labels and layers, see merge_document;
+    // `names` is for fields that both have. Before that, widgets of either that lack an appearance get one, and all texts
+    // where a form asks viewers to draw them; values of joined fields are drawn by save. A sentence for each thing that did
+    // not come along is handed out in `notes` unless that is null. Refuses, with no more changed than that, a document that
+    // is signed unless `edit` is FORCE, and what merge_document refuses; after other failures this document is to be
+    // reverted. Ends its fields. `other` must be open, and is not needed any more then.
+    CPDFStatus append(CPDFDocument& other, PDF_SAME_NAMES names = PDF_SAME_NAMES::REFUSE,
+                      PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, std::vector<std::string>* notes = nullptr);
 
     // Makes what the widgets show a part of the pages, those without an appearance drawn as their fields are, and takes the
     // form off the document, see flatten_form. Refuses a signed document unless `edit` is FORCE. Ends all fields.

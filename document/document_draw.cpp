@@ -187,9 +187,8 @@ CPDFStatus CPDFDocument::State::show_anew(std::span<CPDFField* const> fields)
 }
 
 // Viewers show a widget without an appearance as well as they can, and draw all texts where the form asks them to.
-CPDFStatus CPDFDocument::State::flatten()
+CPDFStatus CPDFDocument::State::draw_all()
 {
-    const CPDFReadAllowance allowance(reader->budget());
     if (needs_appearances(*xref, root)) {
         for_each_field(loaded_form(), [this](CPDFField& field) {
             if (&value_field(field) == &field && (field.m_type == FIELD_TEXT || field.m_type == FIELD_CHOICE))
@@ -198,9 +197,14 @@ CPDFStatus CPDFDocument::State::flatten()
     }
     CPDFStatus status = draw_missing();
     if (status.ok() && redraw && redraw->left_some())
-        status = too_much_to("draw what is to be flattened");
-    if (status.ok() && redraw)
-        status = redraw->finish(notes);
+        status = too_much_to("draw all that the form shows");
+    return status.ok() && redraw ? redraw->finish(notes) : status;
+}
+
+CPDFStatus CPDFDocument::State::flatten()
+{
+    const CPDFReadAllowance allowance(reader->budget());
+    CPDFStatus status = draw_all();
     if (!status.ok())
         return status;
     EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};

@@ -132,7 +132,13 @@ struct CPDFDocument::State {
     void calculate_later();
     CPDFRedraw& painter();
     std::vector<PDF_DRAWN_WIDGET> widgets_to_draw(CPDFField& field);
+    // Draws the texts of all fields where the form asks viewers to, and whatever lacks an appearance.
+    CPDFStatus draw_all();
     CPDFStatus flatten();
+    CPDFStatus begin_merge(PDF_EDIT edit);
+    CPDFStatus draw_before_merge();
+    CPDFStatus append(State& other, PDF_SAME_NAMES same_names, std::vector<std::string>& told);
+    CPDFStatus put_joined(CPDFField& field, const CPDFValue& value);
     CPDFStatus reset(const std::vector<CPDFField*>* fields, PDF_FILL fill);
     CPDFStatus open_xfa(CPDFXfaForm& xfa);
     CPDFStatus take_xfa_values(CPDFXfaForm& xfa, std::vector<std::string>* notes);

@@ -94,6 +94,7 @@ int run(int argc, char** argv)
     add_remove_verb(app, action);
     add_rename_verb(app, action);
     add_set_verb(app, action);
+    add_merge_verb(app, action);
     add_actions_verb(app, action);
     for (CLI::App* verb : app.get_subcommands({}))
         verb->group("Verbs");

@@ -53,6 +53,7 @@ void add_tabs_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_remove_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_rename_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_set_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_merge_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.

@@ -1,6 +1,9 @@
 #include "document/edit/inheritance.h"
 
+#include <string>
+
 #include "core/dictionary.h"
+#include "core/xref_table.h"
 #include "document/edit/field_tree.h"
 #include "engine/annot_widget.h"
 #include "forms/field.h"

@@ -112,3 +112,32 @@ TEST_F(EditVerbTest, Actions)
     EXPECT_EQ(json["actions"][0]["target"], "http://x");
     EXPECT_EQ(edit({"actions", "three"}).exit, 1);
 }
+
+TEST_F(EditVerbTest, MergedFilesHaveAllFields)
+{
+    ASSERT_EQ(edit({"add", "text", "t", "--rect", "1,2,30,10", "--in-place"}).exit, 0);
+    const std::string out = folder.path("out.pdf");
+    const struct {
+        std::vector<std::string> arguments;
+        int exit;
+        const char* part;  // of what is said, or of the fields
+    } cases[] = {
+        {{"merge", file, file, "-o", out}, 1, "field \"t\" stands in both documents; --same-names"},
+        {{"merge", file, "-o", out}, 2, "FILE"},
+        {{"merge", file, file, "-o", file}, 2, "is an input"},
+        {{"merge", file, file, "-o", out, "--same-names", "keep"}, 2, "refuse, rename or join"},
+        {{"merge", file, file, file, "-o", out, "--same-names", "rename"}, 0, "\nt\nt_2\nt_3\n"},
+        {{"merge", out, file, "-o", folder.path("more.pdf"), "--same-names", "join"}, 0, "\nt\nt_2\nt_3\n"},
+    };
+    for (const auto& c : cases) {
+        const CommandResult result = folder.run(c.arguments);
+        EXPECT_EQ(result.exit, c.exit) << result.err;
+        std::string said = result.err + "\n";
+        if (result.exit == 0) {
+            for (const auto& field : nlohmann::json::parse(
+                     folder.run({"list", "--json", c.arguments.back() == "join" ? folder.path("more.pdf") : out}).out))
+                said += field["name"].get<std::string>() + "\n";
+        }
+        EXPECT_THAT(said, HasSubstr(c.part));
+    }
+}
