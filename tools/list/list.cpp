@@ -13,6 +13,8 @@ struct LIST_ARGUMENTS {
     COMMAND_INPUT input;
     bool json = false;
     bool all = false;
+    bool in_full = false;
+    bool summary = false;
 };
 
 int list_fields(const LIST_ARGUMENTS& arguments)
@@ -22,6 +24,9 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     if (!document.permits_filling())
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
+    if (arguments.summary)
+        return end_with(put_list_summary(document, arguments.json ? LIST_FORM::JSON : LIST_FORM::TEXT),
+                        arguments.input.path.text);
     const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
     const std::vector<PDF_XFA_VALUE> data = xfa_values_of(document, arguments.input);
     if (arguments.json)
@@ -32,8 +37,13 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         ++fields;
         listed += is_listed(field, what);
     });
+    if (terminal_columns() && listed) {
+        if (const CPDFStatus status = put_list_summary(document, LIST_FORM::TEXT); !status.ok())
+            return end_with(status, arguments.input.path.text);
+        put("\n");
+    }
     if (listed)
-        put_list_table(document, what, data);
+        (arguments.in_full ? put_list_long : put_list_table)(document, what, data);
     else
         put(printable(arguments.input.path.text) + " has no form fields" + (fields ? " with a name" : "") + "\n");
     return put_done();
@@ -64,12 +74,17 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::App& verb = *app.add_subcommand("list", "Shows the fields of a form, their values and flags");
     add_input(verb, arguments->input);
     verb.add_flag("--json", arguments->json, "as a JSON array, one object for each field");
+    verb.add_flag("--long", arguments->in_full, "also labels, what fields take, and flags; nothing is cut");
+    verb.add_flag("--summary", arguments->summary,
+                  "only what there is: pages, fields by kind, signatures and the like");
     verb.add_flag("--all", arguments->all, "also fields without a name of their own, under their numbered names");
-    verb.footer("In the table, control characters are shown as escapes, and what is too long for the terminal is cut.\n"
-                "The value is that of the field itself, or its default value where it has none; a\n"
-                "long text that is kept in a stream is left to `formwork get`. What a format of the form, such as one\n"
-                "for dates, makes of the value stands beside it (shown).\n"
-                "Where no field takes a value but the form has XFA data, as dynamic forms are made, their values are\n"
-                "shown, of the kind \"data\", under the paths by which fill takes them.");
+    verb.footer(
+        "In the table, control characters are shown as escapes, and what is too long for the terminal, or\n"
+        "for 80 columns where there is none, is cut; get and the like take any part of a name that only one field has.\n"
+        "The value is that of the field, or its default value where it has none; a\n"
+        "long text that is kept in a stream is left to `formwork get`. What a format of the form, such as one\n"
+        "for dates, makes of the value stands beside it (shown).\n"
+        "Where no field takes a value but the form has XFA data, as dynamic forms are made, their values are\n"
+        "shown, of the kind \"data\", under the paths by which fill takes them.");
     verb.callback([arguments, &action] { action = [arguments] { return list_fields(*arguments); }; });
 }
