@@ -328,6 +328,7 @@ void CPDFDocument::revert()
     state.calculation_noted.clear();
     state.console.clear();
     state.to_calculate = false;
+    state.shown_options = {};
     if (state.redraw)
         state.redraw->changes_dropped();
     if (std::exchange(state.edited, false)) {

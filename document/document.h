@@ -135,8 +135,9 @@ public:
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
                            PDF_WORDS words = PDF_WORDS::STATES_FIRST);
 
-    // Scripts that check further values see those of `plan`, which check_value made, as if it were carried out, until assumptions
-    // are dropped: so values that are set together are checked together, in their order. Fails when memory runs out.
+    // Scripts that check further values see those of `plan`, which check_value made, as if it were carried out, until
+    // assumptions are dropped: so values that are set together are checked together, in their order. Fails when memory
+    // runs out.
     CPDFStatus assume(const PDF_FILL_PLAN& plan);
     void drop_assumptions();
 
@@ -147,20 +148,21 @@ public:
     // The same for text fields only.
     CPDFStatus set_text(CPDFField& field, std::string_view value, PDF_FILL fill = PDF_FILL::RESPECT_READ_ONLY);
 
-    // Carries out a plan of check_value; the form is calculated later. Fails, with a part of the plan perhaps carried out, where the field's
-    // dictionary is missing or memory runs out.
+    // Carries out a plan of check_value; the form is calculated later. Fails, with a part of the plan perhaps carried out,
+    // where the field's dictionary is missing or memory runs out.
     CPDFStatus apply(const PDF_FILL_PLAN& plan);
 
-    // Which scripts of the form run from now on, KNOWN at first; `seconds` of processor time for those of ALL. Scripts decide in check_value whether a field takes a value
-    // (those of keystrokes as when a value is committed, and those that validate; they may change it), calculate fields from
-    // others, and format what widgets show; "V" stays the value.
+    // Which scripts of the form run from now on, KNOWN at first; `seconds` of processor time for those of ALL, which run in
+    // a child of this process. Scripts decide in check_value whether a field takes a value (those of keystrokes as when a
+    // value is committed, and those that validate; they may change it), calculate fields from others, and format what
+    // widgets show; "V" stays the value.
     void set_scripts(PDF_SCRIPTS scripts, double seconds = 2);
 
-    // Calculates the fields of the form's calculation order, each of which is then validated, until nothing changes any more;
-    // circles end after LIMIT_CALCULATION_ROUNDS. Fields that are read-only are calculated, too. Those that a signature
-    // locks are not, nor are values that a field does not take: calculation_notes says so. set_value, reset and import of data do
-    // this; after calls of apply it is done by save at the latest. Hands out the fields that changed in `changed` unless
-    // that is null.
+    // Calculates the fields of the form's calculation order, each of which is then validated, until nothing changes any
+    // more; circles end after LIMIT_CALCULATION_ROUNDS. Fields that are read-only are calculated, too. Those that a
+    // signature locks are not, nor are values that a field does not take: calculation_notes says so. set_value, reset and
+    // import of data do this; after calls of apply it is done by save at the latest. What the file permits is not asked.
+    // Hands out the fields that changed in `changed` unless that is null.
     CPDFStatus calculate(std::vector<CPDFField*>* changed = nullptr);
 
     // What the widgets of `field` show of its value where a script formats it; nothing where they show the value itself.

@@ -160,6 +160,7 @@ const std::vector<CPDFField*>& CPDFDocument::State::fields_to_calculate()
             if (found != fields.end())
                 order.push_back(found->second);
         }
+        keep_first(order);
     }
     return calculation_order.emplace(std::move(order));
 }
@@ -170,12 +171,14 @@ void CPDFDocument::State::note_calculation(std::string sentence)
         calculation_notes.push_back(std::move(sentence));
 }
 
-CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string text, bool& stored)
+CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, CPDFValue value, bool& stored)
 {
     PDF_FILL_PLAN plan;
-    CPDFStatus status = about_field(field, compute()->validate(field, text));
+    CPDFStatus status;
+    if (auto* text = std::get_if<std::string>(&value))
+        status = about_field(field, compute()->validate(field, *text));
     if (status.ok())
-        status = plan_fill(field, text, PDF_FILL::FORCE, PDF_WORDS::EXPORT_FIRST,
+        status = plan_fill(field, value, PDF_FILL::FORCE, PDF_WORDS::EXPORT_FIRST,
                            field.m_type == FIELD_BUTTON ? bound_widgets() : widgets, plan);
     if (status.ok())
         status = signatures().check_fill(field);
@@ -187,45 +190,57 @@ CPDFStatus CPDFDocument::State::store_calculated(CPDFField& field, std::string t
     return stored ? carry_out(plan) : status;
 }
 
-// The budget is one for all rounds, so what is stored meanwhile takes its part of it.
+// Calculates one field, and stores what its script made of others. Tells in `stored` whether any value changed.
+CPDFStatus CPDFDocument::State::calculate_field(CPDFField& field, bool& stored, std::vector<CPDFField*>* changed)
+{
+    const std::string before = compute()->value_of(field);
+    std::optional<std::string> text = compute()->calculate(field, before);
+    CPDFStatus status = take_from_sandbox(stored, changed);
+    bool own_stored = false;
+    if (status.ok() && text && *text != before)
+        status = store_calculated(field, std::move(*text), own_stored);
+    if (own_stored && changed)
+        changed->push_back(&field);
+    stored = stored || own_stored;
+    return status;
+}
+
+CPDFStatus CPDFDocument::State::calculate_in_order(const CPDFReadAllowance& allowance, std::vector<CPDFField*>* changed)
+{
+    bool prepared = false;
+    CPDFStatus status = take_from_sandbox(prepared, changed);
+    CalculationOrder order(fields_to_calculate());
+    while (status.ok() && !allowance.used_up()) {
+        CPDFField* const field = order.next();
+        if (!field)
+            break;
+        bool stored = false;
+        status = calculate_field(*field, stored, changed);
+        if (stored)
+            order.changed(field);
+    }
+    if (status.ok() && !allowance.used_up() && !order.at_rest())
+        note_calculation("the calculations of the form go in a circle: they were stopped after " +
+                         std::to_string(LIMIT_CALCULATION_ROUNDS) + " rounds");
+    return status;
+}
+
+// The budget is one for all rounds, so what is stored meanwhile takes its part of it; what can't be read without one looks
+// as if it were missing.
 CPDFStatus CPDFDocument::State::calculate(std::vector<CPDFField*>* changed)
 {
     to_calculate = false;
-    CPDFFormCompute* const runner = compute();
-    if (!runner)
+    if (!compute())
         return {};
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
-    bool prepared = false;
-    if (CPDFStatus status = take_from_sandbox(prepared, changed); !status.ok())
-        return status;
-    CalculationOrder order(fields_to_calculate());
-    while (CPDFField* field = order.next()) {
-        if (allowance.used_up())
-            return too_much_to(CALCULATING);
-        const std::string before = runner->value_of(*field);
-        std::optional<std::string> text = runner->calculate(*field, before);
-        bool others_changed = false;
-        CPDFStatus status = take_from_sandbox(others_changed, changed);
-        bool stored = false;
-        if (status.ok() && text && *text != before)
-            status = store_calculated(*field, std::move(*text), stored);
-        if (!status.ok())
-            return status;
-        if (stored || others_changed)
-            order.changed(field);
-        if (stored && changed)
-            changed->push_back(field);
-    }
-    if (!order.at_rest())
-        note_calculation("the calculations of the form go in a circle: they were stopped after " +
-                         std::to_string(LIMIT_CALCULATION_ROUNDS) + " rounds");
+    CPDFStatus status = calculate_in_order(allowance, changed);
+    to_calculate = false;
     if (changed)
         keep_first(*changed);
-    to_calculate = false;
     if (allowance.used_up())
         return too_much_to(CALCULATING);
-    return memory.failed() ? no_memory_to(CALCULATING) : CPDFStatus();
+    return memory.failed() ? no_memory_to(CALCULATING) : status;
 }
 
 CPDFStatus CPDFDocument::calculate(std::vector<CPDFField*>* changed)
@@ -247,6 +262,7 @@ std::string CPDFDocument::format_words(const CPDFField& field)
 
 void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
 {
+    m_state->note_scripts();
     m_state->scripts = scripts;
     m_state->script_seconds = seconds;
     m_state->computer.reset();

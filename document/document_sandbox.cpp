@@ -18,6 +18,26 @@
 
 namespace {
 
+constexpr const char* CALCULATING = "calculate the form";
+
+// What storing something takes beside its bytes, in bytes that could be parsed meanwhile.
+constexpr size_t CHANGE_WORK = 256;
+
+size_t size_of(const SCRIPT_CHANGE& change)
+{
+    size_t size = change.field.size();
+    for (const std::string& text : change.value)
+        size += text.size();
+    return size;
+}
+
+CPDFValue value_of(std::vector<std::string> texts)
+{
+    if (texts.size() > 1)
+        return texts;
+    return texts.empty() ? std::string() : std::move(texts.front());
+}
+
 // In the order of PDF_FIELD_KIND_ID.
 constexpr SCRIPT_FIELD_TYPE TYPES[KIND_COUNT] = {
     SCRIPT_FIELD_TYPE::TEXT, SCRIPT_FIELD_TYPE::RADIO, SCRIPT_FIELD_TYPE::BUTTON, SCRIPT_FIELD_TYPE::CHECKBOX,
@@ -36,7 +56,8 @@ SCRIPT_FIELD script_field_of(const CPDFField& field, const PDF_FIELD_SHAPE& shap
         if (shape.flags & from)
             out.flags |= to;
     out.value = script_values_of(field, fields);
-    out.default_value = value_text(*field.m_xref, field.m_def_value).joined();
+    if (PDF_VALUE_TEXT value = value_text(*field.m_xref, field.m_def_value); value.present)
+        out.default_value = value.is_list ? std::move(value.items) : std::vector<std::string>{std::move(value.text)};
     out.char_limit = shape.max_length;
     for (int32_t i = 0; i < shape.options.count(); ++i)
         out.items.push_back({shape.options.shown(i), shape.options.value(i)});
@@ -133,6 +154,8 @@ CPDFStatus CPDFDocument::State::change_widgets(CPDFField& field, const SCRIPT_TR
 {
     if (!(traits.made & SCRIPT_TRAIT_DISPLAY))
         return {};
+    if (CPDFFieldSandbox* sandbox = computer->sandbox())
+        sandbox->traits_stored();
     for (const CPDFAnnotWidget* widget : bound_widgets().widgets_of(field)) {
         const PDF_CHANGE_RESULT result = set_widget_display(*xref, widget->m_ref, traits.display);
         if (result != PDF_CHANGE_RESULT::STORED)
@@ -148,6 +171,8 @@ CPDFStatus CPDFDocument::State::change_kind(CPDFField& field, const SCRIPT_TRAIT
     if (!change.options && !change.set_flags && !change.clear_flags)
         return {};
     changed_fields.push_back(&field);
+    if (CPDFFieldSandbox* sandbox = computer->sandbox())
+        sandbox->traits_stored();
     CPDFStatus status = ::change_field(field, change, bound_widgets());
     if (status.code == PDF_CODE::BAD_EDIT && change.options) {
         PDF_FILL_PLAN plan;
@@ -160,6 +185,7 @@ CPDFStatus CPDFDocument::State::change_kind(CPDFField& field, const SCRIPT_TRAIT
     if (!status.ok() || !change.options)
         return status;
     CPDFField* const shown = &field;
+    shown_options = {};
     if (redraw)
         redraw->options_changed();
     return show({&shown, 1});
@@ -189,17 +215,21 @@ CPDFStatus CPDFDocument::State::take_from_sandbox(bool& stored, std::vector<CPDF
     if (!sandbox)
         return {};
     std::vector<SCRIPT_CHANGE> values = sandbox->take_changes();
-    for (const SCRIPT_TRAITS& traits : sandbox->take_traits())
+    for (const SCRIPT_TRAITS& traits : sandbox->take_traits()) {
+        if (!reader->budget().spend(CHANGE_WORK * (1 + traits.items.size())))
+            return too_much_to(CALCULATING);
         if (CPDFStatus status = store_traits(traits); !status.ok())
             return status;
+    }
     const PDF_SCRIPT_FIELDS fields = script_fields();
     for (SCRIPT_CHANGE& change : values) {
+        if (!reader->budget().spend(CHANGE_WORK + size_of(change)))
+            return too_much_to(CALCULATING);
         CPDFField* const field = fields.find(change.field);
         if (!field || script_values_of(*field, fields) == change.value)
             continue;
         bool one_stored = false;
-        std::string text = change.value.empty() ? std::string() : std::move(change.value.front());
-        if (CPDFStatus status = store_calculated(*field, std::move(text), one_stored); !status.ok())
+        if (CPDFStatus status = store_calculated(*field, value_of(std::move(change.value)), one_stored); !status.ok())
             return status;
         if (!one_stored) {
             sandbox->value_changed(*field);

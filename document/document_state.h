@@ -112,7 +112,9 @@ struct CPDFDocument::State {
     CPDFStatus commit(PDF_FILL_PLAN& plan, PDF_FILL fill);
     const std::vector<CPDFField*>& fields_to_calculate();
     CPDFStatus calculate(std::vector<CPDFField*>* changed);
-    CPDFStatus store_calculated(CPDFField& field, std::string text, bool& stored);
+    CPDFStatus calculate_in_order(const CPDFReadAllowance& allowance, std::vector<CPDFField*>* changed);
+    CPDFStatus calculate_field(CPDFField& field, bool& stored, std::vector<CPDFField*>* changed);
+    CPDFStatus store_calculated(CPDFField& field, CPDFValue value, bool& stored);
     void note_calculation(std::string sentence);
 
     // The widgets of these fields show something else from now on.

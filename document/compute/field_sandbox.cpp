@@ -24,9 +24,18 @@ void move_to_end(std::vector<Item>& from, std::vector<Item>& to)
 void CPDFFieldSandbox::load()
 {
     m_sandbox.load(m_document.snapshot());
+    m_loaded_with = m_altered;
+    m_loaded_with_traits = m_traits_stored;
     m_changed.clear();
     m_assumptions_told = 0;
     m_prepared = false;
+}
+
+void CPDFFieldSandbox::tell_changes(SCRIPT_RUN& run)
+{
+    run.changes.clear();
+    for (const CPDFField* each : std::exchange(m_changed, {}))
+        run.changes.push_back({full_name(*each), script_values_of(*each, m_document.fields)});
 }
 
 // Values that the scripts of the document set count once: a process that takes another one's place is told what the fields
@@ -37,10 +46,19 @@ void CPDFFieldSandbox::take(SCRIPT_ANSWER& answer, CHANGES changes, const std::s
     m_console.resize(std::min(m_console.size(), LINES_MAX));
     if (!answer.fault.empty()) {
         m_faults.push_back("the " + script + " was not run: " + answer.fault);
-        return;
+        // What it set before it failed does not count.
+        for (const SCRIPT_CHANGE& change : answer.changes)
+            if (const CPDFField* const field = m_document.fields.find(change.field))
+                m_changed.push_back(field);
     }
-    if (changes != CHANGES::DROPPED)
+    if (!answer.fault.empty() || changes == CHANGES::DROPPED) {
+        if (!answer.traits.empty())
+            m_sandbox.forget_document();
+    } else {
         move_to_end(answer.traits, m_traits);
+    }
+    if (!answer.fault.empty())
+        return;
     if (changes == CHANGES::KEPT)
         return move_to_end(answer.changes, m_changes);
     for (SCRIPT_CHANGE& change : answer.changes) {
@@ -64,6 +82,7 @@ bool CPDFFieldSandbox::open_document()
         run.event_name = "Open";
         run.event.target = scripts[i].name;
         run.text = scripts[i].text;
+        tell_changes(run);
         SCRIPT_ANSWER answer = m_sandbox.run(run);
         if (m_sandbox.was_killed())
             return false;
@@ -91,9 +110,7 @@ void CPDFFieldSandbox::prepare()
 SCRIPT_ANSWER CPDFFieldSandbox::attempt(SCRIPT_RUN& run)
 {
     prepare();
-    run.changes.clear();
-    for (const CPDFField* each : std::exchange(m_changed, {}))
-        run.changes.push_back({full_name(*each), script_values_of(*each, m_document.fields)});
+    tell_changes(run);
     for (; m_assumptions_told < m_assumptions.size(); ++m_assumptions_told)
         run.changes.push_back(m_assumptions[m_assumptions_told].change);
     return m_sandbox.run(run);
@@ -120,14 +137,23 @@ bool CPDFFieldSandbox::run(const CPDFField& field, PDF_SCRIPT_EVENT event, const
 void CPDFFieldSandbox::value_changed(const CPDFField& field)
 {
     m_changed.push_back(&field);
+    m_altered.insert(&field);
     if (!m_prepared)
         m_newer.insert(&field);
+    if (!m_assumed.contains(&field))
+        drop_changes(field);
+}
+
+void CPDFFieldSandbox::drop_changes(const CPDFField& field)
+{
     if (!m_changes.empty())
         std::erase_if(m_changes, [name = full_name(field)](const SCRIPT_CHANGE& at) { return at.field == name; });
 }
 
 void CPDFFieldSandbox::assume(const CPDFField& field, std::vector<std::string> value)
 {
+    drop_changes(field);
+    m_assumed.insert(&field);
     m_assumptions.push_back({&field, {full_name(field), std::move(value)}});
 }
 
@@ -140,14 +166,26 @@ void CPDFFieldSandbox::drop_assumptions()
     m_assumptions_told = 0;
 }
 
+std::vector<SCRIPT_CHANGE> CPDFFieldSandbox::take_changes()
+{
+    m_assumed.clear();
+    return std::exchange(m_changes, {});
+}
+
 void CPDFFieldSandbox::renew()
 {
     m_sandbox.renew();
+    if (m_loaded_with_traits)
+        m_sandbox.forget_document();
+    m_traits_stored = false;
+    m_assumed.clear();
     m_prepared = false;
     m_opened = 0;
     m_deadly.clear();
     m_newer.clear();
-    m_changed.clear();
+    m_altered.clear();
+    // The process goes back to what it was loaded with, which may have been the values of a row.
+    m_changed.assign(m_loaded_with.begin(), m_loaded_with.end());
     m_assumptions.clear();
     m_assumptions_told = 0;
     m_changes.clear();

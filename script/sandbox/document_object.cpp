@@ -30,7 +30,9 @@ void reset_field(SCRIPT_HOST& host, size_t index)
     const SCRIPT_FIELD& field = host.document.fields[index];
     if (field.type == SCRIPT_FIELD_TYPE::BUTTON || field.type == SCRIPT_FIELD_TYPE::SIGNATURE)
         return;
-    host.set_value(index, {field.default_value});
+    const bool is_switch = field.type == SCRIPT_FIELD_TYPE::CHECKBOX || field.type == SCRIPT_FIELD_TYPE::RADIO;
+    host.set_value(index, field.default_value.empty() ? std::vector<std::string>{is_switch ? "Off" : ""}
+                                                      : field.default_value);
 }
 
 // resetForm(names): all fields without names.

@@ -8,19 +8,19 @@ constexpr const char* EVENT = "event";
 void set_text(js_State* js, const char* name, const std::string& text)
 {
     push_text(js, text);
-    js_setproperty(js, -2, name);
+    js_defproperty(js, -2, name, 0);
 }
 
 void set_number(js_State* js, const char* name, double number)
 {
     js_pushnumber(js, number);
-    js_setproperty(js, -2, name);
+    js_defproperty(js, -2, name, 0);
 }
 
 void set_flag(js_State* js, const char* name, int flag)
 {
     js_pushboolean(js, flag);
-    js_setproperty(js, -2, name);
+    js_defproperty(js, -2, name, 0);
 }
 
 void set_field(js_State* js, const char* name, const std::string& field)
@@ -31,7 +31,7 @@ void set_field(js_State* js, const char* name, const std::string& field)
         push_field(js, *node);
     else
         js_pushglobal(js);
-    js_setproperty(js, -2, name);
+    js_defproperty(js, -2, name, 0);
 }
 
 void read_text(js_State* js, const char* name, std::string& text)

@@ -99,7 +99,8 @@ void set_value(js_State* js)
 
 void get_default(js_State* js)
 {
-    push_text(js, field_of(js).default_value);
+    const std::vector<std::string>& value = field_of(js).default_value;
+    push_text(js, value.empty() ? std::string() : value.front());
 }
 
 void set_default(js_State* js)
@@ -108,7 +109,7 @@ void set_default(js_State* js)
     read_texts(js, 1);
     SCRIPT_HOST& host = host_of(js);
     for (const size_t index : node.fields)
-        host.change(index).default_value = host.texts.empty() ? std::string() : host.texts.front();
+        host.change(index).default_value = host.texts;
     js_pushundefined(js);
 }
 
@@ -249,21 +250,28 @@ void get_item_count(js_State* js)
     js_pushnumber(js, is_choice(field) ? static_cast<double>(field.items.size()) : 0);
 }
 
-// Where an argument counts items from 0, -1 is the last one.
-size_t item_index(js_State* js, int argument, size_t count)
+// Counts items from 0; without it, -1. To be read before the items are looked at: the argument's own functions may change them.
+int index_at(js_State* js, int argument)
 {
-    const int index = js_isdefined(js, argument) ? js_tointeger(js, argument) : -1;
+    return js_isdefined(js, argument) ? js_tointeger(js, argument) : -1;
+}
+
+// -1 and what is beyond the end are the last of the items, of which there is one at least.
+size_t item_index(int index, size_t count)
+{
     return index < 0 || static_cast<size_t>(index) >= count ? count - 1 : static_cast<size_t>(index);
 }
 
 // getItemAt(index, whether the value is wanted and not what is shown)
 void get_item(js_State* js)
 {
+    const int index = index_at(js, 1);
+    const bool shown = js_isdefined(js, 2) && !js_toboolean(js, 2);
     const SCRIPT_FIELD& field = field_of(js);
-    if (field.items.empty() || js_tointeger(js, 1) >= static_cast<int>(field.items.size()))
+    if (field.items.empty() || index >= static_cast<int>(field.items.size()))
         return js_pushundefined(js);
-    const SCRIPT_ITEM& item = field.items[item_index(js, 1, field.items.size())];
-    push_text(js, js_isdefined(js, 2) && !js_toboolean(js, 2) ? item.shown : item.value);
+    const SCRIPT_ITEM& item = field.items[item_index(index, field.items.size())];
+    push_text(js, shown ? item.shown : item.value);
 }
 
 void clear_items(js_State* js)
@@ -314,9 +322,10 @@ void insert_item(js_State* js)
 
 void delete_item(js_State* js)
 {
+    const int index = index_at(js, 1);
     const SCRIPT_FIELD& field = field_of(js);
     if (is_choice(field) && !field.items.empty()) {
-        const size_t at = item_index(js, 1, field.items.size());
+        const size_t at = item_index(index, field.items.size());
         std::vector<SCRIPT_ITEM>& items =
             host_of(js).change_trait(node_of(js).fields.front(), SCRIPT_TRAIT_ITEMS).items;
         items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));

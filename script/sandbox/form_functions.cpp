@@ -1,7 +1,16 @@
 // The well-known functions, for scripts: the same that serve known calls.
+#include <csetjmp>
+
 #include "script/sandbox/host.h"
 
 namespace {
+
+// What one call works with. Arguments and results may have functions of the script run, which may call such functions
+// themselves, so that each call has its own.
+struct CALL {
+    SCRIPT_LIST arguments;
+    SCRIPT_VALUE result;
+};
 
 SCRIPT_LIST& new_list(SCRIPT_VALUE& value)
 {
@@ -20,10 +29,8 @@ void read_plain(js_State* js, int index, SCRIPT_LIST& list)
         list.back().held = std::string(js_tostring(js, index));
 }
 
-void read_arguments(js_State* js)
+void read_arguments(js_State* js, SCRIPT_LIST& arguments)
 {
-    SCRIPT_LIST& arguments = host_of(js).arguments;
-    arguments.clear();
     const int count = js_gettop(js) - 1;
     for (int i = 1; i <= count; ++i) {
         arguments.emplace_back();
@@ -61,9 +68,8 @@ void push_plain(js_State* js, const SCRIPT_VALUE& value)
         js_pushnull(js);
 }
 
-void push_result(js_State* js, const FORM_FUNCTION& function)
+void push_result(js_State* js, const FORM_FUNCTION& function, const SCRIPT_VALUE& result)
 {
-    const SCRIPT_VALUE& result = host_of(js).result;
     const bool date = function.name == "AFParseDateEx" || function.name == "util.scand";
     if (date && !result.is_nothing())
         return push_date(js, std::get<std::string>(result.held));
@@ -78,12 +84,12 @@ void push_result(js_State* js, const FORM_FUNCTION& function)
 }
 
 // What needs destructors is done before the interpreter is called again.
-void run(SCRIPT_HOST& host, const FORM_FUNCTION& function)
+void run(SCRIPT_HOST& host, const FORM_FUNCTION& function, CALL& call)
 {
     host.before = host.event;
     host.event.message.clear();
-    FORM_CALL call{host.arguments, host.event, host};
-    host.result = function.run(call);
+    FORM_CALL form_call{call.arguments, host.event, host};
+    call.result = function.run(form_call);
     if (!host.before.message.empty())
         host.event.message = host.before.message;
 }
@@ -91,11 +97,18 @@ void run(SCRIPT_HOST& host, const FORM_FUNCTION& function)
 void call_function(js_State* js)
 {
     const auto& function = *static_cast<const FORM_FUNCTION*>(js_currentfunctiondata(js));
-    read_arguments(js);
+    CALL* const call = new CALL;  // errors jump over destructors
+    if (setjmp(*static_cast<jmp_buf*>(js_savetry(js))) != 0) {
+        delete call;
+        js_throw(js);
+    }
+    read_arguments(js, call->arguments);
     read_event(js);
-    run(host_of(js), function);
+    run(host_of(js), function, *call);
     write_event(js);
-    push_result(js, function);
+    push_result(js, function, call->result);
+    js_endtry(js);
+    delete call;
 }
 
 }  // namespace

@@ -1,12 +1,18 @@
 #include "script/sandbox/host.h"
 
 #include <algorithm>
+#include <csetjmp>
+
+#include "script/functions/number.h"
 #include <iterator>
 
 namespace {
 
 // Lines that are told, in bytes over all of them.
 constexpr size_t CONSOLE_MAX = 1 << 16;
+
+// Bytes that any number takes.
+constexpr size_t NUMBER_SIZE = 64;
 
 bool is_under(const std::string& name, const std::string& group)
 {
@@ -134,23 +140,35 @@ void SCRIPT_HOST::print(std::string line)
 
 const char* text_at(js_State* js, int index)
 {
-    return js_iscoercible(js, index) ? js_tostring(js, index) : "";
+    if (!js_isnumber(js, index))
+        return js_iscoercible(js, index) ? js_tostring(js, index) : "";
+    char text[NUMBER_SIZE];
+    text[print_number(js_tonumber(js, index)).copy(text, sizeof text - 1)] = 0;
+    js_pushstring(js, text);
+    js_replace(js, index < 0 ? index - 1 : index);
+    return js_tostring(js, index);
 }
 
+// Objects may have functions of the script run, which may read texts themselves.
 void read_texts(js_State* js, int index)
 {
-    std::vector<std::string>& texts = host_of(js).texts;
-    texts.clear();
-    if (!js_isarray(js, index)) {
-        texts.emplace_back(text_at(js, index));
-        return;
+    auto* const texts = new std::vector<std::string>;  // errors jump over destructors
+    if (setjmp(*static_cast<jmp_buf*>(js_savetry(js))) != 0) {
+        delete texts;
+        js_throw(js);
     }
-    const int count = js_getlength(js, index);
+    const bool list = js_isarray(js, index) != 0;
+    const int count = list ? js_getlength(js, index) : 0;
+    if (!list)
+        texts->emplace_back(text_at(js, index));
     for (int i = 0; i < count; ++i) {
         js_getindex(js, index, i);
-        texts.emplace_back(text_at(js, -1));
+        texts->emplace_back(text_at(js, -1));
         js_pop(js, 1);
     }
+    js_endtry(js);
+    host_of(js).texts = std::move(*texts);
+    delete texts;
 }
 
 void push_text(js_State* js, const std::string& text)

@@ -45,7 +45,6 @@ struct SCRIPT_HOST : CPDFFieldValues {
 
     // What the function that runs works with.
     SCRIPT_LIST arguments;
-    SCRIPT_VALUE result;
     std::vector<std::string> texts;
     FIELD_EVENT before;
 
@@ -64,7 +63,7 @@ inline SCRIPT_HOST& host_of(js_State* js)
 
 // Well-known texts for null and undefined, which are empty, and everything else.
 const char* text_at(js_State* js, int index);
-// Leaves the texts of a list, or the one of anything else, in the host.
+// Leaves the texts of a list, or the one of anything else, in the host. Numbers are spelled as the language does.
 void read_texts(js_State* js, int index);
 void push_text(js_State* js, const std::string& text);
 // A colour of so many components as scripts have it; none is transparent.

@@ -186,7 +186,7 @@ void field_record(Way& way, Field& field)
     way.number(field.flags);
     display_record(way, field.display);
     texts(way, field.value);
-    way.text(field.default_value);
+    texts(way, field.default_value);
     items_record(way, field.items);
     way.number(field.char_limit);
     way.number(field.page);
@@ -256,9 +256,31 @@ bool read(std::string_view message, Record& out)
     return reader.at_end();
 }
 
+// The half of a pair (UTF-16 surrogates) that begins at `at`, as the interpreter spells it: in three bytes of its own. 0 for
+// anything else.
+char32_t half_at(std::string_view text, size_t at)
+{
+    if (text.size() - at < 3 || text[at] != '\xED' || static_cast<unsigned char>(text[at + 1]) < 0xA0)
+        return 0;
+    return 0xD000U | (text[at + 1] & 0x3FU) << 6U | (text[at + 2] & 0x3FU);
+}
+
+// Halves that belong together become the character that they stand for; what is not UTF-8 then becomes U+FFFD.
 void make_well_formed(std::string& text)
 {
-    text = text_of(characters_of(text));
+    std::string joined;
+    joined.reserve(text.size());
+    for (size_t at = 0; at < text.size();) {
+        const char32_t high = half_at(text, at);
+        const char32_t low = high >= 0xD800 && high < 0xDC00 && text.size() - at >= 6 ? half_at(text, at + 3) : 0;
+        if (low < 0xDC00) {
+            joined += text[at++];
+            continue;
+        }
+        append_character(joined, 0x10000 + ((high - 0xD800) << 10U) + (low - 0xDC00));
+        at += 6;
+    }
+    text = text_of(characters_of(joined));
 }
 
 }  // namespace

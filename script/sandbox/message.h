@@ -40,7 +40,7 @@ struct SCRIPT_FIELD {
     uint8_t flags = 0;
     SCRIPT_DISPLAY display = SCRIPT_DISPLAY::VISIBLE;
     std::vector<std::string> value;  // several of a list box only
-    std::string default_value;
+    std::vector<std::string> default_value;
     std::vector<SCRIPT_ITEM> items;  // options of a choice; of a check box or radio group a value for each widget
     int32_t char_limit = 0;
     int32_t page = 0;              // of the first widget, from 0; -1 for none

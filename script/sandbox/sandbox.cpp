@@ -45,6 +45,13 @@ double seconds_of(const timeval& time)
 
 }  // namespace
 
+CPDFScriptSandbox::CPDFScriptSandbox(const SCRIPT_LIMITS& limits) : m_limits(limits)
+{
+    constexpr double LEAST = 0.001;
+    constexpr double MOST = 1e6;
+    m_limits.seconds = limits.seconds >= LEAST ? std::min(limits.seconds, MOST) : LEAST;
+}
+
 bool CPDFScriptSandbox::start()
 {
     stop();
@@ -98,6 +105,7 @@ int CPDFScriptSandbox::wait_for_end()
 void CPDFScriptSandbox::renew()
 {
     m_used = 0;
+    m_waited = {};
     m_losses = 0;
     m_out_of_time = m_too_large = m_was_killed = false;
     if (!needs_document() && (!begin_time() || !send(write_message(SCRIPT_REQUEST::RENEW))))
@@ -125,6 +133,14 @@ SCRIPT_ANSWER CPDFScriptSandbox::failed(std::string fault)
 }
 
 SCRIPT_ANSWER CPDFScriptSandbox::run(const SCRIPT_RUN& run)
+{
+    const Clock::time_point began = Clock::now();
+    SCRIPT_ANSWER answer = ask(run);
+    m_waited += Clock::now() - began;
+    return answer;
+}
+
+SCRIPT_ANSWER CPDFScriptSandbox::ask(const SCRIPT_RUN& run)
 {
     m_was_killed = false;
     if (m_too_large)
@@ -172,7 +188,7 @@ bool CPDFScriptSandbox::begin_time()
     const rlim_t last = static_cast<rlim_t>(std::ceil(m_began + m_limits.seconds)) + 1;
     const rlimit bound{last, RLIM_INFINITY};
     prlimit(m_child, RLIMIT_CPU, &bound, nullptr);
-    m_ends = Clock::now() + std::chrono::milliseconds(static_cast<int64_t>(m_limits.seconds * 2000) + 3000);
+    m_ends = Clock::now() + std::chrono::milliseconds(static_cast<int64_t>(m_limits.seconds * 2000) + 3000) - m_waited;
     m_out_of_time = m_used >= m_limits.seconds;
     return !m_out_of_time;
 }

@@ -22,7 +22,7 @@ SCRIPT_DOCUMENT form()
         field.name = name;
         field.type = type;
         field.value = {value};
-        field.default_value = "d";
+        field.default_value = {"d"};
         return field;
     };
     add("a", SCRIPT_FIELD_TYPE::TEXT, "2").flags = SCRIPT_READ_ONLY;
@@ -211,6 +211,15 @@ TEST_F(SandboxTest, HostileScriptsEndWithinTheirLimits)
         {"require('fs')", "'require' is not defined"},
         {"this.submitForm('http://x')", "submitForm is not available"},
         {"app.openDoc('/etc/passwd')", "openDoc is not available"},
+        {"getField('pick').getItemAt({valueOf: function () { getField('pick').clearItems(); return -1; }}); throw 'none'",
+         "none"},
+        {"getField('pick').deleteItemAt({valueOf: function () { getField('pick').clearItems(); return 0; }}); throw 'none'",
+         "none"},
+        {"AFMakeNumber({toString: function () { AFMakeNumber(); return '1'; }}); throw 'none'", "none"},
+        {"Object.defineProperty(Array.prototype, '1', {get: function () { AFMakeNumber(); return 2; }});"
+         "AFSimple_Calculate('SUM', [{toString: function () { AFMakeNumber('1'); return 'a'; }}, 'b']); throw 'none'",
+         "none"},
+        {"Date = function () { AFExtractNums('1 2'); }; util.scand('m/d', '1/1'); throw 'none'", "none"},
         {"getField.call(1, 'a').value; Object.getPrototypeOf(event.target).value", "TypeError"},
     };
     for (const auto& row : rows) {

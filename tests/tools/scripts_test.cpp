@@ -148,6 +148,74 @@ TEST_F(ScriptsTest, RowsOfABatchKnowNothingOfEachOther)
     }
 }
 
+// What the process was loaded with, in the middle of the first row, comes back in no other one.
+TEST_F(ScriptsTest, WhatARowLeavesOutIsNotThatOfAnotherRow)
+{
+    const std::string adds = "event.value = getField('a').value + '|' + getField('b').value;"
+                             "getField('h').hidden = getField('b').value == 1";
+    const std::string file = folder.write(
+        "f.pdf",
+        form({"/FT/Tx/T(a)/V(own)", "/FT/Tx/T(b)", scripted("/FT/Tx/T(t)", "C", adds), "/FT/Tx/T(h)"}, "8 0 R"));
+    const std::string rows = folder.write("rows.jsonl", "{\"b\":\"1\",\"a\":\"x\"}\n{\"b\":\"2\"}\n");
+    const CommandResult result =
+        folder.run({"fill", file, "--batch", rows, "-o", folder.path("{b}.pdf"), "--scripts", "all"});
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_EQ(get("t", "1.pdf") + get("t", "2.pdf"), "x|1\nown|2\n");
+    EXPECT_THAT(read_text_file(folder.path("1.pdf")), HasSubstr("/T(h)/F 6"));
+    EXPECT_THAT(read_text_file(folder.path("2.pdf")), Not(HasSubstr("/T(h)/F 6")));
+}
+
+TEST_F(ScriptsTest, WhatAFailedScriptDidIsNotSeen)
+{
+    const std::string file = folder.write(
+        "f.pdf", form({"/FT/Tx/T(x)", scripted("/FT/Tx/T(s)", "C", "getField('g').value = 5; throw 'no'"),
+                       scripted("/FT/Tx/T(t)", "C", "event.value = 'g is ' + getField('g').value"), "/FT/Tx/T(g)/V(1)"},
+                      "7 0 R 8 0 R"));
+    EXPECT_THAT(fill(file, {"x=1"}).err, HasSubstr("the calculate script of field \"s\" was not run: no"));
+    EXPECT_EQ(get("g") + get("t"), "1\ng is 1\n");
+}
+
+TEST_F(ScriptsTest, ValuesComeOutAsTheyAre)
+{
+    const struct {
+        const char* script;
+        const char* field;
+        const char* value;
+    } rows[] = {{"event.value = 0.1 + 0.2", "t", "0.30000000000000004\n"},
+                {"event.value = '\\ud83d\\ude00'", "t", "\xF0\x9F\x98\x80\n"},
+                {"getField('l').value = ['p', 'r']", "l", "p, r\n"},
+                {"getField('l').currentValueIndices = [0, 2]", "l", "p, r\n"},
+                {"resetForm(['l', 'c'])", "l", "q, r\n"},
+                {"resetForm(['l', 'c'])", "c", "Off\n"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.script);
+        const std::string file =
+            folder.write("f.pdf", form({"/FT/Tx/T(a)", scripted("/FT/Tx/T(t)", "C", row.script),
+                                        "/FT/Ch/Ff 2097152/T(l)/Opt[(p)(q)(r)]/V(q)/DV[(q)(r)]",
+                                        "/FT/Btn/T(c)/V/Yes/AS/Yes/AP<</N<</Yes 1 0 R/Off 1 0 R>>>>"},
+                                       "7 0 R"));
+        const CommandResult result = fill(file, {"a=1"});
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(get(row.field), row.value);
+    }
+}
+
+// Each run hands over a large text, in a circle: the time of the child is no bound of what that takes here.
+TEST_F(ScriptsTest, WhatScriptsHandOverCountsAsWork)
+{
+    const std::string grows = "var s = 'xxxxxxxxxxxxxxxx'; for (var i = 0; i < 16; ++i) s += s;"
+                              "global.n = (global.n || 0) + 1; getField('b').value = s + global.n";
+    std::string order;
+    for (int i = 0; i < 500; ++i)
+        order += i % 2 ? "7 0 R " : "8 0 R ";
+    const std::string file = folder.write("f.pdf", form({"/FT/Tx/T(a)", scripted("/FT/Tx/T(s)", "C", grows),
+                                                         scripted("/FT/Tx/T(t)", "C", grows), "/FT/Tx/T(b)"},
+                                                        order));
+    const CommandResult result = fill(file, {"a=1", "--no-appearance"});
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_THAT(result.err, HasSubstr("more work than the file's size justifies to calculate the form"));
+}
+
 // The child of the scripts ends with the thread that started it.
 TEST_F(ScriptsTest, ADocumentMayMoveToAnotherThread)
 {

@@ -102,12 +102,12 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         return end_with(status, arguments.input.path.text);
     if (arguments.report)
         put_report(document, arguments, items, calculated);
+    if (!accepted || arguments.dry_run)
+        note_scripts(document, arguments.scripts, arguments.input);
     if (!accepted)
         return COMMAND_REFUSED;
-    if (arguments.dry_run) {
-        note_scripts(document, arguments.scripts, arguments.input);
+    if (arguments.dry_run)
         return put_done();
-    }
     note_xfa(document, arguments.input, arguments.xfa);
     if (arguments.xfa)
         status = write_xfa(document, arguments.input);
@@ -194,7 +194,8 @@ counted from 1 without the names. A row that is refused is told on standard erro
 --jobs pay even on one processor, since each of them waits for the disk.
 
 --report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
-something else than it said, such as a shown text), kept (the field has it already) or refused, which why explains.)";
+something else than it said, such as a shown text), kept (the field has it already), calculated (by scripts, which changed a field
+that is not named) or refused, which why explains.)";
 
 }  // namespace
 

@@ -40,6 +40,7 @@ private:
         CPDFStatus status = refusals_of(items);
         const bool is_written = status.ok() && !m_arguments.dry_run;
         if (!is_written && !m_arguments.report) {
+            note_row();
             m_document.revert();  // what scripts did when they looked at the values
             return status;
         }
@@ -54,8 +55,7 @@ private:
         need_memory();
         if (written.ok() && is_written)
             written = m_document.save(row.output);
-        if (is_written)
-            note_row();
+        note_row();
         m_document.revert();
         return is_written ? written : status;
     }
