@@ -149,8 +149,8 @@ void add_compare_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--other-password", arguments->second.password, "password of the other file, where it differs")
         ->option_text("TEXT");
     verb.add_flag("--json", arguments->json, "as a JSON array, one object for each field that differs");
-    verb.footer(
-        "Exits 0 when all values are the same, and 1 when some differ or a field is in one file only. No value and\n"
-        "an empty one are the same, and so are a button without a state and one that is off.");
+    verb.footer("Exits 0 when all values are the same, and 1 when some differ or a field is in\n"
+                "one file only. No value and an empty one are the same, and so are a button\n"
+                "without a state and one that is off.");
     verb.callback([arguments, &action] { action = [arguments] { return compare(*arguments); }; });
 }

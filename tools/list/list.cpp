@@ -17,6 +17,21 @@ struct LIST_ARGUMENTS {
     bool summary = false;
 };
 
+constexpr const char* FOOTER =
+    R"(The table fits the terminal, or 80 columns where there is none: what is too long
+is cut, and flags stand there only where there is room. `get` and the like take
+a part of a name that only one field has, or the number of a field in the list.
+Control characters are shown as escapes.
+
+The value is that of the field, or its default value where it has none, or that
+of the field above it; of rich text the plain text. What a format of the form,
+such as one for dates, makes of the value stands beside it (shown). A long text
+that is kept in a stream is left to `formwork get`.
+
+Where no field takes a value but the form has XFA data, as dynamic forms are
+made, their values are shown, of the kind "data", under the paths by which fill
+takes them.)";
+
 int list_fields(const LIST_ARGUMENTS& arguments)
 {
     CPDFDocument document;
@@ -74,17 +89,9 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::App& verb = *app.add_subcommand("list", "Shows the fields of a form, their values and flags");
     add_input(verb, arguments->input);
     verb.add_flag("--json", arguments->json, "as a JSON array, one object for each field");
-    verb.add_flag("--long", arguments->in_full, "also labels, what fields take, and flags; nothing is cut");
-    verb.add_flag("--summary", arguments->summary,
-                  "only what there is: pages, fields by kind, signatures and the like");
-    verb.add_flag("--all", arguments->all, "also fields without a name of their own, under their numbered names");
-    verb.footer(
-        "In the table, control characters are shown as escapes, and what is too long for the terminal, or\n"
-        "for 80 columns where there is none, is cut; get and the like take any part of a name that only one field has.\n"
-        "The value is that of the field, or its default value where it has none; a\n"
-        "long text that is kept in a stream is left to `formwork get`. What a format of the form, such as one\n"
-        "for dates, makes of the value stands beside it (shown).\n"
-        "Where no field takes a value but the form has XFA data, as dynamic forms are made, their values are\n"
-        "shown, of the kind \"data\", under the paths by which fill takes them.");
+    verb.add_flag("--long", arguments->in_full, "also labels, what fields take, flags; nothing cut");
+    verb.add_flag("--summary", arguments->summary, "only what there is: pages, fields by kind, ...");
+    verb.add_flag("--all", arguments->all, "also fields without a name, under numbered names");
+    verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return list_fields(*arguments); }; });
 }

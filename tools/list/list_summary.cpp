@@ -15,7 +15,7 @@ std::string count_of(size_t count, const std::string& what)
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-std::string kinds_of(const PDF_SUMMARY& summary, const char* separator, const char* quote)
+std::string kinds_of(const PDF_SUMMARY& summary, const char* separator, const char* quote, const char* comma)
 {
     std::string list;
     for (int id = 0; id < KIND_COUNT; ++id) {
@@ -32,7 +32,7 @@ void put_lines(const PDF_SUMMARY& summary)
 {
     const size_t fields = std::accumulate(summary.fields.begin(), summary.fields.end(), size_t{0});
     put(count_of(static_cast<size_t>(summary.pages), "page") + ", " + count_of(fields, "field"));
-    put(fields ? ": " + kinds_of(summary, " ", "") + "\n" : "\n");
+    put(fields ? ": " + kinds_of(summary, " ", "", ", ") + "\n" : "\n");
     put(std::to_string(summary.filled) + " filled, " + std::to_string(summary.required_empty) +
         " required and empty\n");
     const struct {
@@ -60,7 +60,7 @@ void put_lines(const PDF_SUMMARY& summary)
 void put_object(const PDF_SUMMARY& summary)
 {
     std::string out =
-        "{\"pages\":" + std::to_string(summary.pages) + ",\"fields\":{" + kinds_of(summary, ":", "\"") + "}";
+        "{\"pages\":" + std::to_string(summary.pages) + ",\"fields\":{" + kinds_of(summary, ":", "\"", ",") + "}";
     const std::pair<const char*, size_t> counts[] = {
         {"filled", summary.filled},
         {"requiredEmpty", summary.required_empty},
