@@ -25,7 +25,9 @@ bool is_true(CPDFXRefTable& xref, const CPDFDictionary* dict, const char* key)
 
 bool shows_value(const CPDFField& field)
 {
-    const PDF_VALUE_TEXT value = held_value(field);
+    if (field.m_value.type == PDF_OBJ_STREAM)
+        return true;
+    const PDF_VALUE_TEXT value = own_value(field);
     const bool is_off = field.m_type == FIELD_BUTTON && value.text == PDF_STATE_OFF;
     return value.present && !is_off && !(value.is_list ? value.items.empty() : value.text.empty());
 }

@@ -10,7 +10,7 @@
 struct PDF_SUMMARY {
     int32_t pages = 0;
     std::array<size_t, KIND_COUNT> fields{};  // with a name of their own, by PDF_FIELD_KIND_ID
-    size_t filled = 0;                        // fields that show a value; buttons that are on
+    size_t filled = 0;                        // fields that have a value of their own; buttons that are on
     size_t required_empty = 0;                // required fields that do not
     size_t same_names = 0;                    // fields with the full name of one before them
     size_t signatures = 0;                    // signature fields that are signed

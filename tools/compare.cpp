@@ -3,10 +3,10 @@
 #include <map>
 #include <memory>
 
+#include "core/limits.h"
 #include "document/document.h"
 #include "document/lookup/export_value.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/held_value.h"
 #include "document/xfa/data_value.h"
 #include "formats/export/json_text.h"
 #include "forms/field_walk.h"
@@ -35,15 +35,20 @@ bool read_values(const COMMAND_INPUT& input, FORM_VALUES& out)
     CPDFDocument document;
     if (!open_document(document, input))
         return false;
-    for_each_field(document.form(), [&out](const CPDFField& field) {
-        if (CPDFExportValues::is_exported(field))
-            out[full_name(field)].push_back(held_value(field));
+    CPDFExportValues values(document.xref());
+    size_t names = 0;
+    for_each_field(document.form(), [&](const CPDFField& field) {
+        if (!CPDFExportValues::is_exported(field) || names > LIMIT_EXPORT)
+            return;
+        const std::string name = full_name(field);
+        names += name.size();
+        out[name].push_back(values.value_of(field));
     });
     std::vector<PDF_XFA_VALUE> data;
     const CPDFStatus status = document.has_only_xfa() ? document.xfa_values(data) : CPDFStatus();
     for (const PDF_XFA_VALUE& at : data)
         out[at.path].push_back({true, false, at.value, {}});
-    if (status.ok() && !document.read_too_much())
+    if (status.ok() && !document.read_too_much() && !values.over_limit() && names <= LIMIT_EXPORT)
         return true;
     complain(input.path.text, status.ok() ? "the values of the form are larger than what is supported" : status.text);
     return false;

@@ -15,13 +15,17 @@ namespace {
 constexpr size_t MOST_SINGLE_FIELDS = 16;
 
 // The full name of the field that `word` means, or the word itself where that is not clear.
-std::string meant_name(CPDFDocument& document, const std::string& word)
+std::string meant_name(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word)
 {
     CPDFStatus why;
     if (document.field(word) || document.has_only_xfa())
         return word;
     const CPDFField* field = document.find_field(word, why);
-    return field ? full_name(*field) : word;
+    if (!field)
+        return word;
+    std::string name = full_name(*field);
+    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(name));
+    return name;
 }
 
 // The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
@@ -90,8 +94,8 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         data.resize(from_file);
         for (const COMMAND_WORD& assignment : arguments.assignments) {
             const size_t at = find_assign(document, assignment.text);
-            data.push_back({meant_name(document, assignment.text.substr(0, at)), assignment.text.substr(at + 1),
-                            PDF_WORDS::STATES_FIRST, true});
+            data.push_back({meant_name(document, arguments.input, assignment.text.substr(0, at)),
+                            assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
         }
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
@@ -204,7 +208,8 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<FILL_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("fill", "Puts values into fields and saves the result");
     add_input(verb, arguments->input);
-    verb.add_option("NAME=VALUE", arguments->assignments, "full name of a field and its new value, in UTF-8")
+    verb.add_option("NAME=VALUE", arguments->assignments,
+                    "name of a field and its new value, in UTF-8; a part of the name or its number in the list will do")
         ->option_text("...");
     verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
         ->option_text("DATA");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/limits.h"
 #include "document/document.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/field_text.h"
@@ -57,12 +58,16 @@ std::string state_words(CPDFDocument& document, const CPDFField& field)
     return list;
 }
 
-std::string option_words(CPDFDocument& document, const CPDFField& field)
+std::string option_words(CPDFDocument& document, const CPDFField& field, size_t& listed)
 {
     const CPDFFieldOptions options(field);
     std::string list;
-    for (int32_t i = 0; i < std::min(options.count(), MOST_WORDS); ++i)
-        append_word(list, word_and_other(options.value(i), options.text(i)));
+    for (int32_t i = 0; i < std::min(options.count(), MOST_WORDS) && listed <= LIMIT_LISTED_OPTIONS; ++i) {
+        const std::string value = options.value(i);
+        const std::string text = options.text(i);
+        listed += value.size() + text.size();
+        append_word(list, word_and_other(value, text));
+    }
     append_rest(list, options.count());
     const uint32_t flags = effective_flags(field);
     const bool combo = field_kind(field).id == KIND_COMBO;
@@ -89,7 +94,7 @@ std::string flag_words(const CPDFField& field)
     return words;
 }
 
-std::string taken_words(CPDFDocument& document, const CPDFField& field)
+std::string taken_words(CPDFDocument& document, const CPDFField& field, size_t& listed)
 {
     switch (field_kind(field).id) {
     case KIND_TEXT:
@@ -99,7 +104,7 @@ std::string taken_words(CPDFDocument& document, const CPDFField& field)
         return state_words(document, field);
     case KIND_COMBO:
     case KIND_LIST:
-        return option_words(document, field);
+        return option_words(document, field, listed);
     default:
         return {};
     }

@@ -90,7 +90,10 @@ private:
         put_text(",\"readOnly\":").put_text(flags & FIELD_READ_ONLY ? "true" : "false");
         put_text(",\"required\":").put_text(flags & FIELD_REQUIRED ? "true" : "false");
         const CPDFField* holder = value_holder(field);
+        const size_t before = m_out.size();
         append_value(",\"value\":", holder ? own_value(*holder) : PDF_VALUE_TEXT());
+        if (holder != &field)  // which many fields may show
+            m_option_bytes += m_out.size() - before;
         append_value(",\"default\":", value_text(m_document.xref(), field.m_def_value));
         append_shown(field);
         const CPDFFieldOptions options(field);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/limits.h"
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/held_value.h"
@@ -26,21 +27,31 @@ constexpr int GAP = 2;
 constexpr int LEAST_WIDTH = 8;
 constexpr int USUAL_WIDTH = 80;  // where there is no terminal
 
-// Calls `use(row)` for each field and value; nothing in a row is cut.
+// Of values that many fields may share only so many bytes are shown: `inherited` counts them.
+std::string shown_value(const CPDFField& field, size_t& inherited)
+{
+    const CPDFField* holder = value_holder(field);
+    if (!holder || (holder != &field && inherited > LIMIT_LISTED_OPTIONS))
+        return {};
+    std::string value = own_value(*holder).joined();
+    inherited += holder != &field ? value.size() : 0;
+    return value;
+}
+
+// Calls `use(field, row)` for each field and value; nothing in a row is cut.
 template <typename Use>
 void for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
 {
     CPDFNumberedNames names(document.form());
+    size_t inherited = 0;
     CPDFPageMap pages;
     pages.load(document.xref(), document.root());
     for_each_field(document.form(), [&](CPDFField& field) {
         if (!is_listed(field, what))
             return;
         const int32_t page = page_of_field(field, pages);
-        const CPDFField* holder = value_holder(field);
         use(field, LIST_ROW{field_kind(field).name, page ? std::to_string(page) : "", names.name_of(field),
-                            holder ? own_value(*holder).joined() : "", document.shown_text(field).value_or(""),
-                            flag_words(field)});
+                            shown_value(field, inherited), document.shown_text(field).value_or(""), flag_words(field)});
     });
 }
 
@@ -140,13 +151,14 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PD
 
 void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
 {
+    size_t listed = 0;
     for_each_row(document, what, [&](const CPDFField& field, const LIST_ROW& row) {
         put(row[COLUMN_KIND] + "  " + printable(row[COLUMN_NAME]) + "\n");
         put_line("page", row[COLUMN_PAGE]);
         put_line("value", row[COLUMN_VALUE]);
         put_line("shown", row[COLUMN_SHOWN]);
         put_line("label", label_of(field));
-        put_line("takes", taken_words(document, field));
+        put_line("takes", taken_words(document, field, listed));
         put_line("flags", row[COLUMN_FLAGS]);
     });
     for (const PDF_XFA_VALUE& at : data) {
