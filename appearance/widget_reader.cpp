@@ -26,7 +26,7 @@ double number_of(CPDFXRefTable& xref, const CPDFObj* entry)
 
 WIDGET_KIND kind_of(const CPDFField& field)
 {
-    const uint32_t flags = field.m_flags;
+    const uint32_t flags = effective_flags(field);
     switch (field_kind(field.m_type, flags).id) {
     case KIND_CHECK:
         return WIDGET_KIND::CHECK_BOX;

@@ -6,6 +6,7 @@
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/document_state.h"
+#include "document/lookup/name_guess.h"
 #include "file/file_reader.h"
 #include "file/output_file.h"
 #include "file/update.h"
@@ -258,6 +259,34 @@ CPDFField* CPDFDocument::field(std::string_view name)
         state.names.clear();
     need_memory(memory);
     return found;
+}
+
+CPDFField* CPDFDocument::find_field(std::string_view word, CPDFStatus& why)
+{
+    const VXFailureCheck memory;
+    CPDFField* found = field(word);
+    if (!found)
+        found = guess_field(m_state->loaded_form(), word, why);
+    need_memory(memory);
+    return found;
+}
+
+CPDFStatus CPDFDocument::no_field(std::string_view name)
+{
+    const VXFailureCheck memory;
+    CPDFStatus status = no_such_field(m_state->loaded_form(), name);
+    need_memory(memory);
+    return status;
+}
+
+size_t CPDFDocument::fields_named(std::string_view name)
+{
+    const VXFailureCheck memory;
+    const size_t count = m_state->names.count(m_state->loaded_form(), name);
+    if (memory.failed())
+        m_state->names.clear();
+    need_memory(memory);
+    return count;
 }
 
 std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& field)

@@ -24,6 +24,7 @@ class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
 class CPDFXRefTable;
+struct PDF_SUMMARY;
 struct PDF_XFA_VALUE;
 
 // How much of the form open loads.
@@ -107,11 +108,24 @@ public:
     // and widgets, and which fields revert restores. Ends the fields that were found before the form was loaded.
     void fields_changed();
 
+    // What there is, for people who see the document first. Fails where that takes too much work.
+    CPDFStatus summarize(PDF_SUMMARY& out);
+
     // The field with this full name in UTF-8, compared with the names as stored, else with the names without index
     // suffixes; the first in tree order where several have it, null when none has.
     // Of a document opened for named fields it loads no more than the branch that leads to the field. When the form is
     // loaded later, that very object is in it; the fields above it end then.
     CPDFField* field(std::string_view name);
+
+    // The same for what people type: a full name, else a part of one or a number, see guess_field. Null, with `why` a sentence
+    // that may propose another name, where it is not clear which field is meant.
+    CPDFField* find_field(std::string_view word, CPDFStatus& why);
+
+    // The refusal of a name that no field has, with the nearest one that a field has.
+    CPDFStatus no_field(std::string_view name);
+
+    // How many fields have this full name; only the first of several is found by it.
+    size_t fields_named(std::string_view name);
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
     // revert that loads the form anew.
@@ -157,6 +171,10 @@ public:
 
     // What the widgets of `field` show of its value where a script formats it; nothing where they show the value itself.
     std::optional<std::string> shown_text(const CPDFField& field);
+
+    // What the field's format takes, in words such as "number, 2 decimals" or "date mm/dd/yyyy"; empty where no script or
+    // none that is known says so.
+    std::string format_words(const CPDFField& field);
 
     // A sentence for each calculated value that was not stored since the file was opened or reverted. Borrowed until the next
     // calculation.

@@ -254,6 +254,12 @@ std::optional<std::string> CPDFDocument::shown_text(const CPDFField& field)
     return runner ? formatted_text(field, m_state->shown_options, *runner) : std::nullopt;
 }
 
+std::string CPDFDocument::format_words(const CPDFField& field)
+{
+    CPDFFormCompute* const runner = m_state->compute();
+    return runner ? runner->words_of_format(field) : std::string();
+}
+
 void CPDFDocument::set_scripts(PDF_SCRIPTS scripts, double seconds)
 {
     m_state->note_scripts();

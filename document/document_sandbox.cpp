@@ -102,8 +102,8 @@ PDF_FIELD_CHANGE change_of(const CPDFField& field, const SCRIPT_TRAITS& traits)
     for (const auto& [trait, from, to] : FLAGS)
         if (traits.made & trait)
             (traits.flags & from ? change.set_flags : change.clear_flags) |= to;
-    change.set_flags &= ~field.m_flags;
-    change.clear_flags &= field.m_flags;
+    change.set_flags &= ~effective_flags(field);
+    change.clear_flags &= effective_flags(field);
     if (!(traits.made & SCRIPT_TRAIT_ITEMS) || has_items(field, traits.items))
         return change;
     change.options.emplace();

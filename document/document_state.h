@@ -143,6 +143,7 @@ struct CPDFDocument::State {
     CPDFStatus open_xfa(CPDFXfaForm& xfa);
     CPDFStatus take_xfa_values(CPDFXfaForm& xfa, std::vector<std::string>* notes);
     bool has_only_xfa();
+    void summarize_fields(PDF_SUMMARY& out);
     CPDFStatus set_xfa_values(const std::vector<PDF_XFA_VALUE>& values, PDF_FILL fill, CPDFXfaForm& xfa,
                               std::vector<CPDFStatus>& each);
     CPDFStatus begin_edit(std::span<CPDFField* const> fields, PDF_EDIT edit);

@@ -9,6 +9,7 @@
 #include "document/lookup/field_text.h"
 #include "document/xfa/data_value.h"
 #include "forms/field.h"
+#include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 
 namespace {
@@ -42,7 +43,7 @@ bool says_nothing(const PDF_FORM_ENTRY& entry, const CPDFField& field)
 // Adds `more` to the list that `value` is or becomes; false when the field takes no list or either is true or false.
 bool join_values(const CPDFField& field, CPDFValue& value, const CPDFValue& more)
 {
-    const bool takes_several = field_kind(field).id == KIND_LIST && (field.m_flags & FIELD_MULTI_SELECT);
+    const bool takes_several = field_kind(field).id == KIND_LIST && (effective_flags(field) & FIELD_MULTI_SELECT);
     if (!takes_several || std::holds_alternative<bool>(value) || std::holds_alternative<bool>(more))
         return false;
     if (const auto* text = std::get_if<std::string>(&value))
@@ -98,14 +99,14 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
 {
     std::vector<PDF_DATA_ITEM> items;
     std::unordered_map<uint32_t, size_t> item_of;  // by the object number of the field
-    bool has_unknown = false;
+    constexpr size_t MOST_GUESSES = 20;
+    size_t unknown = 0;
     for (const PDF_FORM_ENTRY& entry : data) {
         PDF_DATA_ITEM item = {entry, {}, {}};
         const CPDFField* field = item.plan.field = document.field(entry.name);
         const auto [earlier, is_first] = item_of.emplace(field ? field->m_ref.num : 0, items.size());
         if (!field) {
-            item.status = no_such_field(entry.name);
-            has_unknown = true;
+            item.status = unknown++ < MOST_GUESSES ? document.no_field(entry.name) : no_such_field(entry.name);
         } else if (!is_first) {
             CPDFValue& value = items[earlier->second].entry.value;
             if (join_values(*field, value, entry.value) || value == entry.value)
@@ -121,7 +122,7 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
             item.status = document.assume(item.plan);
     }
     document.drop_assumptions();
-    if (has_unknown && document.has_only_xfa())
+    if (unknown > 0 && document.has_only_xfa())
         plan_xfa(document, items, fill);
     return items;
 }

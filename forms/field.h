@@ -229,14 +229,17 @@ public:
     int32_t m_opt_cnt;
     int32_t* m_sels;  // owned; "I"
     int32_t m_sel_cnt;
-    char* m_xfa_target;          // owned; target of the XFA event bound by the form, null when none
-    int32_t m_xfa_event;         // PDF_XFA_EVENT
-    int32_t m_max_len;           // "MaxLen" of a text field in characters, 0 when absent
-    int32_t m_index;             // slot in the parent's m_kids
-    int32_t m_inherited;         // 1 when kind and flags are the parent's
-    bool m_has_actions = false;  // whether the dictionary has "AA"
-    CPDFSign* m_sign;            // owned; signature value, null when unsigned
-    CPDFAnnotWidget* m_widget;   // borrowed from the document; the widget that shows the field, may be null
+    char* m_xfa_target;            // owned; target of the XFA event bound by the form, null when none
+    int32_t m_xfa_event;           // PDF_XFA_EVENT
+    int32_t m_max_len;             // "MaxLen" of a text field in characters, 0 when absent
+    int32_t m_index;               // slot in the parent's m_kids
+    int32_t m_inherited;           // 1 when kind and flags are the parent's
+    bool m_has_actions = false;    // whether the dictionary has "AA"
+    bool m_has_flags = false;      // whether the dictionary has "Ff"
+    bool m_has_rich_text = false;  // whether the dictionary has "RV"
+    int32_t m_group_max_len = 0;   // "MaxLen" of a field without a type, for the text fields under it; 0 when absent
+    CPDFSign* m_sign;              // owned; signature value, null when unsigned
+    CPDFAnnotWidget* m_widget;     // borrowed from the document; the widget that shows the field, may be null
 
 private:
     friend class CPDFAcroForm;

@@ -23,9 +23,19 @@ inline CPDFField& value_field(CPDFField& field)
     return *at;
 }
 
-// The most characters that a text field takes, 0 when there is no limit.
+// The most characters that a text field takes, 0 when there is no limit. A group without a type limits the texts under it.
 inline int32_t max_length(const CPDFField& field)
 {
-    const CPDFField* holder = nearest_field(field, [](const CPDFField& at) { return at.m_max_len > 0; });
-    return holder ? holder->m_max_len : 0;
+    const auto limit = [](const CPDFField& at) { return at.m_max_len > 0 ? at.m_max_len : at.m_group_max_len; };
+    const CPDFField* holder = nearest_field(field, [&limit](const CPDFField& at) { return limit(at) > 0; });
+    return holder ? limit(*holder) : 0;
+}
+
+// The flags that count for a field: its own, or those of the nearest field above it that has some. What makes the kind of a
+// field is not taken from a group without a type, since m_flags does not have it either.
+inline uint32_t effective_flags(const CPDFField& field)
+{
+    constexpr uint32_t KIND_FLAGS = FIELD_RADIO | FIELD_PUSH_BUTTON | FIELD_COMBO;
+    const CPDFField* holder = nearest_field(field, [](const CPDFField& at) { return at.m_has_flags; });
+    return holder && holder->m_type == FIELD_UNKNOWN ? field.m_flags | (holder->m_flags & ~KIND_FLAGS) : field.m_flags;
 }

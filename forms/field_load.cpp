@@ -14,7 +14,7 @@ namespace {
 
 // What loading looks at; the appearance and layout entries of a field are not even built.
 constexpr CPDFKeySet FIELD_KEY_SET{"T",  "V",  "FT",  "Ff", "Kids",   "Parent", "Subtype",
-                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA"};
+                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA", "RV"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
 
 // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
@@ -66,9 +66,12 @@ void CPDFField::load_head(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF&
     m_ref = ref;
     m_inherited = 1;
     m_has_actions = dict.get_item("AA") != nullptr;
+    m_has_rich_text = dict.get_item("RV") != nullptr;
     load_kind(dict);
     if (m_type == FIELD_TEXT)
         m_max_len = resolve_integer(xref, dict.get_item("MaxLen"));
+    else if (m_type == FIELD_UNKNOWN)
+        m_group_max_len = resolve_integer(xref, dict.get_item("MaxLen"));
     if (m_type == FIELD_SIGNATURE)
         load_signature(dict);
 }
@@ -116,7 +119,7 @@ void CPDFField::reload_entries()
     delete m_sign;
     m_sign = nullptr;
     m_name.release();
-    m_max_len = 0;
+    m_max_len = m_group_max_len = 0;
     m_type = m_parent ? m_parent->m_type : FIELD_UNKNOWN;
     m_flags = m_parent && m_type != FIELD_UNKNOWN ? m_parent->m_flags : 0;
     load_head(m_parent, m_xref, m_ref, *dict);
@@ -154,7 +157,9 @@ void CPDFField::load_kind(const CPDFDictionary& dict)
         m_type = field_type(type->name_text(), m_type);
         m_inherited = 0;
     }
-    if (const CPDFObj* flags = dict.get_item("Ff")) {
+    const CPDFObj* flags = dict.get_item("Ff");
+    m_has_flags = flags != nullptr;
+    if (flags) {
         m_flags = static_cast<uint32_t>(resolve_integer(m_xref, flags));
         m_inherited = 0;
     }

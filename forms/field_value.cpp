@@ -87,8 +87,10 @@ void CPDFField::set_read_only(int on)
     CPDFObj flags;
     flags.set_int(
         static_cast<int32_t>(on ? m_flags | FIELD_READ_ONLY : m_flags & ~static_cast<uint32_t>(FIELD_READ_ONLY)));
-    if (change_entries(*this, {{"Ff", &flags}}) != PDF_CHANGE_RESULT::NO_DICTIONARY)
-        m_flags = static_cast<uint32_t>(flags.ival);
+    if (change_entries(*this, {{"Ff", &flags}}) == PDF_CHANGE_RESULT::NO_DICTIONARY)
+        return;
+    m_flags = static_cast<uint32_t>(flags.ival);
+    m_has_flags = true;
 }
 
 void CPDFField::set_edit_value(const PDF_String* value)

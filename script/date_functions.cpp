@@ -63,10 +63,20 @@ void check_time(FIELD_EVENT& event, std::string_view format)
 
 }  // namespace
 
+std::string date_pattern(const SCRIPT_VALUE& argument)
+{
+    return format_argument(argument, DATE_FORMATS);
+}
+
+std::string time_pattern(const SCRIPT_VALUE& argument)
+{
+    return format_argument(argument, TIME_FORMATS);
+}
+
 // AFDate_Format(index of a format)
 SCRIPT_VALUE date_format(FORM_CALL& call)
 {
-    format_date(call.event, format_argument(call[0], DATE_FORMATS));
+    format_date(call.event, date_pattern(call[0]));
     return {};
 }
 
@@ -80,7 +90,7 @@ SCRIPT_VALUE date_format_ex(FORM_CALL& call)
 // AFDate_Keystroke(index of a format)
 SCRIPT_VALUE date_keystroke(FORM_CALL& call)
 {
-    check_date(call.event, format_argument(call[0], DATE_FORMATS));
+    check_date(call.event, date_pattern(call[0]));
     return {};
 }
 
@@ -94,14 +104,14 @@ SCRIPT_VALUE date_keystroke_ex(FORM_CALL& call)
 // AFTime_Format(index of a format)
 SCRIPT_VALUE time_format(FORM_CALL& call)
 {
-    format_date(call.event, format_argument(call[0], TIME_FORMATS));
+    format_date(call.event, time_pattern(call[0]));
     return {};
 }
 
 // AFTime_Keystroke(index of a format)
 SCRIPT_VALUE time_keystroke(FORM_CALL& call)
 {
-    check_time(call.event, format_argument(call[0], TIME_FORMATS));
+    check_time(call.event, time_pattern(call[0]));
     return {};
 }
 

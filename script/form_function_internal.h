@@ -19,6 +19,9 @@ SCRIPT_VALUE number_made(FORM_CALL& call);
 SCRIPT_VALUE numbers_extracted(FORM_CALL& call);
 
 // date_functions.cpp
+// The pattern that the first argument of a function for dates or times names by its number, or by itself.
+std::string date_pattern(const SCRIPT_VALUE& argument);
+std::string time_pattern(const SCRIPT_VALUE& argument);
 SCRIPT_VALUE date_format(FORM_CALL& call);
 SCRIPT_VALUE date_format_ex(FORM_CALL& call);
 SCRIPT_VALUE date_keystroke(FORM_CALL& call);

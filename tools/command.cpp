@@ -82,6 +82,7 @@ int run(int argc, char** argv)
     COMMAND_ACTION action;
     add_list_verb(app, action);
     add_get_verb(app, action);
+    add_compare_verb(app, action);
     add_fill_verb(app, action);
     add_reset_verb(app, action);
     add_calculate_verb(app, action);

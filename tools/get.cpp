@@ -2,9 +2,8 @@
 #include <memory>
 #include <unistd.h>
 
-#include "core/dictionary.h"
 #include "document/document.h"
-#include "document/lookup/value_text.h"
+#include "document/lookup/held_value.h"
 #include "forms/field.h"
 #include "tools/terminal_text.h"
 #include "tools/verb.h"
@@ -26,9 +25,7 @@ int get_values(const GET_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     const bool terminal = isatty(STDOUT_FILENO);
     for (const CPDFField* field : fields) {
-        const CPDFObj& object = field->m_value;
-        const std::string value = object.type == PDF_OBJ_STREAM ? stream_text(document.xref(), *object.stream)
-                                                                : value_text(document.xref(), object).joined();
+        const std::string value = held_value(*field).joined();
         put((terminal ? printable_lines(value) : value) + "\n");
     }
     return put_done();
@@ -41,7 +38,9 @@ void add_get_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<GET_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("get", "Prints the values of fields, one a line");
     add_input(verb, arguments->input);
-    verb.add_option("NAME", arguments->names, "full names of fields")->required()->option_text("...");
+    verb.add_option("NAME", arguments->names, "names of fields, parts of them or their numbers in the list")
+        ->required()
+        ->option_text("...");
     verb.footer(
         "A value of several texts is joined with \", \"; a field without a value gives an empty line. Line breaks in a\n"
         "value are printed as they are; `formwork list --json` keeps values apart.");

@@ -128,6 +128,15 @@ std::string cut_start(std::string_view text, int columns)
     return ELLIPSIS + std::string(begin, text.data() + text.size());
 }
 
+std::string cut_middle(std::string_view text, int columns)
+{
+    if (columns_of(text) <= columns)
+        return std::string(text);
+    const int end = columns / 2;  // what is left after the ellipsis of both halves
+    const std::string begin = cut_end(text, columns - end);
+    return begin + cut_start(text, end + 1).substr(std::string_view(ELLIPSIS).size());
+}
+
 int terminal_columns()
 {
     constexpr int USUAL = 80;

@@ -17,6 +17,8 @@ int columns_of(std::string_view text);
 // Printable text cut to at most `columns`, at least 1, with an ellipsis for what is left out at its end or its start.
 std::string cut_end(std::string_view text, int columns);
 std::string cut_start(std::string_view text, int columns);
+// The same in the middle: names differ at their ends.
+std::string cut_middle(std::string_view text, int columns);
 
 // Columns of the terminal on standard output, 0 when that is no terminal.
 int terminal_columns();

@@ -73,12 +73,22 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
                  std::vector<CPDFField*>& fields)
 {
     for (const COMMAND_WORD& name : names) {
-        if (CPDFField* field = document.field(name.text))
+        CPDFStatus why;
+        if (CPDFField* field = find_field(document, input, name.text, why))
             fields.push_back(field);
         else
-            complain(input.path.text, no_such_field(name.text).text);
+            complain(input.path.text, why.text);
     }
     return fields.size() == names.size();
+}
+
+CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why)
+{
+    CPDFField* field = document.find_field(name, why);
+    if (const size_t same = field ? document.fields_named(name) : 0; same > 1)
+        complain(input.path.text, "note: " + std::to_string(same) + " fields have the name " + in_quotes(name) +
+                                      ": the first one is taken");
+    return field;
 }
 
 void complain(std::string_view file, std::string_view sentence)

@@ -43,6 +43,7 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_get_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_fill_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_calculate_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_compare_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);
@@ -68,7 +69,11 @@ bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input);
 // Complains and returns false where the permissions of an encrypted file forbid to fill its form.
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
 
-// Finds the fields with these full names. Complains about every name that no field has, and returns false then.
+// The field that is meant by a full name, a part of one or a number, see CPDFDocument::find_field. Says so where several
+// fields have that name.
+CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why);
+
+// Finds the fields meant by these words. Complains about every one that means none, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);
 

@@ -8,6 +8,7 @@
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_walk.h"
+#include "script/format_words.h"
 
 namespace {
 
@@ -88,6 +89,18 @@ std::optional<std::string> CPDFFormCompute::calculate(const CPDFField& field, co
     if (!run(field, EVENT_CALCULATE, at) || !at.rc)
         return {};
     return std::move(at.value);
+}
+
+std::string CPDFFormCompute::words_of_format(const CPDFField& field)
+{
+    for (const PDF_SCRIPT_EVENT event : {EVENT_FORMAT, EVENT_KEYSTROKE}) {
+        for (const PDF_FIELD_SCRIPT* script : scripts(field, event)) {
+            std::string words = script->call ? format_words(*script->call) : std::string();
+            if (!words.empty())
+                return words;
+        }
+    }
+    return {};
 }
 
 std::optional<PDF_SHOWN_TEXT> CPDFFormCompute::format(const CPDFField& field, const std::string& text)

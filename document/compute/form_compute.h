@@ -52,6 +52,9 @@ public:
 
     // Whether the field has scripts that format.
     bool formats(const CPDFField& field) { return !scripts(field, EVENT_FORMAT).empty(); }
+    // What its scripts that format, else those of keystrokes, say in words, see format_words; empty where there are none, or
+    // they are no well-known calls.
+    std::string words_of_format(const CPDFField& field);
     // What the field shows of `text`; nothing when that is `text` itself.
     std::optional<PDF_SHOWN_TEXT> format(const CPDFField& field, const std::string& text);
 

@@ -9,6 +9,7 @@
 #include "document/lookup/value_text.h"
 #include "forms/field.h"
 #include "forms/field_edit.h"
+#include "forms/field_inherit.h"
 
 namespace {
 
@@ -151,6 +152,7 @@ CPDFStatus set_kid_flags(CPDFField& field, const PDF_FIELD_CHANGE& change)
             const PDF_ENTRY_CHANGE entry[] = {{"Ff", &value}};
             status = store_entries(*kid, entry);
             kid->m_flags = status.ok() ? flags : kid->m_flags;
+            kid->m_has_flags = kid->m_has_flags || status.ok();
         }
         if (status.ok())
             status = set_kid_flags(*kid, change);
@@ -191,7 +193,7 @@ CPDFStatus change_field(CPDFField& field, const PDF_FIELD_CHANGE& change, const 
     CPDFObj value;
     std::vector<PDF_ENTRY_CHANGE> changes;
     flags.set_int(static_cast<int32_t>(shape.flags));
-    if (shape.flags != field.m_flags)
+    if (shape.flags != effective_flags(field))
         changes.push_back({"Ff", &flags});
     if (change.max_length) {
         if (*change.max_length)

@@ -1,10 +1,14 @@
 #include <algorithm>
+#include <optional>
+#include <string_view>
 
+#include "core/xml_token.h"
 #include "document/fill/filler_internal.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/widget_binder.h"
 #include "engine/annot_widget.h"
 #include "forms/field.h"
+#include "forms/field_inherit.h"
 
 namespace {
 
@@ -41,6 +45,33 @@ std::vector<std::string> accepted_words(const std::vector<PDF_BUTTON_CHOICE>& ch
     return words;
 }
 
+bool has_several_states(const std::vector<PDF_BUTTON_CHOICE>& choices)
+{
+    return std::any_of(choices.begin(), choices.end(), [&](const auto& at) { return at.state != choices[0].state; });
+}
+
+std::string small_letters(std::string word)
+{
+    for (char& c : word)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return word;
+}
+
+// What people write for a check box that is on or off, in any case; nothing for other words.
+std::optional<bool> read_switch(std::string_view word)
+{
+    constexpr struct {
+        std::string_view word;
+        bool on;
+    } WORDS[] = {{"true", true},   {"yes", true}, {"on", true},   {"1", true},
+                 {"false", false}, {"no", false}, {"off", false}, {"0", false}};
+    for (const auto& at : WORDS) {
+        if (is_same_word(word, at.word))
+            return at.on;
+    }
+    return {};
+}
+
 // Whether a widget is on when the widget `chosen` is. Check boxes with one on state are one box shown several times;
 // radio buttons follow each other only where the field says so.
 bool goes_with(const CPDFField& field, const PDF_BUTTON_CHOICE& choice, const PDF_BUTTON_CHOICE& chosen)
@@ -49,7 +80,7 @@ bool goes_with(const CPDFField& field, const PDF_BUTTON_CHOICE& choice, const PD
         return true;
     if (!(field.m_flags & FIELD_RADIO))
         return choice.state == chosen.state;
-    const bool unison = (field.m_flags & FIELD_RADIOS_IN_UNISON) != 0;
+    const bool unison = (effective_flags(field) & FIELD_RADIOS_IN_UNISON) != 0;
     return unison && (choice.state == chosen.state || choice.export_value == chosen.export_value);
 }
 
@@ -75,11 +106,10 @@ CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
     const auto refuse = [&](const std::string& what) {
         return refuse_value("has no state " + what + ": it takes " + quoted_list(accepted_words(choices)));
     };
+    const bool is_switch = !radio && !choices.empty() && !has_several_states(choices);
     const auto take_bool = [&](bool on) {
         plan.button = on ? 0 : -1;
-        if (on && (radio || choices.empty()))
-            return refuse("\"true\"");
-        return CPDFStatus();
+        return on && !is_switch ? refuse("\"true\"") : CPDFStatus();
     };
     if (std::holds_alternative<std::vector<std::string>>(value))
         return refuse_value("takes one state");
@@ -95,6 +125,8 @@ CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
     plan.coerced = by_state < 0 && word != PDF_STATE_OFF;
     if (plan.button >= 0 || word == PDF_STATE_OFF)
         return {};
+    if (const std::optional<bool> on = read_switch(word); on && is_switch)
+        return take_bool(*on || is_same_word(word, small_letters(choices[0].state)));  // a state may be called "No"
     if (word == "true" || word == "false")
         return take_bool(word == "true");
     return refuse(in_quotes(word));

@@ -7,7 +7,7 @@
 #include "core/xref_table.h"
 #include "document/fill/filler_internal.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/value_text.h"
+#include "document/lookup/held_value.h"
 #include "engine/annot_widget.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
@@ -44,7 +44,7 @@ bool has_value(const CPDFField& field, const CPDFValue& value)
     const CPDFObj& stored = field.m_value;
     if (stored.type == PDF_OBJ_STREAM)
         return text && stream_text(*field.m_xref, *stored.stream) == *text;
-    const PDF_VALUE_TEXT held = value_text(*field.m_xref, stored);
+    const PDF_VALUE_TEXT held = own_value(field);
     if (!held.present)
         return text && text->empty();
     std::vector<std::string> has = held.is_list ? held.items : std::vector<std::string>{held.text};
@@ -68,7 +68,7 @@ CPDFStatus about_field(const CPDFField& field, CPDFStatus status)
 
 PDF_FIELD_SHAPE shape_of(const CPDFField& field, const CPDFWidgetBinder& widgets)
 {
-    PDF_FIELD_SHAPE shape = {&field_kind(field), field.m_flags, 0, {}, {}};
+    PDF_FIELD_SHAPE shape = {&field_kind(field), effective_flags(field), 0, {}, {}};
     if (field.m_type == FIELD_TEXT)
         shape.max_length = max_length(field);
     else if (field.m_type == FIELD_CHOICE)
@@ -127,7 +127,7 @@ CPDFStatus plan_fill(CPDFField& shown, const CPDFValue& value, PDF_FILL fill, PD
     plan = PDF_FILL_PLAN();
     plan.field = &field;
     CPDFStatus status;
-    if ((field.m_flags & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
+    if ((effective_flags(field) & FIELD_READ_ONLY) && fill != PDF_FILL::FORCE)
         status = refuse_value("is read-only", PDF_CODE::READ_ONLY);
     else
         status = plan_value(shape_of(field, widgets), value, words, plan);

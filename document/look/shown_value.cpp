@@ -9,7 +9,7 @@
 #include "core/xref_table.h"
 #include "document/compute/form_compute.h"
 #include "document/lookup/field_options.h"
-#include "document/lookup/value_text.h"
+#include "document/lookup/held_value.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
@@ -32,29 +32,29 @@ std::u32string characters_of(const std::string& utf8)
 bool has_value(const CPDFField& field)
 {
     if (field.m_value.type == PDF_OBJ_NULL || field.m_def_value.type == PDF_OBJ_NULL)
-        return field.m_value.type != PDF_OBJ_NULL;
+        return field.m_value.type != PDF_OBJ_NULL || field.m_has_rich_text;
     constexpr CPDFKeySet KEYS{"V"};
     CPDFObj own;
     field.m_xref->get_entity(own, field.m_ref, &KEYS);
     return own.dictionary() && own.dict->get_item("V");
 }
 
-// The value of the field, or of the nearest one above it of its kind that has one.
-const CPDFObj* value_of(const CPDFField& field)
+// The field, or the nearest one above it of its kind, that has a value.
+const CPDFField* holder_of(const CPDFField& field)
 {
     const CPDFField* holder =
         nearest_field(field, [&field](const CPDFField& at) { return at.m_type != field.m_type || has_value(at); });
-    return holder && holder->m_type == field.m_type ? &holder->m_value : nullptr;
+    return holder && holder->m_type == field.m_type ? holder : nullptr;
 }
 
 std::vector<std::string> texts_of(const CPDFField& field)
 {
-    const CPDFObj* value = value_of(field);
-    if (!value)
+    const CPDFField* holder = holder_of(field);
+    if (!holder)
         return {};
-    if (value->type == PDF_OBJ_STREAM)
-        return {stream_text(*field.m_xref, *value->stream)};
-    PDF_VALUE_TEXT held = value_text(*field.m_xref, *value);
+    if (holder->m_value.type == PDF_OBJ_STREAM)
+        return {stream_text(*field.m_xref, *holder->m_value.stream)};
+    PDF_VALUE_TEXT held = own_value(*holder);
     if (!held.present)
         return {};
     return held.is_list ? std::move(held.items) : std::vector<std::string>{std::move(held.text)};

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/dictionary.h"
+#include "document/lookup/held_value.h"
 #include "forms/field.h"
 #include "forms/field_kind.h"
 
@@ -25,7 +26,7 @@ PDF_VALUE_TEXT CPDFExportValues::value_of(const CPDFField& field)
 {
     PDF_VALUE_TEXT value;
     if (field.m_value.type != PDF_OBJ_STREAM)
-        value = value_text(m_xref, field.m_value);
+        value = own_value(field);
     if (field.m_type == FIELD_TEXT) {
         read_text(field, value);
     } else if (field.m_type == FIELD_CHOICE) {

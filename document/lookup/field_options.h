@@ -25,6 +25,9 @@ public:
     explicit CPDFFieldOptions(const CPDFField& field);
     explicit CPDFFieldOptions(const std::vector<PDF_OPTION>& options) : m_given(&options) {}
 
+    // The field whose options they are; null for none, and for options that no field has yet.
+    const CPDFField* holder() const { return m_holder; }
+
     int32_t count() const;
     std::string value(int32_t index) const;
     std::string text(int32_t index) const;

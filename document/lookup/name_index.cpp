@@ -28,6 +28,21 @@ CPDFField* CPDFNameIndex::find(CPDFAcroForm& form, std::string_view name)
     return look_up(m_without_index, name, full_name_without_index);
 }
 
+size_t CPDFNameIndex::count(CPDFAcroForm& form, std::string_view name)
+{
+    if (!m_has_stored) {
+        build(m_stored, form, full_name);
+        m_has_stored = true;
+    }
+    const uint64_t hash = std::hash<std::string_view>()(name);
+    const auto below = [](const ENTRY& entry, uint64_t wanted) { return entry.hash < wanted; };
+    size_t count = 0;
+    for (auto at = std::lower_bound(m_stored.begin(), m_stored.end(), hash, below);
+         at != m_stored.end() && at->hash == hash; ++at)
+        count += full_name(*at->field) == name;
+    return count;
+}
+
 void CPDFNameIndex::add(CPDFField& field)
 {
     const VXFailureCheck memory;

@@ -18,6 +18,9 @@ public:
     // need.
     CPDFField* find(CPDFAcroForm& form, std::string_view name);
 
+    // How many fields have this full name as stored.
+    size_t count(CPDFAcroForm& form, std::string_view name);
+
     // Takes in `field` and all under it, or forgets them, under the names that they have at the time of the call. Where
     // a name then stands several times, a field taken in comes last.
     void add(CPDFField& field);

@@ -30,6 +30,9 @@ public:
     // Whether some field of the form is signed, or the document certified.
     bool is_signed() const { return m_signed; }
 
+    // Whether a signature allows some changes only, or none.
+    bool is_certified() const { return m_certified || m_no_changes; }
+
     // Refuses, naming the field and the signature, to fill a field where that would break a signature.
     CPDFStatus check_fill(const CPDFField& field) const;
 

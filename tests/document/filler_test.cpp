@@ -60,18 +60,20 @@ TEST(FillerTest, ToggleMatrix)
         int flags;
         const char *states, *opt, *steps;
     } cases[] = {
-        {CHECK, "Yes", "", "Yes>Yes+ Off>Off- true>Yes+ :false>Off- :true>Yes+ false>Off- On>! a|b>! >!"},
+        {CHECK, "Yes", "",
+         "Yes>Yes+ Off>Off- true>Yes+ :false>Off- :true>Yes+ false>Off- On>Yes+ NO>Off- 1>Yes+ oFF>Off- maybe>! a|b>! >!"},
+        {CHECK, "No", "", "no>No+ 0>Off- yes>No+ No>No+"},
         {CHECK, "Yes", "(ja)", "ja>Yes+ Off>Off- Yes>Yes+ nein>!"},
         {CHECK, "true", "", ":false>Off- true>true+"},
         {CHECK, "a a", "", "a>a++ Off>Off-- :true>a++"},
         {CHECK, "a a", "(x) (y)", "x>a++ Off>Off-- y>a++ a>a++"},
-        {CHECK, "a b", "", "a>a+- b>b-+ :false>Off-- :true>a+- c>!"},
+        {CHECK, "a b", "", "a>a+- b>b-+ :false>Off-- :true>! true>! yes>! c>!"},
         {CHECK, "0 1", "(x) (y)", "x>0+- y>1-+ 0>0+- 1>1-+"},
         {CHECK, "0 1", "(x) (x)", "x>0+- 1>1-+ Off>Off--"},
         {CHECK, "0 1", "(x)", "1>1-+ x>0+- y>!"},
         {RADIO, "a", "", "a>a+ Off>Off- :true>! true>! :false>Off-"},
         {RADIO, "a a", "(x) (y)", "x>a+- y>a-+ a>a+-"},
-        {RADIO, "a b c", "", "b>b-+- c>c--+ a>a+-- false>Off---"},
+        {RADIO, "a b c", "", "b>b-+- c>c--+ a>a+-- false>Off--- no>!"},
         {TOGGLE_NOT_OFF, "a b", "", "b>b-+ a>a+- Off>Off--"},
         {RADIO, "0 1 2", "(x) (y) (z)", "y>1-+- 2>2--+ x>0+-- w>!"},
         {RADIO, "0 1 2", "(x) (x) (z)", "x>0+-- 1>1-+- z>2--+ Off>Off---"},
@@ -245,6 +247,33 @@ TEST(FillerTest, TextsAndTheirLimits)
         EXPECT_EQ(utf8_of(*again.field(name).get_edit_value()), text ? *text : "true");
         EXPECT_EQ(again.memory(), f.memory());
         EXPECT_EQ(again.entry(c.kid.empty() ? 10 : 20, "RV"), "-");
+    }
+}
+
+TEST(FillerTest, GroupsWithoutATypeHandDownFlagsAndMaximum)
+{
+    const struct {
+        const char *group, *field;
+        PDF_CODE code;
+    } cases[] = {
+        {"/Ff 1", "/FT/Tx", PDF_CODE::READ_ONLY}, {"/Ff 1", "/FT/Tx/Ff 2", PDF_CODE::OK},
+        {"/Ff 1", "/FT/Tx/Ff 0", PDF_CODE::OK},   {"/Ff 0", "/FT/Tx", PDF_CODE::OK},
+        {"/MaxLen 2", "/FT/Tx", PDF_CODE::LIMIT}, {"/MaxLen 2", "/FT/Tx/MaxLen 3", PDF_CODE::OK},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.group) + " " + c.field);
+        PdfBuilder file;
+        file.form({std::string("<</T(g)/Kids[20 0 R]") + c.group + ">>"});
+        file.object(20, "<</T(g)/Parent 10 0 R/Kids[21 0 R]>>");
+        file.object(21, std::string("<</T(f)/Parent 20 0 R") + c.field + ">>");
+        FormAtWork f(file.table().text);
+        const PDF_CODE code = f.set("g.g.f", std::string("abc")).code;
+        EXPECT_EQ(code, c.code);
+        CPDFField& group = *f.document.field("g");
+        PDF_FIELD_CHANGE change;
+        change.clear_flags = FIELD_READ_ONLY;
+        EXPECT_TRUE(f.document.change_field(group, change).ok());
+        EXPECT_EQ(f.set("g.g.f", std::string("ab")).code, PDF_CODE::OK);
     }
 }
 

@@ -106,18 +106,25 @@ TEST_F(CommandTest, JsonTellsEveryProperty)
     const std::pair<size_t, const char*> cases[] = {
         {0,
          R"({"name":"name","type":"text","kind":"text","flags":0,"readOnly":false,"required":false,"value":"Ann",)"
-         R"("default":"Zü","shown":null,"options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1})"},
+         R"("default":"Zü","shown":null,"options":[],"selected":[],"maxLength":null,"object":5,"widgets":[5],"page":1,)"
+         R"("label":null,"mappingName":null,"widgetRects":[{"page":1,"rect":null}],"states":[],"exportValues":[],)"
+         R"("signed":null,"inheritedFrom":null})"},
         {2,
          R"({"name":"code","type":"text","kind":"text","flags":16777218,"readOnly":false,"required":true,"value":null,)"
-         R"("default":null,"shown":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[19],"page":1})"},
+         R"("default":null,"shown":null,"options":[],"selected":[],"maxLength":3,"object":7,"widgets":[19],"page":1,)"
+         R"("label":null,"mappingName":null,"widgetRects":[{"page":1,"rect":null}],"states":[],"exportValues":[],)"
+         R"("signed":null,"inheritedFrom":null})"},
         {6,
          R"({"name":"pick","type":"choice","kind":"list","flags":2097152,"readOnly":false,"required":false,)"
          R"("value":["b","c"],"default":null,"shown":null,"options":[{"value":"a","text":""},{"value":"b","text":"Bee"}],)"
-         R"("selected":[1],"maxLength":null,"object":11,"widgets":[22],"page":null})"},
+         R"("selected":[1],"maxLength":null,"object":11,"widgets":[22],"page":null,)"
+         R"("label":null,"mappingName":null,"widgetRects":[{"page":null,"rect":null}],"states":[],"exportValues":[],)"
+         R"("signed":null,"inheritedFrom":null})"},
         {9,
          R"({"name":"group.radio","type":"button","kind":"radio","flags":32768,"readOnly":false,"required":false,)"
          R"("value":"On","default":null,"shown":null,"options":[],"selected":[],"maxLength":null,"object":14,"widgets":[15,16],)"
-         R"("page":1})"},
+         R"("page":1,"label":null,"mappingName":null,"widgetRects":[{"page":null,"rect":null},{"page":1,"rect":null}],)"
+         R"("states":["Yes","1"],"exportValues":["Yes","1"],"signed":null,"inheritedFrom":null})"},
     };
     ASSERT_EQ(list.size(), 12u);
     for (const auto& [index, expected] : cases)
@@ -202,16 +209,21 @@ TEST_F(CommandTest, TheTableFitsTheTerminalAndIsHarmless)
                 "<</FT/Tx/T(\xEF\xBB\xBF漢e\xCC\x81)/Ff 3/V<FEFF009B0032004A0007000A>>>",
                 "<</FT/Tx/T(form.page.first.second.third)/Ff 4096/V" + wide + ">>>", "<</FT/Ch/T(c)/Ff 393216/V(x)>>"});
     const std::string file = folder.write("wide.pdf", bytes);
-    EXPECT_EQ(lines_on_terminal(file, 70),
-              (std::vector<std::string>{
-                  "KIND   NAME                  VALUE                  FLAGS",
-                  "text   漢e\xCC\x81                   \\u009b2J\\a\\n           read-only required",
-                  "text   ….first.second.third  漢漢漢漢漢漢漢漢漢漢…  multiline",
-                  "combo  c                     x                      edit",
-              }));
+    EXPECT_EQ(lines_on_terminal(file, 70), (std::vector<std::string>{
+                                               "0 pages, 3 fields: text 2, combo 1",
+                                               "3 filled, 0 required and empty",
+                                               "",
+                                               "KIND   NAME                          VALUE",
+                                               "text   漢e\xCC\x81                           \\u009b2J\\a\\n",
+                                               "text   form.page.first.second.third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…",
+                                               "combo  c                             x",
+                                           }));
+    EXPECT_EQ(lines_on_terminal(file, 40)[5], "text   form.pa…d.third  漢漢漢漢漢漢漢…");
     const CommandResult piped = folder.run({"list", file});
     EXPECT_EQ(piped.out.find('\x1b'), std::string::npos);
-    EXPECT_NE(piped.out.find("form.page.first.second.third"), std::string::npos);
-    EXPECT_EQ(piped.out.find("…"), std::string::npos);
+    EXPECT_NE(piped.out.find("third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…\n"), std::string::npos) << piped.out;
+    const CommandResult in_full = folder.run({"list", "--long", file});
+    EXPECT_EQ(in_full.out.find("…"), std::string::npos);
+    EXPECT_NE(in_full.out.find("\n  flags   read-only required\n"), std::string::npos);
 }
 }  // namespace

@@ -22,7 +22,7 @@ std::vector<CPDFStatus> remove_all(CPDFDocument& document, const REMOVE_ARGUMENT
         if (const CPDFField* field = document.field(name.text))
             fields.push_back(field->m_ref);
         else
-            results.push_back(no_such_field(name.text));
+            results.push_back(document.no_field(name.text));
     }
     if (!results.empty())
         return results;

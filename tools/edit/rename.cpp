@@ -19,12 +19,16 @@ struct RENAME_ARGUMENTS {
 std::vector<CPDFStatus> rename(CPDFDocument& document, const RENAME_ARGUMENTS& arguments)
 {
     std::vector<CPDFStatus> refusals;
-    CPDFField* field = document.field(arguments.name.text);
-    CPDFField* parent = arguments.under.text.empty() ? nullptr : document.field(arguments.under.text);
+    CPDFStatus why;
+    CPDFField* field = find_field(document, arguments.edit.input, arguments.name.text, why);
     if (!field)
-        refusals.push_back(no_such_field(arguments.name.text));
-    if (!parent && !arguments.under.text.empty())
-        refusals.push_back(no_such_field(arguments.under.text));
+        refusals.push_back(why);
+    CPDFField* parent = nullptr;
+    if (const std::string& under = arguments.under.text; !under.empty()) {
+        parent = find_field(document, arguments.edit.input, under, why);
+        if (!parent)
+            refusals.push_back(why);
+    }
     if (!field || !refusals.empty())
         return refusals;
     if (parent || arguments.to_top) {

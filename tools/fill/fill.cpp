@@ -14,6 +14,20 @@ namespace {
 // Few values are reached faster one by one than through the whole form.
 constexpr size_t MOST_SINGLE_FIELDS = 16;
 
+// The full name of the field that `word` means, or the word itself where that is not clear.
+std::string meant_name(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word)
+{
+    CPDFStatus why;
+    if (document.field(word) || document.has_only_xfa())
+        return word;
+    const CPDFField* field = document.find_field(word, why);
+    if (!field)
+        return word;
+    std::string name = full_name(*field);
+    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(name));
+    return name;
+}
+
 // The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
 // Where none is, the text before the first '=' stands for the name.
 size_t find_assign(CPDFDocument& document, std::string_view assignment)
@@ -80,8 +94,8 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         data.resize(from_file);
         for (const COMMAND_WORD& assignment : arguments.assignments) {
             const size_t at = find_assign(document, assignment.text);
-            data.push_back(
-                {assignment.text.substr(0, at), assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
+            data.push_back({meant_name(document, arguments.input, assignment.text.substr(0, at)),
+                            assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
         }
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
@@ -163,7 +177,7 @@ int fill(FILL_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(A field takes, whatever the value comes from:
   text field    a text, no longer than its maximum
-  check box     true, false, or the name of a state
+  check box     the name of a state; with one on state true or false, yes or no, on or off, 1 or 0
   radio group   the name of a state or an export value; Off for none
   combo box     an export value or a shown text; any text when it is editable
   list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
@@ -194,7 +208,8 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<FILL_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("fill", "Puts values into fields and saves the result");
     add_input(verb, arguments->input);
-    verb.add_option("NAME=VALUE", arguments->assignments, "full name of a field and its new value, in UTF-8")
+    verb.add_option("NAME=VALUE", arguments->assignments,
+                    "name of a field and its new value, in UTF-8; a part of the name or its number in the list will do")
         ->option_text("...");
     verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
         ->option_text("DATA");

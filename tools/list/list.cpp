@@ -13,7 +13,24 @@ struct LIST_ARGUMENTS {
     COMMAND_INPUT input;
     bool json = false;
     bool all = false;
+    bool in_full = false;
+    bool summary = false;
 };
+
+constexpr const char* FOOTER =
+    R"(The table fits the terminal, or 80 columns where there is none: what is too long
+is cut, and flags stand there only where there is room. `get` and the like take
+a part of a name that only one field has, or the number of a field in the list.
+Control characters are shown as escapes.
+
+The value is that of the field, or its default value where it has none, or that
+of the field above it; of rich text the plain text. What a format of the form,
+such as one for dates, makes of the value stands beside it (shown). A long text
+that is kept in a stream is left to `formwork get`.
+
+Where no field takes a value but the form has XFA data, as dynamic forms are
+made, their values are shown, of the kind "data", under the paths by which fill
+takes them.)";
 
 int list_fields(const LIST_ARGUMENTS& arguments)
 {
@@ -22,6 +39,9 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     if (!document.permits_filling())
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
+    if (arguments.summary)
+        return end_with(put_list_summary(document, arguments.json ? LIST_FORM::JSON : LIST_FORM::TEXT),
+                        arguments.input.path.text);
     const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
     const std::vector<PDF_XFA_VALUE> data = xfa_values_of(document, arguments.input);
     if (arguments.json)
@@ -32,8 +52,13 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         ++fields;
         listed += is_listed(field, what);
     });
+    if (terminal_columns() && listed) {
+        if (const CPDFStatus status = put_list_summary(document, LIST_FORM::TEXT); !status.ok())
+            return end_with(status, arguments.input.path.text);
+        put("\n");
+    }
     if (listed)
-        put_list_table(document, what, data);
+        (arguments.in_full ? put_list_long : put_list_table)(document, what, data);
     else
         put(printable(arguments.input.path.text) + " has no form fields" + (fields ? " with a name" : "") + "\n");
     return put_done();
@@ -64,12 +89,9 @@ void add_list_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::App& verb = *app.add_subcommand("list", "Shows the fields of a form, their values and flags");
     add_input(verb, arguments->input);
     verb.add_flag("--json", arguments->json, "as a JSON array, one object for each field");
-    verb.add_flag("--all", arguments->all, "also fields without a name of their own, under their numbered names");
-    verb.footer("In the table, control characters are shown as escapes, and what is too long for the terminal is cut.\n"
-                "The value is that of the field itself, or its default value where it has none; a\n"
-                "long text that is kept in a stream is left to `formwork get`. What a format of the form, such as one\n"
-                "for dates, makes of the value stands beside it (shown).\n"
-                "Where no field takes a value but the form has XFA data, as dynamic forms are made, their values are\n"
-                "shown, of the kind \"data\", under the paths by which fill takes them.");
+    verb.add_flag("--long", arguments->in_full, "also labels, what fields take, flags; nothing cut");
+    verb.add_flag("--summary", arguments->summary, "only what there is: pages, fields by kind, ...");
+    verb.add_flag("--all", arguments->all, "also fields without a name, under numbered names");
+    verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return list_fields(*arguments); }; });
 }

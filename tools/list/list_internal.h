@@ -9,6 +9,14 @@ enum class LIST_WHAT {
     ALL,
 };
 
+enum class LIST_FORM {
+    TEXT,
+    JSON,
+};
+
+// Writes what the document has, at a glance: lines, or one object.
+CPDFStatus put_list_summary(CPDFDocument& document, LIST_FORM form);
+
 // Whether the list has the field.
 bool is_listed(const CPDFField& field, LIST_WHAT what);
 
@@ -20,3 +28,6 @@ std::vector<PDF_XFA_VALUE> xfa_values_of(CPDFDocument& document, const COMMAND_I
 CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what,
                          const std::vector<PDF_XFA_VALUE>& data);
 void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);
+
+// All that the table leaves out or cuts, some lines for each field.
+void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);

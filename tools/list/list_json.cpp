@@ -1,3 +1,4 @@
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <span>
@@ -5,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include "core/dictionary.h"
 #include "core/limits.h"
-#include "core/xref_table.h"
 #include "document/document.h"
+#include "document/fill/filler.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/held_value.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/value_text.h"
 #include "document/lookup/widget_binder.h"
@@ -18,6 +19,7 @@
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
+#include "tools/list/field_notes.h"
 #include "tools/list/list_internal.h"
 #include "tools/verb.h"
 
@@ -25,15 +27,13 @@ namespace {
 
 constexpr size_t FLUSH_SIZE = 1 << 16;
 
-constexpr CPDFKeySet PAGE_KEY{"P"};
-
 // Writes the objects of the list, one field at a time.
 class JsonList {
 public:
     explicit JsonList(CPDFDocument& document) : m_document(document), m_names(document.form())
     {
         m_pages.load(document.xref(), document.root());
-        m_binder.bind_references(document.xref(), document.form(), m_pages);
+        m_binder.bind(document.xref(), document.form(), m_pages);
     }
 
     CPDFStatus put_all(LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
@@ -85,13 +85,19 @@ private:
         put_text("{\"name\":");
         append_json_text(m_out, m_names.name_of(field));
         put_text(",\"type\":\"").put_text(kind.type_name).put_text("\",\"kind\":\"").put_text(kind.name);
-        put_text("\",\"flags\":").put_text(std::to_string(field.m_flags));
-        put_text(",\"readOnly\":").put_text(field.m_flags & FIELD_READ_ONLY ? "true" : "false");
-        put_text(",\"required\":").put_text(field.m_flags & FIELD_REQUIRED ? "true" : "false");
-        append_value(",\"value\":", field.m_value);
-        append_value(",\"default\":", field.m_def_value);
+        const uint32_t flags = effective_flags(field);
+        put_text("\",\"flags\":").put_text(std::to_string(flags));
+        put_text(",\"readOnly\":").put_text(flags & FIELD_READ_ONLY ? "true" : "false");
+        put_text(",\"required\":").put_text(flags & FIELD_REQUIRED ? "true" : "false");
+        const CPDFField* holder = value_holder(field);
+        const size_t before = m_out.size();
+        append_value(",\"value\":", holder ? own_value(*holder) : PDF_VALUE_TEXT());
+        if (holder != &field)  // which many fields may show
+            m_option_bytes += m_out.size() - before;
+        append_value(",\"default\":", value_text(m_document.xref(), field.m_def_value));
         append_shown(field);
-        append_options(field);
+        const CPDFFieldOptions options(field);
+        append_options(options);
         append_numbers(",\"selected\":[", std::span(field.m_sels, static_cast<size_t>(field.m_sel_cnt)),
                        [](int32_t index) { return index; });
         const int32_t limit = field.m_type == FIELD_TEXT ? max_length(field) : 0;
@@ -99,8 +105,14 @@ private:
         put_text(",\"object\":").put_text(std::to_string(field.m_ref.num));
         collect_widgets(field);
         append_numbers(",\"widgets\":[", m_widgets, [](const PDF_REF& widget) { return widget.num; });
-        const int32_t page = page_of_widgets();
-        put_text(",\"page\":").put_text(page ? std::to_string(page) : "null").put_text("}");
+        append_notes(field);
+        append_states(field);
+        put_text(",\"signed\":").put_text(field.m_type != FIELD_SIGNATURE ? "null" : field.m_sign ? "true" : "false");
+        if (field.m_type == FIELD_CHOICE && (!holder || holder == &field))
+            holder = options.holder();
+        append_text(",\"inheritedFrom\":",
+                    holder && holder != &field ? std::optional(m_names.name_of(*holder)) : std::nullopt);
+        put_text("}");
     }
 
     // Of literals the length is known, which adds up over many fields.
@@ -110,24 +122,25 @@ private:
         return *this;
     }
 
-    void append_value(std::string_view key, const CPDFObj& object)
+    void append_value(std::string_view key, const PDF_VALUE_TEXT& value)
     {
         m_out += key;
-        append_json_value(m_out, value_text(m_document.xref(), object));
+        append_json_value(m_out, value);
     }
 
-    void append_shown(const CPDFField& field)
+    void append_text(std::string_view key, const std::optional<std::string>& text)
     {
-        put_text(",\"shown\":");
-        if (const std::optional<std::string> shown = m_document.shown_text(field))
-            append_json_text(m_out, *shown);
+        m_out += key;
+        if (text)
+            append_json_text(m_out, *text);
         else
             put_text("null");
     }
 
-    void append_options(const CPDFField& field)
+    void append_shown(const CPDFField& field) { append_text(",\"shown\":", m_document.shown_text(field)); }
+
+    void append_options(const CPDFFieldOptions& options)
     {
-        const CPDFFieldOptions options(field);
         const size_t before = m_out.size();
         put_text(",\"options\":[");
         for (int32_t i = 0; i < options.count(); ++i) {
@@ -172,22 +185,80 @@ private:
         }
     }
 
-    int32_t page_of_widgets()
+    // Page, label and where the widgets stand.
+    void append_notes(const CPDFField& field)
     {
-        for (const PDF_REF& widget : m_widgets) {
-            if (const int32_t page = m_pages.page_of_annotation(widget.num))
-                return page;
+        const FIELD_NOTES notes = read_field_notes(field, m_widgets, m_pages);
+        int32_t first = 0;
+        for (const LISTED_WIDGET& widget : notes.widgets)
+            first = first ? first : widget.page;
+        append_page(",\"page\":", first);
+        append_text(",\"label\":", notes.label);
+        append_text(",\"mappingName\":", notes.mapping_name);
+        put_text(",\"widgetRects\":[");
+        for (size_t i = 0; i < notes.widgets.size(); ++i) {
+            append_page(i ? ",{\"page\":" : "{\"page\":", notes.widgets[i].page);
+            put_text(",\"rect\":");
+            append_rect(notes.widgets[i].rect);
+            m_out += '}';
         }
-        for (const PDF_REF& widget : m_widgets) {
-            CPDFObj object;
-            m_document.xref().get_entity(object, widget, &PAGE_KEY);
-            const CPDFDictionary* dict = object.dictionary();
-            const CPDFObj* page = dict ? dict->get_item("P") : nullptr;
-            const int32_t number = page && page->type == PDF_OBJ_REF ? m_pages.page_of(page->ref.num) : 0;
-            if (number)
-                return number;
+        m_out += ']';
+    }
+
+    void append_page(std::string_view key, int32_t page)
+    {
+        put_text(key).put_text(page ? std::to_string(page) : "null");
+    }
+
+    void append_rect(const std::optional<PDF_BOX>& rect)
+    {
+        if (!rect) {
+            put_text("null");
+            return;
         }
-        return 0;
+        char separator = '[';
+        for (const double at : {rect->x0, rect->y0, rect->x1, rect->y1}) {
+            m_out += separator;
+            append_coordinate(at);
+            separator = ',';
+        }
+        m_out += ']';
+    }
+
+    // Points, to a thousandth.
+    void append_coordinate(double value)
+    {
+        constexpr double SCALE = 1000;
+        const auto scaled = static_cast<int64_t>(std::llround(value * SCALE));
+        const uint64_t size = static_cast<uint64_t>(scaled < 0 ? -scaled : scaled);
+        put_text(scaled < 0 ? "-" : "").put_text(std::to_string(size / 1000));
+        if (const uint64_t rest = size % 1000; rest > 0) {
+            const std::string digits = std::to_string(1000 + rest);
+            put_text(".").put_text(std::string_view(digits).substr(1, digits.find_last_not_of('0')));
+        }
+    }
+
+    // Of buttons that have a state, in the order of their widgets.
+    void append_states(const CPDFField& field)
+    {
+        const bool has_states = field.m_type == FIELD_BUTTON && field_kind(field).takes_value;
+        const std::vector<PDF_BUTTON_CHOICE> choices =
+            has_states ? button_choices(field, m_binder) : std::vector<PDF_BUTTON_CHOICE>();
+        const size_t before = m_out.size();
+        append_texts(",\"states\":[", choices, [](const auto& choice) { return utf8_of_name(choice.state); });
+        append_texts(",\"exportValues\":[", choices, [](const auto& choice) { return choice.export_value; });
+        m_option_bytes += has_states ? m_out.size() - before : 0;
+    }
+
+    template <typename TextOf>
+    void append_texts(std::string_view key, const std::vector<PDF_BUTTON_CHOICE>& choices, const TextOf& text_of)
+    {
+        put_text(key);
+        for (const PDF_BUTTON_CHOICE& choice : choices) {
+            m_out += &choice == &choices.front() ? "" : ",";
+            append_json_text(m_out, text_of(choice));
+        }
+        m_out += ']';
     }
 
     CPDFDocument& m_document;  // borrowed from the caller

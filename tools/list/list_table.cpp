@@ -1,52 +1,64 @@
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <vector>
 
+#include "core/limits.h"
 #include "document/document.h"
 #include "document/lookup/field_text.h"
-#include "document/lookup/value_text.h"
+#include "document/lookup/held_value.h"
+#include "document/lookup/page_map.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
+#include "tools/list/field_notes.h"
+#include "tools/list/field_words.h"
 #include "tools/list/list_internal.h"
 #include "tools/terminal_text.h"
 #include "tools/verb.h"
 
 namespace {
 
-enum LIST_COLUMN { COLUMN_KIND, COLUMN_NAME, COLUMN_VALUE, COLUMN_SHOWN, COLUMN_FLAGS, COLUMN_COUNT };
+enum LIST_COLUMN { COLUMN_KIND, COLUMN_PAGE, COLUMN_NAME, COLUMN_VALUE, COLUMN_SHOWN, COLUMN_FLAGS, COLUMN_COUNT };
 
 using LIST_ROW = std::array<std::string, COLUMN_COUNT>;
 using LIST_WIDTHS = std::array<int, COLUMN_COUNT>;
 
 constexpr int GAP = 2;
 constexpr int LEAST_WIDTH = 8;
+constexpr int USUAL_WIDTH = 80;  // where there is no terminal
 
-// Where nothing is cut, columns are padded to no more than this, so that one long value does not widen every line.
-constexpr int MOST_PADDING = 60;
-
-std::string flag_words(const CPDFField& field, const PDF_FIELD_KIND& kind)
+// Of values that many fields may share only so many bytes are shown: `inherited` counts them.
+std::string shown_value(const CPDFField& field, size_t& inherited)
 {
-    std::string words;
-    for (const PDF_FIELD_FLAG_WORD& at : field_flag_words()) {
-        if (!(field.m_flags & at.flag) || !at.has_kind(kind))
-            continue;
-        if (!words.empty())
-            words += ' ';
-        words += at.word;
-    }
-    return words;
+    const CPDFField* holder = value_holder(field);
+    if (!holder || (holder != &field && inherited > LIMIT_LISTED_OPTIONS))
+        return {};
+    std::string value = own_value(*holder).joined();
+    inherited += holder != &field ? value.size() : 0;
+    return value;
 }
 
-LIST_ROW row_of(CPDFDocument& document, CPDFField& field, CPDFNumberedNames& names)
+// Calls `use(field, row)` for each field and value; nothing in a row is cut.
+template <typename Use>
+void for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
 {
-    const PDF_FIELD_KIND& kind = field_kind(field);
-    return {kind.name, printable(names.name_of(field)), printable(value_text(*field.m_xref, field.m_value).joined()),
-            printable(document.shown_text(field).value_or("")), flag_words(field, kind)};
+    CPDFNumberedNames names(document.form());
+    size_t inherited = 0;
+    CPDFPageMap pages;
+    pages.load(document.xref(), document.root());
+    for_each_field(document.form(), [&](CPDFField& field) {
+        if (!is_listed(field, what))
+            return;
+        const int32_t page = page_of_field(field, pages);
+        use(field, LIST_ROW{field_kind(field).name, page ? std::to_string(page) : "", names.name_of(field),
+                            shown_value(field, inherited), document.shown_text(field).value_or(""), flag_words(field)});
+    });
 }
 
-void widen(LIST_WIDTHS& widths, const LIST_ROW& row, int limit)
+void widen(LIST_WIDTHS& widths, const LIST_ROW& row)
 {
     for (size_t i = 0; i < COLUMN_COUNT; ++i)
-        widths[i] = std::max(widths[i], std::min(columns_of(row[i]), limit));
+        widths[i] = std::max(widths[i], columns_of(row[i]));
 }
 
 // A column without a width is left out.
@@ -58,71 +70,99 @@ int total_width(const LIST_WIDTHS& widths)
     return total;
 }
 
-// Takes from the widest column until the row fits `total`.
+// Leaves flags out where there is no room for them, then takes from the widest column until the row fits `total`.
 void narrow(LIST_WIDTHS& widths, int total)
 {
+    if (total_width(widths) > total)
+        widths[COLUMN_FLAGS] = 0;
     for (int left = total_width(widths) - total; left > 0; --left) {
-        int& widest = *std::max_element(widths.begin() + COLUMN_NAME, widths.end());
+        int& widest = *std::max_element(widths.begin() + COLUMN_NAME, widths.begin() + COLUMN_FLAGS);
         if (widest <= LEAST_WIDTH)
             return;
         --widest;
     }
 }
 
-// The start of a long name is what it shares with others, so that is cut.
 void cut(LIST_ROW& row, const LIST_WIDTHS& widths)
 {
-    row[COLUMN_NAME] = cut_start(row[COLUMN_NAME], widths[COLUMN_NAME]);
-    row[COLUMN_VALUE] = cut_end(row[COLUMN_VALUE], widths[COLUMN_VALUE]);
-    row[COLUMN_SHOWN] = cut_end(row[COLUMN_SHOWN], widths[COLUMN_SHOWN]);
-    row[COLUMN_FLAGS] = cut_end(row[COLUMN_FLAGS], widths[COLUMN_FLAGS]);
+    for (size_t i = COLUMN_NAME; i < COLUMN_COUNT; ++i) {
+        if (widths[i] > 0)
+            row[i] = i == COLUMN_NAME ? cut_middle(row[i], widths[i]) : cut_end(row[i], widths[i]);
+    }
 }
 
-void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
+void append_row(std::string& out, const LIST_ROW& row, const LIST_WIDTHS& widths)
 {
-    std::string line;
     for (size_t i = 0; i < COLUMN_COUNT; ++i) {
         if (widths[i] == 0)
             continue;
-        line += row[i];
+        out += row[i];
         const int padding = std::max(widths[i] - columns_of(row[i]), 0) + GAP;
-        line.append(static_cast<size_t>(padding), ' ');
+        out.append(static_cast<size_t>(padding), ' ');
     }
-    line.erase(line.find_last_not_of(' ') + 1);
-    put(line += '\n');
+    out.erase(out.find_last_not_of(' ') + 1);
+    out += '\n';
+}
+
+void put_line(const char* word, const std::string& text)
+{
+    if (!text.empty())
+        put("  " + std::string(word) + std::string(8 - std::min<size_t>(std::strlen(word), 7), ' ') + printable(text) +
+            "\n");
 }
 
 }  // namespace
 
-// Two passes, so that the memory does not grow with the form.
+// No cell is kept wider than a row, so that long values do not take memory.
 void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
 {
     const int terminal = terminal_columns();
-    CPDFNumberedNames names(document.form());
-    const auto for_each_row = [&](auto&& use) {
-        for_each_field(document.form(), [&](CPDFField& field) {
-            if (is_listed(field, what))
-                use(row_of(document, field, names));
-        });
-        for (const PDF_XFA_VALUE& at : data)
-            use({"data", printable(at.path), printable(at.value), "", ""});
-    };
-    const LIST_ROW heading = {"KIND", "NAME", "VALUE", "SHOWN", "FLAGS"};
+    const int total = terminal ? terminal : USUAL_WIDTH;
+    const LIST_ROW heading = {"KIND", "PAGE", "NAME", "VALUE", "SHOWN", "FLAGS"};
     LIST_WIDTHS widths{};
-    widen(widths, heading, LEAST_WIDTH);
-    bool formatted = false;
-    for_each_row([&](const LIST_ROW& row) {
-        widen(widths, row, terminal ? terminal : MOST_PADDING);
-        formatted = formatted || !row[COLUMN_SHOWN].empty();
+    widths.fill(total);
+    std::vector<LIST_ROW> rows;
+    const auto add = [&](LIST_ROW row) {
+        for (std::string& cell : row)
+            cell = printable(cell);
+        cut(row, widths);
+        rows.push_back(std::move(row));
+    };
+    for_each_row(document, what, [&](const CPDFField&, LIST_ROW row) { add(std::move(row)); });
+    for (const PDF_XFA_VALUE& at : data)
+        add({"data", "", at.path, at.value, "", ""});
+    need_memory();
+    widths = {};
+    for (const LIST_ROW& row : rows)
+        widen(widths, row);
+    for (size_t i = 0; i < COLUMN_COUNT; ++i) {
+        if (widths[i] > 0 || i == COLUMN_NAME || i == COLUMN_VALUE)
+            widths[i] = std::max(widths[i], columns_of(heading[i]));
+    }
+    narrow(widths, total);
+    std::string out;
+    append_row(out, heading, widths);
+    for (LIST_ROW& row : rows) {
+        cut(row, widths);
+        append_row(out, row, widths);
+    }
+    put(out);
+}
+
+void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+{
+    size_t listed = 0;
+    for_each_row(document, what, [&](const CPDFField& field, const LIST_ROW& row) {
+        put(row[COLUMN_KIND] + "  " + printable(row[COLUMN_NAME]) + "\n");
+        put_line("page", row[COLUMN_PAGE]);
+        put_line("value", row[COLUMN_VALUE]);
+        put_line("shown", row[COLUMN_SHOWN]);
+        put_line("label", label_of(field));
+        put_line("takes", taken_words(document, field, listed));
+        put_line("flags", row[COLUMN_FLAGS]);
     });
-    if (!formatted)
-        widths[COLUMN_SHOWN] = 0;
-    if (terminal)
-        narrow(widths, terminal);
-    put_row(heading, widths);
-    for_each_row([&](LIST_ROW row) {
-        if (terminal)
-            cut(row, widths);
-        put_row(row, widths);
-    });
+    for (const PDF_XFA_VALUE& at : data) {
+        put("data  " + printable(at.path) + "\n");
+        put_line("value", at.value);
+    }
 }
