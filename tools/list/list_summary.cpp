@@ -20,8 +20,8 @@ std::string kinds_of(const PDF_SUMMARY& summary, const char* separator, const ch
     std::string list;
     for (int id = 0; id < KIND_COUNT; ++id) {
         if (const size_t count = summary.fields[static_cast<size_t>(id)]; count > 0) {
-            list +=
-                (list.empty() ? "" : ", ") + (quote + std::string(field_kind(static_cast<PDF_FIELD_KIND_ID>(id)).name));
+            list += (list.empty() ? "" : comma) +
+                    (quote + std::string(field_kind(static_cast<PDF_FIELD_KIND_ID>(id)).name));
             list += quote + std::string(separator) + std::to_string(count);
         }
     }
