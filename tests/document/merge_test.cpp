@@ -8,7 +8,6 @@
 #include "forms/field_kind.h"
 #include "tests/document/fill_fixture.h"
 #include "tests/support/alloc_walk.h"
-#include "tests/support/new_hook.h"
 
 namespace {
 
