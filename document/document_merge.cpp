@@ -17,7 +17,7 @@ constexpr const char* MERGING = "merge the documents";
 CPDFStatus CPDFDocument::State::begin_merge(PDF_EDIT edit)
 {
     values_changed = values_changed || !to_draw.empty();
-    CPDFStatus status = begin_edit(nullptr, edit);
+    CPDFStatus status = begin_edit({}, edit);
     if (status.ok() && edit != PDF_EDIT::FORCE && signatures().is_signed())
         status = CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is signed: merging breaks its signatures");
     if (status.ok())
