@@ -14,7 +14,7 @@ namespace {
 
 // What loading looks at; the appearance and layout entries of a field are not even built.
 constexpr CPDFKeySet FIELD_KEY_SET{"T",  "V",  "FT",  "Ff", "Kids",   "Parent", "Subtype",
-                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA", "RV"};
+                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA",     "RV"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
 
 // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
