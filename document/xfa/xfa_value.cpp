@@ -114,7 +114,7 @@ std::string CPDFXfaValues::on_value(const XFA_BINDING& at, const std::string& st
     const std::vector<PDF_BUTTON_CHOICE> choices = button_choices(*at.field, m_widgets);
     const auto on = std::find_if(choices.begin(), choices.end(),
                                  [&state](const PDF_BUTTON_CHOICE& choice) { return choice.state == state; });
-    const std::string exported = on == choices.end() ? state : on->export_value;
+    std::string exported = on == choices.end() ? state : on->export_value;
     if (at.element < 0)
         return exported;
     if (m_tree->name(at.element) == "field")
