@@ -19,8 +19,8 @@ inline void list_all(CPDFDocument& document)
 {
     check_sentence(list_actions(document, nullptr, [](const PDF_LISTED_ACTION&) {}));
     calculation_order(document);
-    put_list_table(document, LIST_WHAT::NAMED);
-    check_sentence(put_list_json(document, {}, LIST_WHAT::ALL));
+    put_list_table(document, LIST_WHAT::NAMED, {});
+    check_sentence(put_list_json(document, {}, LIST_WHAT::ALL, {}));
 }
 
 inline void export_all(CPDFDocument& document)
