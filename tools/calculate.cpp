@@ -21,15 +21,12 @@ int calculate(CALCULATE_ARGUMENTS& arguments)
     if (!status.ok())
         return complain_usage(status.text);
     CPDFDocument document;
-    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
-    document.set_drawing(arguments.output.drawing());
+    set_up(document, arguments.scripts, arguments.output);
     if (!open_document(document, arguments.input) || !may_fill(document, arguments.input))
         return COMMAND_REFUSED;
     status = document.calculate();
     if (status.ok())
-        status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        note_scripts(document, arguments.scripts, arguments.input);
+        status = save_computed(document, arguments.input, arguments.output, arguments.scripts);
     return end_with(status, arguments.input.path.text);
 }
 

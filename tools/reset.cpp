@@ -24,8 +24,7 @@ int reset_fields(RESET_ARGUMENTS& arguments)
     if (!status.ok())
         return complain_usage(status.text);
     CPDFDocument document;
-    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
-    document.set_drawing(arguments.output.drawing());
+    set_up(document, arguments.scripts, arguments.output);
     if (!open_document(document, arguments.input))
         return COMMAND_REFUSED;
     const PDF_FILL how = arguments.force ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
@@ -40,9 +39,7 @@ int reset_fields(RESET_ARGUMENTS& arguments)
     if (status.ok() && arguments.xfa)
         status = write_xfa(document, arguments.input);
     if (status.ok())
-        status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        note_scripts(document, arguments.scripts, arguments.input);
+        status = save_computed(document, arguments.input, arguments.output, arguments.scripts);
     return end_with(status, arguments.input.path.text);
 }
 

@@ -29,6 +29,21 @@ CPDFStatus check_scripts(SCRIPT_ARGUMENTS& arguments)
     return {};
 }
 
+void set_up(CPDFDocument& document, const SCRIPT_ARGUMENTS& arguments, const OUTPUT_ARGUMENTS& output)
+{
+    document.set_scripts(arguments.scripts, arguments.seconds);
+    document.set_drawing(output.drawing());
+}
+
+CPDFStatus save_computed(CPDFDocument& document, const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& output,
+                         const SCRIPT_ARGUMENTS& arguments)
+{
+    CPDFStatus status = save_output(document, input, output);
+    if (status.ok())
+        note_scripts(document, arguments, input);
+    return status;
+}
+
 void note_script_run(const CPDFDocument& document, const SCRIPT_ARGUMENTS& arguments, const COMMAND_INPUT& input)
 {
     for (const std::string& line : arguments.verbose ? document.script_console() : std::vector<std::string>())

@@ -51,12 +51,11 @@ void CPDFFieldSandbox::take(SCRIPT_ANSWER& answer, CHANGES changes, const std::s
             if (const CPDFField* const field = m_document.fields.find(change.field))
                 m_changed.push_back(field);
     }
-    if (!answer.fault.empty() || changes == CHANGES::DROPPED) {
-        if (!answer.traits.empty())
-            m_sandbox.forget_document();
-    } else {
+    const bool counts = answer.fault.empty() && changes != CHANGES::DROPPED;
+    if (counts && changes != CHANGES::REPEATED)
         move_to_end(answer.traits, m_traits);
-    }
+    else if (!counts && !answer.traits.empty())
+        m_sandbox.forget_document();
     if (!answer.fault.empty())
         return;
     if (changes == CHANGES::KEPT)
@@ -86,7 +85,8 @@ bool CPDFFieldSandbox::open_document()
         SCRIPT_ANSWER answer = m_sandbox.run(run);
         if (m_sandbox.was_killed())
             return false;
-        take(answer, i < m_opened ? CHANGES::DROPPED : CHANGES::OLDER, "document script " + in_quotes(scripts[i].name));
+        take(answer, i < m_opened ? CHANGES::REPEATED : CHANGES::OLDER,
+             "document script " + in_quotes(scripts[i].name));
         m_opened = std::max(m_opened, i + 1);
         if (m_sandbox.needs_document()) {
             m_deadly.insert(i);

@@ -53,7 +53,8 @@ public:
 private:
     enum class CHANGES {
         KEPT,
-        OLDER,  // kept but for fields that have got a value already
+        OLDER,     // kept but for fields that have got a value already
+        REPEATED,  // made in another process before, so that fields have them
         DROPPED,
     };
 

@@ -138,7 +138,12 @@ TEST_F(ScriptsTest, RowsOfABatchKnowNothingOfEachOther)
         folder.write("f.pdf", form({"/FT/Tx/T(a)", scripted("/FT/Tx/T(t)", "C", deadly), "/FT/Tx/T(d)"}, "7 0 R",
                                    document_scripts()));
     const std::string rows = folder.write("rows.csv", "a\n1\n2\n3\n4\n");
-    for (const char* jobs : {"1", "2"}) {
+    std::vector<const char*> numbers = {"1"};
+#ifndef __SANITIZE_ADDRESS__
+    // The sanitizer's allocator can't be forked while another thread holds one of its locks: the child waits for it forever.
+    numbers.push_back("2");
+#endif
+    for (const char* jobs : numbers) {
         const CommandResult result = folder.run({"fill", file, "--batch", rows, "-o", folder.path("{a}.pdf"),
                                                  "--scripts", "all", "--script-seconds", "20", "--jobs", jobs});
         EXPECT_EQ(result.exit, 0) << result.err;
@@ -173,6 +178,22 @@ TEST_F(ScriptsTest, WhatAFailedScriptDidIsNotSeen)
                       "7 0 R 8 0 R"));
     EXPECT_THAT(fill(file, {"x=1"}).err, HasSubstr("the calculate script of field \"s\" was not run: no"));
     EXPECT_EQ(get("g") + get("t"), "1\ng is 1\n");
+}
+
+// A format that makes something of its field costs the process what it knows; the scripts of the document prepare it again,
+// whatever they make of fields themselves.
+TEST_F(ScriptsTest, FunctionsOfTheDocumentOutlastAFormat)
+{
+    const std::string names =
+        "<</Names[(a) " + action("function show(x) { return '<' + x + '>'; } getField('d').hidden = true;") + "]>>";
+    const std::string format = "event.value = show(event.value); event.target.readonly = true";
+    const std::string file = folder.write(
+        "f.pdf",
+        form({scripted("/FT/Tx/T(a)", "F", format), scripted("/FT/Tx/T(b)", "F", format), "/FT/Tx/T(d)"}, "", names));
+    EXPECT_EQ(fill(file, {"a=1", "b=2", "d=3"}).err, "");
+    const std::string out = read_text_file(folder.path("out.pdf"));
+    for (const char* part : {"(<1>) Tj", "(<2>) Tj", "/F 6"})
+        EXPECT_THAT(out, HasSubstr(part));
 }
 
 TEST_F(ScriptsTest, ValuesComeOutAsTheyAre)

@@ -42,8 +42,7 @@ size_t find_assign(CPDFDocument& document, std::string_view assignment)
 
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
-    document.set_drawing(arguments.output.drawing());
-    document.set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
+    set_up(document, arguments.scripts, arguments.output);
     return open_document(document, arguments.input,
                          values <= MOST_SINGLE_FIELDS ? PDF_LOAD::NAMED_FIELDS : PDF_LOAD::WHOLE_FORM) &&
            (arguments.force || may_fill(document, arguments.input));
@@ -118,9 +117,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     if (status.ok() && arguments.flatten)
         status = document.flatten(arguments.edit());
     if (status.ok())
-        status = save_output(document, arguments.input, arguments.output);
-    if (status.ok())
-        note_scripts(document, arguments.scripts, arguments.input);
+        status = save_computed(document, arguments.input, arguments.output, arguments.scripts);
     return end_with(status, arguments.input.path.text);
 }
 
