@@ -183,10 +183,12 @@ PDF_CHANGE_RESULT drop_empty(EDIT_TARGET& target, ELEMENTS elements)
             above.emplace(parent.num, parent);
             gone[parent.num].insert(num);
         }
-        for (const auto& [num, parent] : above)
-            result = both(result, edit_kids(target, parent, [&](CPDFArray& list) {
-                              return remove_references(list, [&](uint32_t kid) { return gone[num].contains(kid); });
+        for (const auto& [num, parent] : above) {
+            const std::unordered_set<uint32_t>& leaving = gone[num];
+            result = both(result, edit_kids(target, parent, [&leaving](CPDFArray& list) {
+                              return remove_references(list, [&](uint32_t kid) { return leaving.contains(kid); });
                           }));
+        }
         elements = std::move(above);
     }
     return result;
