@@ -45,16 +45,18 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
             return status;
         const CPDFReadAllowance allowance(reader->budget());
         EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
-        return operation(target);
+        status = operation(target);
+        return allowance.used_up() ? too_much_to("change the form") : status;
     });
 }
 
 namespace {
 
+constexpr const char* DAMAGED_STRUCTURE = "the structure of the document can't be changed: it is damaged";
+
 // Widgets of a tagged document stand in its structure.
 CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
 {
-    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     constexpr CPDFKeySet KEYS{"TU"};
     CPDFObj own;
     PDF_String text = {0, nullptr};
@@ -62,15 +64,7 @@ CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
     target.xref.read_obj_string(text, own.dictionary() ? own.dict->get_item("TU") : nullptr);
     const std::string label = utf8_of(text);
     text.release();
-    for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
-        result =
-            both(result, tag_widget(target, widget->m_ref, target.pages.page_of_annotation(widget->m_ref.num), label));
-    return edit_status(result, "the structure of the document can't be changed: it is damaged");
-}
-
-CPDFStatus untag_field(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets)
-{
-    return edit_status(untag_widgets(target, widgets), "the structure of the document can't be changed: it is damaged");
+    return edit_status(tag_widgets(target, target.widgets.widgets_of(field), label), DAMAGED_STRUCTURE);
 }
 
 // The widgets of all fields under `top`.
@@ -137,13 +131,11 @@ CPDFStatus CPDFDocument::move_widgets(CPDFField& field, const PDF_MOVE& move, PD
     CPDFField* const at = &field;
     return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) {
         m_state->bound_widgets();
-        const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_widgets(target, target.widgets.widgets_of(field));
+        std::vector<PDF_REF> turned_over;
         PDF_MOVED_LOOK look = PDF_MOVED_LOOK::SAME;
-        CPDFStatus status = ::move_widgets(target, field, move, look);
-        if (status.ok() && !tagged.empty()) {
-            status = untag_field(target, tagged);
-            status = status.ok() ? tag_field(target, field) : status;
-        }
+        CPDFStatus status = ::move_widgets(target, field, move, look, turned_over);
+        if (status.ok())
+            status = edit_status(repage_widgets(target, tagged_widgets(target, turned_over)), DAMAGED_STRUCTURE);
         return status.ok() ? m_state->show_moved(field, look) : status;
     });
 }
@@ -182,7 +174,7 @@ CPDFStatus CPDFDocument::remove_field(CPDFField& field, PDF_EDIT edit)
         m_state->bound_widgets();
         const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_under(target, field);
         CPDFStatus status = erase_field(target, field);
-        return status.ok() ? untag_field(target, tagged) : status;
+        return status.ok() ? edit_status(untag_widgets(target, tagged), DAMAGED_STRUCTURE) : status;
     });
 }
 
