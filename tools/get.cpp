@@ -23,6 +23,7 @@ int get_values(const GET_ARGUMENTS& arguments)
     std::vector<CPDFField*> fields;
     if (!find_fields(document, arguments.input, arguments.names, fields))
         return COMMAND_REFUSED;
+    note_adopted(document, arguments.input);
     const bool terminal = isatty(STDOUT_FILENO);
     for (const CPDFField* field : fields) {
         const std::string value = held_value(*field).joined();
