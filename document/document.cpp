@@ -356,7 +356,7 @@ CPDFStatus CPDFDocument::no_field(std::string_view name)
 size_t CPDFDocument::fields_named(std::string_view name)
 {
     const VXFailureCheck memory;
-    const size_t count = m_state->names.count(m_state->loaded_form(), name);
+    const size_t count = m_state->names.count(m_state->listed_form(), name);
     if (memory.failed())
         m_state->names.clear();
     need_memory(memory);
