@@ -1,5 +1,6 @@
 #include "document/document.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/alloc.h"
@@ -128,6 +129,7 @@ CPDFAcroForm& CPDFDocument::State::loaded_form()
     need_memory(memory);
     if (adoption.count() > 0)
         names.clear();
+    adopted_count = std::max(adopted_count, adoption.count());
     adopted = true;
     return form;
 }
@@ -274,7 +276,7 @@ CPDFAcroForm& CPDFDocument::form()
 
 size_t CPDFDocument::adopted_fields() const
 {
-    return m_state->adoption.count();
+    return m_state->adopted_count;
 }
 
 const CPDFPageMap& CPDFDocument::pages()

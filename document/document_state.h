@@ -39,6 +39,7 @@ struct CPDFDocument::State {
     bool form_whole = true;  // nothing of it was left unread
     CPDFAdoption adoption;
     bool adopted = false;
+    size_t adopted_count = 0;  // the most since the file was opened
     std::optional<CPDFBranchFinder> branches{std::in_place};
     CPDFNameIndex names;
     std::optional<CPDFSignatureGuard> guard;
