@@ -23,6 +23,7 @@
 class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
+class CPDFPageMap;
 class CPDFXRefTable;
 struct PDF_SUMMARY;
 struct PDF_XFA_VALUE;
@@ -98,7 +99,14 @@ public:
     bool has_form() const;
     // Whether the form has XFA data beside its fields. Filling leaves them as they are, see write_xfa.
     bool has_xfa();
+    // The fields of the form, and behind them those that only pages know, which are adopted: widgets that no field of the
+    // form's list leads to, under the top of their "Parent" chain. The first save after a change of such a field puts it into
+    // the list; a missing form dictionary is made then, but pages are walked on the first call.
     CPDFAcroForm& form();
+    // How many fields were adopted so far; those that a name finds without them are not looked for.
+    size_t adopted_fields() const;
+    // The pages, walked on the first call. Borrowed until fields_changed or a revert that loads the form anew.
+    const CPDFPageMap& pages();
     CPDFXRefTable& xref();
 
     // The catalog and its reference, and the trailer dictionary of the newest section.

@@ -47,6 +47,7 @@ bool read_values(const COMMAND_INPUT& input, FORM_VALUES& out)
         names += name.size();
         out[name].push_back(values.value_of(field));
     });
+    note_adopted(document, input);
     std::vector<PDF_XFA_VALUE> data;
     const CPDFStatus status = document.has_only_xfa() ? document.xfa_values(data) : CPDFStatus();
     for (const PDF_XFA_VALUE& at : data)

@@ -49,6 +49,7 @@ int get_values(const GET_ARGUMENTS& arguments)
     }
     if (values.size() != arguments.names.size())
         return COMMAND_REFUSED;
+    note_adopted(document, arguments.input);
     const bool terminal = isatty(STDOUT_FILENO);
     for (const std::string& value : values)
         put((terminal ? printable_lines(value) : value) + "\n");

@@ -39,6 +39,8 @@ int list_fields(const LIST_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     if (!document.permits_filling())
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
+    document.form();
+    note_adopted(document, arguments.input);
     if (arguments.summary)
         return end_with(put_list_summary(document, arguments.json ? LIST_FORM::JSON : LIST_FORM::TEXT),
                         arguments.input.path.text);

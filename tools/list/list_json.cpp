@@ -30,9 +30,9 @@ constexpr size_t FLUSH_SIZE = 1 << 16;
 // Writes the objects of the list, one field at a time.
 class JsonList {
 public:
-    explicit JsonList(CPDFDocument& document) : m_document(document), m_names(document.form())
+    explicit JsonList(CPDFDocument& document)
+        : m_document(document), m_names(document.form()), m_pages(document.pages())
     {
-        m_pages.load(document.xref(), document.root());
         m_binder.bind(document.xref(), document.form(), m_pages);
     }
 
@@ -263,7 +263,7 @@ private:
 
     CPDFDocument& m_document;  // borrowed from the caller
     CPDFNumberedNames m_names;
-    CPDFPageMap m_pages;
+    const CPDFPageMap& m_pages;  // borrowed from the document
     CPDFWidgetBinder m_binder;
     std::vector<PDF_REF> m_widgets;  // of the field being written
     size_t m_option_bytes = 0;

@@ -44,8 +44,7 @@ void for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
 {
     CPDFNumberedNames names(document.form());
     size_t inherited = 0;
-    CPDFPageMap pages;
-    pages.load(document.xref(), document.root());
+    const CPDFPageMap& pages = document.pages();
     for_each_field(document.form(), [&](CPDFField& field) {
         if (!is_listed(field, what))
             return;
