@@ -13,7 +13,8 @@ struct PDF_FORM_ENTRY {
     std::string name;
     CPDFValue value;
     PDF_WORDS words = PDF_WORDS::STATES_FIRST;
-    bool is_typed = false;  // not from a file: an empty text was meant
+    bool is_typed = false;       // not from a file: an empty text was meant
+    CPDFField* field = nullptr;  // borrowed; the field itself, where the name alone does not tell it
 };
 
 // In the order of the file. A name may come more than once.

@@ -41,7 +41,7 @@ bool BatchRows::check_columns(CPDFDocument& document) const
     };
     for (const std::string& column : *columns) {
         if (!document.field(column) && !(m_pattern && m_pattern->names(column)) && !has_xfa_value(document, column))
-            refuse(no_such_field(column).text + ", and no output name (-o) uses it");
+            refuse(document.no_field(column).text + ", and no output name (-o) uses it");
     }
     for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
         const auto times = std::count(columns->begin(), columns->end(), name);
@@ -81,6 +81,12 @@ CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
         return CPDFStatus::failed(PDF_CODE::BAD_DATA, "its output " + path + " is a file that the batch reads");
     output = std::move(path);
     return {};
+}
+
+bool BatchRows::is_new(const std::string& name)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_names.insert(name).second;
 }
 
 bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)

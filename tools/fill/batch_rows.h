@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "formats/import/form_rows.h"
@@ -40,6 +41,9 @@ public:
     // Hands out the next row; false when there is none. Any thread, with a document of its own.
     bool take(CPDFDocument& document, BATCH_ROW& row);
 
+    // Whether this is the first call with that name. Any thread.
+    bool is_new(const std::string& name);
+
 private:
     bool is_protected(const std::string& path) const;
     CPDFStatus claim_output(const PDF_FORM_ROW& row, std::string& output);
@@ -54,5 +58,6 @@ private:
     std::mutex m_mutex;
     CPDFFormRows m_rows;
     std::unordered_map<std::string, size_t> m_row_of;  // by output
+    std::unordered_set<std::string> m_names;           // that is_new knows
     std::vector<FILE_ID> m_protected;
 };

@@ -14,18 +14,20 @@ namespace {
 // Few values are reached faster one by one than through the whole form.
 constexpr size_t MOST_SINGLE_FIELDS = 16;
 
-// The full name of the field that `word` means, or the word itself where that is not clear.
-std::string meant_name(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word)
+// A value for the field that `word` means; for that name where it is not clear.
+PDF_FORM_ENTRY meant_entry(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word,
+                           const std::string& value)
 {
+    PDF_FORM_ENTRY entry = {word, value, PDF_WORDS::STATES_FIRST, true};
     CPDFStatus why;
     if (document.field(word) || document.has_only_xfa())
-        return word;
-    const CPDFField* field = document.find_field(word, why);
-    if (!field)
-        return word;
-    std::string name = full_name(*field);
-    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(name));
-    return name;
+        return entry;
+    entry.field = document.find_field(word, why);
+    if (!entry.field)
+        return entry;
+    entry.name = full_name(*entry.field);
+    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(entry.name));
+    return entry;
 }
 
 // The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
@@ -93,11 +95,15 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         data.resize(from_file);
         for (const COMMAND_WORD& assignment : arguments.assignments) {
             const size_t at = find_assign(document, assignment.text);
-            data.push_back({meant_name(document, arguments.input, assignment.text.substr(0, at)),
-                            assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
+            data.push_back(
+                meant_entry(document, arguments.input, assignment.text.substr(0, at), assignment.text.substr(at + 1)));
         }
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
+    for (const PDF_DATA_ITEM& item : items) {
+        if (!item.entry.field)
+            note_same_names(document, arguments.input, item.entry.name);
+    }
     const bool accepted = complain_of_refusals(arguments, items);
     std::vector<CPDFField*> calculated;
     CPDFStatus status = apply_data(document, items, &calculated);
@@ -174,29 +180,40 @@ int fill(FILL_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(A field takes, whatever the value comes from:
   text field    a text, no longer than its maximum
-  check box     the name of a state; with one on state true or false, yes or no, on or off, 1 or 0
+  check box     the name of a state; with one on state true or false, yes or no,
+                on or off, 1 or 0
   radio group   the name of a state or an export value; Off for none
   combo box     an export value or a shown text; any text when it is editable
-  list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
-Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.
-Where no field takes a value but the form has XFA data, names are the paths in the data that `formwork list` shows.
+  list box      the same; several of them when it takes several (NAME=VALUE
+                repeated, or a list in JSON)
+Push buttons and signatures take none. When anything is refused nothing is
+written, and all refusals are listed. Of several fields with one full name the
+first is filled, and a note says so; NUMBER=VALUE fills another one.
+Where no field takes a value but the form has XFA data, names are the paths in
+the data that `formwork list` shows.
 
-Data files, in UTF-8:
-  .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
-  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
+Data files, in UTF-8, have full names of fields:
+  .json   one object of names to texts, numbers, true, false or lists of texts;
+          null leaves a field alone
+  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves
+          its field alone
   .fdf    FDF, as formwork export and other programs write it
   .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
 
-A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
+A batch fills FILE once for every row of a .csv file, or every line of a .jsonl
+file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
--o is a pattern: {id} is the value that the row has in the column id, and {{ a brace. A column that is used there need not be a field. Rows are
-counted from 1 without the names. A row that is refused is told on standard error and not written; the others are. Several
---jobs pay even on one processor, since each of them waits for the disk.
+-o is a pattern: {id} is the value that the row has in the column id, and {{ a
+brace. A column that is used there need not be a field. Rows are counted from 1
+without the names. A row that is refused is told on standard error and not
+written; the others are. Several --jobs pay even on one processor, since each of
+them waits for the disk.
 
---report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
-something else than it said, such as a shown text), kept (the field has it already), calculated (by scripts, which changed a field
-that is not named) or refused, which why explains.)";
+--report prints {"name","result","why","value"} for every name, with "row" in a
+batch: result is set, coerced (understood as something else than it said, such
+as a shown text), kept (the field has it already), calculated (by scripts, which
+changed a field that is not named) or refused, which why explains.)";
 
 }  // namespace
 
