@@ -56,7 +56,9 @@ CPDFStatus CPDFDocument::State::load(PDF_LOAD load, std::string_view password)
         status = reader->unlock(*xref, password);
     if (status.ok())
         status = find_root();
-    if (!status.ok() || load != PDF_LOAD::WHOLE_FORM)
+    if (load == PDF_LOAD::FORM_AND_NOTES)
+        field_notes.emplace(*xref);
+    if (!status.ok() || load == PDF_LOAD::NAMED_FIELDS)
         return status;
     listed_form();
     return check_whole();
@@ -105,7 +107,7 @@ CPDFAcroForm& CPDFDocument::State::listed_form()
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
     form.unload();  // what was loaded when memory ran out
-    form.load(xref.get(), form_entry(), &root, root_ref);
+    form.load(xref.get(), form_entry(), &root, root_ref, field_notes ? &*field_notes : nullptr);
     need_memory(memory);
     form_whole = !allowance.used_up();
     branches->graft(form);
@@ -372,6 +374,13 @@ size_t CPDFDocument::fields_named(std::string_view name)
         state.names.clear();
     need_memory(memory);
     return count;
+}
+
+CPDFFieldNotes& CPDFDocument::field_notes()
+{
+    if (!m_state->field_notes)
+        m_state->field_notes.emplace(*m_state->xref);
+    return *m_state->field_notes;
 }
 
 std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& field)

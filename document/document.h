@@ -23,6 +23,7 @@
 class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
+class CPDFFieldNotes;
 class CPDFPageMap;
 class CPDFXRefTable;
 struct PDF_SUMMARY;
@@ -31,7 +32,8 @@ struct PDF_XFA_VALUE;
 // How much of the form open loads.
 enum class PDF_LOAD {
     WHOLE_FORM,
-    NAMED_FIELDS,  // nothing: field() loads single fields, form() and everything that needs it the whole form
+    FORM_AND_NOTES,  // also what field_notes has, which is read again otherwise
+    NAMED_FIELDS,    // nothing: field() loads single fields, form() and everything that needs it the whole form
 };
 
 // What people may call a field by.
@@ -142,6 +144,9 @@ public:
     // How many fields have this full name; only the first of several is found by it. Of a document opened for named fields
     // it loads the whole form only where there seem to be several.
     size_t fields_named(std::string_view name);
+
+    // Labels of fields and rectangles of widgets, as the document was opened.
+    CPDFFieldNotes& field_notes();
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
     // revert that loads the form anew.

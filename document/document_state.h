@@ -14,6 +14,7 @@
 #include "document/edit/edit.h"
 #include "document/look/redraw.h"
 #include "document/lookup/branch_finder.h"
+#include "document/lookup/field_notes.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/name_index.h"
 #include "document/lookup/page_map.h"
@@ -34,6 +35,7 @@ struct CPDFDocument::State {
     PDF_REF root_ref = {0, 0};
     std::optional<CPDFPageMap> page_map;
     CPDFWidgetBinder widgets;  // bound when they are needed
+    std::optional<CPDFFieldNotes> field_notes;
     CPDFAcroForm form;
     bool form_loaded = false;
     bool form_whole = true;  // nothing of it was left unread
