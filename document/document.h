@@ -259,6 +259,8 @@ public:
     // not come along is handed out in `notes` unless that is null. Refuses, with no more changed than that, a document that
     // is signed unless `edit` is FORCE, and what merge_document refuses; after other failures this document is to be
     // reverted. Ends its fields. `other` must be open, and is not needed any more then.
+    // Whether this document takes others; append asks both.
+    CPDFStatus check_append(PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
     CPDFStatus append(CPDFDocument& other, PDF_SAME_NAMES names = PDF_SAME_NAMES::REFUSE,
                       PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, std::vector<std::string>* notes = nullptr);
 

@@ -17,7 +17,7 @@ const std::vector<std::string> TEXT = {"Z", "o", "ë", " ", "Ж", " ", "名"};
 ordered_json value_for(const ordered_json& field)
 {
     if (field["kind"] == "check" && !field["widgets"].empty())
-        return true;
+        return field["states"].size() > 1 ? field["states"].back() : ordered_json(true);
     if (field["type"] == "choice" && !field["options"].empty())
         return field["options"].back()["value"];
     if (field["kind"] != "text")
