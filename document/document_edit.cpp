@@ -45,9 +45,18 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
             return status;
         const CPDFReadAllowance allowance(reader->budget());
         EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
-        status = operation(target);
+        status = list_all();
+        if (status.ok())
+            status = operation(target);
         return allowance.used_up() ? too_much_to("change the form") : status;
     });
+}
+
+// The engine's operations need a form that lists all of its fields.
+CPDFStatus CPDFDocument::State::list_all()
+{
+    EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
+    return adoption.list_all(target);
 }
 
 namespace {
