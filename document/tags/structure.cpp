@@ -338,14 +338,6 @@ PDF_CHANGE_RESULT tag_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* co
     return result;
 }
 
-std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets)
-{
-    std::vector<PDF_REF> refs;
-    for (const CPDFAnnotWidget* widget : widgets)
-        refs.push_back(widget->m_ref);
-    return tagged_widgets(target, refs);
-}
-
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets)
 {
     constexpr CPDFKeySet KEYS{NUMBER};
