@@ -144,6 +144,7 @@ TEST(ManyWidgetsTest, NewElementsAreSortedByPage)
     CPDFObj element;
     f.document.xref().get_entity(element, {7, 0});
     const CPDFArray* kids = element.dict->get_item("K")->array();
+    pages.reserve(static_cast<size_t>(kids->count));
     for (int32_t i = 0; i < kids->count; ++i)
         pages.push_back(f.entry(kids->at(i)->ref.num, "Pg"));
     EXPECT_THAT(pages, testing::ElementsAre("3 0 R", "3 0 R", "3 0 R", "-", "4 0 R", "4 0 R", "5 0 R"));
