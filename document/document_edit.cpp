@@ -79,12 +79,12 @@ CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
 // The widgets of all fields under `top`.
 std::vector<PDF_TAGGED_WIDGET> tagged_under(EDIT_TARGET& target, CPDFField& top)
 {
-    std::vector<PDF_TAGGED_WIDGET> all;
+    std::vector<PDF_REF> widgets;
     for_each_field(top, [&](const CPDFField& field) {
-        const std::vector<PDF_TAGGED_WIDGET> some = tagged_widgets(target, target.widgets.widgets_of(field));
-        all.insert(all.end(), some.begin(), some.end());
+        for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
+            widgets.push_back(widget->m_ref);
     });
-    return all;
+    return tagged_widgets(target, widgets);
 }
 
 }  // namespace

@@ -338,14 +338,6 @@ PDF_CHANGE_RESULT tag_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* co
     return result;
 }
 
-std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets)
-{
-    std::vector<PDF_REF> refs;
-    for (const CPDFAnnotWidget* widget : widgets)
-        refs.push_back(widget->m_ref);
-    return tagged_widgets(target, refs);
-}
-
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets)
 {
     constexpr CPDFKeySet KEYS{NUMBER};
@@ -367,20 +359,21 @@ PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
     CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
     ELEMENTS changed;
     std::set<int32_t> numbers;  // the others lead to what is another's
-    for (const auto& [num, owner] : owners_of(tree, widgets)) {
+    for (const auto& at : owners_of(tree, widgets)) {
+        const OWNER& owner = at.second;
         const size_t before = numbers.size();
         result = both(result, edit_kids(target, owner.element, [&](CPDFArray& kids) {
                           for (int32_t i = kids.count - 1; i >= 0; --i) {
-                              const auto at = owner.numbers.find(object_of(target.xref, kids.items[i]));
-                              if (at == owner.numbers.end())
+                              const auto known = owner.numbers.find(object_of(target.xref, kids.items[i]));
+                              if (known == owner.numbers.end())
                                   continue;
-                              numbers.insert(at->second);
+                              numbers.insert(known->second);
                               kids.remove_obj(i);
                           }
                           return numbers.size() != before;
                       }));
         if (numbers.size() != before)
-            changed.emplace(num, owner.element);
+            changed.emplace(at.first, owner.element);
     }
     result = both(result, drop_empty(target, std::move(changed)));
     return both(result, tree.remove(numbers));

@@ -8,14 +8,11 @@
 
 namespace {
 
-constexpr uint32_t COUNT = 250;
+constexpr uint32_t COUNT = 300;
 constexpr uint32_t FIRST = 20;                // the widgets
 constexpr uint32_t ELEMENTS = FIRST + COUNT;  // of the structure, one for each
 
-std::string pad()
-{
-    return "/Pad(" + std::string(500000, 'p') + ")";
-}
+constexpr uint32_t SHARED[] = {3, 4, 6, 7, 8, 9};  // pages, structure root, top element, parent tree and group
 
 std::string references(uint32_t first)
 {
@@ -26,16 +23,20 @@ std::string references(uint32_t first)
 }
 
 // Two pages and a field "g"; its widgets, with these entries, are on the first page, and in the structure of a tagged document.
-std::string form_with(const std::string& field, const std::string& entries)
+// `padded` is one of SHARED.
+std::string form_with(uint32_t padded, const std::string& field, const std::string& entries)
 {
+    const auto pad = [padded](uint32_t num) {
+        return num == padded ? "/Pad(" + std::string(500000, 'p') + ")" : std::string();
+    };
     PdfBuilder file;
     file.object(1, "<</Pages 2 0 R/AcroForm<</Fields[9 0 R]>>/StructTreeRoot 6 0 R>>");
     file.object(2, "<</Type/Pages/Kids[3 0 R 4 0 R]/Count 2/MediaBox[0 0 200 200]>>");
-    file.object(3, "<</Type/Page/Parent 2 0 R/Annots[" + references(FIRST) + "]" + pad() + ">>");
-    file.object(4, "<</Type/Page/Parent 2 0 R" + pad() + ">>");
-    file.object(6, "<</Type/StructTreeRoot/K 7 0 R/ParentTree 8 0 R" + pad() + ">>");
-    file.object(7, "<</S/Document/P 6 0 R/K[" + references(ELEMENTS) + "]" + pad() + ">>");
-    file.object(9, "<</T(g)" + field + "/Kids[" + references(FIRST) + "]" + pad() + ">>");
+    file.object(3, "<</Type/Page/Parent 2 0 R/Annots[" + references(FIRST) + "]" + pad(3) + ">>");
+    file.object(4, "<</Type/Page/Parent 2 0 R" + pad(4) + ">>");
+    file.object(6, "<</Type/StructTreeRoot/K 7 0 R/ParentTree 8 0 R" + pad(6) + ">>");
+    file.object(7, "<</S/Document/P 6 0 R/K[" + references(ELEMENTS) + "]" + pad(7) + ">>");
+    file.object(9, "<</T(g)" + field + "/Kids[" + references(FIRST) + "]" + pad(9) + ">>");
     std::string numbers;
     for (uint32_t i = 0; i < COUNT; ++i) {
         const std::string num = std::to_string(i);
@@ -46,7 +47,7 @@ std::string form_with(const std::string& field, const std::string& entries)
         file.object(ELEMENTS + i,
                     "<</S/Form/P 7 0 R/Pg 3 0 R/K<</Type/OBJR/Obj " + ref_syntax({FIRST + i, 0}) + ">>>>");
     }
-    return file.object(8, "<</Nums[" + numbers + "]" + pad() + ">>").table().text;
+    return file.object(8, "<</Nums[" + numbers + "]" + pad(8) + ">>").table().text;
 }
 
 std::vector<CPDFField*> leaves(FormAtWork& f)
@@ -63,46 +64,55 @@ std::vector<CPDFField*> leaves(FormAtWork& f)
 
 TEST(ManyWidgetsTest, DesignsReadWhatIsAboveOnce)
 {
-    FormAtWork f(form_with("", "/FT/Tx"));
-    PDF_FIELD_DESIGN design;
-    design.label = "label";
-    design.style.color = {1, 0, 0};
-    design.format = {"k", "f"};
-    const CPDFStatus status = f.document.design_fields(leaves(f), design);
-    ASSERT_TRUE(status.ok()) << status.text;
-    for (const uint32_t at : {0u, COUNT - 1}) {
-        EXPECT_EQ(f.entry(ELEMENTS + at, "Alt") + f.entry(FIRST + at, "TU"), "(label)(label)");
-        EXPECT_EQ(f.entry(FIRST + at, "DA"), "(/Helv 0 Tf 1 0 0 rg)");
-        EXPECT_THAT(f.entry(FIRST + at, "AA"), testing::HasSubstr("(k)"));
+    for (const uint32_t padded : SHARED) {
+        SCOPED_TRACE(padded);
+        FormAtWork f(form_with(padded, "", "/FT/Tx"));
+        PDF_FIELD_DESIGN design;
+        design.label = "label";
+        design.style.color = {1, 0, 0};
+        design.format = {"k", "f"};
+        const CPDFStatus status = f.document.design_fields(leaves(f), design);
+        ASSERT_TRUE(status.ok()) << status.text;
+        for (const uint32_t at : {0u, COUNT - 1}) {
+            EXPECT_EQ(f.entry(ELEMENTS + at, "Alt") + f.entry(FIRST + at, "TU"), "(label)(label)");
+            EXPECT_EQ(f.entry(FIRST + at, "DA"), "(/Helv 0 Tf 1 0 0 rg)");
+            EXPECT_THAT(f.entry(FIRST + at, "AA"), testing::HasSubstr("(k)"));
+        }
     }
 }
 
 TEST(ManyWidgetsTest, AGroupGoesInOnePass)
 {
-    FormAtWork f(form_with("", "/FT/Tx"));
-    const CPDFStatus status = f.document.remove_field(f.field("g"));
-    ASSERT_TRUE(status.ok()) << status.text;
-    EXPECT_EQ(f.entry(3, "Annots") + f.entry(7, "K") + f.entry(8, "Nums"), "[][][]");
+    for (const uint32_t padded : SHARED) {
+        SCOPED_TRACE(padded);
+        FormAtWork f(form_with(padded, "", "/FT/Tx"));
+        const CPDFStatus status = f.document.remove_field(f.field("g"));
+        ASSERT_TRUE(status.ok()) << status.text;
+        EXPECT_EQ(f.entry(3, "Annots") + f.entry(7, "K") + f.entry(8, "Nums"), "[][][]");
+    }
 }
 
 TEST(ManyWidgetsTest, RadioButtonsAreCopiedAndMovedInOnePass)
 {
-    FormAtWork f(form_with("/FT/Btn/Ff 32768", "/AS/Off/AP<</N<</on<<>>/Off<<>>>>>>"));
-    PDF_MOVE move;
-    move.page = 2;
-    CPDFField* copy = nullptr;
-    CPDFStatus status = f.document.copy_field(f.field("g"), "c", move, PDF_EDIT::RESPECT_SIGNATURES, &copy);
-    ASSERT_TRUE(status.ok()) << status.text;
-    const PDF_REF last = f.document.widgets_of(*copy).back()->m_ref;
-    EXPECT_EQ(f.document.widgets_of(*copy).size(), COUNT);
-    EXPECT_THAT(f.entry(4, "Annots"), testing::EndsWith(" " + ref_syntax(last) + "]"));
-    EXPECT_EQ(f.entry(last.num, "StructParent") + " " + f.entry(6, "ParentTreeNextKey"),
-              std::to_string(2 * COUNT - 1) + " " + std::to_string(2 * COUNT));
-    status = f.document.move_widgets(f.field("g"), move);
-    ASSERT_TRUE(status.ok()) << status.text;
-    EXPECT_EQ(f.entry(3, "Annots"), "[]");
-    EXPECT_THAT(f.entry(4, "Annots"), testing::EndsWith(" " + ref_syntax({FIRST + COUNT - 1, 0}) + "]"));
-    EXPECT_EQ(f.entry(ELEMENTS + COUNT - 1, "Pg") + f.entry(FIRST, "StructParent"), "4 0 R0") << "where it was";
+    for (const uint32_t padded : SHARED) {
+        SCOPED_TRACE(padded);
+        FormAtWork f(form_with(padded, "/FT/Btn/Ff 32768", "/AS/Off/AP<</N<</on<<>>/Off<<>>>>>>"));
+        PDF_MOVE move;
+        move.page = 2;
+        CPDFField* copy = nullptr;
+        CPDFStatus status = f.document.copy_field(f.field("g"), "c", move, PDF_EDIT::RESPECT_SIGNATURES, &copy);
+        ASSERT_TRUE(status.ok()) << status.text;
+        const PDF_REF last = f.document.widgets_of(*copy).back()->m_ref;
+        EXPECT_EQ(f.document.widgets_of(*copy).size(), COUNT);
+        EXPECT_THAT(f.entry(4, "Annots"), testing::EndsWith(" " + ref_syntax(last) + "]"));
+        EXPECT_EQ(f.entry(last.num, "StructParent") + " " + f.entry(6, "ParentTreeNextKey"),
+                  std::to_string(2 * COUNT - 1) + " " + std::to_string(2 * COUNT));
+        status = f.document.move_widgets(f.field("g"), move);
+        ASSERT_TRUE(status.ok()) << status.text;
+        EXPECT_EQ(f.entry(3, "Annots"), "[]");
+        EXPECT_THAT(f.entry(4, "Annots"), testing::EndsWith(" " + ref_syntax({FIRST + COUNT - 1, 0}) + "]"));
+        EXPECT_EQ(f.entry(ELEMENTS + COUNT - 1, "Pg") + f.entry(FIRST, "StructParent"), "4 0 R0") << "where it was";
+    }
 }
 
 TEST(ManyWidgetsTest, TooMuchWorkIsCalledThat)
@@ -134,6 +144,7 @@ TEST(ManyWidgetsTest, NewElementsAreSortedByPage)
     CPDFObj element;
     f.document.xref().get_entity(element, {7, 0});
     const CPDFArray* kids = element.dict->get_item("K")->array();
+    pages.reserve(static_cast<size_t>(kids->count));
     for (int32_t i = 0; i < kids->count; ++i)
         pages.push_back(f.entry(kids->at(i)->ref.num, "Pg"));
     EXPECT_THAT(pages, testing::ElementsAre("3 0 R", "3 0 R", "3 0 R", "-", "4 0 R", "4 0 R", "5 0 R"));
