@@ -233,7 +233,7 @@ TEST_F(CommandTest, TheTableFitsTheTerminalAndIsHarmless)
     EXPECT_EQ(lines_on_terminal(file, 40)[5], "2   text   form.p….third  漢漢漢漢漢漢…");
     const CommandResult piped = folder.run({"list", file});
     EXPECT_EQ(piped.out.find('\x1b'), std::string::npos);
-    EXPECT_NE(piped.out.find("third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…\n"), std::string::npos) << piped.out;
+    EXPECT_NE(piped.out.find("third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…\n"), std::string::npos) << piped.out;
     const CommandResult in_full = folder.run({"list", "--long", file});
     EXPECT_EQ(in_full.out.find("…"), std::string::npos);
     EXPECT_NE(in_full.out.find("\n  flags   read-only required\n"), std::string::npos);
