@@ -87,6 +87,7 @@ int run(int argc, char** argv)
     add_reset_verb(app, action);
     add_calculate_verb(app, action);
     add_export_verb(app, action);
+    add_extract_verb(app, action);
     add_draw_verb(app, action);
     add_add_verb(app, action);
     add_move_verb(app, action);

@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "formats/import/form_rows.h"
+#include "tools/fill/data_rules.h"
 #include "tools/fill/output_pattern.h"
 
 class CPDFDocument;
+struct FILL_ARGUMENTS;
 
 struct BATCH_ROW {
     size_t number = 0;
@@ -25,11 +27,14 @@ public:
     // `pattern` is borrowed, and null when nothing is written.
     explicit BatchRows(const OutputPattern* pattern) : m_pattern(pattern) {}
 
-    // Opens the file with the rows; false after a complaint.
-    bool open(const std::string& path);
+    // Opens the file with the rows, or standard input for "-"; false after a complaint.
+    bool open(const std::string& path, const DATA_ARGUMENTS& reading);
 
-    // Complains about the columns of a CSV file that are neither fields nor in the pattern, and about what the pattern
-    // names and no column has; false when there are any.
+    // Takes the values that every row has which says nothing else; false after a complaint.
+    bool add_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments);
+
+    // Complains about the columns of a CSV file that are neither fields nor in the pattern nor ignored, about what the
+    // pattern names and no column has, and about what the map names wrongly; false when there are any.
     bool check_columns(CPDFDocument& document) const;
 
     // These files are not overwritten.
@@ -41,6 +46,9 @@ public:
     bool take(CPDFDocument& document, BATCH_ROW& row);
 
 private:
+    bool check_map(CPDFDocument& document, const std::vector<std::string>* columns) const;
+    bool has_use(CPDFDocument& document, const std::string& column) const;
+    void drop_output_names(CPDFDocument& document, CPDFFormData& data) const;
     bool is_protected(const std::string& path) const;
     CPDFStatus claim_output(const PDF_FORM_ROW& row, std::string& output);
 
@@ -53,6 +61,9 @@ private:
     std::string m_path;
     std::mutex m_mutex;
     CPDFFormRows m_rows;
+    std::string m_map_path;
+    DataRules m_rules;
+    CPDFFormData m_constants;
     std::unordered_map<std::string, size_t> m_row_of;  // by output
     std::vector<FILE_ID> m_protected;
 };

@@ -117,8 +117,9 @@ int fill_batch(const FILL_ARGUMENTS& arguments)
     documents.push_back(std::make_unique<CPDFDocument>());
     documents.front()->set_scripts(arguments.scripts.scripts, arguments.scripts.seconds);
     if (!open_document(*documents.front(), arguments.input) ||
-        !(arguments.force || may_fill(*documents.front(), arguments.input)) || !rows.open(arguments.batch.text) ||
-        !rows.check_columns(*documents.front()) || !has_folder(pattern.fixed_folder()))
+        !(arguments.force || may_fill(*documents.front(), arguments.input)) ||
+        !rows.open(arguments.batch.text, arguments.reading) || !rows.check_columns(*documents.front()) ||
+        !rows.add_constants(*documents.front(), arguments) || !has_folder(pattern.fixed_folder()))
         return COMMAND_REFUSED;
     rows.protect(arguments.input.path.text);
     rows.protect(arguments.batch.text);
