@@ -102,7 +102,7 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
     size_t unknown = 0;
     for (const PDF_FORM_ENTRY& entry : data) {
         PDF_DATA_ITEM item = {entry, {}, {}};
-        const CPDFField* field = item.plan.field = document.field(entry.name);
+        const CPDFField* field = item.plan.field = entry.field ? entry.field : document.field(entry.name);
         const auto [earlier, is_first] = item_of.emplace(field ? field->m_ref.num : 0, items.size());
         if (!field) {
             item.status = unknown++ < MOST_GUESSES ? document.no_field(entry.name) : no_such_field(entry.name);

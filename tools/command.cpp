@@ -78,7 +78,7 @@ int run(int argc, char** argv)
     app.require_subcommand(1);
     app.formatter(std::make_shared<CPDFHelpFormat>());
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
-    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for a wrong command line.");
+    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage.");
     COMMAND_ACTION action;
     add_list_verb(app, action);
     add_get_verb(app, action);

@@ -152,7 +152,7 @@ CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std:
     }
     for (size_t i = 0; i < cells.size(); ++i) {
         if (!cells[i].empty() || style.keeps_empty_cells)
-            out.push_back({columns[i], std::move(cells[i]), PDF_WORDS::STATES_FIRST, false, true});
+            out.push_back({columns[i], std::move(cells[i]), PDF_WORDS::STATES_FIRST, false, nullptr, true});
     }
     return {};
 }

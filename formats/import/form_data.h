@@ -13,8 +13,9 @@ struct PDF_FORM_ENTRY {
     std::string name;
     CPDFValue value;
     PDF_WORDS words = PDF_WORDS::STATES_FIRST;
-    bool is_typed = false;  // not from a file: an empty text was meant
-    bool is_cell = false;   // of a table: a text that may stand for several, and an empty one for no value
+    bool is_typed = false;       // not from a file: an empty text was meant
+    CPDFField* field = nullptr;  // borrowed; the field itself, where the name alone does not tell it
+    bool is_cell = false;        // of a table: a text that may stand for several, and an empty one for no value
 };
 
 struct PDF_CSV_STYLE;

@@ -63,7 +63,7 @@ bool BatchRows::check_columns(CPDFDocument& document) const
     };
     for (const std::string& column : *columns) {
         if (!has_use(document, column))
-            refuse(no_such_field(column).text +
+            refuse(document.no_field(column).text +
                    ", and no output name (-o) uses it; --ignore-unknown passes over such columns");
     }
     for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
@@ -104,6 +104,12 @@ CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
         return CPDFStatus::failed(PDF_CODE::BAD_DATA, "its output " + path + " is a file that the batch reads");
     output = std::move(path);
     return {};
+}
+
+bool BatchRows::is_new(const std::string& name)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_names.insert(name).second;
 }
 
 bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)

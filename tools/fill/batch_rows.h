@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "formats/import/form_rows.h"
@@ -45,6 +46,9 @@ public:
     // Hands out the next row; false when there is none. Any thread, with a document of its own.
     bool take(CPDFDocument& document, BATCH_ROW& row);
 
+    // Whether this is the first call with that name. Any thread.
+    bool is_new(const std::string& name);
+
 private:
     bool check_map(CPDFDocument& document, const std::vector<std::string>* columns) const;
     bool has_use(CPDFDocument& document, const std::string& column) const;
@@ -65,5 +69,6 @@ private:
     DataRules m_rules;
     CPDFFormData m_constants;
     std::unordered_map<std::string, size_t> m_row_of;  // by output
+    std::unordered_set<std::string> m_names;           // that is_new knows
     std::vector<FILE_ID> m_protected;
 };

@@ -73,6 +73,10 @@ int fill_once(const FILL_ARGUMENTS& arguments)
         add_assignments(document, arguments, data);
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
+    for (const PDF_DATA_ITEM& item : items) {
+        if (!item.entry.field)
+            note_same_names(document, arguments.input, item.entry.name);
+    }
     const bool accepted = complain_of_refusals(arguments, items);
     std::vector<CPDFField*> calculated;
     CPDFStatus status = apply_data(document, items, &calculated);
@@ -149,29 +153,40 @@ int fill(FILL_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(A field takes, whatever the value comes from:
   text field    a text, no longer than its maximum
-  check box     the name of a state; with one on state true or false, yes or no, on or off, 1 or 0
+  check box     the name of a state; with one on state true or false, yes or no,
+                on or off, 1 or 0
   radio group   the name of a state or an export value; Off for none
   combo box     an export value or a shown text; any text when it is editable
-  list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
-Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.
-Where no field takes a value but the form has XFA data, names are the paths in the data that `formwork list` shows.
+  list box      the same; several of them when it takes several (NAME=VALUE
+                repeated, or a list in JSON)
+Push buttons and signatures take none. When anything is refused nothing is
+written, and all refusals are listed. Of several fields with one full name the
+first is filled, and a note says so; NUMBER=VALUE fills another one.
+Where no field takes a value but the form has XFA data, names are the paths in
+the data that `formwork list` shows.
 
-Data files, in UTF-8:
-  .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
-  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
+Data files, in UTF-8, have full names of fields:
+  .json   one object of names to texts, numbers, true, false or lists of texts;
+          null leaves a field alone
+  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves
+          its field alone
   .fdf    FDF, as formwork export and other programs write it
   .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
 
-A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
+A batch fills FILE once for every row of a .csv file, or every line of a .jsonl
+file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
--o is a pattern: {id} is the value that the row has in the column id, and {{ a brace. A column that is used there need not be a field. Rows are
-counted from 1 without the names. A row that is refused is told on standard error and not written; the others are. Several
---jobs pay even on one processor, since each of them waits for the disk.
+-o is a pattern: {id} is the value that the row has in the column id, and {{ a
+brace. A column that is used there need not be a field. Rows are counted from 1
+without the names. A row that is refused is told on standard error and not
+written; the others are. Several --jobs pay even on one processor, since each of
+them waits for the disk.
 
---report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
-something else than it said, such as a shown text), kept (the field has it already), calculated (by scripts, which changed a field
-that is not named) or refused, which why explains.)";
+--report prints {"name","result","why","value"} for every name, with "row" in a
+batch: result is set, coerced (understood as something else than it said, such
+as a shown text), kept (the field has it already), calculated (by scripts, which
+changed a field that is not named) or refused, which why explains.)";
 
 }  // namespace
 

@@ -37,6 +37,10 @@ private:
         std::vector<PDF_DATA_ITEM> items = plan_data(m_document, row.data, m_arguments.how());
         if (mend_document(m_document, m_arguments.input))
             items = plan_data(m_document, row.data, m_arguments.how());
+        for (const PDF_DATA_ITEM& item : items) {
+            if (m_rows.is_new(item.entry.name))
+                note_same_names(m_document, m_arguments.input, item.entry.name);
+        }
         CPDFStatus status = refusals_of(items);
         const bool is_written = status.ok() && !m_arguments.dry_run;
         if (!is_written && !m_arguments.report) {

@@ -10,18 +10,20 @@
 
 namespace {
 
-// The full name of the field that `word` means, or the word itself where that is not clear.
-std::string meant_name(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word)
+// A value for the field that `word` means; for that name where it is not clear.
+PDF_FORM_ENTRY meant_entry(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word,
+                           const std::string& value)
 {
+    PDF_FORM_ENTRY entry = {word, value, PDF_WORDS::STATES_FIRST, true};
     CPDFStatus why;
     if (document.field(word) || document.has_only_xfa())
-        return word;
-    const CPDFField* field = document.find_field(word, why);
-    if (!field)
-        return word;
-    std::string name = full_name(*field);
-    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(name));
-    return name;
+        return entry;
+    entry.field = document.find_field(word, why);
+    if (!entry.field)
+        return entry;
+    entry.name = full_name(*entry.field);
+    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(entry.name));
+    return entry;
 }
 
 // The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
@@ -42,8 +44,8 @@ void add_assignments(CPDFDocument& document, const FILL_ARGUMENTS& arguments, CP
 {
     for (const COMMAND_WORD& assignment : arguments.assignments) {
         const size_t at = find_assign(document, assignment.text);
-        data.push_back({meant_name(document, arguments.input, assignment.text.substr(0, at)),
-                        assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
+        data.push_back(
+            meant_entry(document, arguments.input, assignment.text.substr(0, at), assignment.text.substr(at + 1)));
     }
 }
 
@@ -58,11 +60,18 @@ bool read_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments, con
     const size_t from_file = out.size();
     add_assignments(document, arguments, out);
     bool good = true;
-    for (size_t i = 0; i < out.size(); ++i) {
-        if (is_known_name(document, out[i].name))
-            continue;
-        complain(i < from_file ? file : arguments.input.path.text, document.no_field(out[i].name).text);
+    const auto refuse = [&good](const std::string& where, const std::string& sentence) {
+        complain(where, sentence);
         good = false;
+    };
+    for (size_t i = 0; i < out.size(); ++i) {
+        PDF_FORM_ENTRY& entry = out[i];
+        if (!is_known_name(document, entry.name))
+            refuse(i < from_file ? file : arguments.input.path.text, document.no_field(entry.name).text);
+        else if (entry.field && entry.field != document.field(entry.name))
+            refuse(arguments.input.path.text,
+                   "a batch goes by names, and another field is the first with the name " + in_quotes(entry.name));
+        entry.field = nullptr;  // every job has a document of its own
     }
     return good;
 }
