@@ -64,12 +64,12 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
         return COMMAND_REFUSED;
-    if (const CPDFStatus shaped = rules.shape(document, data); !shaped.ok())
-        return end_with(shaped, arguments.data.text);
-    const size_t from_file = data.size();
+    const CPDFFormData from_file = data;
     std::vector<PDF_DATA_ITEM> items;
     do {
-        data.resize(from_file);
+        data = from_file;
+        if (const CPDFStatus shaped = rules.shape(document, data); !shaped.ok())
+            return end_with(shaped, arguments.data.text);
         add_assignments(document, arguments, data);
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
@@ -168,8 +168,8 @@ the data that `formwork list` shows.
 Data files, in UTF-8, have full names of fields:
   .json   one object of names to texts, numbers, true, false or lists of texts;
           null leaves a field alone
-  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves
-          its field alone
+  .csv    a row of names and one row of values, divided by commas, semicolons or
+          tabs, also in UTF-16 with its mark; save .xlsx as "CSV UTF-8"
   .fdf    FDF, as formwork export and other programs write it
   .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
@@ -177,6 +177,11 @@ A value that the field has already is never refused.
 A batch fills FILE once for every row of a .csv file, or every line of a .jsonl
 file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
+--batch - takes either from standard input. NAME=VALUE and --data beside it are
+for the rows that have no value of their own. A --map is JSON:
+  {"Name": "person", "Notes": null, "Town": {"field": "town", "upper": true},
+   "Born": {"field": "birth", "date": "dd.mm.yyyy>mm/dd/yyyy"},
+   "Sum": [{"field": "sum", "number": "1.234,56>1234.56"}, "sum in words"]}
 -o is a pattern: {id} is the value that the row has in the column id, and {{ a
 brace. A column that is used there need not be a field. Rows are counted from 1
 without the names. A row that is refused is told on standard error and not
