@@ -1,10 +1,11 @@
 // Hands out the rows of a batch, each with the file it goes to.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
+#include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "formats/import/form_rows.h"
@@ -19,7 +20,6 @@ struct BATCH_ROW {
     CPDFStatus status;   // why the row can't be done
 };
 
-// Rows come in their order, so that of two rows with one output name always the second is refused.
 class BatchRows {
 public:
     // `pattern` is borrowed, and null when nothing is written.
@@ -35,14 +35,22 @@ public:
     // These files are not overwritten.
     void protect(const std::string& path);
 
-    size_t count() const { return m_rows.count(); }
+    // Complains about rows that have one output name; false when there are any.
+    bool check_outputs();
+
+    // From now on rows from `first` to `last` are handed out.
+    void select(size_t first, size_t last);
+
+    // How many rows are handed out.
+    size_t count() const { return std::min(m_last, m_rows.count()) - std::min(m_first - 1, m_rows.count()); }
 
     // Hands out the next row; false when there is none. Any thread, with a document of its own.
     bool take(CPDFDocument& document, BATCH_ROW& row);
 
 private:
     bool is_protected(const std::string& path) const;
-    CPDFStatus claim_output(const PDF_FORM_ROW& row, std::string& output);
+    void drop_unused(CPDFDocument& document, CPDFFormData& data);
+    CPDFStatus find_output(const PDF_FORM_ROW& row, std::string& output) const;
 
     struct FILE_ID {
         uint64_t device;
@@ -53,6 +61,8 @@ private:
     std::string m_path;
     std::mutex m_mutex;
     CPDFFormRows m_rows;
-    std::unordered_map<std::string, size_t> m_row_of;  // by output
+    size_t m_first = 1;
+    size_t m_last = SIZE_MAX;
+    std::set<std::string> m_noted;  // columns that are no fields
     std::vector<FILE_ID> m_protected;
 };
