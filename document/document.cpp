@@ -261,12 +261,16 @@ CPDFField* CPDFDocument::field(std::string_view name)
     return found;
 }
 
-CPDFField* CPDFDocument::find_field(std::string_view word, CPDFStatus& why)
+CPDFField* CPDFDocument::find_field(std::string_view word, CPDFStatus& why, PDF_FIELD_WORDS words)
 {
     const VXFailureCheck memory;
     CPDFField* found = field(word);
-    if (!found)
+    if (!found && words == PDF_FIELD_WORDS::PARTS) {
         found = guess_field(m_state->loaded_form(), word, why);
+    } else if (!found) {
+        found = field_at(m_state->loaded_form(), word);
+        why = found ? CPDFStatus() : no_such_field(m_state->loaded_form(), word);
+    }
     need_memory(memory);
     return found;
 }
@@ -282,9 +286,14 @@ CPDFStatus CPDFDocument::no_field(std::string_view name)
 size_t CPDFDocument::fields_named(std::string_view name)
 {
     const VXFailureCheck memory;
-    const size_t count = m_state->names.count(m_state->loaded_form(), name);
+    State& state = *m_state;
+    size_t count = 2;
+    if (!state.form_loaded)
+        count = static_cast<size_t>(state.branches->count(*state.xref, state.form_entry(), name));
+    if (count > 1)
+        count = state.names.count(state.loaded_form(), name);
     if (memory.failed())
-        m_state->names.clear();
+        state.names.clear();
     need_memory(memory);
     return count;
 }

@@ -33,6 +33,12 @@ enum class PDF_LOAD {
     NAMED_FIELDS,  // nothing: field() loads single fields, form() and everything that needs it the whole form
 };
 
+// What people may call a field by.
+enum class PDF_FIELD_WORDS {
+    PARTS,    // its full name, a part of that which no other field has, or its number
+    NUMBERS,  // its full name or its number
+};
+
 // Who draws widgets whose value changed.
 enum class PDF_DRAWING {
     DRAW,              // this library, when the document is saved
@@ -117,14 +123,16 @@ public:
     // loaded later, that very object is in it; the fields above it end then.
     CPDFField* field(std::string_view name);
 
-    // The same for what people type: a full name, else a part of one or a number, see guess_field. Null, with `why` a sentence
-    // that may propose another name, where it is not clear which field is meant.
-    CPDFField* find_field(std::string_view word, CPDFStatus& why);
+    // The same for what people type: a full name, else the number of the field in the list (field_at) or, unless `words` are
+    // only those, a part of its name (guess_field). Null, with `why` a sentence that may propose another name, where it is
+    // not clear which field is meant.
+    CPDFField* find_field(std::string_view word, CPDFStatus& why, PDF_FIELD_WORDS words = PDF_FIELD_WORDS::PARTS);
 
     // The refusal of a name that no field has, with the nearest one that a field has.
     CPDFStatus no_field(std::string_view name);
 
-    // How many fields have this full name; only the first of several is found by it.
+    // How many fields have this full name; only the first of several is found by it. Of a document opened for named fields
+    // it loads the whole form only where there seem to be several.
     size_t fields_named(std::string_view name);
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
@@ -251,6 +259,8 @@ public:
     // not come along is handed out in `notes` unless that is null. Refuses, with no more changed than that, a document that
     // is signed unless `edit` is FORCE, and what merge_document refuses; after other failures this document is to be
     // reverted. Ends its fields. `other` must be open, and is not needed any more then.
+    // Whether this document takes others; append asks both.
+    CPDFStatus check_append(PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES);
     CPDFStatus append(CPDFDocument& other, PDF_SAME_NAMES names = PDF_SAME_NAMES::REFUSE,
                       PDF_EDIT edit = PDF_EDIT::RESPECT_SIGNATURES, std::vector<std::string>* notes = nullptr);
 

@@ -10,6 +10,7 @@
 #include "document/document_state.h"
 #include "document/fill/need_appearances.h"
 #include "document/look/flatten.h"
+#include "document/tags/structure.h"
 #include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_walk.h"
@@ -208,7 +209,11 @@ CPDFStatus CPDFDocument::State::flatten()
     if (!status.ok())
         return status;
     EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
-    status = flatten_form(target);
+    std::vector<PDF_REF> gone;
+    status = flatten_form(target, gone);
+    if (status.ok())
+        status = edit_status(untag_widgets(target, tagged_widgets(target, gone)),
+                             "the structure of the document can't be changed: it is damaged");
     if (status.ok() && allowance.used_up())
         status = too_much_to("flatten the form");
     forget_fields();

@@ -117,10 +117,14 @@ CPDFStatus CPDFDocument::design_fields(std::span<CPDFField* const> fields, const
     return m_state->edit(fields, edit, [&](EDIT_TARGET& target) {
         CPDFRefusals refusals;
         check_design(target, fields, design, refusals);
+        if (design.calculation && refusals.status().ok())
+            m_state->check_circles(target, fields, *design.calculation, refusals);
         CPDFStatus status = refusals.status();
         m_state->bound_widgets();
         if (status.ok())
             status = ::design_fields(target, fields, design);
+        if (status.ok() && design.calculation)
+            status = m_state->order_calculations();
         if (design.sets_scripts())
             m_state->calculate_later();
         const bool shown = design.style.sets_any() || design.sets_scripts();

@@ -79,6 +79,11 @@ CPDFStatus CPDFDocument::State::put_joined(CPDFField& field, const CPDFValue& va
     return status.ok() ? show({&shown, 1}) : status;
 }
 
+CPDFStatus CPDFDocument::check_append(PDF_EDIT edit)
+{
+    return within_memory(MERGING, [&] { return m_state->begin_merge(edit); });
+}
+
 CPDFStatus CPDFDocument::append(CPDFDocument& other, PDF_SAME_NAMES names, PDF_EDIT edit,
                                 std::vector<std::string>* notes)
 {
@@ -86,9 +91,7 @@ CPDFStatus CPDFDocument::append(CPDFDocument& other, PDF_SAME_NAMES names, PDF_E
         if (&other == this)
             return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, "a document can't be appended to itself");
         CPDFStatus status = m_state->begin_merge(edit);
-        if (!status.ok())
-            status.text = "nothing can be appended to the first document: " + status.text;
-        else
+        if (status.ok())
             status = other.m_state->begin_merge(edit);
         for (State* state : {m_state.get(), other.m_state.get()}) {
             if (status.ok())

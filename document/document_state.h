@@ -149,6 +149,9 @@ struct CPDFDocument::State {
     CPDFStatus begin_edit(std::span<CPDFField* const> fields, PDF_EDIT edit);
     template <typename Operation>
     CPDFStatus edit(std::span<CPDFField* const> fields, PDF_EDIT edit, const Operation& operation);
+    void check_circles(EDIT_TARGET& target, std::span<CPDFField* const> fields, const PDF_CALCULATION& calculation,
+                       CPDFRefusals& refusals);
+    CPDFStatus order_calculations();
     CPDFStatus make_update(std::string& update);
 };
 

@@ -8,8 +8,8 @@
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/xfa/data_value.h"
+#include "formats/field_cells.h"
 #include "forms/field.h"
-#include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 
 namespace {
@@ -43,8 +43,7 @@ bool says_nothing(const PDF_FORM_ENTRY& entry, const CPDFField& field)
 // Adds `more` to the list that `value` is or becomes; false when the field takes no list or either is true or false.
 bool join_values(const CPDFField& field, CPDFValue& value, const CPDFValue& more)
 {
-    const bool takes_several = field_kind(field).id == KIND_LIST && (effective_flags(field) & FIELD_MULTI_SELECT);
-    if (!takes_several || std::holds_alternative<bool>(value) || std::holds_alternative<bool>(more))
+    if (!takes_several(field) || std::holds_alternative<bool>(value) || std::holds_alternative<bool>(more))
         return false;
     if (const auto* text = std::get_if<std::string>(&value))
         value = std::vector<std::string>{*text};
@@ -103,7 +102,7 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
     size_t unknown = 0;
     for (const PDF_FORM_ENTRY& entry : data) {
         PDF_DATA_ITEM item = {entry, {}, {}};
-        const CPDFField* field = item.plan.field = document.field(entry.name);
+        const CPDFField* field = item.plan.field = entry.field ? entry.field : document.field(entry.name);
         const auto [earlier, is_first] = item_of.emplace(field ? field->m_ref.num : 0, items.size());
         if (!field) {
             item.status = unknown++ < MOST_GUESSES ? document.no_field(entry.name) : no_such_field(entry.name);

@@ -2,6 +2,7 @@
 #include "script/functions/calculate.h"
 #include "script/functions/characters.h"
 #include "script/functions/number.h"
+#include "script/known_call.h"
 
 namespace {
 
@@ -24,6 +25,12 @@ std::vector<std::string> names_argument(const SCRIPT_VALUE& value)
 }
 
 }  // namespace
+
+std::vector<std::string> calculated_from(const KNOWN_CALL& call)
+{
+    const bool calculates = call.function->run == simple_calculate && call.arguments.size() > 1;
+    return calculates ? names_argument(call.arguments[1]) : std::vector<std::string>();
+}
 
 // AFSimple(calculation, number, number)
 SCRIPT_VALUE simple(FORM_CALL& call)

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "script/form_function.h"
 
@@ -19,6 +21,9 @@ struct KNOWN_CALL {
 // numbers, true, false, null, and lists of these as [...] or new Array(...). Comments, white space and semicolons do not
 // count.
 std::optional<KNOWN_CALL> read_known_call(std::string_view script);
+
+// The names of the fields and groups whose values the call calculates with; none where it calculates nothing.
+std::vector<std::string> calculated_from(const KNOWN_CALL& call);
 
 // Runs it. What it returns is of use to scripts only; what counts for a field is in the event.
 SCRIPT_VALUE run_known_call(const KNOWN_CALL& call, FIELD_EVENT& event, const CPDFFieldValues& fields);

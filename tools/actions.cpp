@@ -139,8 +139,7 @@ void add_actions_verb(CLI::App& app, COMMAND_ACTION& action)
                     "full names of fields; without one also the document, its pages and bookmarks")
         ->option_text("...");
     verb.add_flag("--json", arguments->json, "as JSON");
-    verb.footer(
-        "Each action stands as NAME: EVENT: TYPE with its script, if any, in the lines below. The order in which fields are\n"
-        "calculated comes last.");
+    verb.footer("Each action stands as NAME: EVENT: TYPE with its script, if any, in the lines\n"
+                "below. The order in which fields are calculated comes last.");
     verb.callback([arguments, &action] { action = [arguments] { return put_actions(*arguments); }; });
 }

@@ -39,8 +39,7 @@ void add_calculate_verb(CLI::App& app, COMMAND_ACTION& action)
     add_input(verb, arguments->input);
     add_output(verb, arguments->output);
     add_scripts(verb, arguments->scripts);
-    verb.footer(
-        "The fields of the form's calculation order are calculated from the values as they are, read-only ones\n"
-        "too. Fields that a signature locks stay as they are.");
+    verb.footer("The fields of the form's calculation order are calculated from the values as\n"
+                "they are, read-only ones too. Fields that a signature locks stay as they are.");
     verb.callback([arguments, &action] { action = [arguments] { return calculate(*arguments); }; });
 }

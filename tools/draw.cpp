@@ -145,8 +145,7 @@ int draw(DRAW_ARGUMENTS& arguments)
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action)
 {
     const auto arguments = std::make_shared<DRAW_ARGUMENTS>();
-    CLI::App& verb =
-        *app.add_subcommand("draw", "Draws the drop-down buttons of a page's combo boxes as a PNG picture");
+    CLI::App& verb = *app.add_subcommand("draw", "Draws the drop-down buttons of a page's combo boxes as a PNG");
     add_input(verb, arguments->input);
     verb.add_option("--page", arguments->page, "number of the page, from 1")->required()->option_text("N");
     verb.add_option("--scale", arguments->scale, "pixels per point (1, which is 72 dpi)")->option_text("S");
@@ -154,9 +153,9 @@ void add_draw_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("-o,--output", arguments->output, "where to save; - is standard output")
         ->required()
         ->option_text("OUT.png");
-    verb.footer(
-        "The picture shows the crop box, turned as the page is, and is transparent apart from the buttons. A picture for --over\n"
-        "has the same size, as `pdftoppm -png -cropbox -r 72` makes it for a scale of 1. Buttons are 16 points wide; a\n"
-        "read-only or hidden combo box has none.");
+    verb.footer("The picture shows the crop box, turned as the page is, and is transparent apart\n"
+                "from the buttons. A picture for --over has the same size, as\n"
+                "`pdftoppm -png -cropbox -r 72` makes it for a scale of 1. Buttons are 16 points\n"
+                "wide; a read-only or hidden combo box has none.");
     verb.callback([arguments, &action] { action = [arguments] { return draw(*arguments); }; });
 }

@@ -176,14 +176,17 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(The formats:
   url    the pairs of a submit action, NAME=VALUE joined by '&', in plain ASCII
-  xml    the XML of a submit action; with names the elements of these fields alone
-  xfa    the data set as --xfa of fill and reset writes it; of a form without fields the data that it has
+  xml    the XML of a submit action; with names these fields' elements alone
+  xfa    the data set as --xfa of fill and reset writes it; of a form without
+         fields the data that it has
   json   one object of full names to values, as fill --data takes it
   fdf    the same as FDF
   xfdf   the same as XFDF
-  csv    a row of names and a row of values; a field with several values is refused
-url and xml use the fields' own names, the last four the full names. With names, the last four also have the fields under those
-that are named. A default counts as a value; a field without either is left out, but has a column in CSV.)";
+  csv    a row of names and a row of values; several values are joined by |, and
+         a field without one, or with an empty one, has an empty cell
+url and xml use the fields' own names, the last four the full names. With names,
+the last four also have the fields under those that are named. A default counts
+as a value; a field without either is left out, but has a column in CSV.)";
 
 }  // namespace
 
@@ -192,7 +195,8 @@ void add_export_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<EXPORT_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("export", "Writes the values of fields in a format for form data");
     add_input(verb, arguments->input);
-    verb.add_option("NAME", arguments->names, "full names of fields; all fields when none is given")
+    verb.add_option("NAME", arguments->names,
+                    "names of fields, parts of them or numbers; all fields when none is given")
         ->option_text("...");
     verb.add_option("--as", arguments->format, "url, xml, xfa, json, fdf, xfdf or csv")
         ->required()

@@ -41,8 +41,8 @@ void add_get_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("NAME", arguments->names, "names of fields, parts of them or their numbers in the list")
         ->required()
         ->option_text("...");
-    verb.footer(
-        "A value of several texts is joined with \", \"; a field without a value gives an empty line. Line breaks in a\n"
-        "value are printed as they are; `formwork list --json` keeps values apart.");
+    verb.footer("A value of several texts is joined with \", \"; a field without a value gives an\n"
+                "empty line. Line breaks in a value are printed as they are; `formwork list\n"
+                "--json` keeps values apart.");
     verb.callback([arguments, &action] { action = [arguments] { return get_values(*arguments); }; });
 }

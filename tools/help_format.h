@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <string>
 
 // Breaks what options say into lines, so that help fits a terminal of 80 columns.
@@ -11,6 +12,15 @@ public:
     {
         constexpr size_t COLUMNS = 80;
         return wrapped(CLI::Formatter::make_option_desc(option), COLUMNS - get_column_width());
+    }
+
+    // The line of a verb in the list of all.
+    std::string make_subcommand(const CLI::App* verb) const override
+    {
+        constexpr size_t NAMES = 12;
+        std::string line = "  " + verb->get_name();
+        line.resize(std::max(NAMES, line.size() + 1), ' ');
+        return line + verb->get_description() + "\n";
     }
 
 private:

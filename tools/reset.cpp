@@ -57,8 +57,8 @@ void add_reset_verb(CLI::App& app, COMMAND_ACTION& action)
                   "put the values of all fields into the XFA data, too; what no field holds stays");
     verb.add_flag("--force", arguments->force, "reset what a signature locks or what is not permitted, too");
     add_scripts(verb, arguments->scripts);
-    verb.footer(
-        "A field without a default ends without a value. A field that groups others is reset with all of them;\n"
-        "read-only fields are reset, too. Push buttons and signatures stay as they are.");
+    verb.footer("A field without a default ends without a value. A field that groups others is\n"
+                "reset with all of them; read-only fields are reset, too. Push buttons and\n"
+                "signatures stay as they are.");
     verb.callback([arguments, &action] { action = [arguments] { return reset_fields(*arguments); }; });
 }

@@ -82,13 +82,20 @@ bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::
     return fields.size() == names.size();
 }
 
-CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why)
+CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why,
+                      PDF_FIELD_WORDS words)
 {
-    CPDFField* field = document.find_field(name, why);
-    if (const size_t same = field ? document.fields_named(name) : 0; same > 1)
-        complain(input.path.text, "note: " + std::to_string(same) + " fields have the name " + in_quotes(name) +
-                                      ": the first one is taken");
+    CPDFField* field = document.find_field(name, why, words);
+    if (field)
+        note_same_names(document, input, name);
     return field;
+}
+
+void note_same_names(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name)
+{
+    if (const size_t same = document.fields_named(name); same > 1)
+        complain(input.path.text, "note: " + std::to_string(same) + " fields have the name " + in_quotes(name) +
+                                      ": the first one is taken, and numbers in the list tell them apart");
 }
 
 void complain(std::string_view file, std::string_view sentence)

@@ -48,6 +48,7 @@ void add_calculate_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_compare_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_extract_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_add_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_move_verb(CLI::App& app, COMMAND_ACTION& action);
@@ -72,9 +73,13 @@ bool mend_document(CPDFDocument& document, const COMMAND_INPUT& input);
 // Complains and returns false where the permissions of an encrypted file forbid to fill its form.
 bool may_fill(const CPDFDocument& document, const COMMAND_INPUT& input);
 
-// The field that is meant by a full name, a part of one or a number, see CPDFDocument::find_field. Says so where several
+// The field that is meant by a full name, a number or a part of a name, see CPDFDocument::find_field. Says so where several
 // fields have that name.
-CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why);
+CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name, CPDFStatus& why,
+                      PDF_FIELD_WORDS words = PDF_FIELD_WORDS::PARTS);
+
+// Says so where several fields have this full name.
+void note_same_names(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name);
 
 // Finds the fields meant by these words. Complains about every one that means none, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,

@@ -21,14 +21,16 @@ bool is_embedded(EDIT_TARGET& target, const CPDFObj* font, const std::string& ba
     return name && name->is_name(base_font.c_str());
 }
 
-PDF_REF make_program(EDIT_TARGET& target, const std::string& program)
+PDF_REF make_program(EDIT_TARGET& target, const FORM_FONT& font)
 {
+    const std::string& program = font.program;
     int length = 0;
     const VXBlock<unsigned char> packed(
         target.xref.compress_data(program.data(), static_cast<int>(program.size()), length));
     if (!packed)
         return {0, 0};
-    return new_stream(target.xref, "/Filter/FlateDecode/Length1 " + std::to_string(program.size()),
+    const std::string kind = font.is_cff ? "/Subtype/Type1C" : "/Length1 " + std::to_string(program.size());
+    return new_stream(target.xref, "/Filter/FlateDecode" + kind,
                       {reinterpret_cast<const char*>(packed.get()), static_cast<size_t>(length)});
 }
 
@@ -38,26 +40,26 @@ PDF_REF make_font(EDIT_TARGET& target, const FORM_FONT& font, const std::string&
     constexpr int ITALIC = 1 << 6;
     const FONT_METRICS& metrics = font.metrics;
     const std::string name = name_syntax(base_font);
-    const PDF_REF program = make_program(target, font.program);
+    const PDF_REF program = make_program(target, font);
     std::string box;
     for (const int side : metrics.bbox)
         box += std::to_string(side) + " ";
-    const PDF_REF descriptor =
-        new_object(target.xref, "<</Type/FontDescriptor/FontName" + name + "/Flags " +
-                                    std::to_string(NONSYMBOLIC | (metrics.italic ? ITALIC : 0)) + "/FontBBox[" + box +
-                                    "]/ItalicAngle " + (metrics.italic ? "-12" : "0") + "/Ascent " +
-                                    std::to_string(metrics.ascent) + "/Descent " + std::to_string(metrics.descent) +
-                                    "/CapHeight " + std::to_string(metrics.ascent) + "/StemV " +
-                                    (metrics.bold ? "140" : "80") + "/FontFile2 " + ref_syntax(program) + ">>");
+    const PDF_REF descriptor = new_object(
+        target.xref, "<</Type/FontDescriptor/FontName" + name + "/Flags " +
+                         std::to_string(NONSYMBOLIC | (metrics.italic ? ITALIC : 0)) + "/FontBBox[" + box +
+                         "]/ItalicAngle " + (metrics.italic ? "-12" : "0") + "/Ascent " +
+                         std::to_string(metrics.ascent) + "/Descent " + std::to_string(metrics.descent) +
+                         "/CapHeight " + std::to_string(metrics.ascent) + "/StemV " + (metrics.bold ? "140" : "80") +
+                         (font.is_cff ? "/FontFile3 " : "/FontFile2 ") + ref_syntax(program) + ">>");
     std::string widths;
     for (const int width : font.widths)
         widths += std::to_string(width) + " ";
     if (!program.num || !descriptor.num)
         return {0, 0};
-    return new_object(target.xref, "<</Type/Font/Subtype/TrueType/BaseFont" + name + "/FirstChar " +
-                                       std::to_string(FORM_FONT_FIRST) + "/LastChar " + std::to_string(FORM_FONT_LAST) +
-                                       "/Widths[" + widths + "]/Encoding/WinAnsiEncoding/FontDescriptor " +
-                                       ref_syntax(descriptor) + ">>");
+    return new_object(target.xref, std::string("<</Type/Font/Subtype/") + (font.is_cff ? "Type1" : "TrueType") +
+                                       "/BaseFont" + name + "/FirstChar " + std::to_string(FORM_FONT_FIRST) +
+                                       "/LastChar " + std::to_string(FORM_FONT_LAST) + "/Widths[" + widths +
+                                       "]/Encoding/WinAnsiEncoding/FontDescriptor " + ref_syntax(descriptor) + ">>");
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ std::string wrong_font(const EDIT_TARGET& target, const std::string& name)
     }
     return "there is no font " + in_quotes(name) +
            ": give one that the form has, Helvetica, Times or Courier, each with -Bold, -Italic or -BoldItalic, Symbol, "
-           "ZapfDingbats, or the path of a TrueType font";
+           "ZapfDingbats, or the path of a font file";
 }
 
 CPDFStatus find_font(EDIT_TARGET& target, const std::string& name, std::string& resource)

@@ -7,6 +7,7 @@
 #include "document/edit/field_tree.h"
 #include "document/edit/new_object.h"
 #include "document/lookup/field_text.h"
+#include "document/lookup/name_guess.h"
 #include "document/lookup/name_pattern.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
@@ -66,8 +67,19 @@ void check_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_
         if (field_named(target, name) == &field)
             refusals.add(shown + " can't be calculated from itself");
         else if (names_like(target, field, name).empty())
-            refusals.add(shown + " can't be calculated: there is no field " + in_quotes(name));
+            refusals.add(shown + " can't be calculated: " + no_such_field(target.form, name).text);
     }
+}
+
+std::vector<std::string> calculation_names(EDIT_TARGET& target, const CPDFField& field,
+                                           const PDF_CALCULATION& calculation)
+{
+    std::vector<std::string> names;
+    for (const std::string& name : calculation.fields) {
+        for (std::string& found : names_like(target, field, name))
+            names.push_back(std::move(found));
+    }
+    return names;
 }
 
 PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design)
@@ -87,12 +99,8 @@ PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, con
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     if (design.calculation) {
         const PDF_CALCULATION& calculation = *design.calculation;
-        std::vector<std::string> names;
-        for (const std::string& name : calculation.fields) {
-            for (std::string& found : names_like(target, field, name))
-                names.push_back(std::move(found));
-        }
         const bool calculated = !calculation.function.empty();
+        const std::vector<std::string> names = calculation_names(target, field, calculation);
         set_script(*dict, "C", calculated ? calculation_script(calculation.function, names) : "");
         result = set_order(target, field, calculated);
     }

@@ -234,7 +234,8 @@ private:
         return ref;
     }
 
-    // Where the widget of that index stands: at its own place, or in a square in its share of the common one.
+    // Where the widget of that index stands: at its own place, or in a square in its share of the common one, as the page is
+    // read when it is shown.
     PDF_PLACE place_of(size_t index) const
     {
         if (m_field.places.size() > 1)
@@ -242,12 +243,13 @@ private:
         PDF_RECT rect = m_field.places[0].rect;
         const auto count = static_cast<double>(m_states.size());
         const auto place = static_cast<double>(index);
+        const int32_t turn = upright_turn(m_target, m_field.places[0].page);
         if (rect.width >= rect.height) {
             rect.width /= count;
-            rect.x += rect.width * place;
+            rect.x += rect.width * (turn < 180 ? place : count - 1 - place);
         } else {
             rect.height /= count;
-            rect.y += rect.height * (count - 1 - place);
+            rect.y += rect.height * (turn == 90 || turn == 180 ? place : count - 1 - place);
         }
         const double side = std::min(rect.width, rect.height);
         return {{rect.x + (rect.width - side) / 2, rect.y + (rect.height - side) / 2, side, side},

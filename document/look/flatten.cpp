@@ -43,7 +43,7 @@ bool has_subtype(CPDFXRefTable& xref, const CPDFDictionary& dict, const char* na
 
 class Flattener {
 public:
-    explicit Flattener(EDIT_TARGET& target) : m_target(target), m_xref(target.xref) {}
+    Flattener(EDIT_TARGET& target, std::vector<PDF_REF>& gone) : m_target(target), m_xref(target.xref), m_gone(gone) {}
 
     CPDFStatus run()
     {
@@ -71,10 +71,13 @@ private:
         for (int32_t i = 0; list && i < list->count; ++i) {
             const CPDFEntryView annotation(&m_xref, &list->items[i]);
             const CPDFDictionary* widget = annotation->dictionary();
-            if (widget && has_subtype(m_xref, *widget, "Widget"))
+            const bool goes = widget && has_subtype(m_xref, *widget, "Widget");
+            if (goes)
                 draw(*widget, paint);
             else if (CPDFObj* kept = rest.arr->append())
                 kept->copy_from(&list->items[i]);
+            if (goes && list->items[i].type == PDF_OBJ_REF)
+                m_gone.push_back(list->items[i].ref);
         }
         if (m_memory.failed())
             return no_memory_to_edit();
@@ -169,6 +172,7 @@ private:
 
     EDIT_TARGET& m_target;  // borrowed from the caller, as the following
     CPDFXRefTable& m_xref;
+    std::vector<PDF_REF>& m_gone;
     VXFailureCheck m_memory;
     CPDFObj m_form;
     PDF_REF m_save_state = {0, 0};
@@ -176,7 +180,7 @@ private:
 
 }  // namespace
 
-CPDFStatus flatten_form(EDIT_TARGET& target)
+CPDFStatus flatten_form(EDIT_TARGET& target, std::vector<PDF_REF>& gone)
 {
-    return Flattener(target).run();
+    return Flattener(target, gone).run();
 }

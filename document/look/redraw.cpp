@@ -31,6 +31,15 @@ bool is_same(const WIDGET_PICTURE& a, const WIDGET_PICTURE& b)
            std::equal(a.fonts.begin(), a.fonts.end(), b.fonts.begin(), b.fonts.end(), same_font);
 }
 
+// Icons are other programs' drawings, which a button made of its caption alone would lose.
+bool shows_icon(CPDFXRefTable& xref, const WIDGET_DESCRIPTION& widget)
+{
+    const CPDFDictionary& dict = *widget.dictionary.dict;
+    const CPDFEntryView marks(&xref, widget.look.kind == WIDGET_KIND::PUSH_BUTTON ? dict.get_item("MK") : nullptr);
+    return dict.get_item("AP") && marks->dictionary() && marks->dict->get_item("I") &&
+           resolve_integer(&xref, marks->dict->get_item("TP")) != 0;
+}
+
 // What push buttons and signatures show is their own unless they are to look anew; a signature shows what was signed.
 bool may_draw(const CPDFField& field, const WIDGET_DESCRIPTION& widget, bool anew)
 {
@@ -83,6 +92,10 @@ size_t CPDFRedraw::draw(const CPDFField& field, const std::vector<PDF_DRAWN_WIDG
         ++drawn;
         if (which == WIDGETS::WITHOUT_APPEARANCE && widget.dictionary.dict->get_item("AP"))
             continue;
+        if (which == WIDGETS::ANEW && shows_icon(m_xref, widget)) {
+            m_notes.push_back("field " + in_quotes(full_name(field)) + " shows an icon: its picture stays as it is");
+            continue;
+        }
         if (which == WIDGETS::ANEW)
             widget.dictionary.dict->remove_item("AP");
         if (has_states(widget.look.kind))

@@ -72,6 +72,20 @@ CPDFBranchFinder::~CPDFBranchFinder()
 
 CPDFField* CPDFBranchFinder::find(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name)
 {
+    m_wanted = 1;
+    return start(xref, form, name) && !m_in_doubt ? load_branch(xref) : nullptr;
+}
+
+int CPDFBranchFinder::count(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name)
+{
+    m_wanted = 2;
+    start(xref, form, name);
+    return m_in_doubt ? m_wanted : m_passed;
+}
+
+// Walks to the field of that name which is wanted; m_path then leads there.
+bool CPDFBranchFinder::start(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name)
+{
     CPDFObj fetched;
     const CPDFDictionary* dict = form ? form->dictionary() : nullptr;
     if (form && form->type == PDF_OBJ_REF) {
@@ -80,10 +94,9 @@ CPDFField* CPDFBranchFinder::find(CPDFXRefTable& xref, const CPDFObj* form, std:
     }
     m_path.clear();
     m_in_doubt = false;
+    m_passed = 0;
     *m_visits = CPDFVisitSet();
-    if (!dict || !descend(xref, dict->get_item("Fields"), name, 0) || m_in_doubt)
-        return nullptr;
-    return load_branch(xref);
+    return dict && descend(xref, dict->get_item("Fields"), name, 0);
 }
 
 bool CPDFBranchFinder::descend(CPDFXRefTable& xref, const CPDFObj* list, std::string_view name, int depth)
@@ -116,12 +129,12 @@ bool CPDFBranchFinder::enter(CPDFXRefTable& xref, const PDF_REF& ref, std::strin
                  (named == NAMED::YES && own_name.empty());
     std::string_view rest = name.substr(own_name.size());
     m_path.push_back(ref);
-    if (m_in_doubt || (rest.empty() && named == NAMED::YES))
+    const bool is_it = rest.empty() && named == NAMED::YES;
+    m_passed += is_it;
+    if (m_in_doubt || (is_it && m_passed == m_wanted))
         return true;
-    if (named == NAMED::YES && rest.front() == '.')
-        rest.remove_prefix(1);
-    else if (named == NAMED::YES)
-        rest = std::string_view();
+    if (named == NAMED::YES && !rest.empty())
+        rest = rest.front() == '.' ? rest.substr(1) : std::string_view();
     if (!rest.empty() && dict && descend(xref, dict->get_item("Kids"), rest, depth + 1))
         return true;
     m_path.pop_back();

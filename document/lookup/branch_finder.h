@@ -27,11 +27,15 @@ public:
     // same field is found as the same object.
     CPDFField* find(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name);
 
+    // How many fields have this full name, 2 for more and where only the whole form can tell. Loads none.
+    int count(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name);
+
     // Puts the fields that were found into `form`, which has been loaded since, in place of those that it has of the same
     // dictionaries: pointers to them stay good. The form owns them then; what it has no place for stays here.
     void graft(CPDFAcroForm& form);
 
 private:
+    bool start(CPDFXRefTable& xref, const CPDFObj* form, std::string_view name);
     bool descend(CPDFXRefTable& xref, const CPDFObj* list, std::string_view name, int depth);
     bool enter(CPDFXRefTable& xref, const PDF_REF& ref, std::string_view name, int depth);
     CPDFField* load_branch(CPDFXRefTable& xref);
@@ -39,6 +43,8 @@ private:
     CPDFField*& place_of(const CPDFField& field);
 
     bool m_in_doubt = false;  // the walk met what only the whole form can tell
+    int m_passed = 0;         // fields of the name that the walk met
+    int m_wanted = 1;         // the one of them at which it ends
     std::unique_ptr<CPDFVisitSet> m_visits;
     std::vector<PDF_REF> m_path;                       // from the top field down to the one found
     std::vector<CPDFField*> m_tops;                    // owned, with the fields under them

@@ -40,20 +40,6 @@ size_t edit_distance(std::string_view a, std::string_view b)
     return row[b.size()];
 }
 
-CPDFField* field_at(CPDFAcroForm& form, std::string_view word)
-{
-    int64_t place = 0;
-    const auto result = std::from_chars(word.data(), word.data() + word.size(), place);
-    CPDFField* found = nullptr;
-    if (result.ec != std::errc() || result.ptr != word.data() + word.size() || place <= 0)
-        return nullptr;
-    for_each_field(form, [&](CPDFField& field) {
-        if (field.m_name.len > 0 && --place == 0)
-            found = &field;
-    });
-    return found;
-}
-
 std::vector<CPDFField*> fields_with(CPDFAcroForm& form, const std::string& part, std::string (*spell)(std::string_view))
 {
     std::vector<CPDFField*> found;
@@ -82,6 +68,20 @@ CPDFStatus several_fields(std::string_view word, const std::vector<CPDFField*>& 
 }
 
 }  // namespace
+
+CPDFField* field_at(CPDFAcroForm& form, std::string_view place)
+{
+    int64_t number = 0;
+    const auto result = std::from_chars(place.data(), place.data() + place.size(), number);
+    CPDFField* found = nullptr;
+    if (result.ec != std::errc() || result.ptr != place.data() + place.size() || number <= 0)
+        return nullptr;
+    for_each_field(form, [&](CPDFField& field) {
+        if (field.m_name.len > 0 && --number == 0)
+            found = &field;
+    });
+    return found;
+}
 
 CPDFField* guess_field(CPDFAcroForm& form, std::string_view word, CPDFStatus& why)
 {

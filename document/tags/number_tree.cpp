@@ -1,5 +1,8 @@
 #include "document/tags/number_tree.h"
 
+#include <optional>
+#include <unordered_set>
+
 #include "document/edit/edit.h"
 #include "document/edit/edit_array.h"
 #include "document/edit/new_object.h"
@@ -24,6 +27,19 @@ std::optional<LIMITS> limits_of(CPDFXRefTable& xref, const CPDFObj* entry)
     return LIMITS{resolve_integer(&xref, limits->arr->at(0)), resolve_integer(&xref, limits->arr->at(1))};
 }
 
+// Takes the pairs of these numbers out of "Nums"; whether there were any.
+bool remove_pairs(CPDFXRefTable& xref, CPDFArray& pairs, const std::set<int32_t>& numbers)
+{
+    const int32_t before = pairs.count;
+    for (int32_t i = before / 2 * 2 - 2; i >= 0; i -= 2) {
+        if (numbers.contains(resolve_integer(&xref, pairs.at(i)))) {
+            pairs.remove_obj(i + 1);
+            pairs.remove_obj(i);
+        }
+    }
+    return pairs.count != before;
+}
+
 }  // namespace
 
 CPDFNumberTree::CPDFNumberTree(CPDFXRefTable& xref, const PDF_REF& owner, const char* key)
@@ -31,54 +47,72 @@ CPDFNumberTree::CPDFNumberTree(CPDFXRefTable& xref, const PDF_REF& owner, const 
 {
 }
 
-std::vector<PDF_REF> CPDFNumberTree::path_to(std::optional<int32_t> number)
+// One way through the tree.
+struct CPDFNumberTree::WALK {
+    const std::set<int32_t>& numbers;
+    std::unordered_set<uint32_t> seen;
+    size_t depth = 0;
+};
+
+std::vector<PDF_REF> CPDFNumberTree::path_to_last()
 {
-    settle_root();
-    const CPDFKeySet keys(m_key);
-    CPDFObj owner;
-    m_xref.get_entity(owner, m_owner, &keys);
-    const CPDFObj* at = owner.dictionary() ? owner.dict->get_item(m_key) : nullptr;
     std::vector<PDF_REF> path;
-    CPDFObj node;
-    CPDFObj next;
-    while (at && at->type == PDF_OBJ_REF && path.size() < DEEPEST) {
-        path.push_back(at->ref);
-        node.free();
-        m_xref.get_entity(node, path.back(), &NODE_KEYS);
+    for (PDF_REF at = settle_root(); at.num && path.size() < DEEPEST;) {
+        path.push_back(at);
+        CPDFObj node;
+        m_xref.get_entity(node, at, &NODE_KEYS);
         const CPDFEntryView kids(&m_xref, node.dictionary() ? node.dict->get_item("Kids") : nullptr);
-        at = nullptr;
-        if (!kids->array() || kids->arr->count == 0)
-            break;
-        next.free();
-        for (int32_t i = kids->arr->count - 1; i >= 0 && !at; --i) {
-            const std::optional<LIMITS> limits = number ? limits_of(m_xref, kids->arr->at(i)) : LIMITS();
-            if (!number || (limits && *number >= limits->first && *number <= limits->last)) {
-                next.copy_from(kids->arr->at(i));
-                at = &next;
-            }
-        }
+        const CPDFObj* last = kids->array() && kids->arr->count > 0 ? kids->arr->at(kids->arr->count - 1) : nullptr;
+        at = last && last->type == PDF_OBJ_REF ? last->ref : PDF_REF{0, 0};
     }
     return path;
 }
 
-PDF_REF CPDFNumberTree::find(int32_t number)
+// The kids that may hold one of the numbers and were not seen yet.
+std::vector<PDF_REF> CPDFNumberTree::kids_with(const CPDFObj& node, WALK& walk)
 {
-    const std::vector<PDF_REF> path = path_to(number);
-    CPDFObj leaf;
-    if (!path.empty())
-        m_xref.get_entity(leaf, path.back(), &NODE_KEYS);
-    const CPDFEntryView pairs(&m_xref, leaf.dictionary() ? leaf.dict->get_item("Nums") : nullptr);
+    std::vector<PDF_REF> refs;
+    const CPDFEntryView kids(&m_xref, node.dictionary() ? node.dict->get_item("Kids") : nullptr);
+    for (int32_t i = 0; kids->array() && i < kids->arr->count && walk.depth < DEEPEST; ++i) {
+        const CPDFObj& kid = kids->arr->items[i];
+        const std::optional<LIMITS> limits = limits_of(m_xref, &kid);
+        const auto first = limits ? walk.numbers.lower_bound(limits->first) : walk.numbers.end();
+        if (first != walk.numbers.end() && *first <= limits->last && kid.type == PDF_OBJ_REF &&
+            walk.seen.insert(kid.ref.num).second)
+            refs.push_back(kid.ref);
+    }
+    return refs;
+}
+
+std::unordered_map<int32_t, PDF_REF> CPDFNumberTree::find(const std::set<int32_t>& numbers)
+{
+    std::unordered_map<int32_t, PDF_REF> found;
+    WALK walk{numbers, {}};
+    if (const PDF_REF root = numbers.empty() ? PDF_REF{0, 0} : settle_root(); root.num)
+        find_in(root, walk, found);
+    return found;
+}
+
+void CPDFNumberTree::find_in(const PDF_REF& ref, WALK& walk, std::unordered_map<int32_t, PDF_REF>& found)
+{
+    CPDFObj node;
+    m_xref.get_entity(node, ref, &NODE_KEYS);
+    const CPDFEntryView pairs(&m_xref, node.dictionary() ? node.dict->get_item("Nums") : nullptr);
     for (int32_t i = 0; pairs->array() && i + 1 < pairs->arr->count; i += 2) {
         const CPDFObj* value = pairs->arr->at(i + 1);
-        if (resolve_integer(&m_xref, pairs->arr->at(i)) == number && value->type == PDF_OBJ_REF)
-            return value->ref;
+        const int32_t number = resolve_integer(&m_xref, pairs->arr->at(i));
+        if (value->type == PDF_OBJ_REF && walk.numbers.contains(number))
+            found.emplace(number, value->ref);
     }
-    return {0, 0};
+    ++walk.depth;
+    for (const PDF_REF& kid : kids_with(node, walk))
+        find_in(kid, walk, found);
+    --walk.depth;
 }
 
 int32_t CPDFNumberTree::last()
 {
-    const std::vector<PDF_REF> path = path_to({});
+    const std::vector<PDF_REF> path = path_to_last();
     CPDFObj leaf;
     if (!path.empty())
         m_xref.get_entity(leaf, path.back(), &NODE_KEYS);
@@ -87,20 +121,21 @@ int32_t CPDFNumberTree::last()
                                                     : -1;
 }
 
-// A root that its owner holds directly becomes an object of its own. What memory does not allow shows as no tree.
-void CPDFNumberTree::settle_root()
+// The root. One that its owner holds directly becomes an object of its own. What memory does not allow shows as no tree.
+PDF_REF CPDFNumberTree::settle_root()
 {
     const CPDFKeySet keys(m_key);
     CPDFObj owner;
     m_xref.get_entity(owner, m_owner, &keys);
     const CPDFObj* entry = owner.dictionary() ? owner.dict->get_item(m_key) : nullptr;
     if (!entry || !entry->dictionary())
-        return;
+        return entry && entry->type == PDF_OBJ_REF ? entry->ref : PDF_REF{0, 0};
     CPDFObj root;
     root.set_ref({m_xref.new_obj_num(), 0});
     m_xref.store_changed(root.ref, *entry);
     const PDF_ENTRY_CHANGE change[] = {{m_key, &root}};
-    (void)m_xref.change_entries(m_owner, change);
+    const bool stored = m_xref.change_entries(m_owner, change) == PDF_CHANGE_RESULT::STORED;
+    return stored ? root.ref : PDF_REF{0, 0};
 }
 
 // "Limits" from what the node holds.
@@ -131,7 +166,7 @@ PDF_CHANGE_RESULT CPDFNumberTree::set_limits(const PDF_REF& node)
 
 PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
 {
-    std::vector<PDF_REF> path = path_to({});
+    std::vector<PDF_REF> path = path_to_last();
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     if (path.empty()) {
         CPDFObj root;
@@ -152,33 +187,42 @@ PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
     return result;
 }
 
-PDF_CHANGE_RESULT CPDFNumberTree::remove(int32_t number)
+PDF_CHANGE_RESULT CPDFNumberTree::remove(const std::set<int32_t>& numbers)
 {
-    const std::vector<PDF_REF> path = path_to(number);
-    if (path.empty())
-        return PDF_CHANGE_RESULT::NO_DICTIONARY;
+    WALK walk{numbers, {}};
     bool empty = false;
-    PDF_CHANGE_RESULT result = edit_array(m_xref, path.back(), "Nums", [&](CPDFArray& pairs) {
-        const int32_t before = pairs.count;
-        for (int32_t i = pairs.count / 2 * 2 - 2; i >= 0; i -= 2) {
-            if (resolve_integer(&m_xref, pairs.at(i)) == number) {
-                pairs.remove_obj(i + 1);
-                pairs.remove_obj(i);
-            }
-        }
-        empty = pairs.count == 0;
-        return pairs.count != before;
-    });
-    for (size_t i = path.size() - 1; i > 0; --i) {
-        if (!empty) {
-            result = both(result, set_limits(path[i]));
-            continue;
-        }
-        result = both(result, edit_array(m_xref, path[i - 1], "Kids", [&](CPDFArray& kids) {
-                          const bool gone = remove_references(kids, [&](uint32_t num) { return num == path[i].num; });
-                          empty = kids.count == 0;
-                          return gone;
-                      }));
+    const PDF_REF root = numbers.empty() ? PDF_REF{0, 0} : settle_root();
+    return root.num ? remove_in(root, walk, empty) : PDF_CHANGE_RESULT::STORED;
+}
+
+PDF_CHANGE_RESULT CPDFNumberTree::remove_in(const PDF_REF& ref, WALK& walk, bool& empty)
+{
+    CPDFObj node;
+    m_xref.get_entity(node, ref, &NODE_KEYS);
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    std::unordered_set<uint32_t> gone;
+    ++walk.depth;
+    const std::vector<PDF_REF> kids = kids_with(node, walk);
+    for (const PDF_REF& kid : kids) {
+        bool kid_empty = false;
+        result = both(result, remove_in(kid, walk, kid_empty));
+        if (kid_empty)
+            gone.insert(kid.num);
     }
-    return result;
+    --walk.depth;
+    bool changed = !kids.empty();
+    if (!gone.empty())
+        result = both(result, edit_array(m_xref, ref, "Kids", [&](CPDFArray& list) {
+                          remove_references(list, [&](uint32_t num) { return gone.contains(num); });
+                          empty = list.count == 0;
+                          return true;
+                      }));
+    if (node.dictionary() && node.dict->get_item("Nums"))
+        result = both(result, edit_array(m_xref, ref, "Nums", [&](CPDFArray& pairs) {
+                          const bool cut = remove_pairs(m_xref, pairs, walk.numbers);
+                          changed = changed || cut;
+                          empty = pairs.count == 0;
+                          return cut;
+                      }));
+    return changed && !empty && walk.depth > 0 ? both(result, set_limits(ref)) : result;
 }

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <set>
+#include <unordered_map>
 #include <vector>
 
 #include "core/object.h"
@@ -14,8 +15,8 @@ public:
     // Both borrowed; the tree is the entry `key` of the dictionary `owner`.
     CPDFNumberTree(CPDFXRefTable& xref, const PDF_REF& owner, const char* key);
 
-    // The object that `number` leads to; object number 0 where it leads to none, or to a value held directly.
-    PDF_REF find(int32_t number);
+    // The objects that these numbers lead to; values that are held directly are left out.
+    std::unordered_map<int32_t, PDF_REF> find(const std::set<int32_t>& numbers);
 
     // The highest number; -1 of an empty tree.
     int32_t last();
@@ -23,13 +24,18 @@ public:
     // Adds a number higher than all that are there. Makes the tree where there is none.
     PDF_CHANGE_RESULT append(int32_t number, const PDF_REF& value);
 
-    // Takes a number out, with the nodes that are empty then.
-    PDF_CHANGE_RESULT remove(int32_t number);
+    // Takes numbers out, with the nodes that are empty then.
+    PDF_CHANGE_RESULT remove(const std::set<int32_t>& numbers);
 
 private:
-    // The nodes from the root to the leaf that would hold `number`; the last leaf for none. Empty without a tree.
-    std::vector<PDF_REF> path_to(std::optional<int32_t> number);
-    void settle_root();
+    struct WALK;
+
+    // The nodes from the root to the last leaf. Empty without a tree.
+    std::vector<PDF_REF> path_to_last();
+    PDF_REF settle_root();
+    void find_in(const PDF_REF& ref, WALK& walk, std::unordered_map<int32_t, PDF_REF>& found);
+    PDF_CHANGE_RESULT remove_in(const PDF_REF& ref, WALK& walk, bool& empty);
+    std::vector<PDF_REF> kids_with(const CPDFObj& node, WALK& walk);
     PDF_CHANGE_RESULT set_limits(const PDF_REF& node);
 
     CPDFXRefTable& m_xref;  // borrowed

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <unordered_set>
 
 #include "document/edit/edit_array.h"
@@ -151,28 +152,55 @@ bool is_reference_to(CPDFXRefTable& xref, const CPDFObj& kid, const PDF_REF& wid
     return object && object->type == PDF_OBJ_REF && object->ref.num == widget.num;
 }
 
-// Takes `element` out of the one above it when nothing is in it, and that one likewise. One with a name that others may
-// know stays, and so does the topmost.
-PDF_CHANGE_RESULT drop_empty(EDIT_TARGET& target, PDF_REF element)
+using ELEMENTS = std::unordered_map<uint32_t, PDF_REF>;
+
+// The element above one in which nothing is left; object number 0 for one that stays: with something in it, or a name that
+// others may know.
+PDF_REF left_by(EDIT_TARGET& target, const PDF_REF& element)
+{
+    CPDFObj own;
+    target.xref.get_entity(own, element, &ELEMENT_KEYS);
+    const CPDFObj* above = own.dictionary() ? own.dict->get_item("P") : nullptr;
+    const CPDFEntryView kids(&target.xref, own.dictionary() ? own.dict->get_item("K") : nullptr);
+    const bool empty = kids->type == PDF_OBJ_NULL || (kids->array() && kids->arr->count == 0);
+    const bool goes = empty && above && above->type == PDF_OBJ_REF && !own.dict->get_item("ID");
+    return goes ? above->ref : PDF_REF{0, 0};
+}
+
+// Takes those of `elements` in which nothing is left out of the ones above them, and these likewise. The topmost stays.
+PDF_CHANGE_RESULT drop_empty(EDIT_TARGET& target, ELEMENTS elements)
 {
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     const PDF_REF root = root_of(target);
     const PDF_REF top = top_element(target);
-    for (int depth = 0; depth < DEEPEST && element.num != root.num && element.num != top.num; ++depth) {
-        CPDFObj own;
-        target.xref.get_entity(own, element, &ELEMENT_KEYS);
-        const CPDFObj* above = own.dictionary() ? own.dict->get_item("P") : nullptr;
-        const CPDFEntryView kids(&target.xref, own.dictionary() ? own.dict->get_item("K") : nullptr);
-        const bool empty = kids->type == PDF_OBJ_NULL || (kids->array() && kids->arr->count == 0);
-        if (!empty || !above || above->type != PDF_OBJ_REF || own.dict->get_item("ID"))
-            break;
-        const uint32_t gone = element.num;
-        element = above->ref;
-        result = both(result, edit_kids(target, element, [gone](CPDFArray& list) {
-                          return remove_references(list, [gone](uint32_t num) { return num == gone; });
-                      }));
+    for (int depth = 0; depth < DEEPEST && !elements.empty(); ++depth) {
+        ELEMENTS above;
+        std::unordered_map<uint32_t, std::unordered_set<uint32_t>> gone;
+        for (const auto& [num, element] : elements) {
+            const PDF_REF parent = num != root.num && num != top.num ? left_by(target, element) : PDF_REF{0, 0};
+            if (!parent.num)
+                continue;
+            above.emplace(parent.num, parent);
+            gone[parent.num].insert(num);
+        }
+        for (const auto& [num, parent] : above) {
+            const std::unordered_set<uint32_t>& leaving = gone[num];
+            result = both(result, edit_kids(target, parent, [&leaving](CPDFArray& list) {
+                              return remove_references(list, [&](uint32_t kid) { return leaving.contains(kid); });
+                          }));
+        }
+        elements = std::move(above);
     }
     return result;
+}
+
+// The elements to which the parent tree leads from the numbers of these widgets.
+std::unordered_map<int32_t, PDF_REF> elements_of(CPDFNumberTree& tree, const std::vector<PDF_TAGGED_WIDGET>& widgets)
+{
+    std::set<int32_t> numbers;
+    for (const PDF_TAGGED_WIDGET& at : widgets)
+        numbers.insert(at.number);
+    return tree.find(numbers);
 }
 
 }  // namespace
@@ -220,13 +248,23 @@ PDF_CHANGE_RESULT tag_widget(EDIT_TARGET& target, const PDF_REF& widget, int32_t
 
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets)
 {
+    std::vector<PDF_REF> refs;
+    for (const CPDFAnnotWidget* widget : widgets)
+        refs.push_back(widget->m_ref);
+    return tagged_widgets(target, refs);
+}
+
+std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets)
+{
     constexpr CPDFKeySet KEYS{NUMBER};
     std::vector<PDF_TAGGED_WIDGET> tagged;
-    for (const CPDFAnnotWidget* widget : is_tagged(target) ? widgets : std::span<CPDFAnnotWidget* const>()) {
+    if (!is_tagged(target))
+        return tagged;
+    for (const PDF_REF& widget : widgets) {
         CPDFObj own;
-        target.xref.get_entity(own, widget->m_ref, &KEYS);
+        target.xref.get_entity(own, widget, &KEYS);
         if (const CPDFObj* number = own.dictionary() ? own.dict->get_item(NUMBER) : nullptr)
-            tagged.push_back({widget->m_ref, resolve_integer(&target.xref, number)});
+            tagged.push_back({widget, resolve_integer(&target.xref, number)});
     }
     return tagged;
 }
@@ -235,11 +273,14 @@ PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
 {
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
+    const std::unordered_map<int32_t, PDF_REF> elements = elements_of(tree, widgets);
+    ELEMENTS changed;
+    std::set<int32_t> numbers;
     for (const PDF_TAGGED_WIDGET& at : widgets) {
-        const PDF_REF element = tree.find(at.number);
+        const auto element = elements.find(at.number);
         bool referred = false;
-        if (element.num)
-            result = both(result, edit_kids(target, element, [&](CPDFArray& kids) {
+        if (element != elements.end())
+            result = both(result, edit_kids(target, element->second, [&](CPDFArray& kids) {
                               const int32_t before = kids.count;
                               for (int32_t i = before - 1; i >= 0; --i) {
                                   if (is_reference_to(target.xref, kids.items[i], at.widget))
@@ -249,10 +290,11 @@ PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
                           }));
         if (!referred)
             continue;  // the number leads to what is another's
-        result = both(result, drop_empty(target, element));
-        result = both(result, tree.remove(at.number));
+        changed.emplace(element->second.num, element->second);
+        numbers.insert(at.number);
     }
-    return result;
+    result = both(result, drop_empty(target, std::move(changed)));
+    return both(result, tree.remove(numbers));
 }
 
 PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets,
@@ -263,11 +305,9 @@ PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
     CPDFObj text;
     text.type = PDF_OBJ_STRING;
     text.str = pdf_string_of(label);
-    for (const PDF_TAGGED_WIDGET& at : widgets) {
-        const PDF_REF element = tree.find(at.number);
+    for (const auto& [number, element] : elements_of(tree, widgets)) {
         CPDFObj own;
-        if (element.num)
-            target.xref.get_entity(own, element, &ELEMENT_KEYS);
+        target.xref.get_entity(own, element, &ELEMENT_KEYS);
         const CPDFObj* role = own.dictionary() ? own.dict->get_item("S") : nullptr;
         if (role && role->is_name("Form"))
             result = both(result, change_entry(target, element, "Alt", label.empty() ? nullptr : &text));

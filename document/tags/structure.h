@@ -26,6 +26,7 @@ struct PDF_TAGGED_WIDGET {
 
 // The widgets that have such a number.
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets);
+std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets);
 
 // Takes the object references of these out of the structure, and elements in which nothing is left; the widgets
 // themselves may be gone. What damage hides stays.

@@ -36,6 +36,9 @@ int compare(const std::string& file, const std::vector<std::string>& more_names)
         }
         EXPECT_EQ(describe(*branch), expected ? describe(*expected) : "no such field");
         EXPECT_EQ(finder.find(single.document.xref(), form, names[i]), branch) << "the same object again";
+        const size_t same = index.count(whole.document.form(), names[i]);
+        const int count = finder.count(single.document.xref(), form, names[i]);
+        EXPECT_TRUE(count == 2 || static_cast<size_t>(count) == same) << count;
     }
     return left;
 }
@@ -49,6 +52,21 @@ TEST(BranchFinderTest, FindsWhatTheWholeFormHas)
         SCOPED_TRACE(file);
         if (CPDFDocument().open(file).ok())
             compare(read_text_file(file), {"none"});
+    }
+}
+
+// Only the first of several is found; that there are others is known without the form.
+TEST(BranchFinderTest, FieldsOfOneNameAreCounted)
+{
+    FormAtWork f(form_of({"/T(a)/FT/Tx", "/T(g)/Kids[20 0 R 21 0 R]", "/T(a)/FT/Tx", "/T(g)/Kids[22 0 R]"},
+                         "/Parent 11 0 R/T(x)/FT/Tx;/Parent 11 0 R/T(y)/FT/Tx;/Parent 13 0 R/T(x)/FT/Tx"),
+                 PDF_LOAD::NAMED_FIELDS);
+    CPDFBranchFinder finder;
+    const CPDFObj* form = f.document.root().dict->get_item("AcroForm");
+    for (const auto& [name, count] : {std::pair("a", 2), std::pair("g", 2), std::pair("g.x", 2), std::pair("g.y", 1),
+                                      std::pair("g.z", 0), std::pair("", 0)}) {
+        EXPECT_EQ(finder.count(f.document.xref(), form, name), count) << name;
+        EXPECT_EQ(f.document.fields_named(name), static_cast<size_t>(count)) << name;
     }
 }
 

@@ -107,6 +107,140 @@ TEST(DesignTest, CalculatedFieldsComeAndGo)
     EXPECT_EQ(f.entry(12, "AA") + f.entry(10, "CO"), "<< /V << /JS (v) /S /JavaScript >> >>[]");
 }
 
+// A total of totals comes after what it sums, whichever was made first.
+TEST(DesignTest, CalculationsComeBehindTheirSources)
+{
+    FormAtWork f(pdf_with("/AcroForm 10 0 R", "",
+                          "/Fields[11 0 R 12 0 R 13 0 R 14 0 R]/CO[99 0 R];/T(a)/FT/Tx/V(2);/T(s)/FT/Tx/V(1);"
+                          "/T(t)/FT/Tx;/T(g)/Kids[15 0 R 16 0 R];/T(x)/FT/Tx/Parent 14 0 R;/T(y)/FT/Tx/Parent 14 0 R"));
+    const auto calculate = [&](const char* name, const std::vector<std::string>& from) {
+        PDF_FIELD_DESIGN change;
+        change.calculation = {"SUM", from};
+        return design(f, name, change).text;
+    };
+    EXPECT_EQ(calculate("t", {"s", "g"}), "");
+    EXPECT_EQ(calculate("g.y", {"s"}), "");
+    EXPECT_EQ(calculate("s", {"a"}), "");
+    EXPECT_EQ(f.entry(10, "CO"), "[99 0 R 12 0 R 16 0 R 13 0 R]");
+    ASSERT_TRUE(f.document.set_value(f.field("a"), "3").ok());
+    EXPECT_EQ(f.entry(13, "V"), "(6)");
+    const std::string refused = " can't be calculated from ";
+    EXPECT_EQ(calculate("a", {"t"}), "field \"a\"" + refused + "field \"t\", which is calculated from it");
+    EXPECT_EQ(calculate("s", {"a", "g.y"}), "field \"s\"" + refused + "field \"g.y\", which is calculated from it");
+    EXPECT_EQ(calculate("g.x", {"g"}), "field \"g.x\"" + refused + "itself");
+    EXPECT_EQ(calculate("g.x", {"tt"}),
+              "field \"g.x\" can't be calculated: there is no field \"tt\": did you mean \"t\"?");
+    EXPECT_EQ(f.entry(11, "AA") + f.entry(15, "AA"), "--");
+    EXPECT_EQ(f.entry(10, "CO"), "[99 0 R 12 0 R 16 0 R 13 0 R]");
+}
+
+// The icon of a button is a drawing of its own: a new look must not lose it.
+TEST(DesignTest, ButtonsKeepTheirIcons)
+{
+    FormAtWork f(
+        pdf_with("/AcroForm<</Fields[10 0 R 11 0 R]>>", "/Annots[10 0 R 11 0 R]",
+                 "/T(icon)/FT/Btn/Ff 65536/Subtype/Widget/Rect[1 1 40 20]/MK 12 0 R/AP<</N 13 0 R>>;"
+                 "/T(plain)/FT/Btn/Ff 65536/Subtype/Widget/Rect[1 1 40 20]/MK<</CA(old)/RC(r)>>/AP<</N 13 0 R>>;"
+                 "/CA(old)/I 13 0 R/TP 2/IF<</SW/N>>;null"));
+    PDF_FIELD_DESIGN change;
+    change.style.background = PDF_FIELD_COLOR{0.5};
+    change.style.caption = "new";
+    ASSERT_TRUE(design(f, "icon", change).ok());
+    ASSERT_TRUE(design(f, "plain", change).ok());
+    const std::string out = f.saved();
+    EXPECT_EQ(f.entry(10, "MK"), "<< /BG [0.5] /CA (new) /I 13 0 R /IF << /SW /N >> /TP 2 >>");
+    EXPECT_EQ(f.entry(11, "MK"), "<< /BG [0.5] /CA (new) /RC (r) >>");
+    EXPECT_EQ(f.entry(10, "AP"), "<< /N 13 0 R >>");
+    EXPECT_NE(f.entry(11, "AP"), "<< /N 13 0 R >>");
+    ASSERT_EQ(f.document.drawing_notes().size(), 1u);
+    EXPECT_EQ(f.document.drawing_notes()[0], "field \"icon\" shows an icon: its picture stays as it is");
+}
+
+TEST(DesignTest, LooksThatDoNotFitAreRefusedByName)
+{
+    FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R 11 0 R 12 0 R 13 0 R 14 0 R 15 0 R]>>", "",
+                          "/T(text)/FT/Tx;/T(box)/FT/Btn;/T(push)/FT/Btn/Ff 65536;/T(sign)/FT/Sig;"
+                          "/T(group)/Kids[16 0 R];/T(list)/FT/Ch;/T(in)/FT/Tx/Parent 14 0 R"));
+    const struct {
+        const char* name;
+        void (*set)(PDF_FIELD_DESIGN& design);
+        const char* sentence;  // behind the name of the field
+    } cases[] = {
+        {"sign", [](PDF_FIELD_DESIGN& d) { d.style.size = 9; }, "is a signature field, which has no text"},
+        {"sign", [](PDF_FIELD_DESIGN& d) { d.style.caption = "x"; }, "is a signature field, which has no caption"},
+        {"group", [](PDF_FIELD_DESIGN& d) { d.style.background.emplace(); }, "is a container, which has no widgets"},
+        {"push", [](PDF_FIELD_DESIGN& d) { d.style.alignment.emplace(); }, "is a push button, which has no alignment"},
+        {"box", [](PDF_FIELD_DESIGN& d) { d.style.font = "Times"; }, "is a check box, which has no font"},
+        {"box", [](PDF_FIELD_DESIGN& d) { d.action = {"<</S/Named>>"}; }, "is a check box, which has no action"},
+        {"list", [](PDF_FIELD_DESIGN& d) { d.format.emplace(); }, "is a list box, which has no format or calculation"},
+        {"text", [](PDF_FIELD_DESIGN& d) { d.style.border_width = -1; },
+         "can't have a border width of -1: 0 to 1000 points are"},
+        {"text", [](PDF_FIELD_DESIGN& d) { d.style.size = 1000.5; },
+         "can't have a text size of 1000.5: 0 to 1000 points are"},
+        {"text", [](PDF_FIELD_DESIGN& d) { d.style.size = -1, d.style.caption = "x"; },
+         "can't have a text size of -1: 0 to 1000 points are; field \"text\" is a text field, which has no caption"},
+    };
+    for (const auto& c : cases) {
+        PDF_FIELD_DESIGN change;
+        c.set(change);
+        EXPECT_EQ(design(f, c.name, change).text, "field \"" + std::string(c.name) + "\" " + c.sentence);
+    }
+    PDF_FIELD_DESIGN change;
+    change.label = "both or none";
+    change.style.alignment = PDF_ALIGNMENT::RIGHT;
+    CPDFField* const fields[] = {&f.field("text"), &f.field("box")};
+    EXPECT_FALSE(f.document.design_fields(fields, change).ok());
+    EXPECT_EQ(f.document.xref().changed_count(), 0);
+}
+
+TEST(DesignTest, WidgetsFollowTheFirstAndStandUpright)
+{
+    const struct {
+        const char* turn;
+        const char* marks;
+    } cases[] = {{"0", "-"}, {"90", "<< /R 90 >>"}, {"180", "<< /R 180 >>"}, {"270", "<< /R 270 >>"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.turn);
+        FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R]>>", std::string("/Annots[11 0 R 12 0 R]/Rotate ") + c.turn,
+                              "/T(t)/FT/Tx/V(x)/Kids[11 0 R 12 0 R];/Parent 10 0 R/Subtype/Widget/Rect[1 1 21 11];"
+                              "/Parent 10 0 R/Subtype/Widget/Rect[31 21 41 31]"));
+        PDF_MOVE move;
+        move.places = {{{51, 41, 20, 10}, 0}};
+        ASSERT_TRUE(f.document.move_widgets(f.field("t"), move).ok());
+        EXPECT_EQ(f.entry(11, "Rect") + f.entry(12, "Rect"), "[51 41 71 51][81 61 91 71]");
+        EXPECT_EQ(f.entry(11, "MK"), c.marks);
+    }
+}
+
+// With all widgets what refers to them goes; what else is in the structure stays.
+TEST(DesignTest, FlatteningKeepsTheStructureInStep)
+{
+    const struct {
+        const char* tree;
+        const char* nodes;  // objects 16 and 17
+        const char* numbers;
+        const char* kids;  // of the root of the parent tree
+    } cases[] = {
+        {" 16 0 R", "/Nums[0[14 0 R]1 14 0 R 2 15 0 R 3 13 0 R]", "[0 [14 0 R] 3 13 0 R]", "-"},
+        {"<</Kids[16 0 R 17 0 R]>>", "/Limits[0 1]/Nums[0[14 0 R]1 14 0 R];/Limits[2 2]/Nums[2 15 0 R]", "[0 [14 0 R]]",
+         "[16 0 R]"},
+        {"<</Kids[16 0 R 16 0 R]>>", "/Limits[0 9]/Kids[16 0 R]/Nums[0[14 0 R]1 14 0 R 2 15 0 R]", "[0 [14 0 R]]",
+         "[16 0 R 16 0 R]"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.nodes);
+        FormAtWork f(tagged_form(c.tree, c.nodes));
+        ASSERT_TRUE(f.document.flatten().ok());
+        EXPECT_EQ(f.entry(13, "K") + f.entry(15, "K"), "[15 0 R][0]");
+        EXPECT_EQ(f.entry(16, "Nums"), c.numbers);
+        const CPDFEntryView root(&f.document.xref(), f.document.root().dict->get_item("StructTreeRoot"));
+        const CPDFEntryView tree(&f.document.xref(), root->dict->get_item("ParentTree"));
+        const CPDFObj* kids = tree->dict->get_item("Kids");
+        EXPECT_EQ(kids ? show_object(*kids) : "-", c.kids);
+        EXPECT_EQ(f.entry(3, "Annots"), "-");
+    }
+}
+
 TEST(DesignTest, TheStructureFollows)
 {
     const struct {

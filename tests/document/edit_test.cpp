@@ -104,6 +104,33 @@ TEST(EditTest, AddToEveryKindOfForm)
     }
 }
 
+// Buttons in one rectangle go from left to right, or down, as the page is shown.
+TEST(EditTest, RadioButtonsShareARectangle)
+{
+    const struct {
+        const char* turn;
+        const char* wide;  // the first button's rectangles
+        const char* tall;
+    } cases[] = {
+        {"0", "[10 10 20 20]", "[10 20 20 30]"},
+        {"90", "[10 10 20 20]", "[10 10 20 20]"},
+        {"180", "[20 10 30 20]", "[10 10 20 20]"},
+        {"270", "[20 10 30 20]", "[10 20 20 30]"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.turn);
+        FormAtWork f(pdf_with("", std::string("/Rotate ") + c.turn));
+        for (const bool wide : {true, false}) {
+            PDF_NEW_FIELD field = new_field(KIND_RADIO, wide ? "wide" : "tall");
+            field.places = {{{10, 10, wide ? 20.0 : 10.0, wide ? 10.0 : 20.0}}};
+            ASSERT_TRUE(f.document.add_field(field).ok());
+            const uint32_t first = f.document.widgets_of(f.field(field.name))[0]->m_ref.num;
+            EXPECT_EQ(f.entry(first, "Rect"), wide ? c.wide : c.tall);
+            EXPECT_THAT(f.entry(first, "AP"), testing::HasSubstr("/S "));
+        }
+    }
+}
+
 TEST(EditTest, AddRefusesByNameAndChangesNothing)
 {
     FormAtWork f(pdf_with("/AcroForm 10 0 R", "/CropBox[0 0 0 0]",

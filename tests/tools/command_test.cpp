@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/tools/command_run.h"
+#include "tools/terminal_text.h"
 
 namespace {
 using nlohmann::ordered_json;
@@ -67,11 +68,22 @@ TEST_F(CommandTest, WrongUsageExitsTwoAndWritesNothing)
 
 TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPassword)
 {
-    for (const std::string verb : {"list", "get", "fill", "draw"}) {
+    std::istringstream all(folder.run({"--help"}).out);
+    std::string line;
+    std::vector<std::string> verbs = {""};
+    while (std::getline(all, line) && line != "Verbs:") {
+    }
+    while (std::getline(all, line) && line.starts_with("  "))
+        verbs.push_back(line.substr(2, line.find(' ', 2) - 2));
+    EXPECT_GE(verbs.size(), 18u);
+    for (const std::string& verb : verbs) {
         SCOPED_TRACE(verb);
-        const CommandResult help = folder.run({verb, "--help"});
+        const CommandResult help = verb.empty() ? folder.run({"--help"}) : folder.run({verb, "--help"});
         EXPECT_EQ(help.exit, 0);
-        EXPECT_NE(help.out.find("--password"), std::string::npos);
+        EXPECT_EQ(help.out.find("--password") != std::string::npos, !verb.empty());
+        std::istringstream lines(help.out);
+        while (std::getline(lines, line))
+            EXPECT_LE(columns_of(line), 80) << line;
     }
     EXPECT_EQ(folder.run({"get", form, "name", "--password", "secret"}).out, "Ann\n");
 }

@@ -62,9 +62,24 @@ public:
     }
 
     size_t widgets() const { return m_widgets; }
+
+    // The types of the elements and object references in the structure, in their order.
+    std::string structure() { return structure_of(m_root["/StructTreeRoot"]); }
     size_t numbers() const { return m_tree.size(); }
 
 private:
+    std::string structure_of(const json& entry)
+    {
+        const json node = at(entry);
+        std::string text;
+        for (const json& kid : node.is_array() ? node : json::array())
+            text += structure_of(kid);
+        if (!node.is_object())
+            return text;
+        const std::string type = node.value("/S", node.value("/Type", ""));
+        return type.substr(1) + " " + structure_of(node.value("/K", json::array()));
+    }
+
     std::string faults_of(const json& ref, const json& widget, const json& page)
     {
         ++m_widgets;
@@ -182,7 +197,36 @@ TEST_F(DesignVerbTest, AFormFromNothing)
         EXPECT_EQ(read->widgets(), 14u);
         EXPECT_EQ(read->numbers(), tagged ? 15u : 0u) << "one of the page, and one for each widget";
         EXPECT_TRUE(tagged ? faults.empty() : read->numbers() == 0) << faults;
+        if (!tagged)
+            continue;
+        edit_all({{"fill", "b=3", "--flatten"}});
+        read = by_qpdf();
+        EXPECT_EQ(read->faults(), "");
+        EXPECT_EQ(read->widgets(), 0u);
+        EXPECT_EQ(read->numbers(), 1u) << "that of the page";
+        EXPECT_EQ(read->structure(), "StructTreeRoot Document P ");
     }
+}
+
+TEST_F(DesignVerbTest, FontFilesWithCffOutlinesAreEmbedded)
+{
+    std::error_code ignored;
+    std::string font;
+    for (const auto& at : std::filesystem::recursive_directory_iterator("/usr/share/fonts", ignored)) {
+        if (at.path().extension() == ".otf" && at.path().filename().string().starts_with("Nimbus"))
+            font = at.path();
+    }
+    if (font.empty())
+        GTEST_SKIP() << "no such font";
+    file = folder.write("form.pdf", blank(false));
+    edit_all({{"add", "text", "t", "--rect", "20,250,100,20", "--font", font, "--default", "Wäy"},
+              {"add", "text", "u", "--rect", "20,200,100,20", "--font", font}});
+    if (!by_qpdf())
+        GTEST_SKIP() << "no qpdf";
+    const std::string all = read_text_file(folder.path("q.json"));
+    EXPECT_THAT(all, HasSubstr("/Type1C"));
+    EXPECT_THAT(all, HasSubstr("\"/Subtype\": \"/Type1\""));
+    EXPECT_EQ(all.find("/FontFile3"), all.rfind("/FontFile3")) << "embedded once";
 }
 
 TEST_F(DesignVerbTest, TabOrder)

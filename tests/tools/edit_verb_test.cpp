@@ -67,6 +67,7 @@ TEST_F(EditVerbTest, FormFromNothing)
 TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
 {
     ASSERT_EQ(edit({"add", "text", "t", "--rect", "1,2,30,10", "--in-place"}).exit, 0);
+    ASSERT_EQ(edit({"add", "text", "group.inner", "--rect", "1,20,30,10", "--in-place"}).exit, 0);
     const struct {
         std::vector<std::string> arguments;
         int exit;
@@ -80,6 +81,13 @@ TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
         {{"add", "text", "n", "--rect", "1,1,9"}, 2, {"1,1,9"}},
         {{"add", "text", "n", "--rect", "1,1,nan,9"}, 2, {"nan"}},
         {{"remove", "x", "t", "y"}, 1, {"\"x\"", "\"y\""}},
+        {{"remove", "gr"}, 1, {"no field \"gr\""}},
+        {{"remove", "grup.inner"}, 1, {"did you mean \"group.inner\"?"}},
+        {{"rename", "inner", "other"}, 1, {"no field \"inner\": did you mean \"group.inner\"?"}},
+        {{"rename", "t", "--under", "grou"}, 1, {"did you mean \"group\"?"}},
+        {{"set", "r", "--required", "on"}, 1, {"several have that in their names"}},
+        {{"move", "innr", "--page", "1"}, 1, {"did you mean \"group.inner\"?"}},
+        {{"tabs", "--by", "t", "innr"}, 1, {"did you mean \"group.inner\"?"}},
         {{"rename", "t", "a.b"}, 1, {"a.b"}},
         {{"rename", "t"}, 2, {"new name"}},
         {{"rename", "t", "--under", ""}, 2, {"--under"}},
@@ -98,6 +106,29 @@ TEST_F(EditVerbTest, RefusalsAreNamedAndNothingIsWritten)
     }
     EXPECT_EQ(edit({"remove", "t"}).exit, 2) << "no output";
     EXPECT_EQ(edit({"remove", "t", "-o", "-"}).out.substr(0, 5), "%PDF-");
+}
+
+TEST_F(EditVerbTest, NamesAreFoundByPartsAndNumbersWhereNothingIsLost)
+{
+    const std::vector<std::vector<std::string>> edits = {
+        {"add", "text", "group.first", "--rect", "1,2,30,10"},
+        {"add", "text", "group.second", "--rect", "1,20,30,10"},
+        {"set", "FIR", "--required", "on"},
+        {"set", "3", "--read-only", "on"},
+        {"copy", "sec", "group.third", "--rect", "1,40,30,10"},
+        {"move", "thi", "--rect", "1,60,30,10"},
+        {"tabs", "--by", "thi", "fir"},
+        {"rename", "4", "last"},
+        {"remove", "3"},
+    };
+    for (std::vector<std::string> words : edits) {
+        const bool by_name = words[0] == "add";
+        words.emplace_back("--in-place");
+        const CommandResult result = edit(words);
+        EXPECT_EQ(result.exit, 0) << words[0] << result.err;
+        EXPECT_EQ(result.err.find("is taken for the field \"group.") == std::string::npos, by_name) << result.err;
+    }
+    EXPECT_EQ(fields(), "group container 0;group.first text 2;group.last text 1;");
 }
 
 TEST_F(EditVerbTest, Actions)

@@ -101,7 +101,9 @@ TEST_F(ListTest, FieldsAreFoundByPartsAndNumbers)
         {"i", "",
          refused +
              "\"i\", and several have that in their names: \"pick\", \"pick.kid\", \"rich\", \"twin\", \"twin\" and 1 more\n"},
-        {"twin", "\n", "formwork: " + file + ": note: 2 fields have the name \"twin\": the first one is taken\n"},
+        {"twin", "\n",
+         "formwork: " + file +
+             ": note: 2 fields have the name \"twin\": the first one is taken, and numbers in the list tell them apart\n"},
     };
     for (const auto& c : cases) {
         const CommandResult got = folder.run({"get", file, c.word});
@@ -113,6 +115,15 @@ TEST_F(ListTest, FieldsAreFoundByPartsAndNumbers)
               "formwork: " + file + ": note: \"ric\" is taken for the field \"rich\"\n");
     EXPECT_EQ(folder.run({"get", out, "box", "rich"}).out, "a\nE\n");
     EXPECT_THAT(folder.run({"fill", file, "bux=a", "-o", out}).err, HasSubstr("did you mean \"box\"?"));
+    const std::string note = "2 fields have the name \"twin\": the first one is taken";
+    const std::string rows = folder.write("rows.jsonl", "{\"twin\":\"1\"}\n{\"twin\":\"2\"}\n");
+    EXPECT_THAT(folder.run({"fill", file, "twin=01/02/2000", "-o", out}).err, HasSubstr(note));
+    EXPECT_EQ(folder.run({"fill", out, "8=second", "--in-place"}).err,
+              "formwork: " + out + ": note: \"8\" is taken for the field \"twin\"\n");
+    EXPECT_EQ(folder.run({"get", out, "7", "8"}).out, "01/02/2000\nsecond\n");
+    const std::string told = folder.run({"fill", file, "--batch", rows, "--dry-run"}).err;
+    EXPECT_THAT(told, HasSubstr(note));
+    EXPECT_EQ(told.find(note), told.rfind(note)) << "told once";
 }
 
 TEST_F(ListTest, CompareTellsWhatDiffers)

@@ -114,7 +114,9 @@ std::string BatchManifest::mark_of(const CPDFFormData& data, const std::string& 
     for (const PDF_FORM_ENTRY& entry : data) {
         add(entry.name);
         const std::vector<std::string> texts = texts_of(entry.value);
-        add(std::to_string(entry.value.index()) + " " + std::to_string(texts.size()));
+        for (const size_t number :
+             {entry.value.index(), static_cast<size_t>(entry.words), size_t{entry.is_typed}, texts.size()})
+            add(std::to_string(number));
         std::for_each(texts.begin(), texts.end(), add);
     }
     return sum.hex().substr(0, MARK_DIGITS);

@@ -91,7 +91,7 @@ constexpr DESIGN_OPTION OPTIONS[] = {
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.label); }},
     {"--mapping-name", "its name in exported data", "NAME", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.mapping_name); }},
-    {"--font", "of the form's, of the standard 14 such as Times-Bold, or a TrueType file to embed", "FONT", "UTF-8",
+    {"--font", "of the form's, of the standard 14 such as Times-Bold, or a font file to embed", "FONT", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.style.font); }},
     {"--font-size", "in points, or auto, which fits the text", "N", "a number of points or auto",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_size(word, design.style.size); }},

@@ -11,7 +11,8 @@
 
 void add_field_pick(CLI::App& verb, FIELD_PICK& pick)
 {
-    verb.add_option("NAME", pick.names, "full names of fields, or patterns: 'line*.amount'")->option_text("...");
+    verb.add_option("NAME", pick.names, "names of fields, parts of them or numbers; or patterns: 'line*.amount'")
+        ->option_text("...");
     verb.add_flag("--all", pick.all, "all fields");
     verb.add_option("--kind", pick.kind, "of --all and of patterns, only fields of this kind: text, check, ...")
         ->option_text("KIND");
@@ -26,7 +27,22 @@ CPDFStatus check_field_pick(const FIELD_PICK& pick)
     return {};
 }
 
-std::vector<CPDFField*> choose_fields(CPDFDocument& document, const FIELD_PICK& pick, std::vector<CPDFStatus>& refusals)
+CPDFField* choose_field(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name,
+                        std::vector<CPDFStatus>& refusals, PDF_FIELD_WORDS words)
+{
+    CPDFStatus why;
+    const bool is_known = document.field(name) != nullptr;
+    CPDFField* field = find_field(document, input, name, why, words);
+    if (!field)
+        refusals.push_back(why);
+    else if (!is_known)
+        complain(input.path.text,
+                 "note: " + in_quotes(name) + " is taken for the field " + in_quotes(full_name(*field)));
+    return field;
+}
+
+std::vector<CPDFField*> choose_fields(CPDFDocument& document, const COMMAND_INPUT& input, const FIELD_PICK& pick,
+                                      std::vector<CPDFStatus>& refusals)
 {
     std::vector<CPDFField*> chosen;
     std::unordered_set<const CPDFField*> known;
@@ -54,13 +70,10 @@ std::vector<CPDFField*> choose_fields(CPDFDocument& document, const FIELD_PICK& 
     if (pick.all)
         choose_like("*");
     for (const COMMAND_WORD& name : pick.names) {
-        const bool pattern = name.text.find('*') != std::string::npos;
-        if (CPDFField* field = document.field(name.text))
-            choose(*field);
-        else if (pattern)
+        if (name.text.find('*') != std::string::npos && !document.field(name.text))
             choose_like(name.text);
-        else
-            refusals.push_back(no_such_field(name.text));
+        else if (CPDFField* field = choose_field(document, input, name.text, refusals))
+            choose(*field);
     }
     return chosen;
 }

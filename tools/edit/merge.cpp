@@ -63,6 +63,8 @@ int merge(const MERGE_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_document(document, arguments.input(0)))
         return COMMAND_REFUSED;
+    if (const CPDFStatus status = document.check_append(arguments.how()); !status.ok())
+        return end_with(status, arguments.paths[0].text);
     for (size_t i = 1; i < arguments.paths.size(); ++i) {
         if (!append(document, arguments, i, names))
             return COMMAND_REFUSED;

@@ -3,6 +3,7 @@
 
 #include "document/lookup/field_text.h"
 #include "tools/edit/edit_verb.h"
+#include "tools/edit/field_pick.h"
 #include "tools/terminal_text.h"
 
 namespace {
@@ -38,8 +39,10 @@ int run(const MOVE_ARGUMENTS& arguments, MOVE_OPERATION operation)
     if (!is_utf8(arguments.copy.text))
         return complain_usage("the name " + in_quotes(arguments.copy.text) + " is not UTF-8");
     return edit_file(arguments.edit, [&](CPDFDocument& document) {
-        CPDFField* field = document.field(arguments.name.text);
-        return std::vector{field ? operation(document, *field, arguments, move) : no_such_field(arguments.name.text)};
+        std::vector<CPDFStatus> results;
+        if (CPDFField* field = choose_field(document, arguments.edit.input, arguments.name.text, results))
+            results.push_back(operation(document, *field, arguments, move));
+        return results;
     });
 }
 
@@ -62,7 +65,9 @@ void add_move_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<MOVE_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("move", "Moves a field to another place");
     add_input(verb, arguments->edit.input);
-    verb.add_option("NAME", arguments->name, "full name of the field")->required()->option_text(" ");
+    verb.add_option("NAME", arguments->name, "name of the field, a part of it or its number")
+        ->required()
+        ->option_text(" ");
     add_verb(
         verb, arguments,
         [](CPDFDocument& document, CPDFField& field, const MOVE_ARGUMENTS& given, const PDF_MOVE& move) {
@@ -76,7 +81,9 @@ void add_copy_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<MOVE_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("copy", "Adds a field that is as another one");
     add_input(verb, arguments->edit.input);
-    verb.add_option("NAME", arguments->name, "full name of the field")->required()->option_text(" ");
+    verb.add_option("NAME", arguments->name, "name of the field, a part of it or its number")
+        ->required()
+        ->option_text(" ");
     verb.add_option("NEW", arguments->copy, "full name of the copy")->required()->option_text(" ");
     add_verb(
         verb, arguments,

@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "document/lookup/field_text.h"
 #include "forms/acro_form.h"
 #include "forms/field.h"
 #include "tools/edit/edit_verb.h"
+#include "tools/edit/field_pick.h"
 
 namespace {
 
@@ -19,10 +19,9 @@ std::vector<CPDFStatus> remove_all(CPDFDocument& document, const REMOVE_ARGUMENT
     std::vector<CPDFStatus> results;
     std::vector<PDF_REF> fields;
     for (const COMMAND_WORD& name : arguments.names) {
-        if (const CPDFField* field = document.field(name.text))
+        if (const CPDFField* field =
+                choose_field(document, arguments.edit.input, name.text, results, PDF_FIELD_WORDS::NUMBERS))
             fields.push_back(field->m_ref);
-        else
-            results.push_back(document.no_field(name.text));
     }
     if (!results.empty())
         return results;
@@ -40,9 +39,12 @@ void add_remove_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<REMOVE_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("remove", "Removes fields, with all under them and all that shows them");
     add_input(verb, arguments->edit.input);
-    verb.add_option("NAME", arguments->names, "full names of fields or groups")->required()->option_text("...");
+    verb.add_option("NAME", arguments->names, "full names of fields or groups, or numbers")
+        ->required()
+        ->option_text("...");
     add_edit_options(verb, arguments->edit);
-    verb.footer("A group in which nothing is left goes, too.");
+    verb.footer("Parts of names are not enough to lose a field: give its full name, or its number\n"
+                "in the list. A group in which nothing is left goes, too.");
     verb.callback([arguments, &action] {
         action = [arguments] {
             return edit_file(arguments->edit, [&](CPDFDocument& document) { return remove_all(document, *arguments); });

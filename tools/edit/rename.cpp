@@ -3,6 +3,7 @@
 
 #include "document/lookup/field_text.h"
 #include "tools/edit/edit_verb.h"
+#include "tools/edit/field_pick.h"
 #include "tools/terminal_text.h"
 
 namespace {
@@ -19,16 +20,11 @@ struct RENAME_ARGUMENTS {
 std::vector<CPDFStatus> rename(CPDFDocument& document, const RENAME_ARGUMENTS& arguments)
 {
     std::vector<CPDFStatus> refusals;
-    CPDFStatus why;
-    CPDFField* field = find_field(document, arguments.edit.input, arguments.name.text, why);
-    if (!field)
-        refusals.push_back(why);
-    CPDFField* parent = nullptr;
-    if (const std::string& under = arguments.under.text; !under.empty()) {
-        parent = find_field(document, arguments.edit.input, under, why);
-        if (!parent)
-            refusals.push_back(why);
-    }
+    const auto choose = [&](const std::string& name) {
+        return choose_field(document, arguments.edit.input, name, refusals, PDF_FIELD_WORDS::NUMBERS);
+    };
+    CPDFField* field = choose(arguments.name.text);
+    CPDFField* parent = arguments.under.text.empty() ? nullptr : choose(arguments.under.text);
     if (!field || !refusals.empty())
         return refusals;
     if (parent || arguments.to_top) {
@@ -62,14 +58,16 @@ void add_rename_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<RENAME_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("rename", "Gives a field another name or moves it to another group");
     add_input(verb, arguments->edit.input);
-    verb.add_option("NAME", arguments->name, "full name of the field")->required()->option_text(" ");
+    verb.add_option("NAME", arguments->name, "full name of the field, or its number")->required()->option_text(" ");
     verb.add_option("NEW", arguments->new_name, "its new name within its group, without a '.'")->option_text(" ");
     const CLI::Option* under =
         verb.add_option("--under", arguments->under, "move it into this group")->option_text("GROUP");
     verb.add_flag("--top", arguments->to_top, "move it out of all groups");
     add_edit_options(verb, arguments->edit);
-    verb.footer("The name must be free at every step: a field that is moved and renamed is moved first.\n"
-                "Scripts and actions that name the field are not changed.");
+    verb.footer("Parts of names are not enough: give the full name of a field or group, or its\n"
+                "number in the list. The new name must be free at every step: a field that is\n"
+                "moved and renamed is moved first. Scripts and actions that name the field are\n"
+                "not changed.");
     verb.callback([arguments, under, &action] {
         arguments->has_under = under->count() > 0;
         action = [arguments] { return rename_or_move(*arguments); };

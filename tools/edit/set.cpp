@@ -51,7 +51,7 @@ CPDFStatus read_all(const SET_ARGUMENTS& arguments, SET_REQUEST& request)
 std::vector<CPDFStatus> set_all(CPDFDocument& document, const SET_ARGUMENTS& arguments, const SET_REQUEST& request)
 {
     std::vector<CPDFStatus> results;
-    const std::vector<CPDFField*> fields = choose_fields(document, arguments.fields, results);
+    const std::vector<CPDFField*> fields = choose_fields(document, arguments.edit.input, arguments.fields, results);
     if (request.changes()) {
         for (CPDFField* field : fields)
             results.push_back(document.change_field(*field, request.change, arguments.edit.how()));

@@ -1,8 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "document/lookup/field_text.h"
 #include "tools/edit/edit_verb.h"
+#include "tools/edit/field_pick.h"
 
 namespace {
 
@@ -23,11 +23,10 @@ std::vector<CPDFStatus> order(CPDFDocument& document, const TABS_ARGUMENTS& argu
             tabs.by = by;
     }
     for (const COMMAND_WORD& name : arguments.by) {
-        CPDFField* field = tabs.by == PDF_TAB_ORDER::FIELDS ? document.field(name.text) : nullptr;
-        if (field)
+        if (tabs.by != PDF_TAB_ORDER::FIELDS)
+            continue;
+        if (CPDFField* field = choose_field(document, arguments.edit.input, name.text, results))
             tabs.fields.push_back(field);
-        else if (tabs.by == PDF_TAB_ORDER::FIELDS)
-            results.push_back(no_such_field(name.text));
     }
     if (results.empty())
         results.push_back(document.order_tabs(tabs, arguments.edit.how()));
@@ -49,11 +48,12 @@ void add_tabs_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<TABS_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("tabs", "Sets in which order the tab key goes through the fields");
     add_input(verb, arguments->edit.input);
-    verb.add_option("--by", arguments->by, "rows, columns, structure (of a tagged document), or names")
+    verb.add_option("--by", arguments->by, "rows, columns, structure (of a tagged document), or fields")
         ->required()
         ->option_text("HOW...");
     verb.add_option("--page", arguments->page.page, "only this page, counted from 1")->option_text("N");
     add_edit_options(verb, arguments->edit);
-    verb.footer("Named fields and groups come first, in that order; others stay as they are.");
+    verb.footer("Named fields and groups come first, in that order; others stay as they are.\n"
+                "A part of a name that only one field has, or its number in the list, will do.");
     verb.callback([arguments, &action] { action = [arguments] { return run(*arguments); }; });
 }

@@ -81,6 +81,8 @@ void BatchJob::fill_row(const BATCH_ROW& row, BATCH_RESULT& result)
     if (mend_document(m_document, m_arguments.input))
         items = plan_data(m_document, row.data, m_arguments.how());
     for (const PDF_DATA_ITEM& item : items) {
+        if (m_batch.rows.is_new(item.entry.name))
+            note_same_names(m_document, m_arguments.input, item.entry.name);
         if (!item.status.ok())
             result.refuse(ROW_RESULT::REFUSED, item.status.text);
     }

@@ -5,7 +5,7 @@
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "formats/apply_data.h"
-#include "formats/import/form_data.h"
+#include "tools/fill/fill_data.h"
 #include "tools/fill/fill_internal.h"
 #include "tools/fill/fill_report.h"
 
@@ -13,32 +13,6 @@ namespace {
 
 // Few values are reached faster one by one than through the whole form.
 constexpr size_t MOST_SINGLE_FIELDS = 16;
-
-// The full name of the field that `word` means, or the word itself where that is not clear.
-std::string meant_name(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word)
-{
-    CPDFStatus why;
-    if (document.field(word) || document.has_only_xfa())
-        return word;
-    const CPDFField* field = document.find_field(word, why);
-    if (!field)
-        return word;
-    std::string name = full_name(*field);
-    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(name));
-    return name;
-}
-
-// The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
-// Where none is, the text before the first '=' stands for the name.
-size_t find_assign(CPDFDocument& document, std::string_view assignment)
-{
-    const size_t first = assignment.find('=', 1);
-    for (size_t at = first; at != std::string_view::npos; at = assignment.find('=', at + 1)) {
-        if (document.field(assignment.substr(0, at)))
-            return at;
-    }
-    return first;
-}
 
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
@@ -77,8 +51,11 @@ bool complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<PDF
 int fill_once(const FILL_ARGUMENTS& arguments)
 {
     CPDFFormData data;
+    DataRules rules;
+    if (!rules.set(arguments.reading).ok() || !rules.open(arguments.reading))
+        return COMMAND_REFUSED;
     if (!arguments.data.text.empty()) {
-        const CPDFStatus status = read_form_data(arguments.data.text, data);
+        const CPDFStatus status = read_form_data(arguments.data.text, data, rules.style());
         if (!status.ok())
             return end_with(status, arguments.data.text);
         if (data.empty())
@@ -87,17 +64,19 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
         return COMMAND_REFUSED;
+    if (const CPDFStatus shaped = rules.shape(document, data); !shaped.ok())
+        return end_with(shaped, arguments.data.text);
     const size_t from_file = data.size();
     std::vector<PDF_DATA_ITEM> items;
     do {
         data.resize(from_file);
-        for (const COMMAND_WORD& assignment : arguments.assignments) {
-            const size_t at = find_assign(document, assignment.text);
-            data.push_back({meant_name(document, arguments.input, assignment.text.substr(0, at)),
-                            assignment.text.substr(at + 1), PDF_WORDS::STATES_FIRST, true});
-        }
+        add_assignments(document, arguments, data);
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
+    for (const PDF_DATA_ITEM& item : items) {
+        if (!item.entry.field)
+            note_same_names(document, arguments.input, item.entry.name);
+    }
     const bool accepted = complain_of_refusals(arguments, items);
     std::vector<CPDFField*> calculated;
     CPDFStatus status = apply_data(document, items, &calculated);
@@ -156,10 +135,10 @@ CPDFStatus check_usage(FILL_ARGUMENTS& arguments)
     if (!has_data && !has_batch)
         return wrong_usage(
             "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)");
-    if (has_data && has_batch)
-        return wrong_usage("--batch takes all values from its rows: give no NAME=VALUE and no --data with it");
     if (!read_jobs(arguments))
         return wrong_usage(in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256");
+    if (CPDFStatus status = DataRules().set(arguments.reading); !status.ok())
+        return status;
     if (CPDFStatus status = check_scripts(arguments.scripts); !status.ok())
         return status;
     return check_place(arguments);
@@ -175,21 +154,29 @@ int fill(FILL_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(A field takes, whatever the value comes from:
   text field    a text, no longer than its maximum
-  check box     the name of a state; with one on state true or false, yes or no, on or off, 1 or 0
+  check box     the name of a state; with one on state true or false, yes or no,
+                on or off, 1 or 0
   radio group   the name of a state or an export value; Off for none
   combo box     an export value or a shown text; any text when it is editable
-  list box      the same; several of them when it takes several (NAME=VALUE repeated, or a list in JSON)
-Push buttons and signatures take none. When anything is refused nothing is written, and all refusals are listed.
-Where no field takes a value but the form has XFA data, names are the paths in the data that `formwork list` shows.
+  list box      the same; several of them when it takes several (NAME=VALUE
+                repeated, or a list in JSON)
+Push buttons and signatures take none. When anything is refused nothing is
+written, and all refusals are listed. Of several fields with one full name the
+first is filled, and a note says so; NUMBER=VALUE fills another one.
+Where no field takes a value but the form has XFA data, names are the paths in
+the data that `formwork list` shows.
 
-Data files, in UTF-8:
-  .json   one object of names to texts, numbers, true, false or lists of texts; null leaves a field alone
-  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves its field alone
+Data files, in UTF-8, have full names of fields:
+  .json   one object of names to texts, numbers, true, false or lists of texts;
+          null leaves a field alone
+  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves
+          its field alone
   .fdf    FDF, as formwork export and other programs write it
   .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
 
-A batch fills FILE once for every row of a .csv file, or every line of a .jsonl file with one JSON object each:
+A batch fills FILE once for every row of a .csv file, or every line of a .jsonl
+file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
 -o is a pattern: {id} is the value that the row has in the column id, {row} the
 number of the row, {row:06} that with six digits, and {{ a brace. A column that
@@ -200,9 +187,10 @@ even on one processor, since each of them waits for the disk. Exits 0 when all
 rows are done, 3 when some of them were refused, 1 when the batch could not work
 or an output could not be written.
 
---report prints {"name","result","why","value"} for every name, with "row" in a batch: result is set, coerced (understood as
-something else than it said, such as a shown text), kept (the field has it already), calculated (by scripts, which changed a field
-that is not named) or refused, which why explains.)";
+--report prints {"name","result","why","value"} for every name, with "row" in a
+batch: result is set, coerced (understood as something else than it said, such
+as a shown text), kept (the field has it already), calculated (by scripts, which
+changed a field that is not named) or refused, which why explains.)";
 
 }  // namespace
 
@@ -219,6 +207,7 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::Option& batch =
         *verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
              ->option_text("ROWS");
+    add_data_options(verb, arguments->reading);
     add_output(verb, arguments->output);
     add_scripts(verb, arguments->scripts);
     verb.add_flag("--xfa", arguments->xfa,

@@ -106,7 +106,8 @@ bool open_more(DOCUMENTS& documents, const FILL_ARGUMENTS& arguments, size_t row
 bool open_rows(BATCH& batch, CPDFDocument& document, const OutputPattern& pattern)
 {
     const FILL_ARGUMENTS& arguments = batch.arguments;
-    if (!batch.rows.open(arguments.batch.text) || !batch.rows.check_columns(document))
+    if (!batch.rows.open(arguments.batch.text, arguments.reading) || !batch.rows.check_columns(document) ||
+        !batch.rows.add_constants(document, arguments))
         return false;
     if (!arguments.batches.is_archive) {
         if (!has_folder(pattern.fixed_folder()))
@@ -167,7 +168,7 @@ BatchOutput::SETUP setup_of(const BATCH& batch, ZipArchive& archive)
 {
     const FILL_ARGUMENTS& arguments = batch.arguments;
     BatchOutput::SETUP setup;
-    setup.rows_file = arguments.batch.text;
+    setup.rows_file = batch.rows.path();
     setup.first = arguments.batches.first;
     setup.rows = batch.rows.count();
     setup.reports = arguments.output.output.text == "-" ? stderr : stdout;
@@ -194,7 +195,7 @@ int run_batch(BATCH& batch, const DOCUMENTS& documents, ZipArchive& archive)
         skipped_scripts = std::max(skipped_scripts, document->skipped_scripts());
     note_skipped_scripts(skipped_scripts, arguments.input);
     if (!done)
-        complain(arguments.batch.text, "there is not enough memory");
+        complain(batch.rows.path(), "there is not enough memory");
     if (!done || output.has_failed() || BatchEnding::number()) {
         if (setup.archive)
             complain(arguments.output.output.text, "the archive is not written, since the rows were not all done");

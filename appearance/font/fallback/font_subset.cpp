@@ -55,6 +55,14 @@ std::string bytes_of(const HARFBUZZ& hb, hb_blob_t* blob)
     return {data, size};
 }
 
+// What a document embeds of the part that was made: the TrueType font, or the bare CFF one.
+std::string program_of(const CPDFFontFile& file, hb_face_t* part)
+{
+    const HARFBUZZ& hb = file.harfbuzz();
+    return bytes_of(hb, file.is_cff() ? hb.hb_face_reference_table(part, HB_TAG('C', 'F', 'F', ' '))
+                                      : hb.hb_face_reference_blob(part));
+}
+
 std::string glyphs_by_code(const HARFBUZZ& hb, const hb_map_t* new_glyphs, const CPDFGlyphCodes& codes)
 {
     std::string out;
@@ -88,10 +96,7 @@ bool make_subset(FONT_SUBSET& out, const CPDFFontFile& file, const CPDFGlyphCode
     const auto face = harfbuzz_guard(hb.hb_subset_plan_execute_or_fail(plan.get()), hb.hb_face_destroy);
     if (!face)
         return false;
-    if (file.is_cff())
-        out.program = bytes_of(hb, hb.hb_face_reference_table(face.get(), HB_TAG('C', 'F', 'F', ' ')));
-    else
-        out.program = bytes_of(hb, hb.hb_face_reference_blob(face.get()));
+    out.program = program_of(file, face.get());
     if (!file.is_cff())
         out.cid_glyphs = glyphs_by_code(hb, hb.hb_subset_plan_old_to_new_glyph_mapping(plan.get()), codes);
     return !out.program.empty();
@@ -107,7 +112,8 @@ bool make_character_subset(std::string& program, const CPDFFontFile& file, std::
     for (const char32_t c : characters)
         hb.hb_set_add(hb.hb_subset_input_unicode_set(input.get()), c);
     drop_tables(input.get(), file, HB_TAG('c', 'm', 'a', 'p'));
-    hb.hb_subset_input_set_flags(input.get(), HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+    const unsigned names = file.is_cff() ? HB_SUBSET_FLAGS_GLYPH_NAMES : HB_SUBSET_FLAGS_DEFAULT;
+    hb.hb_subset_input_set_flags(input.get(), names | HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
     const auto plan =
         harfbuzz_guard(hb.hb_subset_plan_create_or_fail(file.face(), input.get()), hb.hb_subset_plan_destroy);
     if (!plan)
@@ -115,6 +121,6 @@ bool make_character_subset(std::string& program, const CPDFFontFile& file, std::
     const auto face = harfbuzz_guard(hb.hb_subset_plan_execute_or_fail(plan.get()), hb.hb_face_destroy);
     if (!face)
         return false;
-    program = bytes_of(hb, hb.hb_face_reference_blob(face.get()));
+    program = program_of(file, face.get());
     return !program.empty();
 }

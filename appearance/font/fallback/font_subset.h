@@ -12,7 +12,8 @@ struct FONT_SUBSET {
     std::string cid_glyphs;  // for TrueType: the glyph in `program` of each code, two bytes each
 };
 
-// The whole font with these characters alone, which its "cmap" leads to. False when HarfBuzz can't make it.
+// The font with these characters alone: a whole TrueType font, whose "cmap" leads to them, or a bare CFF one, whose glyphs
+// keep their names. False when HarfBuzz can't make it.
 bool make_character_subset(std::string& program, const CPDFFontFile& file, std::u32string_view characters);
 
 // The outlines of the used codes, without what shapes or hints them. False when HarfBuzz can't make it.

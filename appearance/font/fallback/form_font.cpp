@@ -56,11 +56,12 @@ bool read_form_font(const std::string& path, FORM_FONT& out, std::string& proble
         return false;
     }
     const std::unique_ptr<CPDFFontFile> file = CPDFFontFile::open(*hb, path, 0, out.name);
-    if (!file || file->is_cff()) {
-        problem =
-            file ? "it has no TrueType outlines" : "its maker does not allow it to be embedded, or it has no outlines";
+    if (!file || file->has_cids()) {
+        problem = file ? "its glyphs have no names, but the numbers of a character collection"
+                       : "its maker does not allow it to be embedded, or it has no outlines";
         return false;
     }
+    out.is_cff = file->is_cff();
     std::u32string characters;
     out.widths.resize(FORM_FONT_LAST - FORM_FONT_FIRST + 1);
     for (const auto& [code, character] : encoded_characters()) {
