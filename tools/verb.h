@@ -81,6 +81,9 @@ CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const 
 // Says so where several fields have this full name.
 void note_same_names(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name);
 
+// Says so where fields that only pages know were taken for fields of the form.
+void note_adopted(const CPDFDocument& document, const COMMAND_INPUT& input);
+
 // Finds the fields meant by these words. Complains about every one that means none, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,
                  std::vector<CPDFField*>& fields);
