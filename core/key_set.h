@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string_view>
 
-// At most 16 keys, borrowed literals: `constexpr CPDFKeySet KEYS{"Kids", "T"};`. Reading an object with a key set skips
+// At most 32 keys, borrowed literals: `constexpr CPDFKeySet KEYS{"Kids", "T"};`. Reading an object with a key set skips
 // every other top-level entry of its dictionary, so that nothing is built that nobody looks at.
 class CPDFKeySet {
 public:
@@ -29,6 +29,16 @@ public:
             add(key, count);
     }
 
+    // The keys of `base` and more.
+    template <std::convertible_to<const char*>... Keys>
+    explicit constexpr CPDFKeySet(const CPDFKeySet& base, const Keys&... keys) : CPDFKeySet(base)
+    {
+        uint8_t count = 0;
+        while (!m_keys[count].empty())
+            ++count;
+        (add(keys, count), ...);
+    }
+
     bool contains(const char* key, size_t len) const
     {
         if (len == 0)
@@ -41,7 +51,7 @@ public:
     }
 
 private:
-    static constexpr size_t MAX_KEYS = 16;
+    static constexpr size_t MAX_KEYS = 32;
     static constexpr size_t SLOTS = 64;
 
     constexpr void add(const char* key, uint8_t& count)

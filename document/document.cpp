@@ -1,11 +1,14 @@
 #include "document/document.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/alloc.h"
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 #include "document/document_state.h"
+#include "document/fill/need_appearances.h"
+#include "document/lookup/field_text.h"
 #include "document/lookup/name_guess.h"
 #include "file/file_reader.h"
 #include "file/output_file.h"
@@ -53,7 +56,12 @@ CPDFStatus CPDFDocument::State::load(PDF_LOAD load, std::string_view password)
         status = reader->unlock(*xref, password);
     if (status.ok())
         status = find_root();
-    return status.ok() && load == PDF_LOAD::WHOLE_FORM ? load_whole_form() : status;
+    if (load == PDF_LOAD::FORM_AND_NOTES)
+        field_notes.emplace(*xref);
+    if (!status.ok() || load == PDF_LOAD::NAMED_FIELDS)
+        return status;
+    listed_form();
+    return check_whole();
 }
 
 CPDFStatus CPDFDocument::State::find_root()
@@ -92,14 +100,14 @@ bool CPDFDocument::State::has_xfa() const
     return dict && dict->get_item("XFA");
 }
 
-CPDFAcroForm& CPDFDocument::State::loaded_form()
+CPDFAcroForm& CPDFDocument::State::listed_form()
 {
     if (form_loaded)
         return form;
     const VXFailureCheck memory;
     const CPDFReadAllowance allowance(reader->budget());
     form.unload();  // what was loaded when memory ran out
-    form.load(xref.get(), form_entry(), &root, root_ref);
+    form.load(xref.get(), form_entry(), &root, root_ref, field_notes ? &*field_notes : nullptr);
     need_memory(memory);
     form_whole = !allowance.used_up();
     branches->graft(form);
@@ -107,9 +115,35 @@ CPDFAcroForm& CPDFDocument::State::loaded_form()
     return form;
 }
 
+// What takes too much work is not adopted: the fields that the form lists are worth having without.
+CPDFAcroForm& CPDFDocument::State::loaded_form()
+{
+    listed_form();
+    if (adopted)
+        return form;
+    const VXFailureCheck memory;
+    const CPDFReadAllowance allowance(reader->budget());
+    adoption.give_back(form);  // what was adopted when memory ran out
+    EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
+    adoption.adopt(target);
+    if (memory.failed() || allowance.used_up())
+        adoption.give_back(form);
+    need_memory(memory);
+    if (adoption.count() > 0)
+        names.clear();
+    adopted_count = std::max(adopted_count, adoption.count());
+    adopted = true;
+    return form;
+}
+
 CPDFStatus CPDFDocument::State::load_whole_form()
 {
     loaded_form();
+    return check_whole();
+}
+
+CPDFStatus CPDFDocument::State::check_whole() const
+{
     if (form_whole)
         return {};
     return CPDFStatus::failed(PDF_CODE::LIMIT, "the form takes more work to read than its size justifies");
@@ -176,6 +210,37 @@ void CPDFDocument::State::forget_fields()
     guard.reset();
 }
 
+void CPDFDocument::State::unload_form()
+{
+    adoption = CPDFAdoption();
+    adopted = form_loaded = false;
+    form.unload();
+    form.m_ref = {0, 0};
+}
+
+CPDFStatus CPDFDocument::State::check_listing(const CPDFField& field)
+{
+    if (!adoption.is_unlisted(field))
+        return {};
+    CPDFStatus status = signatures().check_edit(nullptr);
+    if (!status.ok())
+        status.text =
+            "field " + in_quotes(full_name(field)) + " is not in the form's list of fields, and " + status.text;
+    return status;
+}
+
+CPDFStatus CPDFDocument::State::list_changed()
+{
+    if (adoption.count() == 0)
+        return {};
+    EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
+    CPDFStatus status = adoption.list_changed(target);
+    // There was perhaps no form dictionary yet to ask in.
+    if (status.ok() && asked_to_draw && set_need_appearances(*xref, root, root_ref) == PDF_CHANGE_RESULT::NO_MEMORY)
+        status = no_memory_to("draw the fields");
+    return status;
+}
+
 CPDFStatus CPDFDocument::State::check_permission(bool permitted)
 {
     return permitted ? CPDFStatus()
@@ -211,6 +276,16 @@ CPDFAcroForm& CPDFDocument::form()
     return m_state->loaded_form();
 }
 
+size_t CPDFDocument::adopted_fields() const
+{
+    return m_state->adopted_count;
+}
+
+const CPDFPageMap& CPDFDocument::pages()
+{
+    return m_state->pages();
+}
+
 CPDFXRefTable& CPDFDocument::xref()
 {
     return *m_state->xref;
@@ -244,6 +319,7 @@ size_t CPDFDocument::size() const
 void CPDFDocument::fields_changed()
 {
     m_state->forget_fields();
+    m_state->adoption.fields_changed(m_state->form);
 }
 
 CPDFField* CPDFDocument::field(std::string_view name)
@@ -254,6 +330,8 @@ CPDFField* CPDFDocument::field(std::string_view name)
     if (!state.form_loaded)
         found = state.branches->find(*state.xref, state.form_entry(), name);
     if (!found)
+        found = state.names.find(state.listed_form(), name);
+    if (!found && !state.adopted)
         found = state.names.find(state.loaded_form(), name);
     if (memory.failed())
         state.names.clear();
@@ -291,11 +369,18 @@ size_t CPDFDocument::fields_named(std::string_view name)
     if (!state.form_loaded)
         count = static_cast<size_t>(state.branches->count(*state.xref, state.form_entry(), name));
     if (count > 1)
-        count = state.names.count(state.loaded_form(), name);
+        count = state.names.count(state.listed_form(), name);
     if (memory.failed())
         state.names.clear();
     need_memory(memory);
     return count;
+}
+
+CPDFFieldNotes& CPDFDocument::field_notes()
+{
+    if (!m_state->field_notes)
+        m_state->field_notes.emplace(*m_state->xref);
+    return *m_state->field_notes;
 }
 
 std::span<CPDFAnnotWidget* const> CPDFDocument::widgets_of(const CPDFField& field)
@@ -342,15 +427,14 @@ void CPDFDocument::revert()
         state.redraw->changes_dropped();
     if (std::exchange(state.edited, false)) {
         state.forget_fields();
-        state.form_loaded = false;
-        state.form.unload();
-        state.form.m_ref = {0, 0};
+        state.unload_form();
         state.read_root();
         need_memory(memory);
-        state.loaded_form();
+        state.listed_form();
         return;
     }
     state.read_root();
+    state.adoption.changes_dropped(state.form);
     for (CPDFAnnotWidget* widget : std::exchange(state.drawn_buttons, {}))
         widget->load(state.xref.get(), widget->m_ref);
     // Kids without a name may have lost values of their own.
@@ -364,7 +448,10 @@ void CPDFDocument::revert()
 
 CPDFStatus CPDFDocument::State::make_update(std::string& update)
 {
-    if (CPDFStatus status = draw(); !status.ok())
+    CPDFStatus status = draw();
+    if (status.ok())
+        status = list_changed();
+    if (!status.ok())
         return status;
     const VXFailureCheck memory;
     write_update(update, *xref, *reader, bytes.data(), bytes.size());
@@ -380,6 +467,21 @@ CPDFStatus CPDFDocument::save(const std::string& path)
         std::string update;
         if (CPDFStatus status = m_state->make_update(update); !status.ok())
             return status;
+        return write(path, update);
+    });
+}
+
+CPDFStatus CPDFDocument::make_update(std::string& update)
+{
+    return within_memory("save the file", [&] {
+        update.clear();
+        return m_state->make_update(update);
+    });
+}
+
+CPDFStatus CPDFDocument::write(const std::string& path, std::string_view update) const
+{
+    return within_memory("save the file", [&] {
         const std::string_view input(reinterpret_cast<const char*>(data()), size());
         return write_file(path, {input, m_state->bytes.descriptor()}, update);
     });

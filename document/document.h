@@ -23,6 +23,8 @@
 class CPDFAcroForm;
 class CPDFAnnotWidget;
 class CPDFField;
+class CPDFFieldNotes;
+class CPDFPageMap;
 class CPDFXRefTable;
 struct PDF_SUMMARY;
 struct PDF_XFA_VALUE;
@@ -30,7 +32,8 @@ struct PDF_XFA_VALUE;
 // How much of the form open loads.
 enum class PDF_LOAD {
     WHOLE_FORM,
-    NAMED_FIELDS,  // nothing: field() loads single fields, form() and everything that needs it the whole form
+    FORM_AND_NOTES,  // also what field_notes has, which is read again otherwise
+    NAMED_FIELDS,    // nothing: field() loads single fields, form() and everything that needs it the whole form
 };
 
 // What people may call a field by.
@@ -98,7 +101,14 @@ public:
     bool has_form() const;
     // Whether the form has XFA data beside its fields. Filling leaves them as they are, see write_xfa.
     bool has_xfa();
+    // The fields of the form, and behind them those that only pages know, which are adopted: widgets that no field of the
+    // form's list leads to, under the top of their "Parent" chain. The first save after a change of such a field puts it into
+    // the list; a missing form dictionary is made then, but pages are walked on the first call.
     CPDFAcroForm& form();
+    // How many fields were adopted so far; those that a name finds without them are not looked for.
+    size_t adopted_fields() const;
+    // The pages, walked on the first call. Borrowed until fields_changed or a revert that loads the form anew.
+    const CPDFPageMap& pages();
     CPDFXRefTable& xref();
 
     // The catalog and its reference, and the trailer dictionary of the newest section.
@@ -134,6 +144,9 @@ public:
     // How many fields have this full name; only the first of several is found by it. Of a document opened for named fields
     // it loads the whole form only where there seem to be several.
     size_t fields_named(std::string_view name);
+
+    // Labels of fields and rectangles of widgets, as the document was opened.
+    CPDFFieldNotes& field_notes();
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
     // revert that loads the form anew.
@@ -296,6 +309,11 @@ public:
 
     // The same into a buffer.
     CPDFStatus save(std::vector<uint8_t>& out);
+
+    // The two halves of save: what stands behind data() in the output, nothing when nothing has changed; and the output
+    // that has `update` there.
+    CPDFStatus make_update(std::string& update);
+    CPDFStatus write(const std::string& path, std::string_view update) const;
 
 private:
     struct State;

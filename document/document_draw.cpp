@@ -217,6 +217,7 @@ CPDFStatus CPDFDocument::State::flatten()
     if (status.ok() && allowance.used_up())
         status = too_much_to("flatten the form");
     forget_fields();
+    adoption = CPDFAdoption();
     form.unload();
     return status;
 }

@@ -45,8 +45,16 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
             return status;
         const CPDFReadAllowance allowance(reader->budget());
         EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
-        return operation(target);
+        status = list_all();
+        return status.ok() ? operation(target) : status;
     });
+}
+
+// The engine's operations need a form that lists all of its fields.
+CPDFStatus CPDFDocument::State::list_all()
+{
+    EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
+    return adoption.list_all(target);
 }
 
 namespace {

@@ -43,6 +43,8 @@ CPDFStatus CPDFDocument::State::check_value(CPDFField& field, const CPDFValue& v
         status = check_permission(reader->permits_filling());
     if (status.ok() && fill != PDF_FILL::FORCE)
         status = signatures().check_fill(field);
+    if (status.ok() && fill != PDF_FILL::FORCE)
+        status = check_listing(field);
     if (status.ok())
         status = commit(plan, fill);
     return status.ok() || plan_keep(field, value, plan) ? CPDFStatus() : status;
@@ -120,6 +122,8 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
         status = check_permission(reader->permits_filling());
     if (status.ok() && fill != PDF_FILL::FORCE)
         status = check_locks(signatures(), plan.fields);
+    for (size_t i = 0; status.ok() && fill != PDF_FILL::FORCE && i < plan.fields.size(); ++i)
+        status = check_listing(*plan.fields[i]);
     if (!status.ok())
         return status;
     const VXFailureCheck memory;

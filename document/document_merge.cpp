@@ -21,6 +21,8 @@ CPDFStatus CPDFDocument::State::begin_merge(PDF_EDIT edit)
     if (status.ok() && edit != PDF_EDIT::FORCE && signatures().is_signed())
         status = CPDFStatus::failed(PDF_CODE::READ_ONLY, "the document is signed: merging breaks its signatures");
     if (status.ok())
+        status = list_all();
+    if (status.ok())
         bound_widgets();
     return status;
 }
@@ -51,9 +53,7 @@ CPDFStatus CPDFDocument::State::append(State& other, PDF_SAME_NAMES same_names, 
     if (status.code == PDF_CODE::BAD_EDIT)
         return status;
     forget_fields();
-    form_loaded = false;
-    form.unload();
-    form.m_ref = {0, 0};
+    unload_form();
     read_root();
     if (status.ok())
         status = load_whole_form();

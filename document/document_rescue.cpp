@@ -53,7 +53,7 @@ CPDFStatus CPDFDocument::load_or_rescue(PDF_LOAD load, std::string_view password
         return {};
     const std::string sentence = damage + "; " + repaired.text;
     // Of a form that lacks a part the rest is worth having.
-    const bool lost = load == PDF_LOAD::WHOLE_FORM && m_state->form_entry() && parts_of(m_state->form, {}) == 0;
+    const bool lost = load != PDF_LOAD::NAMED_FIELDS && m_state->form_entry() && parts_of(m_state->form, {}) == 0;
     if (!status.ok() || lost)
         return CPDFStatus::failed(status.ok() ? PDF_CODE::DAMAGED : status.code, sentence);
     m_state->rescue_note = sentence;
@@ -65,6 +65,8 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
     m_state->rescue = PDF_RESCUE::OFF;  // once is enough
     auto repaired = std::make_unique<State>();
     repaired->drawing = m_state->drawing;
+    repaired->scripts = m_state->scripts;
+    repaired->script_seconds = m_state->script_seconds;
     repaired->rescue = PDF_RESCUE::OFF;
     repaired->password = m_state->password;
     CPDFStatus status = rescue_file(m_state->bytes.data(), m_state->bytes.size(), m_state->password, repaired->bytes);
@@ -101,7 +103,8 @@ bool CPDFDocument::mend()
     if (m_state->rescue == PDF_RESCUE::OFF || reader.damage() == PDF_DAMAGE::NONE)
         return false;
     const CPDFStatus status = within_memory("repair the file", [&] {
-        return take_repaired(sentence_of(reader), m_state->form_loaded ? PDF_LOAD::WHOLE_FORM : PDF_LOAD::NAMED_FIELDS);
+        const PDF_LOAD form = m_state->field_notes ? PDF_LOAD::FORM_AND_NOTES : PDF_LOAD::WHOLE_FORM;
+        return take_repaired(sentence_of(reader), m_state->form_loaded ? form : PDF_LOAD::NAMED_FIELDS);
     });
     return status.ok();
 }

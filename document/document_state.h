@@ -10,9 +10,11 @@
 #include "core/alloc.h"
 #include "document/compute/form_compute.h"
 #include "document/document.h"
+#include "document/edit/adoption.h"
 #include "document/edit/edit.h"
 #include "document/look/redraw.h"
 #include "document/lookup/branch_finder.h"
+#include "document/lookup/field_notes.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/name_index.h"
 #include "document/lookup/page_map.h"
@@ -33,9 +35,13 @@ struct CPDFDocument::State {
     PDF_REF root_ref = {0, 0};
     std::optional<CPDFPageMap> page_map;
     CPDFWidgetBinder widgets;  // bound when they are needed
+    std::optional<CPDFFieldNotes> field_notes;
     CPDFAcroForm form;
     bool form_loaded = false;
     bool form_whole = true;  // nothing of it was left unread
+    CPDFAdoption adoption;
+    bool adopted = false;
+    size_t adopted_count = 0;  // the most since the file was opened
     std::optional<CPDFBranchFinder> branches{std::in_place};
     CPDFNameIndex names;
     std::optional<CPDFSignatureGuard> guard;
@@ -71,7 +77,9 @@ struct CPDFDocument::State {
     bool has_xfa() const;
 
     // What is made on the first need. Where memory runs out, nothing is there that lacks a part, and they throw. The fields
-    // that were found before the form is loaded come into it.
+    // that were found before the form is loaded come into it. The form has the fields that only pages know, too; what it
+    // lists is there without a walk through the pages.
+    CPDFAcroForm& listed_form();
     CPDFAcroForm& loaded_form();
     CPDFWidgetBinder& bound_widgets();
     CPDFPageMap& pages();
@@ -79,12 +87,20 @@ struct CPDFDocument::State {
 
     // Refuses a form of which something was left unread.
     CPDFStatus load_whole_form();
+    CPDFStatus check_whole() const;
 
     // Refuses where `permitted` is not.
     static CPDFStatus check_permission(bool permitted);
 
     void unbind_widgets();
     void forget_fields();
+    void unload_form();
+
+    // Refuses to change a field that is to be listed by the form then, where signatures forbid that.
+    CPDFStatus check_listing(const CPDFField& field);
+    // Puts adopted fields into the form dictionary: those that changed, or all.
+    CPDFStatus list_changed();
+    CPDFStatus list_all();
 
     CPDFStatus check_value(CPDFField& field, const CPDFValue& value, PDF_FILL fill, PDF_FILL_PLAN& plan,
                            PDF_WORDS words);

@@ -5,6 +5,7 @@
 #include "core/pdf_string.h"
 
 class CPDFField;
+class CPDFLoadWatch;
 class CPDFResources;
 class CPDFVisitSet;
 class CPDFXRefTable;
@@ -19,8 +20,10 @@ public:
     CPDFAcroForm& operator=(const CPDFAcroForm&) = delete;
 
     // Loads the form. `form` is the catalog's form entry as stored, a reference or the dictionary itself; null loads
-    // nothing. `root` and `root_ref` are the catalog and its reference. What loaded is visible in the members.
-    void load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref);
+    // nothing. `root` and `root_ref` are the catalog and its reference. What loaded is visible in the members. `watch`, which
+    // may be null, looks on.
+    void load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref,
+              CPDFLoadWatch* watch = nullptr);
 
     // Releases the fields and the resources; the form may be loaded again. Ends every field pointer.
     void unload();
@@ -99,7 +102,7 @@ public:
 
 private:
     void load_resources(const CPDFDictionary& dict);
-    void load_fields(const CPDFDictionary& dict);
+    void load_fields(const CPDFDictionary& dict, CPDFLoadWatch* watch);
     void load_top(int32_t slot, const CPDFObj& entry, CPDFVisitSet& visits);
     void load_xfa(const CPDFDictionary& dict);
     void load_packets(const CPDFArray& packets);

@@ -8,14 +8,21 @@
 #include "engine/sign.h"
 #include "forms/field.h"
 #include "forms/field_kind.h"
+#include "forms/load_watch.h"
 #include "forms/visit_set.h"
 
 namespace {
 
-// What loading looks at; the appearance and layout entries of a field are not even built.
-constexpr CPDFKeySet FIELD_KEY_SET{"T",  "V",  "FT",  "Ff", "Kids",   "Parent", "Subtype",
-                                   "DA", "DV", "Opt", "I",  "MaxLen", "AA",     "RV"};
 constexpr CPDFKeySet VALUE_KEY_SET{"V", "DV", "DA", "I"};
+
+CPDFDictionary* read_dictionary(CPDFXRefTable* xref, const PDF_REF& ref, const CPDFVisitSet& visits, CPDFObj& out)
+{
+    xref->get_entity(out, ref, visits.watch ? &visits.watch->keys() : &FIELD_KEYS);
+    CPDFDictionary* dict = out.dictionary();
+    if (dict && visits.watch)
+        visits.watch->see(ref, *dict);
+    return dict;
+}
 
 // A widget that names its parent is a child field without a name of its own; one that doesn't is only a widget.
 bool is_bare_widget(const CPDFDictionary& dict)
@@ -39,8 +46,7 @@ int CPDFField::load_once(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& 
 {
     m_xref = xref;
     CPDFObj own;
-    xref->get_entity(own, ref, &FIELD_KEY_SET);
-    CPDFDictionary* dict = own.dictionary();
+    CPDFDictionary* dict = read_dictionary(xref, ref, visits, own);
     const bool put_off = dict && visits.put_off_kids && dict->get_item(CPDFDictionary::sm_tag_parent);
     if (!dict || put_off || !visits.add(ref.num))
         return 0;
@@ -87,7 +93,7 @@ void CPDFField::load_tail(CPDFDictionary& dict)
 int CPDFField::load_alone(CPDFField* parent, CPDFXRefTable* xref, const PDF_REF& ref)
 {
     CPDFObj own;
-    xref->get_entity(own, ref, &FIELD_KEY_SET);
+    xref->get_entity(own, ref, &FIELD_KEYS);
     CPDFDictionary* dict = own.dictionary();
     if (!dict)
         return 0;
@@ -111,7 +117,7 @@ void CPDFField::reload_entries()
 {
     const VXFailureCheck check;
     CPDFObj own;
-    m_xref->get_entity(own, m_ref, &FIELD_KEY_SET);
+    m_xref->get_entity(own, m_ref, &FIELD_KEYS);
     CPDFDictionary* dict = own.dictionary();
     if (!dict || check.failed())
         return;
@@ -208,8 +214,7 @@ void CPDFField::load_kid(const PDF_REF& ref, CPDFVisitSet& visits)
     if (loaded && !visits.bare.has(ref.num))
         return;
     CPDFObj fetched;
-    m_xref->get_entity(fetched, ref, &FIELD_KEY_SET);
-    CPDFDictionary* dict = fetched.dictionary();
+    CPDFDictionary* dict = read_dictionary(m_xref, ref, visits, fetched);
     if (!dict)
         return;
     if (is_bare_widget(*dict)) {

@@ -57,7 +57,8 @@ void CPDFAcroForm::unload()
     m_loaded = 0;
 }
 
-void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref)
+void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root, const PDF_REF& root_ref,
+                        CPDFLoadWatch* watch)
 {
     if (!form)
         return;
@@ -70,7 +71,7 @@ void CPDFAcroForm::load(CPDFXRefTable* xref, const CPDFObj* form, CPDFObj* root,
         return;
     m_xref = xref;
     load_resources(*dict);
-    load_fields(*dict);
+    load_fields(*dict, watch);
     load_xfa(*dict);
     m_root = root;
     m_root_ref = root_ref;
@@ -88,7 +89,7 @@ void CPDFAcroForm::load_resources(const CPDFDictionary& dict)
     m_res->load_resource(m_xref, 0);
 }
 
-void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
+void CPDFAcroForm::load_fields(const CPDFDictionary& dict, CPDFLoadWatch* watch)
 {
     const CPDFEntryView fields_view(m_xref, dict.get_item("Fields"));
     const CPDFArray* fields = fields_view->array();
@@ -100,6 +101,7 @@ void CPDFAcroForm::load_fields(const CPDFDictionary& dict)
     m_field_cnt = fields->count;
     std::memset(m_fields, 0, static_cast<size_t>(m_field_cnt) * sizeof(CPDFField*));
     CPDFVisitSet visits;
+    visits.watch = watch;
     visits.put_off_kids = true;
     for (int32_t i = 0; i < m_field_cnt; ++i)
         load_top(i, fields->items[i], visits);

@@ -6,6 +6,8 @@
 
 #include "core/growable.h"
 
+class CPDFLoadWatch;
+
 // A set of object numbers.
 class CPDFNumberSet {
 public:
@@ -43,6 +45,7 @@ private:
 class CPDFVisitSet : public CPDFNumberSet {
 public:
     CPDFNumberSet bare;  // of these, widgets without a name and a parent: other fields may list them as theirs
+    CPDFLoadWatch* watch = nullptr;  // borrowed; sees what is read
     int depth = 0;
     bool put_off_kids = false;  // top-level dictionaries that name a parent wait until the parents are loaded
 };

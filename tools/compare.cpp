@@ -15,6 +15,9 @@
 
 namespace {
 
+// As other programs that compare files end.
+enum COMPARE_EXIT : int { COMPARE_SAME = 0, COMPARE_DIFFERENT = 1, COMPARE_TROUBLE = 2 };
+
 struct COMPARE_ARGUMENTS {
     COMMAND_INPUT first;
     COMMAND_INPUT second;
@@ -44,6 +47,7 @@ bool read_values(const COMMAND_INPUT& input, FORM_VALUES& out)
         names += name.size();
         out[name].push_back(values.value_of(field));
     });
+    note_adopted(document, input);
     std::vector<PDF_XFA_VALUE> data;
     const CPDFStatus status = document.has_only_xfa() ? document.xfa_values(data) : CPDFStatus();
     for (const PDF_XFA_VALUE& at : data)
@@ -136,11 +140,10 @@ int compare(const COMPARE_ARGUMENTS& arguments)
     if (other.password.text.empty())
         other.password = arguments.first.password;
     if (!read_values(arguments.first, first) || !read_values(other, second))
-        return COMMAND_REFUSED;
+        return COMPARE_TROUBLE;
     const std::vector<DIFFERENCE> found = differences(first, second);
     (arguments.json ? put_json : put_table)(found);
-    const int done = put_done();
-    return found.empty() ? done : COMMAND_REFUSED;
+    return put_done() != COMMAND_DONE ? COMPARE_TROUBLE : found.empty() ? COMPARE_SAME : COMPARE_DIFFERENT;
 }
 
 }  // namespace
@@ -154,8 +157,8 @@ void add_compare_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("--other-password", arguments->second.password, "password of the other file, where it differs")
         ->option_text("TEXT");
     verb.add_flag("--json", arguments->json, "as a JSON array, one object for each field that differs");
-    verb.footer("Exits 0 when all values are the same, and 1 when some differ or a field is in\n"
-                "one file only. No value and an empty one are the same, and so are a button\n"
-                "without a state and one that is off.");
+    verb.footer("Exits 0 when all values are the same, 1 when some differ or a field is in one\n"
+                "file only, and 2 when a file can't be read. No value and an empty one are the\n"
+                "same, and so are a button without a state and one that is off.");
     verb.callback([arguments, &action] { action = [arguments] { return compare(*arguments); }; });
 }

@@ -168,6 +168,7 @@ int export_data(const EXPORT_ARGUMENTS& arguments)
         return COMMAND_REFUSED;
     std::string out;
     CPDFStatus status = format->write({arguments, document, fields}, out);
+    note_adopted(document, arguments.input);
     if (status.ok())
         status = save_text(out, arguments.output.text);
     return end_with(status, arguments.input.path.text);

@@ -66,6 +66,7 @@ CPDFStatus save_output(CPDFDocument& document, const COMMAND_INPUT& input, const
         status = document.save(bytes);
         put({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
+    note_adopted(document, input);
     note_drawing(document, input);
     return status;
 }

@@ -1,5 +1,6 @@
 #include "tools/terminal_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cstdint>
@@ -50,11 +51,18 @@ void append_escape(std::string& out, uint32_t c)
     out += escape;
 }
 
+// How many bytes at the start of the text are characters of ASCII that show: mostly all of them.
+size_t plain_length(std::string_view text)
+{
+    const auto is_plain = [](char c) { return c >= ' ' && c < 0x7F; };
+    return static_cast<size_t>(std::find_if_not(text.begin(), text.end(), is_plain) - text.begin());
+}
+
 std::string escaped(std::string_view text, const char* kept)
 {
-    std::string out;
-    out.reserve(text.size());
-    for (CharReader reader(text); !reader.at_end();) {
+    const size_t plain = plain_length(text);
+    std::string out(text.substr(0, plain));
+    for (CharReader reader(text.substr(plain)); !reader.at_end();) {
         const uint32_t c = reader.next();
         if (drives_terminal(c) && !(c > 0 && c < 0x80 && std::strchr(kept, static_cast<int>(c)))) {
             append_escape(out, c);
@@ -75,6 +83,12 @@ int columns_of_char(uint32_t c)
     return columns < 0 ? 1 : columns;
 }
 
+// A character has no more columns than bytes.
+bool fits(std::string_view text, int columns)
+{
+    return text.size() <= static_cast<size_t>(std::max(columns, 0)) || columns_of(text) <= columns;
+}
+
 }  // namespace
 
 std::string printable(std::string_view text)
@@ -89,15 +103,16 @@ std::string printable_lines(std::string_view text)
 
 int columns_of(std::string_view text)
 {
-    int columns = 0;
-    for (CharReader reader(text); !reader.at_end();)
+    const size_t plain = plain_length(text);
+    int columns = static_cast<int>(plain);
+    for (CharReader reader(text.substr(plain)); !reader.at_end();)
         columns += columns_of_char(reader.next());
     return columns;
 }
 
 std::string cut_end(std::string_view text, int columns)
 {
-    if (columns_of(text) <= columns)
+    if (fits(text, columns))
         return std::string(text);
     CharReader reader(text);
     const char* end = text.data();
@@ -130,7 +145,7 @@ std::string cut_start(std::string_view text, int columns)
 
 std::string cut_middle(std::string_view text, int columns)
 {
-    if (columns_of(text) <= columns)
+    if (fits(text, columns))
         return std::string(text);
     const int end = columns / 2;  // what is left after the ellipsis of both halves
     const std::string begin = cut_end(text, columns - end);

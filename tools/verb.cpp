@@ -43,6 +43,18 @@ static void note_rescue(const CPDFDocument& document, const COMMAND_INPUT& input
         complain(input.path.text, "warning: " + document.rescue_note());
 }
 
+void note_adopted(const CPDFDocument& document, const COMMAND_INPUT& input)
+{
+    const size_t count = document.adopted_fields();
+    if (count == 1)
+        complain(input.path.text,
+                 "note: 1 field stands on a page only, not in the form's list: it is taken as its field");
+    else if (count > 1)
+        complain(input.path.text,
+                 "note: " + std::to_string(count) +
+                     " fields stand on pages only, not in the form's list: they are taken as its fields");
+}
+
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
 {
     const CPDFStatus status = document.open(input.path.text, load, input.password.text);

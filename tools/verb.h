@@ -10,7 +10,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 enum COMMAND_EXIT : int {
     COMMAND_DONE = 0,
@@ -57,6 +58,7 @@ void add_remove_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_rename_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_set_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_merge_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_join_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.
@@ -78,6 +80,9 @@ CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const 
 
 // Says so where several fields have this full name.
 void note_same_names(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name);
+
+// Says so where fields that only pages know were taken for fields of the form.
+void note_adopted(const CPDFDocument& document, const COMMAND_INPUT& input);
 
 // Finds the fields meant by these words. Complains about every one that means none, and returns false then.
 bool find_fields(CPDFDocument& document, const COMMAND_INPUT& input, const std::vector<COMMAND_WORD>& names,

@@ -96,6 +96,21 @@ bool read_special_format(const std::string& word, PDF_FIELD_FORMAT& out)
     return !out.format.empty();
 }
 
+// Whether all letters of a pattern are among those `known`, but for what stands behind a backslash, and one at least is
+// of those that the pattern `needs`.
+bool is_pattern(std::string_view text, std::string_view known, std::string_view needs)
+{
+    bool any = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool is_letter = (text[i] >= 'A' && text[i] <= 'Z') || (text[i] >= 'a' && text[i] <= 'z');
+        if (is_letter && known.find(text[i]) == std::string_view::npos)
+            return false;
+        any = any || needs.find(text[i]) != std::string_view::npos;
+        i += text[i] == '\\';
+    }
+    return any;
+}
+
 }  // namespace
 
 bool read_format(const std::string& words, PDF_FIELD_FORMAT& out)
@@ -107,13 +122,14 @@ bool read_format(const std::string& words, PDF_FIELD_FORMAT& out)
         return read_number_format(kind, rest, out);
     if (kind == "special")
         return read_special_format(rest, out);
-    if ((kind == "date" || kind == "time") && !rest.empty()) {
+    if ((kind == "date" && is_pattern(rest, "dmyHhMst", "dmy")) ||
+        (kind == "time" && is_pattern(rest, "HhMst", "HhMs"))) {
         const std::string name = kind == "date" ? "AFDate_" : "AFTime_";
         const std::string arguments = "(" + quoted(rest) + ");";
         out = {name + "KeystrokeEx" + arguments, name + "FormatEx" + arguments};
         return true;
     }
-    if (kind == "mask" && !rest.empty()) {
+    if (kind == "mask" && rest.find_first_of("9AOX") != std::string::npos) {
         out.keystroke = "AFSpecial_KeystrokeEx(" + quoted(rest) + ");";
         return true;
     }

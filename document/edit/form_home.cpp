@@ -33,7 +33,7 @@ bool is_dictionary(CPDFXRefTable& xref, const CPDFObj* entry)
 
 }  // namespace
 
-CPDFStatus settle_form(EDIT_TARGET& target)
+CPDFStatus settle_form(EDIT_TARGET& target, std::string (*make_form)(CPDFXRefTable& xref))
 {
     const VXFailureCheck memory;
     CPDFObj* entry = target.root.dict->get_item(FORM);
@@ -46,15 +46,15 @@ CPDFStatus settle_form(EDIT_TARGET& target)
     if (is_there)
         target.xref.store_changed(ref, *entry);
     else
-        ref = new_object(target.xref, "<</Fields[]>>");
+        ref = new_object(target.xref, make_form ? make_form(target.xref) : "<</Fields[]>>");
     if (memory.failed() || !name_form(target, ref))
         return no_memory_to_edit();
-    if (is_there) {
-        target.form.m_ref = ref;
-        return {};
-    }
-    target.form.unload();
-    target.form.load(&target.xref, target.root.dict->get_item(FORM), &target.root, target.root_ref);
+    CPDFAcroForm& form = target.form;
+    form.m_ref = ref;
+    form.m_xref = &target.xref;
+    form.m_root = &target.root;
+    form.m_root_ref = target.root_ref;
+    form.m_loaded = 1;
     return {};
 }
 

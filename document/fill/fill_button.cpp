@@ -127,8 +127,13 @@ CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
         return {};
     if (const std::optional<bool> on = read_switch(word); on && is_switch)
         return take_bool(*on || is_same_word(word, small_letters(choices[0].state)));  // a state may be called "No"
-    if (word == "true" || word == "false")
-        return take_bool(word == "true");
+    const auto says_it = [&](const PDF_BUTTON_CHOICE& choice) {
+        return is_same_word(word, small_letters(choice.state)) ||
+               is_same_word(word, small_letters(choice.export_value));
+    };
+    if (const std::optional<bool> on = read_switch(word);
+        word == "true" || (on == false && find_choice(choices, says_it) < 0))
+        return take_bool(*on);
     return refuse(in_quotes(word));
 }
 

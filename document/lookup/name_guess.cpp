@@ -22,22 +22,25 @@ std::string small_letters(std::string_view text)
     return small;
 }
 
-// How many letters must be added, left out or exchanged to make `b` of `a`.
+// How many letters must be added, left out, changed or swapped with their neighbour to make `b` of `a`.
 size_t edit_distance(std::string_view a, std::string_view b)
 {
-    std::vector<size_t> row(b.size() + 1);
-    for (size_t j = 0; j < row.size(); ++j)
-        row[j] = j;
+    std::vector<size_t> above(b.size() + 1);
+    for (size_t j = 0; j < above.size(); ++j)
+        above[j] = j;
+    std::vector<size_t> row(above);
+    std::vector<size_t> twice_above;
     for (size_t i = 0; i < a.size(); ++i) {
-        size_t diagonal = row[0];
         row[0] = i + 1;
         for (size_t j = 0; j < b.size(); ++j) {
-            const size_t exchanged = diagonal + (a[i] != b[j]);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({exchanged, row[j] + 1, diagonal + 1});
+            row[j + 1] = std::min({above[j] + (a[i] != b[j]), row[j] + 1, above[j + 1] + 1});
+            if (i > 0 && j > 0 && a[i] == b[j - 1] && a[i - 1] == b[j])
+                row[j + 1] = std::min(row[j + 1], twice_above[j - 1] + 1);
         }
+        twice_above = above;
+        above = row;
     }
-    return row[b.size()];
+    return above[b.size()];
 }
 
 std::vector<CPDFField*> fields_with(CPDFAcroForm& form, const std::string& part, std::string (*spell)(std::string_view))

@@ -26,6 +26,12 @@ int64_t most_entries(const CPDFXRefTable& xref)
 
 }  // namespace
 
+PDF_REF annotation_ref(CPDFXRefTable& xref, uint32_t num)
+{
+    const PDF_XREF_ENTRY* entry = xref.entry_of(num);
+    return {num, entry && entry->type != PDF_XREF_IN_STREAM ? entry->gen : 0};
+}
+
 void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
 {
     m_xref = &xref;

@@ -16,6 +16,9 @@ struct PDF_PAGE_ANNOTATION {
     int32_t page;
 };
 
+// The reference to an annotation, which is known by its number.
+PDF_REF annotation_ref(CPDFXRefTable& xref, uint32_t num);
+
 // Numbers the pages from 1 and knows which page lists an annotation. It holds what the document says at the time of
 // load; the page contents and resources are not read.
 class CPDFPageMap {

@@ -5,12 +5,15 @@
 
 namespace {
 
+constexpr size_t LONGEST_REFERENCE = 32;  // "&#x10FFFF;", with zeros before it
+
 class PlainText {
 public:
     void add(std::string_view text)
     {
         while (!text.empty()) {
-            const size_t end = text.front() == '&' ? text.find(';') : std::string_view::npos;
+            const size_t end =
+                text.front() == '&' ? text.substr(0, LONGEST_REFERENCE).find(';') : std::string_view::npos;
             const uint32_t c = end == std::string_view::npos ? 0 : xml_reference(text.substr(1, end - 1));
             char bytes[4] = {text.front()};
             const int size = c ? utf8_from_ucs(c, bytes) : 1;

@@ -25,13 +25,6 @@ bool is_widget(CPDFXRefTable& xref, const CPDFDictionary* dict)
     return subtype->is_name("Widget");
 }
 
-// The reference to an object that is known by its number.
-PDF_REF ref_of(CPDFXRefTable& xref, uint32_t num)
-{
-    const PDF_XREF_ENTRY* entry = xref.entry_of(num);
-    return {num, entry && entry->type != PDF_XREF_IN_STREAM ? entry->gen : 0};
-}
-
 }  // namespace
 
 CPDFWidgetBinder::CPDFWidgetBinder() = default;
@@ -177,7 +170,7 @@ void CPDFWidgetBinder::bind_orphans(CPDFXRefTable& xref, CPDFAcroForm& form, con
         last = annotation.num;
         if (again || (annotation.num < m_bound.size() && m_bound[annotation.num]))
             continue;
-        const PDF_REF ref = ref_of(xref, annotation.num);
+        const PDF_REF ref = annotation_ref(xref, annotation.num);
         CPDFObj own;
         xref.get_entity(own, ref, &ORPHAN_KEYS);
         const CPDFDictionary* dict = own.dictionary();

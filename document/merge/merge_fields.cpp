@@ -154,8 +154,12 @@ private:
             }
         }
         extend_options(*pair.field, field);
-        if (is_empty(*pair.field) != is_empty(*pair.other))
-            m_merge.result.values.push_back({field, value_of(is_empty(*pair.other) ? *pair.field : *pair.other)});
+        if (is_empty(*pair.field) == is_empty(*pair.other))
+            return;
+        m_merge.result.values.push_back({field, value_of(is_empty(*pair.other) ? *pair.field : *pair.other)});
+        if (pair.field->m_type == FIELD_BUTTON)
+            m_merge.result.notes.push_back("field " + in_quotes(full_name(*pair.other)) +
+                                           " is off in one of the documents: it shows the other one's state in both");
     }
 
     // How its texts look a widget takes from its own field.

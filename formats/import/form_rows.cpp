@@ -1,6 +1,7 @@
 #include "formats/import/form_rows.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "formats/import/json_data.h"
 
@@ -72,4 +73,10 @@ bool CPDFFormRows::next(PDF_FORM_ROW& row)
     }
     row.number = ++m_number;
     return true;
+}
+
+void CPDFFormRows::rewind()
+{
+    m_number = 0;
+    std::ignore = start();  // which was good before
 }

@@ -30,6 +30,9 @@ public:
     // Reads the next row; false when there is none.
     bool next(PDF_FORM_ROW& row);
 
+    // The next row is the first one again.
+    void rewind();
+
 private:
     CPDFStatus start();
     bool next_line(std::string_view& line);

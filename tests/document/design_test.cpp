@@ -148,8 +148,8 @@ TEST(DesignTest, ButtonsKeepTheirIcons)
     ASSERT_TRUE(design(f, "icon", change).ok());
     ASSERT_TRUE(design(f, "plain", change).ok());
     const std::string out = f.saved();
-    EXPECT_EQ(f.entry(10, "MK"), "<< /BG [0.5] /CA (new) /I 13 0 R /IF << /SW /N >> /TP 2 >>");
-    EXPECT_EQ(f.entry(11, "MK"), "<< /BG [0.5] /CA (new) /RC (r) >>");
+    EXPECT_EQ(f.entry(10, "MK"), "<< /BG [0.500000] /CA (new) /I 13 0 R /IF << /SW /N >> /TP 2 >>");
+    EXPECT_EQ(f.entry(11, "MK"), "<< /BG [0.500000] /CA (new) /RC (r) >>");
     EXPECT_EQ(f.entry(10, "AP"), "<< /N 13 0 R >>");
     EXPECT_NE(f.entry(11, "AP"), "<< /N 13 0 R >>");
     ASSERT_EQ(f.document.drawing_notes().size(), 1u);
@@ -168,7 +168,8 @@ TEST(DesignTest, LooksThatDoNotFitAreRefusedByName)
     } cases[] = {
         {"sign", [](PDF_FIELD_DESIGN& d) { d.style.size = 9; }, "is a signature field, which has no text"},
         {"sign", [](PDF_FIELD_DESIGN& d) { d.style.caption = "x"; }, "is a signature field, which has no caption"},
-        {"group", [](PDF_FIELD_DESIGN& d) { d.style.background.emplace(); }, "is a container, which has no widgets"},
+        {"group", [](PDF_FIELD_DESIGN& d) { d.style.background.emplace(); },
+         "is a group of fields, which has no widgets"},
         {"push", [](PDF_FIELD_DESIGN& d) { d.style.alignment.emplace(); }, "is a push button, which has no alignment"},
         {"box", [](PDF_FIELD_DESIGN& d) { d.style.font = "Times"; }, "is a check box, which has no font"},
         {"box", [](PDF_FIELD_DESIGN& d) { d.action = {"<</S/Named>>"}; }, "is a check box, which has no action"},
@@ -196,19 +197,34 @@ TEST(DesignTest, LooksThatDoNotFitAreRefusedByName)
 TEST(DesignTest, WidgetsFollowTheFirstAndStandUpright)
 {
     const struct {
-        const char* turn;
-        const char* marks;
-    } cases[] = {{"0", "-"}, {"90", "<< /R 90 >>"}, {"180", "<< /R 180 >>"}, {"270", "<< /R 270 >>"}};
+        const char *from, *to;  // how the pages are turned
+        const char* marks;      // of the first widget, which had "R" 90
+        const char* second;
+    } cases[] = {
+        {"0", "0", "<< /R 90 >>", "-"},
+        {"0", "90", "<< /R 180 >>", "<< /R 90 >>"},
+        {"90", "0", "<< /R 0 >>", "<< /R 270 >>"},
+        {"270", "180", "<< /R 0 >>", "<< /R 270 >>"},
+    };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.turn);
-        FormAtWork f(pdf_with("/AcroForm<</Fields[10 0 R]>>", std::string("/Annots[11 0 R 12 0 R]/Rotate ") + c.turn,
-                              "/T(t)/FT/Tx/V(x)/Kids[11 0 R 12 0 R];/Parent 10 0 R/Subtype/Widget/Rect[1 1 21 11];"
-                              "/Parent 10 0 R/Subtype/Widget/Rect[31 21 41 31]"));
+        SCOPED_TRACE(std::string(c.from) + " " + c.to);
+        PdfBuilder file;
+        file.object(1, "<</Pages 2 0 R/AcroForm<</Fields[10 0 R]>>>>")
+            .object(2, "<</Type/Pages/Kids[3 0 R 4 0 R]/Count 2>>")
+            .object(3, std::string(PAGE) + "/Annots[11 0 R 12 0 R]/Rotate " + c.from + ">>")
+            .object(4, std::string(PAGE) + "/Rotate " + c.to + ">>");
+        FormAtWork f(put_objects(file, 10,
+                                 "/T(t)/FT/Tx/V(x)/Kids[11 0 R 12 0 R];"
+                                 "/Parent 10 0 R/Subtype/Widget/Rect[1 1 21 11]/MK<</R 90>>;"
+                                 "/Parent 10 0 R/Subtype/Widget/Rect[31 21 41 31]")
+                         .table()
+                         .text);
         PDF_MOVE move;
-        move.places = {{{51, 41, 20, 10}, 0}};
+        move.places = {{{51, 41, 20, 10}, 2}};
         ASSERT_TRUE(f.document.move_widgets(f.field("t"), move).ok());
         EXPECT_EQ(f.entry(11, "Rect") + f.entry(12, "Rect"), "[51 41 71 51][81 61 91 71]");
-        EXPECT_EQ(f.entry(11, "MK"), c.marks);
+        EXPECT_EQ(f.entry(11, "MK") + f.entry(12, "MK"), std::string(c.marks) + c.second);
+        EXPECT_EQ(f.entry(3, "Annots") + f.entry(4, "Annots"), "[][11 0 R 12 0 R]");
     }
 }
 

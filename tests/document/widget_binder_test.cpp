@@ -45,7 +45,7 @@ TEST(WidgetBinderTest, WidgetsInTheOrderOfKids)
         {"known to the page only", "/Kids[20 0 R]", "p;p;w", "22 0 R 21 0 R;20 0 R", "20 21 ;21 20 - - -"},
         {"no widgets of it", "/Kids[20 0 R]",
          "p;/Subtype/Link/Parent 10 0 R;/T(own)/Parent 10 0 R" + a + ";/Parent 9 0 R" + a,
-         "21 0 R 22 0 R 23 0 R 99 0 R", "20 ;- 20 - - -"},
+         "21 0 R 22 0 R 23 0 R 99 0 R", "20 ;- 20 - 22 -"},
         {"kids that are no widgets", "/Kids[20 0 R 21 0 R]", "/Parent 10 0 R;/T(k)/Parent 10 0 R" + a, "",
          ";- - 21 - -"},
     };

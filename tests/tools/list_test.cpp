@@ -144,5 +144,5 @@ TEST_F(ListTest, CompareTellsWhatDiffers)
               json::parse(R"([{"name":"a","in":"both","first":"1","second":"2"},
                               {"name":"d","in":"first","first":null,"second":null},
                               {"name":"e","in":"second","first":null,"second":"x"}])"));
-    EXPECT_EQ(folder.run({"compare", first, folder.path("none.pdf")}).exit, 1);
+    EXPECT_EQ(folder.run({"compare", first, folder.path("none.pdf")}).exit, 2);
 }

@@ -46,6 +46,7 @@ bool append(CPDFDocument& document, const MERGE_ARGUMENTS& arguments, size_t ind
         complain(input.path.text, status.text);
     for (const std::string& note : notes)
         complain(input.path.text, "note: " + note);
+    note_adopted(other, input);
     note_drawing(other, input);
     return status.ok();
 }

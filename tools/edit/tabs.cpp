@@ -19,8 +19,11 @@ std::vector<CPDFStatus> order(CPDFDocument& document, const TABS_ARGUMENTS& argu
     std::vector<CPDFStatus> results;
     tabs.by = PDF_TAB_ORDER::FIELDS;
     for (const auto& [word, by] : ORDERS) {
-        if (arguments.by.size() == 1 && arguments.by[0].text == word)
-            tabs.by = by;
+        if (arguments.by[0].text != word || document.field(word))
+            continue;
+        if (arguments.by.size() > 1)
+            return {wrong_usage("--by " + std::string(word) + " stands alone")};
+        tabs.by = by;
     }
     for (const COMMAND_WORD& name : arguments.by) {
         if (tabs.by != PDF_TAB_ORDER::FIELDS)

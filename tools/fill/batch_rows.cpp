@@ -5,6 +5,7 @@
 
 #include "document/document.h"
 #include "document/lookup/field_text.h"
+#include "tools/batch/output_names.h"
 #include "tools/fill/fill_data.h"
 #include "tools/fill/fill_internal.h"
 
@@ -27,7 +28,7 @@ bool BatchRows::add_constants(CPDFDocument& document, const FILL_ARGUMENTS& argu
 
 bool BatchRows::has_use(CPDFDocument& document, const std::string& column) const
 {
-    return m_rules.map().targets_of(column) || m_rules.ignores_unknown() || (m_pattern && m_pattern->names(column)) ||
+    return !m_pattern || m_rules.map().targets_of(column) || m_rules.ignores_unknown() || m_pattern->names(column) ||
            is_known_name(document, column);
 }
 
@@ -91,19 +92,48 @@ bool BatchRows::is_protected(const std::string& path) const
                        [&](const FILE_ID& id) { return id.device == info.st_dev && id.number == info.st_ino; });
 }
 
-CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
+CPDFStatus BatchRows::find_output(const PDF_FORM_ROW& row, std::string& output) const
 {
     std::string path;
-    if (CPDFStatus status = m_pattern->make_path(row.data, path); !status.ok())
+    if (CPDFStatus status = m_pattern->make_path(row.data, row.number, path); !status.ok())
         return status;
-    const auto [claim, is_first] = m_row_of.emplace(path, row.number);
-    if (!is_first)
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                  "its output " + path + " is that of row " + std::to_string(claim->second) + ", too");
     if (is_protected(path))
         return CPDFStatus::failed(PDF_CODE::BAD_DATA, "its output " + path + " is a file that the batch reads");
     output = std::move(path);
     return {};
+}
+
+bool BatchRows::check_outputs()
+{
+    constexpr size_t MOST = 1000;
+    OutputNames names;
+    size_t doubles = 0;
+    const auto each_name = [&](const auto& take) {
+        std::string path;
+        for (PDF_FORM_ROW row; m_pattern && m_rows.next(row); row = PDF_FORM_ROW()) {
+            if (row.status.ok() && m_pattern->make_path(row.data, row.number, path).ok())
+                take(path, row.number);
+        }
+        m_rows.rewind();
+    };
+    each_name([&names](const std::string& path, size_t /*row*/) { names.add(path); });
+    if (!names.look_closer())
+        return true;
+    each_name([&](const std::string& path, size_t row) {
+        const size_t before = names.add_again(path, row);
+        if (before && ++doubles <= MOST)
+            complain(m_path, "row " + std::to_string(row) + ": its output " + path + " is that of row " +
+                                 std::to_string(before) + ", too");
+    });
+    if (doubles > MOST)
+        complain(m_path, std::to_string(doubles - MOST) + " more rows have the output of another one");
+    return doubles == 0;
+}
+
+void BatchRows::select(size_t first, size_t last)
+{
+    m_first = first;
+    m_last = last;
 }
 
 bool BatchRows::is_new(const std::string& name)
@@ -118,12 +148,15 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     PDF_FORM_ROW read;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_rows.next(read))
-            return false;
-        row.status = std::move(read.status);
-        if (row.status.ok() && m_pattern)
-            row.status = claim_output(read, row.output);
+        do {
+            read = PDF_FORM_ROW();
+            if (!m_rows.next(read) || read.number > m_last)
+                return false;
+        } while (read.number < m_first);
     }
+    row.status = std::move(read.status);
+    if (row.status.ok() && m_pattern)
+        row.status = find_output(read, row.output);
     row.number = read.number;
     row.data = std::move(read.data);
     if (!row.status.ok())
@@ -134,11 +167,15 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     return true;
 }
 
-// Columns that are there for the output alone.
-void BatchRows::drop_output_names(CPDFDocument& document, CPDFFormData& data) const
+// Columns that are there for the output alone. Where that has no pattern any may be.
+void BatchRows::drop_output_names(CPDFDocument& document, CPDFFormData& data)
 {
     std::erase_if(data, [&](const PDF_FORM_ENTRY& entry) {
-        return m_pattern && m_pattern->names(entry.name) && !m_rules.map().targets_of(entry.name) &&
-               !is_known_name(document, entry.name);
+        if ((m_pattern && !m_pattern->names(entry.name)) || m_rules.map().targets_of(entry.name) ||
+            is_known_name(document, entry.name))
+            return false;
+        if (!m_pattern && !m_rules.ignores_unknown() && is_new(entry.name))
+            complain(m_path, "note: " + document.no_field(entry.name).text);
+        return true;
     });
 }

@@ -1,10 +1,10 @@
 // Hands out the rows of a batch, each with the file it goes to.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -22,7 +22,6 @@ struct BATCH_ROW {
     CPDFStatus status;   // why the row can't be done
 };
 
-// Rows come in their order, so that of two rows with one output name always the second is refused.
 class BatchRows {
 public:
     // `pattern` is borrowed, and null when nothing is written.
@@ -41,7 +40,17 @@ public:
     // These files are not overwritten.
     void protect(const std::string& path);
 
-    size_t count() const { return m_rows.count(); }
+    // Complains about rows that have one output name; false when there are any.
+    bool check_outputs();
+
+    // From now on rows from `first` to `last` are handed out.
+    void select(size_t first, size_t last);
+
+    // What the file is called in complaints.
+    const std::string& path() const { return m_path; }
+
+    // How many rows are handed out.
+    size_t count() const { return std::min(m_last, m_rows.count()) - std::min(m_first - 1, m_rows.count()); }
 
     // Hands out the next row; false when there is none. Any thread, with a document of its own.
     bool take(CPDFDocument& document, BATCH_ROW& row);
@@ -52,9 +61,9 @@ public:
 private:
     bool check_map(CPDFDocument& document, const std::vector<std::string>* columns) const;
     bool has_use(CPDFDocument& document, const std::string& column) const;
-    void drop_output_names(CPDFDocument& document, CPDFFormData& data) const;
+    void drop_output_names(CPDFDocument& document, CPDFFormData& data);
     bool is_protected(const std::string& path) const;
-    CPDFStatus claim_output(const PDF_FORM_ROW& row, std::string& output);
+    CPDFStatus find_output(const PDF_FORM_ROW& row, std::string& output) const;
 
     struct FILE_ID {
         uint64_t device;
@@ -68,7 +77,8 @@ private:
     std::string m_map_path;
     DataRules m_rules;
     CPDFFormData m_constants;
-    std::unordered_map<std::string, size_t> m_row_of;  // by output
-    std::unordered_set<std::string> m_names;           // that is_new knows
+    size_t m_first = 1;
+    size_t m_last = SIZE_MAX;
+    std::unordered_set<std::string> m_names;  // that is_new knows
     std::vector<FILE_ID> m_protected;
 };

@@ -110,14 +110,15 @@ bool read_jobs(FILL_ARGUMENTS& arguments)
 }
 
 // Whether the result goes to a place that makes sense.
-CPDFStatus check_place(const FILL_ARGUMENTS& arguments)
+CPDFStatus check_place(FILL_ARGUMENTS& arguments)
 {
     const std::string& output = arguments.output.output.text;
+    if (!arguments.batch.text.empty()) {
+        if (CPDFStatus status = check_batch(arguments); !status.ok())
+            return status;
+    }
     if (arguments.dry_run && output.empty() && !arguments.output.in_place)
         return {};
-    const bool pattern = output != "-" && !arguments.output.in_place;
-    if (!arguments.batch.text.empty() && !pattern)
-        return wrong_usage("--batch writes many files: give -o a pattern such as out/{id}.pdf");
     if (is_same_file(output, arguments.data.text))
         return wrong_usage(in_quotes(output) + " is the file with the data");
     return check_output(arguments.input, arguments.output);
@@ -182,11 +183,14 @@ for the rows that have no value of their own. A --map is JSON:
   {"Name": "person", "Notes": null, "Town": {"field": "town", "upper": true},
    "Born": {"field": "birth", "date": "dd.mm.yyyy>mm/dd/yyyy"},
    "Sum": [{"field": "sum", "number": "1.234,56>1234.56"}, "sum in words"]}
--o is a pattern: {id} is the value that the row has in the column id, and {{ a
-brace. A column that is used there need not be a field. Rows are counted from 1
-without the names. A row that is refused is told on standard error and not
-written; the others are. Several --jobs pay even on one processor, since each of
-them waits for the disk.
+-o is a pattern: {id} is the value that the row has in the column id, {row} the
+number of the row, {row:06} that with six digits, and {{ a brace. A column that
+is used there need not be a field. Rows are counted from 1 without the names. A
+row that is refused is told on standard error and not written; the others are.
+Two rows with one output are told before anything is written. Several --jobs pay
+even on one processor, since each of them waits for the disk. Exits 0 when all
+rows are done, 3 when some of them were refused, 1 when the batch could not work
+or an output could not be written.
 
 --report prints {"name","result","why","value"} for every name, with "row" in a
 batch: result is set, coerced (understood as something else than it said, such
@@ -205,8 +209,9 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
         ->option_text("...");
     verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
         ->option_text("DATA");
-    verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
-        ->option_text("ROWS");
+    CLI::Option& batch =
+        *verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
+             ->option_text("ROWS");
     add_data_options(verb, arguments->reading);
     add_output(verb, arguments->output);
     add_scripts(verb, arguments->scripts);
@@ -216,7 +221,10 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--force", arguments->force, "fill what is read-only, locked by a signature or not permitted, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");
-    verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")->option_text("N");
+    verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")
+        ->option_text("N")
+        ->group("Batches");
+    add_batch_options(verb, arguments->batches, batch);
     verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return fill(*arguments); }; });
 }

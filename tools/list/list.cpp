@@ -35,10 +35,13 @@ takes them.)";
 int list_fields(const LIST_ARGUMENTS& arguments)
 {
     CPDFDocument document;
-    if (!open_document(document, arguments.input))
+    const bool with_notes = (arguments.json || arguments.in_full) && !arguments.summary;
+    if (!open_document(document, arguments.input, with_notes ? PDF_LOAD::FORM_AND_NOTES : PDF_LOAD::WHOLE_FORM))
         return COMMAND_REFUSED;
     if (!document.permits_filling())
         complain(arguments.input.path.text, "note: the file's permissions forbid to fill the form");
+    document.form();
+    note_adopted(document, arguments.input);
     if (arguments.summary)
         return end_with(put_list_summary(document, arguments.json ? LIST_FORM::JSON : LIST_FORM::TEXT),
                         arguments.input.path.text);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "core/limits.h"
 #include "document/document.h"
 #include "document/fill/filler.h"
+#include "document/lookup/field_notes.h"
 #include "document/lookup/field_options.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/held_value.h"
@@ -19,7 +21,6 @@
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
-#include "tools/list/field_notes.h"
 #include "tools/list/list_internal.h"
 #include "tools/verb.h"
 
@@ -27,12 +28,17 @@ namespace {
 
 constexpr size_t FLUSH_SIZE = 1 << 16;
 
+struct LISTED_WIDGET {
+    PDF_REF ref;
+    int32_t page;  // 0 for none
+};
+
 // Writes the objects of the list, one field at a time.
 class JsonList {
 public:
-    explicit JsonList(CPDFDocument& document) : m_document(document), m_names(document.form())
+    explicit JsonList(CPDFDocument& document)
+        : m_document(document), m_names(document.form()), m_pages(document.pages()), m_notes(document.field_notes())
     {
-        m_pages.load(document.xref(), document.root());
         m_binder.bind(document.xref(), document.form(), m_pages);
     }
 
@@ -104,7 +110,7 @@ private:
         put_text(",\"maxLength\":").put_text(limit > 0 ? std::to_string(limit) : "null");
         put_text(",\"object\":").put_text(std::to_string(field.m_ref.num));
         collect_widgets(field);
-        append_numbers(",\"widgets\":[", m_widgets, [](const PDF_REF& widget) { return widget.num; });
+        append_numbers(",\"widgets\":[", m_widgets, [](const LISTED_WIDGET& widget) { return widget.ref.num; });
         append_notes(field);
         append_states(field);
         put_text(",\"signed\":").put_text(field.m_type != FIELD_SIGNATURE ? "null" : field.m_sign ? "true" : "false");
@@ -174,32 +180,31 @@ private:
         m_widgets.clear();
         if (&value_field(field) == &field) {
             for (const CPDFAnnotWidget* widget : m_binder.widgets_of(field))
-                m_widgets.push_back(widget->m_ref);
+                add_widget(widget->m_ref);
             return;
         }
         if (field.m_widget && field.m_widget->m_ref.num == field.m_ref.num)
-            m_widgets.push_back(field.m_ref);
+            add_widget(field.m_ref);
         for (const PDF_REF& widget : std::span(field.m_widgets, static_cast<size_t>(field.m_widget_cnt))) {
             if (widget.num != field.m_ref.num)
-                m_widgets.push_back(widget);
+                add_widget(widget);
         }
     }
+
+    void add_widget(const PDF_REF& ref) { m_widgets.push_back({ref, m_notes.page_of(ref, m_pages)}); }
 
     // Page, label and where the widgets stand.
     void append_notes(const CPDFField& field)
     {
-        const FIELD_NOTES notes = read_field_notes(field, m_widgets, m_pages);
-        int32_t first = 0;
-        for (const LISTED_WIDGET& widget : notes.widgets)
-            first = first ? first : widget.page;
-        append_page(",\"page\":", first);
-        append_text(",\"label\":", notes.label);
-        append_text(",\"mappingName\":", notes.mapping_name);
+        const auto first = std::find_if(m_widgets.begin(), m_widgets.end(), [](const auto& at) { return at.page > 0; });
+        append_page(",\"page\":", first == m_widgets.end() ? 0 : first->page);
+        append_text(",\"label\":", m_notes.label_of(field.m_ref));
+        append_text(",\"mappingName\":", m_notes.mapping_name_of(field.m_ref));
         put_text(",\"widgetRects\":[");
-        for (size_t i = 0; i < notes.widgets.size(); ++i) {
-            append_page(i ? ",{\"page\":" : "{\"page\":", notes.widgets[i].page);
+        for (const LISTED_WIDGET& widget : m_widgets) {
+            append_page(&widget == &m_widgets.front() ? "{\"page\":" : ",{\"page\":", widget.page);
             put_text(",\"rect\":");
-            append_rect(notes.widgets[i].rect);
+            append_rect(m_notes.rect_of(widget.ref));
             m_out += '}';
         }
         m_out += ']';
@@ -263,9 +268,10 @@ private:
 
     CPDFDocument& m_document;  // borrowed from the caller
     CPDFNumberedNames m_names;
-    CPDFPageMap m_pages;
+    const CPDFPageMap& m_pages;  // borrowed from the document
     CPDFWidgetBinder m_binder;
-    std::vector<PDF_REF> m_widgets;  // of the field being written
+    CPDFFieldNotes& m_notes;               // borrowed from m_document
+    std::vector<LISTED_WIDGET> m_widgets;  // of the field being written
     size_t m_option_bytes = 0;
     std::string m_out;
     bool m_first = true;

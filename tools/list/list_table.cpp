@@ -5,12 +5,12 @@
 
 #include "core/limits.h"
 #include "document/document.h"
+#include "document/lookup/field_notes.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/held_value.h"
 #include "document/lookup/page_map.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
-#include "tools/list/field_notes.h"
 #include "tools/list/field_words.h"
 #include "tools/list/list_internal.h"
 #include "tools/terminal_text.h"
@@ -38,14 +38,26 @@ std::string shown_value(const CPDFField& field, size_t& inherited)
     return value;
 }
 
+// The first page that lists a widget of the field, its own dictionary or one below it without a name; 0 where none does.
+int32_t page_of_field(const CPDFField& field, const CPDFPageMap& pages)
+{
+    int32_t page = pages.page_of_annotation(field.m_ref.num);
+    for (int32_t i = 0; i < field.m_widget_cnt && !page; ++i)
+        page = pages.page_of_annotation(field.m_widgets[i].num);
+    for (int32_t i = 0; i < field.m_kid_cnt && !page; ++i) {
+        if (field.m_kids[i] && field.m_kids[i]->m_name.len <= 0)
+            page = page_of_field(*field.m_kids[i], pages);
+    }
+    return page;
+}
+
 // Calls `use(field, row)` for each field and value; nothing in a row is cut.
 template <typename Use>
 void for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
 {
     CPDFNumberedNames names(document.form());
     size_t inherited = 0;
-    CPDFPageMap pages;
-    pages.load(document.xref(), document.root());
+    const CPDFPageMap& pages = document.pages();
     for_each_field(document.form(), [&](CPDFField& field) {
         if (!is_listed(field, what))
             return;
@@ -91,8 +103,9 @@ void cut(LIST_ROW& row, const LIST_WIDTHS& widths)
     }
 }
 
-void append_row(std::string& out, const LIST_ROW& row, const LIST_WIDTHS& widths)
+void put_row(const LIST_ROW& row, const LIST_WIDTHS& widths)
 {
+    std::string out;
     for (size_t i = 0; i < COLUMN_COUNT; ++i) {
         if (widths[i] == 0)
             continue;
@@ -101,8 +114,35 @@ void append_row(std::string& out, const LIST_ROW& row, const LIST_WIDTHS& widths
         out.append(static_cast<size_t>(padding), ' ');
     }
     out.erase(out.find_last_not_of(' ') + 1);
-    out += '\n';
+    put(out += '\n');
 }
+
+// Rows of printable cells in one text: a string for each cell would take more memory than what it holds.
+class KeptRows {
+public:
+    void add(const LIST_ROW& row)
+    {
+        for (const std::string& cell : row)
+            (m_text += cell) += '\n';
+    }
+
+    template <typename Use>
+    void for_each(const Use& use) const
+    {
+        for (size_t at = 0; at < m_text.size();) {
+            LIST_ROW row;
+            for (std::string& cell : row) {
+                const size_t end = m_text.find('\n', at);
+                cell.assign(m_text, at, end - at);
+                at = end + 1;
+            }
+            use(row);
+        }
+    }
+
+private:
+    std::string m_text;  // each cell and a line feed
+};
 
 void put_line(const char* word, const std::string& text)
 {
@@ -120,33 +160,30 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PD
     const int total = terminal ? terminal : USUAL_WIDTH;
     const LIST_ROW heading = {"KIND", "PAGE", "NAME", "VALUE", "SHOWN", "FLAGS"};
     LIST_WIDTHS widths{};
-    widths.fill(total);
-    std::vector<LIST_ROW> rows;
+    LIST_WIDTHS whole;
+    whole.fill(total);
+    KeptRows rows;
     const auto add = [&](LIST_ROW row) {
         for (std::string& cell : row)
             cell = printable(cell);
-        cut(row, widths);
-        rows.push_back(std::move(row));
+        cut(row, whole);
+        widen(widths, row);
+        rows.add(row);
     };
     for_each_row(document, what, [&](const CPDFField&, LIST_ROW row) { add(std::move(row)); });
     for (const PDF_XFA_VALUE& at : data)
         add({"data", "", at.path, at.value, "", ""});
     need_memory();
-    widths = {};
-    for (const LIST_ROW& row : rows)
-        widen(widths, row);
     for (size_t i = 0; i < COLUMN_COUNT; ++i) {
         if (widths[i] > 0 || i == COLUMN_NAME || i == COLUMN_VALUE)
             widths[i] = std::max(widths[i], columns_of(heading[i]));
     }
     narrow(widths, total);
-    std::string out;
-    append_row(out, heading, widths);
-    for (LIST_ROW& row : rows) {
+    put_row(heading, widths);
+    rows.for_each([&](LIST_ROW& row) {
         cut(row, widths);
-        append_row(out, row, widths);
-    }
-    put(out);
+        put_row(row, widths);
+    });
 }
 
 void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
@@ -157,7 +194,7 @@ void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF
         put_line("page", row[COLUMN_PAGE]);
         put_line("value", row[COLUMN_VALUE]);
         put_line("shown", row[COLUMN_SHOWN]);
-        put_line("label", label_of(field));
+        put_line("label", document.field_notes().label_of(field.m_ref).value_or(""));
         put_line("takes", taken_words(document, field, listed));
         put_line("flags", row[COLUMN_FLAGS]);
     });
