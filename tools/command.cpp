@@ -78,8 +78,8 @@ int run(int argc, char** argv)
     app.require_subcommand(1);
     app.formatter(std::make_shared<CPDFHelpFormat>());
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
-    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage, 3 when\n"
-               "some of many rows or files were refused.");
+    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage, 3\n"
+               "when some of many rows or files were refused.");
     COMMAND_ACTION action;
     add_list_verb(app, action);
     add_get_verb(app, action);

@@ -61,8 +61,8 @@ void add_join_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_option("-o,--output", arguments->output, "where to save; - is standard output")
         ->required()
         ->option_text("OUT");
-    verb.footer(
-        "The result is, byte for byte, what fill writes without --updates-only. A template of another size or with\n"
-        "other bytes than the one that was filled is refused.");
+    verb.footer("The result is, byte for byte, what fill writes without --updates-only. A\n"
+                "template of another size or with other bytes than the one that was filled is\n"
+                "refused.");
     verb.callback([arguments, &action] { action = [arguments] { return join(*arguments); }; });
 }

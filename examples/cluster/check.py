@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the recipes of this folder on one machine, kills a worker in the middle, and checks that every output is there once.
+"""Runs the recipes of this folder on one machine, kills a worker in the middle, and checks that every output is there once and
+holds what its row says.
 
     check.py COMMAND FORM [ROWS]
 """
@@ -38,8 +39,11 @@ def kill_worker(recipe, mark):
     """Kills the first process of the recipe that has `mark` in its command line."""
     for pid, words in children(recipe.pid):
         if mark in words and "resource_tracker" not in words:
-            os.kill(pid, signal.SIGKILL)
-            return True
+            try:
+                os.kill(pid, signal.SIGKILL)
+                return True
+            except ProcessLookupError:  # it ended meanwhile
+                pass
     return False
 
 
@@ -71,6 +75,18 @@ def check_outputs(outputs, count):
     return again
 
 
+def check_values(command, outputs, table, count):
+    """All forms made into one table are the rows that they came from."""
+    subprocess.run([command, "extract", outputs, "--recursive", "--as", "csv", "-o", table], check=True)
+    with table.open(newline="") as file:
+        found = {pathlib.Path(line["file"]).stem: line for line in csv.DictReader(file)}
+    for number in range(1, count + 1):
+        wanted = row(number)
+        line = found.pop(wanted.pop("id"))
+        assert {name: line[name] for name in wanted} == wanted, line
+    assert not found, "the table has more rows"
+
+
 def main():
     command, form = (os.path.abspath(path) for path in sys.argv[1:3])
     count = int(sys.argv[3]) if len(sys.argv) > 3 else 4000
@@ -85,11 +101,13 @@ def main():
             outputs = pathlib.Path(folder) / "out"
             outputs.mkdir()
             start = time.monotonic()
-            run_recipe([HERE / name, *options, "--chunk", str(count // 16), "--formwork", command, form, table,
+            interpreter = [sys.executable] if name.endswith(".py") else []
+            run_recipe([*interpreter, HERE / name, *options, "--chunk", str(count // 16), "--formwork", command, form, table,
                         f"{outputs}/{{id}}.pdf"], mark, outputs, count)
             seconds = time.monotonic() - start
             again = check_outputs(outputs, count)
-            print(f"{name}: {count} rows in {seconds:.1f} s, a worker killed; every output is there, {again} done twice")
+            check_values(command, outputs, pathlib.Path(folder) / "table.csv", count)
+            print(f"{name}: {count} rows in {seconds:.1f} s, a worker killed; every output is there and right, {again} done twice")
 
 
 if __name__ == "__main__":

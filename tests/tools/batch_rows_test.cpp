@@ -101,8 +101,10 @@ TEST_F(BatchRowsTest, TheSameRowsInEveryDialectGiveTheSameOutputs)
     std::map<std::string, std::string> first;
     for (const auto& dialect : dialects) {
         SCOPED_TRACE(dialect.label);
-        const CommandResult result = batch(folder.write(dialect.name, dialect.text), dialect.more);
-        EXPECT_EQ(result.exit, 0) << result.err;
+        const std::string file = folder.write(dialect.name, dialect.text);
+        const CommandResult result = batch(file, dialect.more);
+        EXPECT_EQ(result.exit, 0);
+        EXPECT_EQ(result.err, "formwork: " + file + ": 3 rows: 3 written\n");
         ASSERT_EQ(outputs.size(), 3u);
         if (first.empty())
             first = outputs;
@@ -159,13 +161,14 @@ TEST_F(BatchRowsTest, ConstantsStandBesideTheRowsAndEmptyCellsMayClear)
     EXPECT_EQ(refused.exit, 1);
     EXPECT_NE(refused.err.find("no field \"unused\""), std::string::npos);
     EXPECT_NE(refused.err.find("--ignore-unknown"), std::string::npos);
-    EXPECT_EQ(batch(rows, {"name=all", "--data", data, "--ignore-unknown"}).exit, 0);
+    const std::string all = "formwork: " + rows + ": 2 rows: 2 written\n";
+    EXPECT_EQ(batch(rows, {"name=all", "--data", data, "--ignore-unknown"}).err, all);
     EXPECT_EQ(value("a.pdf", "name") + value("a.pdf", "town") + value("b.pdf", "name"), "all\nBern\nnew\n");
 
     const auto fill_old = [&](const char* empty) {
         const CommandResult result = folder.run(
             {"fill", filled, "--batch", rows, "--ignore-unknown", "--empty", empty, "-o", folder.path("out/{id}.pdf")});
-        EXPECT_EQ(result.exit, 0) << result.err;
+        EXPECT_EQ(result.err, all);
         return value("a.pdf", "name") + value("a.pdf", "agree") + value("a.pdf", "toppings") +
                value("a.pdf", "language");
     };
