@@ -467,6 +467,21 @@ CPDFStatus CPDFDocument::save(const std::string& path)
         std::string update;
         if (CPDFStatus status = m_state->make_update(update); !status.ok())
             return status;
+        return write(path, update);
+    });
+}
+
+CPDFStatus CPDFDocument::make_update(std::string& update)
+{
+    return within_memory("save the file", [&] {
+        update.clear();
+        return m_state->make_update(update);
+    });
+}
+
+CPDFStatus CPDFDocument::write(const std::string& path, std::string_view update) const
+{
+    return within_memory("save the file", [&] {
         const std::string_view input(reinterpret_cast<const char*>(data()), size());
         return write_file(path, {input, m_state->bytes.descriptor()}, update);
     });

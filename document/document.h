@@ -310,6 +310,11 @@ public:
     // The same into a buffer.
     CPDFStatus save(std::vector<uint8_t>& out);
 
+    // The two halves of save: what stands behind data() in the output, nothing when nothing has changed; and the output
+    // that has `update` there.
+    CPDFStatus make_update(std::string& update);
+    CPDFStatus write(const std::string& path, std::string_view update) const;
+
 private:
     struct State;
     void renew_state();

@@ -65,6 +65,8 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
     m_state->rescue = PDF_RESCUE::OFF;  // once is enough
     auto repaired = std::make_unique<State>();
     repaired->drawing = m_state->drawing;
+    repaired->scripts = m_state->scripts;
+    repaired->script_seconds = m_state->script_seconds;
     repaired->rescue = PDF_RESCUE::OFF;
     repaired->password = m_state->password;
     CPDFStatus status = rescue_file(m_state->bytes.data(), m_state->bytes.size(), m_state->password, repaired->bytes);

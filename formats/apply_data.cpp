@@ -8,8 +8,8 @@
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/xfa/data_value.h"
+#include "formats/field_cells.h"
 #include "forms/field.h"
-#include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 
 namespace {
@@ -43,8 +43,7 @@ bool says_nothing(const PDF_FORM_ENTRY& entry, const CPDFField& field)
 // Adds `more` to the list that `value` is or becomes; false when the field takes no list or either is true or false.
 bool join_values(const CPDFField& field, CPDFValue& value, const CPDFValue& more)
 {
-    const bool takes_several = field_kind(field).id == KIND_LIST && (effective_flags(field) & FIELD_MULTI_SELECT);
-    if (!takes_several || std::holds_alternative<bool>(value) || std::holds_alternative<bool>(more))
+    if (!takes_several(field) || std::holds_alternative<bool>(value) || std::holds_alternative<bool>(more))
         return false;
     if (const auto* text = std::get_if<std::string>(&value))
         value = std::vector<std::string>{*text};

@@ -78,7 +78,8 @@ int run(int argc, char** argv)
     app.require_subcommand(1);
     app.formatter(std::make_shared<CPDFHelpFormat>());
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
-    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage.");
+    app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage, 3\n"
+               "when some of many rows or files were refused.");
     COMMAND_ACTION action;
     add_list_verb(app, action);
     add_get_verb(app, action);
@@ -87,6 +88,7 @@ int run(int argc, char** argv)
     add_reset_verb(app, action);
     add_calculate_verb(app, action);
     add_export_verb(app, action);
+    add_extract_verb(app, action);
     add_draw_verb(app, action);
     add_add_verb(app, action);
     add_move_verb(app, action);
@@ -96,6 +98,7 @@ int run(int argc, char** argv)
     add_rename_verb(app, action);
     add_set_verb(app, action);
     add_merge_verb(app, action);
+    add_join_verb(app, action);
     add_actions_verb(app, action);
     for (CLI::App* verb : app.get_subcommands({}))
         verb->group("Verbs");

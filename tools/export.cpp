@@ -183,8 +183,8 @@ constexpr const char* FOOTER =
   json   one object of full names to values, as fill --data takes it
   fdf    the same as FDF
   xfdf   the same as XFDF
-  csv    a row of names and a row of values; a field with several values is
-         refused
+  csv    a row of names and a row of values; several values are joined by |, and
+         a field without one, or with an empty one, has an empty cell
 url and xml use the fields' own names, the last four the full names. With names,
 the last four also have the fields under those that are named. A default counts
 as a value; a field without either is left out, but has a column in CSV.)";

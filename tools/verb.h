@@ -10,12 +10,14 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 enum COMMAND_EXIT : int {
     COMMAND_DONE = 0,
     COMMAND_REFUSED = 1,  // a file or a value was refused
     COMMAND_USAGE = 2,    // wrong usage
+    COMMAND_PARTLY = 3,   // done but for some files or rows, which were refused
 };
 
 // A word of the command line as it was typed. CLI11 gives some words a meaning of their own ("[a,b]" is two words, "++"
@@ -46,6 +48,7 @@ void add_calculate_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_compare_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_reset_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_export_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_extract_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_draw_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_add_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_move_verb(CLI::App& app, COMMAND_ACTION& action);
@@ -55,6 +58,7 @@ void add_remove_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_rename_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_set_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_merge_verb(CLI::App& app, COMMAND_ACTION& action);
+void add_join_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
 // Adds the file and the options of every verb.

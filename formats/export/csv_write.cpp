@@ -1,6 +1,5 @@
 #include "formats/export/data_writer.h"
 #include "formats/import/csv.h"
-#include "forms/field.h"
 
 namespace {
 
@@ -11,13 +10,11 @@ public:
 
     CPDFStatus add(const PDF_EXPORT_ITEM& item) override
     {
-        if (item.value.is_list && item.value.present)
-            return refuse_export(item.name, "has several values, which a cell of CSV can't hold");
-        const bool is_empty = item.value.present && item.value.text.empty();
-        if (is_empty && item.field.m_def_value.type != PDF_OBJ_NULL)
-            return refuse_export(item.name, "is empty but has a default, which an empty cell of CSV can't say");
+        std::string cell;
+        if (!csv_cell_of(item.value, "|", cell))
+            return refuse_export(item.name, "has several values, one of them with the | that joins them in CSV");
         append_csv_cell(m_out, item.name, m_columns == 0);
-        append_csv_cell(m_values, item.value.present ? item.value.text : "", m_columns == 0);
+        append_csv_cell(m_values, cell, m_columns == 0);
         ++m_columns;
         return {};
     }
@@ -36,6 +33,17 @@ private:
 };
 
 }  // namespace
+
+bool csv_cell_of(const PDF_VALUE_TEXT& value, const std::string& separator, std::string& cell)
+{
+    cell = !value.present || value.is_list ? "" : value.text;
+    for (size_t i = 0; value.present && value.is_list && i < value.items.size(); ++i) {
+        if (separator.empty() || value.items[i].find(separator) != std::string::npos)
+            return false;
+        cell += (i ? separator : "") + value.items[i];
+    }
+    return true;
+}
 
 std::unique_ptr<CPDFDataWriter> make_csv_writer(std::string& out)
 {

@@ -30,6 +30,9 @@ public:
     virtual CPDFStatus add(const PDF_EXPORT_ITEM& item) = 0;
     virtual CPDFStatus finish() = 0;
 
+    // Bytes that were written so far.
+    size_t size() const { return m_out.size(); }
+
 protected:
     std::string& m_out;
 };
@@ -38,6 +41,10 @@ std::unique_ptr<CPDFDataWriter> make_json_writer(std::string& out);
 std::unique_ptr<CPDFDataWriter> make_fdf_writer(std::string& out);
 std::unique_ptr<CPDFDataWriter> make_xfdf_writer(std::string& out);
 std::unique_ptr<CPDFDataWriter> make_csv_writer(std::string& out);
+
+// The cell of CSV that says `value`: several values joined by `separator`, no value as an empty cell. False where one of
+// several has the separator in it.
+bool csv_cell_of(const PDF_VALUE_TEXT& value, const std::string& separator, std::string& cell);
 
 // A refusal: "field "name" " and why.
 CPDFStatus refuse_export(const std::string& name, const char* why);

@@ -46,13 +46,12 @@ struct SAME_NAME {
 
 class Exporter {
 public:
-    Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, PDF_EXPORT_TEXTS texts, std::string& out)
+    Exporter(CPDFDocument& document, PDF_DATA_FORMAT format, PDF_EXPORT_TEXTS texts, CPDFDataWriter& writer)
         : m_document(document),
           m_texts(texts),
           m_by_export(format == PDF_DATA_FORMAT::FDF || format == PDF_DATA_FORMAT::XFDF),
           m_values(document.xref()),
-          m_writer(make_writer(format, out)),
-          m_out(out)
+          m_writer(writer)
     {
     }
 
@@ -65,7 +64,7 @@ public:
         for (size_t i = 0; fields && i < fields->size(); ++i)
             for_each_field(*(*fields)[i], visit);
         if (m_status.ok())
-            m_status = m_writer->finish();
+            m_status = m_writer.finish();
         if (m_status.ok() && memory.failed())
             m_status = CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to export the values");
         return std::move(m_status);
@@ -83,8 +82,8 @@ private:
         if (m_texts == PDF_EXPORT_TEXTS::SHOWN && value.present)
             value.text = m_document.shown_text(field).value_or(value.text);
         const bool is_export = m_by_export && export_of(field, value.text);
-        m_status = m_writer->add({name, field, value, is_export});
-        if (m_status.ok() && (m_values.over_limit() || m_out.size() > LIMIT_EXPORT || m_document.read_too_much()))
+        m_status = m_writer.add({name, field, value, is_export});
+        if (m_status.ok() && (m_values.over_limit() || m_writer.size() > LIMIT_EXPORT || m_document.read_too_much()))
             m_status = CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
     }
 
@@ -109,8 +108,7 @@ private:
     PDF_EXPORT_TEXTS m_texts;
     bool m_by_export;  // whether the format is one that other programs read
     CPDFExportValues m_values;
-    std::unique_ptr<CPDFDataWriter> m_writer;
-    const std::string& m_out;                                           // borrowed from the caller
+    CPDFDataWriter& m_writer;                                           // borrowed from the caller
     std::unordered_set<const CPDFField*, NAME_HASH, SAME_NAME> m_seen;  // the first of each name
     CPDFStatus m_status = {};
 };
@@ -121,8 +119,13 @@ CPDFStatus write_form_data(CPDFDocument& document, PDF_DATA_FORMAT format, const
                            std::string& out, PDF_EXPORT_TEXTS texts)
 {
     out.clear();
-    CPDFStatus status = Exporter(document, format, texts, out).run(fields);
+    CPDFStatus status = Exporter(document, format, texts, *make_writer(format, out)).run(fields);
     if (!status.ok())
         out.clear();
     return status;
+}
+
+CPDFStatus visit_form_data(CPDFDocument& document, CPDFDataWriter& writer)
+{
+    return Exporter(document, PDF_DATA_FORMAT::JSON, PDF_EXPORT_TEXTS::VALUES, writer).run(nullptr);
 }

@@ -6,6 +6,7 @@
 
 #include "file/status.h"
 
+class CPDFDataWriter;
 class CPDFDocument;
 class CPDFField;
 
@@ -27,8 +28,11 @@ enum class PDF_EXPORT_TEXTS {
 // exported, the first of each full name; one without a value is left out, so that an import leaves it alone.
 //
 // A choice gives the export values of its options, as a list when there are several; where "V" has the text shown, that
-// stands for the export value. In CSV every such field has a column, and an empty cell where it has no value or an empty
-// one. A name or value that the format can't hold is refused in a sentence that names the field: several values in CSV,
-// characters that XML forbids. On failure `out` is empty.
+// stands for the export value. In CSV every such field has a column, an empty cell where it has no value or an empty
+// one, and several values joined by '|'. A name or value that the format can't hold is refused in a sentence that names the
+// field: characters that XML forbids, '|' in one of several values. On failure `out` is empty.
 CPDFStatus write_form_data(CPDFDocument& document, PDF_DATA_FORMAT format, const std::vector<CPDFField*>* fields,
                            std::string& out, PDF_EXPORT_TEXTS texts = PDF_EXPORT_TEXTS::VALUES);
+
+// Gives the same fields of the whole form with the same values, as JSON has them, to `writer` one after the other.
+CPDFStatus visit_form_data(CPDFDocument& document, CPDFDataWriter& writer);

@@ -1,34 +1,66 @@
 #include "formats/import/csv.h"
 
+#include <algorithm>
+
 #include "core/limits.h"
+#include "document/lookup/field_text.h"
 
 // file  = row *(line-end row)
-// row   = cell *("," cell)
-// cell  = *any-but-comma-quote-line-end / quote *(any-but-quote / quote quote) quote
+// row   = cell *(divider cell)
+// cell  = *any-but-divider-quote-line-end / quote *(any-but-quote / quote quote) quote
 
 namespace {
 
 constexpr std::string_view UTF8_MARK = "\xEF\xBB\xBF";
-constexpr std::string_view UTF16_MARKS[] = {"\xFF\xFE", "\xFE\xFF"};
-
-bool has_utf16_mark(std::string_view text)
-{
-    return text.starts_with(UTF16_MARKS[0]) || text.starts_with(UTF16_MARKS[1]);
-}
+constexpr std::string_view DIVIDER_LINE = "sep=";
 
 CPDFStatus failure(std::string sentence)
 {
     return CPDFStatus::failed(PDF_CODE::BAD_DATA, std::move(sentence));
 }
 
+// The divider that makes the first rows equally long, or else the row of names the longest; the comma where none makes
+// more than one cell of that.
+char find_divider(std::string_view text)
+{
+    char best = ',';
+    std::pair<bool, size_t> best_fit = {false, 1};
+    std::vector<std::string> names;
+    std::vector<std::string> cells;
+    for (const char divider : {',', ';', '\t'}) {
+        CPDFCsvReader reader(text, divider);
+        if (!reader.next(names) || names.size() < 2)
+            continue;
+        const bool is_even = reader.next(cells) && cells.size() == names.size();
+        const std::pair<bool, size_t> fit = {is_even, names.size()};
+        if (fit > best_fit) {
+            best = divider;
+            best_fit = fit;
+        }
+    }
+    return best;
+}
+
 }  // namespace
 
-CPDFCsvReader::CPDFCsvReader(std::string_view text) : m_text(text)
+CPDFCsvReader::CPDFCsvReader(std::string_view text, char delimiter) : m_text(text), m_stops(",\"\r\n")
 {
-    if (has_utf16_mark(text))
-        fail(1, "the text is UTF-16, not UTF-8");
     if (text.starts_with(UTF8_MARK))
         m_at = UTF8_MARK.size();
+    take_first_line(delimiter);
+}
+
+void CPDFCsvReader::take_first_line(char delimiter)
+{
+    const std::string_view rest = m_text.substr(m_at);
+    const size_t end = DIVIDER_LINE.size() + 1;
+    const bool says_it =
+        rest.starts_with(DIVIDER_LINE) && rest.size() > end && (rest[end] == '\r' || rest[end] == '\n');
+    if (says_it)
+        m_at += end;
+    if (delimiter == 0)
+        delimiter = says_it ? rest[end - 1] : find_divider(rest);
+    m_stops[0] = delimiter;
 }
 
 bool CPDFCsvReader::fail(size_t line, const char* what)
@@ -64,21 +96,21 @@ bool CPDFCsvReader::next(std::vector<std::string>& cells)
             return false;
         if (at_line_end())
             break;
-        ++m_at;  // the comma
+        ++m_at;  // the divider
     }
     pass_line_end();
     return true;
 }
 
-// Ends at a comma or the end of the line.
+// Ends at a divider or the end of the line.
 bool CPDFCsvReader::read_cell(std::string& cell)
 {
     if (m_at < m_text.size() && m_text[m_at] == '"')
         return read_quoted(cell);
-    const size_t end = std::min(m_text.find_first_of(",\"\r\n", m_at), m_text.size());
+    const size_t end = std::min(m_text.find_first_of(m_stops, m_at), m_text.size());
     cell = m_text.substr(m_at, end - m_at);
     m_at = end;
-    return at_line_end() || m_text[m_at] == ',' || fail(m_line, "a quote stands inside a cell that has none around it");
+    return at_cell_end() || fail(m_line, "a quote stands inside a cell that has none around it");
 }
 
 bool CPDFCsvReader::read_quoted(std::string& cell)
@@ -97,10 +129,21 @@ bool CPDFCsvReader::read_quoted(std::string& cell)
         cell += '"';
         ++m_at;
     }
-    return at_line_end() || m_text[m_at] == ',' || fail(m_line, "text follows the closing quote of a cell");
+    return at_cell_end() || fail(m_line, "text follows the closing quote of a cell");
 }
 
-CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std::string>& cells, CPDFFormData& out)
+CPDFStatus check_csv_text(std::string_view text)
+{
+    const size_t nul = text.find('\0');
+    const size_t at = std::min(find_malformed(text), nul);
+    if (at == std::string_view::npos)
+        return {};
+    const auto lines = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    return failure("line " + std::to_string(lines + 1) + ": the text is not UTF-8: save it as \"CSV UTF-8\"");
+}
+
+CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std::string>& cells,
+                       const PDF_CSV_STYLE& style, CPDFFormData& out)
 {
     out.clear();
     if (cells.size() != columns.size()) {
@@ -108,16 +151,23 @@ CPDFStatus data_of_row(const std::vector<std::string>& columns, std::vector<std:
                        ", not one for each of the " + std::to_string(columns.size()) + " columns");
     }
     for (size_t i = 0; i < cells.size(); ++i) {
-        if (!cells[i].empty())
-            out.push_back({columns[i], std::move(cells[i])});
+        if (!cells[i].empty() || style.keeps_empty_cells)
+            out.push_back({columns[i], std::move(cells[i]), PDF_WORDS::STATES_FIRST, false, nullptr, true});
     }
     return {};
 }
 
 CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out)
 {
+    return read_csv_row(text, {}, out);
+}
+
+CPDFStatus read_csv_row(std::string_view text, const PDF_CSV_STYLE& style, CPDFFormData& out)
+{
     out.clear();
-    CPDFCsvReader reader(text);
+    if (CPDFStatus status = check_csv_text(text); !status.ok())
+        return status;
+    CPDFCsvReader reader(text, style.delimiter);
     std::vector<std::string> columns;
     std::vector<std::string> cells;
     std::vector<std::string> more;
@@ -131,7 +181,7 @@ CPDFStatus read_csv_data(std::string_view text, CPDFFormData& out)
         return failure("there is no row of values behind the row of names");
     if (has_more)
         return failure("there is more than one row of values; a batch takes such a file");
-    CPDFStatus status = data_of_row(columns, cells, out);
+    CPDFStatus status = data_of_row(columns, cells, style, out);
     if (!status.ok())
         status.text = "the row of values is wrong: " + status.text;
     return status;
@@ -141,8 +191,8 @@ void append_csv_cell(std::string& out, std::string_view text, bool is_first)
 {
     if (!is_first)
         out += ',';
-    const bool has_mark = text.starts_with(UTF8_MARK) || has_utf16_mark(text);
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos && !has_mark && !(is_first && text.empty())) {
+    const bool looks_special = text.starts_with(UTF8_MARK) || text.starts_with(DIVIDER_LINE) || text.empty();
+    if (text.find_first_of(",;\t\"\r\n") == std::string_view::npos && !(is_first && looks_special)) {
         out += text;
         return;
     }

@@ -4,8 +4,8 @@
 
 #include "core/alloc.h"
 #include "core/limits.h"
-#include "file/file_bytes.h"
 #include "formats/import/csv.h"
+#include "formats/import/data_text.h"
 #include "formats/import/fdf_data.h"
 #include "formats/import/json_data.h"
 #include "formats/import/xfdf_data.h"
@@ -21,28 +21,44 @@ std::string suffix_of(std::string_view path)
     return suffix;
 }
 
+CPDFStatus check_no_spreadsheet(const std::string& suffix)
+{
+    if (suffix == ".xlsx" || suffix == ".xls" || suffix == ".ods")
+        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
+                                  "spreadsheets are not read as they are: save the sheet as CSV UTF-8");
+    return {};
+}
+
 CPDFStatus read_form_data(const std::string& path, CPDFFormData& out)
+{
+    return read_form_data(path, out, {});
+}
+
+CPDFStatus read_form_data(const std::string& path, CPDFFormData& out, const PDF_CSV_STYLE& style)
 {
     out.clear();
     const std::string suffix = suffix_of(path);
     using Read = CPDFStatus (*)(std::string_view, CPDFFormData&);
     constexpr std::pair<std::string_view, Read> READERS[] = {
-        {".json", read_json_data}, {".csv", read_csv_data}, {".fdf", read_fdf_data}, {".xfdf", read_xfdf_data}};
+        {".json", read_json_data}, {".csv", nullptr}, {".fdf", read_fdf_data}, {".xfdf", read_xfdf_data}};
     for (const auto& [name, read] : READERS) {
         if (suffix != name)
             continue;
-        CPDFFileBytes file;
+        CPDFDataText file;
         CPDFStatus status = file.open(path);
         if (!status.ok())
             return status;
-        if (file.size() > LIMIT_DATA_FILE) {
+        if (file.text().size() > LIMIT_DATA_FILE) {
             return CPDFStatus::failed(PDF_CODE::LIMIT,
                                       "a data file has at most " + std::to_string(LIMIT_DATA_FILE >> 20) + " MiB");
         }
         const VXFailureCheck memory;
-        status = read({reinterpret_cast<const char*>(file.data()), file.size()}, out);
+        status = read ? read(file.text(), out) : read_csv_row(file.text(), style, out);
         return memory.failed() ? CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to read it")
                                : status;
     }
-    return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json, .csv, .fdf or .xfdf");
+    const CPDFStatus status = check_no_spreadsheet(suffix);
+    return !status.ok()
+               ? status
+               : CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a data file ends with .json, .csv, .fdf or .xfdf");
 }

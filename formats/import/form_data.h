@@ -15,14 +15,21 @@ struct PDF_FORM_ENTRY {
     PDF_WORDS words = PDF_WORDS::STATES_FIRST;
     bool is_typed = false;       // not from a file: an empty text was meant
     CPDFField* field = nullptr;  // borrowed; the field itself, where the name alone does not tell it
+    bool is_cell = false;        // of a table: a text that may stand for several, and an empty one for no value
 };
+
+struct PDF_CSV_STYLE;
 
 // In the order of the file. A name may come more than once.
 using CPDFFormData = std::vector<PDF_FORM_ENTRY>;
 
 // Reads a data file of up to LIMIT_DATA_FILE bytes by the suffix of its name: .json, .csv, .fdf or .xfdf, see the
 // readers of each. On failure, which the status tells without the file's name, `out` is empty.
+CPDFStatus read_form_data(const std::string& path, CPDFFormData& out, const PDF_CSV_STYLE& style);
 CPDFStatus read_form_data(const std::string& path, CPDFFormData& out);
+
+// The refusal of a file of a spreadsheet program, by its suffix; ok for others.
+CPDFStatus check_no_spreadsheet(const std::string& suffix);
 
 // The suffix of a file name with its dot, in small letters; empty when there is none.
 std::string suffix_of(std::string_view path);

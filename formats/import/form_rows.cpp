@@ -1,19 +1,28 @@
 #include "formats/import/form_rows.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "formats/import/json_data.h"
 
-CPDFStatus CPDFFormRows::open(const std::string& path)
+CPDFStatus CPDFFormRows::open(const std::string& path, const PDF_CSV_STYLE& style)
 {
     const std::string suffix = suffix_of(path);
-    if (suffix != ".csv" && suffix != ".jsonl")
+    if (CPDFStatus status = check_no_spreadsheet(suffix); !status.ok())
+        return status;
+    if (path != "-" && suffix != ".csv" && suffix != ".jsonl")
         return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a file with many rows ends with .csv or .jsonl");
-    m_json = suffix == ".jsonl";
     CPDFStatus status = m_file.open(path);
     if (!status.ok())
         return status;
-    m_text = {reinterpret_cast<const char*>(m_file.data()), m_file.size()};
+    m_text = m_file.text();
+    m_style = style;
+    m_json =
+        suffix == ".jsonl" || (path == "-" && m_text.substr(0, m_text.find_first_not_of(" \t\r\n") + 1).ends_with('{'));
+    if (!m_json)
+        status = check_csv_text(m_text);
+    if (!status.ok())
+        return status;
     status = start();
     if (!status.ok())
         return status;
@@ -28,7 +37,7 @@ CPDFStatus CPDFFormRows::open(const std::string& path)
 CPDFStatus CPDFFormRows::start()
 {
     m_at = 0;
-    m_csv = CPDFCsvReader(m_json ? std::string_view() : m_text);
+    m_csv = CPDFCsvReader(m_json ? std::string_view() : m_text, m_style.delimiter);
     if (m_json || m_csv.next(m_columns))
         return {};
     return m_csv.status().ok() ? CPDFStatus::failed(PDF_CODE::BAD_DATA, "the file has no row of names")
@@ -60,8 +69,14 @@ bool CPDFFormRows::next(PDF_FORM_ROW& row)
     } else {
         if (!m_csv.next(m_cells))
             return false;
-        status = data_of_row(m_columns, m_cells, row.data);
+        status = data_of_row(m_columns, m_cells, m_style, row.data);
     }
     row.number = ++m_number;
     return true;
+}
+
+void CPDFFormRows::rewind()
+{
+    m_number = 0;
+    std::ignore = start();  // which was good before
 }

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "file/file_bytes.h"
 #include "formats/import/csv.h"
+#include "formats/import/data_text.h"
 #include "formats/import/form_data.h"
 
 struct PDF_FORM_ROW {
@@ -18,9 +18,9 @@ struct PDF_FORM_ROW {
 // Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.
 class CPDFFormRows {
 public:
-    // Opens the file, which the suffix tells the form of, and counts its rows. Fails for a CSV file that breaks the
-    // rules of quotes anywhere.
-    CPDFStatus open(const std::string& path);
+    // Opens the file, which the suffix tells the form of, and counts its rows. "-" is standard input: JSON when that
+    // begins with a brace. Fails for a CSV file that breaks the rules of quotes or is not UTF-8 anywhere.
+    CPDFStatus open(const std::string& path, const PDF_CSV_STYLE& style = {});
 
     size_t count() const { return m_count; }
 
@@ -30,11 +30,15 @@ public:
     // Reads the next row; false when there is none.
     bool next(PDF_FORM_ROW& row);
 
+    // The next row is the first one again.
+    void rewind();
+
 private:
     CPDFStatus start();
     bool next_line(std::string_view& line);
 
-    CPDFFileBytes m_file;
+    CPDFDataText m_file;
+    PDF_CSV_STYLE m_style;
     std::string_view m_text;  // borrowed from m_file
     CPDFCsvReader m_csv{""};
     bool m_json = false;

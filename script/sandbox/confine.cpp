@@ -106,6 +106,8 @@ void reset_signals()
 {
     for (int number = 1; number < NSIG; ++number)
         std::signal(number, SIG_DFL);
+    for (const int number : {SIGINT, SIGQUIT, SIGHUP})
+        std::signal(number, SIG_IGN);  // of the terminal: the parent decides
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);

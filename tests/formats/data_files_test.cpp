@@ -70,7 +70,11 @@ TEST(CsvTest, RowsReadAsTheRulesSay)
         {"a quote inside a cell", "a\nb\"c\nd\n", {{"a"}}, "line 2: a quote stands inside"},
         {"text behind a quote", "a\n\"b\r\nc\"d\ne\n", {{"a"}}, "line 3: text follows"},
         {"no closing quote", "a\n\"b\nc\n", {{"a"}}, "line 2: a quoted cell has no end"},
-        {"UTF-16", "\xFF\xFE,", {}, "line 1: the text is UTF-16"},
+        {"the row of names has it", "a;b,c;d\n1;,2;\t3\n", {{"a", "b,c", "d"}, {"1", ",2", "\t3"}}, ""},
+        {"the second row decides", "a,b;c\n1;2\n", {{"a,b", "c"}, {"1", "2"}}, ""},
+        {"quotes hide dividers", "\"a;b;c\"\t\"d,e,f\"\n", {{"a;b;c", "d,e,f"}}, ""},
+        {"one column", "a b\n1\n", {{"a b"}, {"1"}}, ""},
+        {"a line that says it", "\xEF\xBB\xBFsep=|\r\na|b,c,d\r\n", {{"a", "b,c,d"}}, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
@@ -95,6 +99,8 @@ TEST(DataFileTest, Csv)
               {"two rows", "a\n1\n2\n", "! there is more than one row"},
               {"short", "a,b\n1\n", "! the row of values is wrong: it has 1 cell, not one for each of the 2"},
               {"long", "a\n1,2\n", "! the row of values is wrong: it has 2 cells, not one"},
+              {"not UTF-8", "a\n\nB\xE4r\n", "! line 3: the text is not UTF-8: save it as \"CSV UTF-8\""},
+              {"UTF-16 without a mark", std::string("a\0\n\0", 4), "! line 1: the text is not UTF-8"},
               {"damage behind", "a\n1\n\"", "! line 3: "},
           });
 }

@@ -88,7 +88,7 @@ TEST_F(CalculateTest, EveryRowOfABatchIsCalculatedAnew)
 {
     const std::string rows = folder.write("rows.csv", "id,amount\n1,2\n2,\n3,x\n");
     const CommandResult batch = folder.run({"fill", form, "--batch", rows, "-o", folder.path("row{id}.pdf")});
-    EXPECT_EQ(batch.exit, 1);
+    EXPECT_EQ(batch.exit, 3);
     EXPECT_THAT(batch.err, HasSubstr("field \"amount\" does not take \"x\""));
     EXPECT_EQ(fields(folder.path("row1.pdf"))[2]["value"], "4");
     EXPECT_EQ(fields(folder.path("row2.pdf"))[2]["value"], "0");

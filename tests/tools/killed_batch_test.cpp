@@ -5,6 +5,7 @@
 #include <set>
 #include <thread>
 
+#include "tests/support/memory_document.h"
 #include "tests/tools/command_run.h"
 
 namespace {
@@ -12,19 +13,36 @@ constexpr int ROWS = 200;
 constexpr const char* OLD = "%%EOF\n";  // what a file ends with
 
 // Fills the outputs in `folder`, and is ended by `number`, if any, when so many of them are there. Returns how it ended.
-int run_batch(const std::string& rows, const std::string& folder, int number = 0, int outputs = 0)
+int run_batch(const std::string& rows, const std::string& folder, int number = 0, int outputs = 0,
+              const std::string& manifest = "")
 {
     const std::string pattern = folder + "/{name}.pdf";
     const pid_t child = fork();
     if (child == 0) {
-        execl(FORMWORK_COMMAND, FORMWORK_COMMAND, "fill", FORMWORK_SAMPLES_DIR "/kinds.pdf", "--batch", rows.c_str(),
-              "--jobs", "3", "-o", pattern.c_str(), nullptr);
+        const char* words[] = {FORMWORK_COMMAND,
+                               "fill",
+                               FORMWORK_SAMPLES_DIR "/kinds.pdf",
+                               "--batch",
+                               rows.c_str(),
+                               "--jobs",
+                               "3",
+                               "-o",
+                               pattern.c_str(),
+                               "--resume",
+                               "--manifest",
+                               manifest.c_str(),
+                               nullptr};
+        if (manifest.empty())
+            words[9] = nullptr;
+        std::freopen((folder + "/../said").c_str(), "w", stderr);
+        execv(FORMWORK_COMMAND, const_cast<char**>(words));
         _exit(126);
     }
     const auto count = [&folder] { return std::distance(std::filesystem::directory_iterator(folder), {}); };
     int how = 0;
+    bool is_sent = false;
     while (number && waitpid(child, &how, WNOHANG) == 0) {
-        if (count() >= outputs)
+        if (count() >= outputs && !std::exchange(is_sent, true))
             kill(child, number);
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
@@ -74,4 +92,34 @@ TEST(KilledBatchTest, OutputsAreWholeAndNothingElseIsLeft)
         EXPECT_EQ(run_batch(data, out), 0);
         EXPECT_EQ(names_in(out), outputs);
     }
+}
+
+TEST(KilledBatchTest, ARunThatGoesOnLosesNothingAndDoublesNothing)
+{
+    const TempFolder folder;
+    std::string rows = "name\n";
+    for (int i = 0; i < ROWS; ++i)
+        rows += "n" + std::to_string(i) + "\n";
+    const std::string data = folder.write("rows.csv", rows);
+    const std::string out = folder.path("out");
+    const std::string manifest = folder.path("m.jsonl");
+    std::filesystem::create_directory(out);
+    const auto lines = [&manifest] {
+        std::vector<std::string> all = split(read_text_file(manifest), '\n');
+        std::erase(all, "");
+        return all;
+    };
+    for (const int number : {SIGKILL, SIGTERM, SIGKILL, SIGINT}) {
+        EXPECT_EQ(run_batch(data, out, number, static_cast<int>(names_in(out).size()) + 10, manifest), number);
+        if (number != SIGKILL) {  // which may come between an output and its line
+            EXPECT_EQ(lines().size(), names_in(out).size());
+            EXPECT_NE(read_text_file(folder.path("said")).find(" skipped"), std::string::npos);
+        }
+    }
+    EXPECT_EQ(run_batch(data, out, 0, 0, manifest), 0);
+    std::set<std::string> done;
+    for (const std::string& line : lines())
+        EXPECT_TRUE(done.insert(line.substr(0, line.find(','))).second) << line;
+    EXPECT_EQ(done.size(), ROWS);
+    EXPECT_EQ(names_in(out).size(), ROWS);
 }

@@ -168,6 +168,8 @@ constexpr const char* LARGE[] = {
     "fill XFA --xfa form1[0].page1[0].amount[1]=7 -o OUT",
     "fill KINDS name=Bob --flatten -o OUT",
     "fill KINDS --batch ROWS --jobs 2 -o OUTS",
+    "fill KINDS --batch ROWS --updates-only -o OUTS",
+    "fill KINDS --batch ROWS --as zip -o OUT",
     "reset KINDS -o OUT",
     "reset XFA --xfa -o OUT",
     "export KINDS --as url",

@@ -5,43 +5,67 @@
 
 #include "document/document.h"
 #include "document/lookup/field_text.h"
-#include "document/xfa/data_value.h"
-#include "tools/verb.h"
+#include "tools/batch/output_names.h"
+#include "tools/fill/fill_data.h"
+#include "tools/fill/fill_internal.h"
 
-namespace {
-
-// Whether the name is that of a value in the XFA data of a form that has nothing else.
-bool has_xfa_value(CPDFDocument& document, const std::string& name)
+bool BatchRows::open(const std::string& path, const DATA_ARGUMENTS& reading)
 {
-    std::vector<CPDFStatus> each;
-    return document.has_only_xfa() && document.check_xfa_values({{name, ""}}, PDF_FILL::FORCE, each).ok() &&
-           each[0].ok();
+    m_path = path == "-" ? "standard input" : path;
+    m_map_path = reading.map.text;
+    if (!m_rules.set(reading).ok() || !m_rules.open(reading))
+        return false;
+    const CPDFStatus status = m_rows.open(path, m_rules.style());
+    if (!status.ok())
+        complain(m_path, status.text);
+    return status.ok();
 }
 
-}  // namespace
-
-bool BatchRows::open(const std::string& path)
+bool BatchRows::add_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments)
 {
-    m_path = path;
-    const CPDFStatus status = m_rows.open(path);
-    if (!status.ok())
-        complain(path, status.text);
-    return status.ok();
+    return read_constants(document, arguments, m_rules, m_constants);
+}
+
+bool BatchRows::has_use(CPDFDocument& document, const std::string& column) const
+{
+    return !m_pattern || m_rules.map().targets_of(column) || m_rules.ignores_unknown() || m_pattern->names(column) ||
+           is_known_name(document, column);
+}
+
+// A map may be there for several files, and have more columns than this one where that is said.
+bool BatchRows::check_map(CPDFDocument& document, const std::vector<std::string>* columns) const
+{
+    bool good = true;
+    const auto refuse = [&](const std::string& sentence) {
+        complain(m_map_path, sentence);
+        good = false;
+    };
+    for (const auto& [column, targets] : m_rules.map().columns()) {
+        if (columns && !m_rules.ignores_unknown() &&
+            std::find(columns->begin(), columns->end(), column) == columns->end())
+            refuse("the rows have no column " + in_quotes(column) + "; --ignore-unknown passes over it");
+        for (const CPDFColumnMap::TARGET& target : targets) {
+            if (!is_known_name(document, target.field))
+                refuse("the column " + in_quotes(column) + ": " + document.no_field(target.field).text);
+        }
+    }
+    return good;
 }
 
 bool BatchRows::check_columns(CPDFDocument& document) const
 {
     const std::vector<std::string>* columns = m_rows.columns();
+    bool good = check_map(document, columns);
     if (!columns)
-        return true;
-    bool good = true;
+        return good;
     const auto refuse = [&](const std::string& sentence) {
         complain(m_path, sentence);
         good = false;
     };
     for (const std::string& column : *columns) {
-        if (!document.field(column) && !(m_pattern && m_pattern->names(column)) && !has_xfa_value(document, column))
-            refuse(document.no_field(column).text + ", and no output name (-o) uses it");
+        if (!has_use(document, column))
+            refuse(document.no_field(column).text +
+                   ", and no output name (-o) uses it; --ignore-unknown passes over such columns");
     }
     for (const std::string& name : m_pattern ? m_pattern->columns() : std::vector<std::string>()) {
         const auto times = std::count(columns->begin(), columns->end(), name);
@@ -68,19 +92,48 @@ bool BatchRows::is_protected(const std::string& path) const
                        [&](const FILE_ID& id) { return id.device == info.st_dev && id.number == info.st_ino; });
 }
 
-CPDFStatus BatchRows::claim_output(const PDF_FORM_ROW& row, std::string& output)
+CPDFStatus BatchRows::find_output(const PDF_FORM_ROW& row, std::string& output) const
 {
     std::string path;
-    if (CPDFStatus status = m_pattern->make_path(row.data, path); !status.ok())
+    if (CPDFStatus status = m_pattern->make_path(row.data, row.number, path); !status.ok())
         return status;
-    const auto [claim, is_first] = m_row_of.emplace(path, row.number);
-    if (!is_first)
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
-                                  "its output " + path + " is that of row " + std::to_string(claim->second) + ", too");
     if (is_protected(path))
         return CPDFStatus::failed(PDF_CODE::BAD_DATA, "its output " + path + " is a file that the batch reads");
     output = std::move(path);
     return {};
+}
+
+bool BatchRows::check_outputs()
+{
+    constexpr size_t MOST = 1000;
+    OutputNames names;
+    size_t doubles = 0;
+    const auto each_name = [&](const auto& take) {
+        std::string path;
+        for (PDF_FORM_ROW row; m_pattern && m_rows.next(row); row = PDF_FORM_ROW()) {
+            if (row.status.ok() && m_pattern->make_path(row.data, row.number, path).ok())
+                take(path, row.number);
+        }
+        m_rows.rewind();
+    };
+    each_name([&names](const std::string& path, size_t /*row*/) { names.add(path); });
+    if (!names.look_closer())
+        return true;
+    each_name([&](const std::string& path, size_t row) {
+        const size_t before = names.add_again(path, row);
+        if (before && ++doubles <= MOST)
+            complain(m_path, "row " + std::to_string(row) + ": its output " + path + " is that of row " +
+                                 std::to_string(before) + ", too");
+    });
+    if (doubles > MOST)
+        complain(m_path, std::to_string(doubles - MOST) + " more rows have the output of another one");
+    return doubles == 0;
+}
+
+void BatchRows::select(size_t first, size_t last)
+{
+    m_first = first;
+    m_last = last;
 }
 
 bool BatchRows::is_new(const std::string& name)
@@ -95,17 +148,34 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     PDF_FORM_ROW read;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_rows.next(read))
-            return false;
-        row.status = std::move(read.status);
-        if (row.status.ok() && m_pattern)
-            row.status = claim_output(read, row.output);
+        do {
+            read = PDF_FORM_ROW();
+            if (!m_rows.next(read) || read.number > m_last)
+                return false;
+        } while (read.number < m_first);
     }
+    row.status = std::move(read.status);
+    if (row.status.ok() && m_pattern)
+        row.status = find_output(read, row.output);
     row.number = read.number;
     row.data = std::move(read.data);
-    std::erase_if(row.data, [&](const PDF_FORM_ENTRY& entry) {
-        return m_pattern && m_pattern->names(entry.name) && !document.field(entry.name) &&
-               !has_xfa_value(document, entry.name);
-    });
+    if (!row.status.ok())
+        return true;
+    drop_output_names(document, row.data);
+    row.status = m_rules.shape(document, row.data);
+    ::add_constants(document, m_constants, row.data);
     return true;
+}
+
+// Columns that are there for the output alone. Where that has no pattern any may be.
+void BatchRows::drop_output_names(CPDFDocument& document, CPDFFormData& data)
+{
+    std::erase_if(data, [&](const PDF_FORM_ENTRY& entry) {
+        if ((m_pattern && !m_pattern->names(entry.name)) || m_rules.map().targets_of(entry.name) ||
+            is_known_name(document, entry.name))
+            return false;
+        if (!m_pattern && !m_rules.ignores_unknown() && is_new(entry.name))
+            complain(m_path, "note: " + document.no_field(entry.name).text);
+        return true;
+    });
 }

@@ -5,7 +5,7 @@
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "formats/apply_data.h"
-#include "formats/import/form_data.h"
+#include "tools/fill/fill_data.h"
 #include "tools/fill/fill_internal.h"
 #include "tools/fill/fill_report.h"
 
@@ -13,34 +13,6 @@ namespace {
 
 // Few values are reached faster one by one than through the whole form.
 constexpr size_t MOST_SINGLE_FIELDS = 16;
-
-// A value for the field that `word` means; for that name where it is not clear.
-PDF_FORM_ENTRY meant_entry(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& word,
-                           const std::string& value)
-{
-    PDF_FORM_ENTRY entry = {word, value, PDF_WORDS::STATES_FIRST, true};
-    CPDFStatus why;
-    if (document.field(word) || document.has_only_xfa())
-        return entry;
-    entry.field = document.find_field(word, why);
-    if (!entry.field)
-        return entry;
-    entry.name = full_name(*entry.field);
-    complain(input.path.text, "note: " + in_quotes(word) + " is taken for the field " + in_quotes(entry.name));
-    return entry;
-}
-
-// The first '=' behind which the value begins: names may hold one too, so the shortest name that is a field's counts.
-// Where none is, the text before the first '=' stands for the name.
-size_t find_assign(CPDFDocument& document, std::string_view assignment)
-{
-    const size_t first = assignment.find('=', 1);
-    for (size_t at = first; at != std::string_view::npos; at = assignment.find('=', at + 1)) {
-        if (document.field(assignment.substr(0, at)))
-            return at;
-    }
-    return first;
-}
 
 bool open_for_fill(CPDFDocument& document, const FILL_ARGUMENTS& arguments, size_t values)
 {
@@ -79,8 +51,11 @@ bool complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<PDF
 int fill_once(const FILL_ARGUMENTS& arguments)
 {
     CPDFFormData data;
+    DataRules rules;
+    if (!rules.set(arguments.reading).ok() || !rules.open(arguments.reading))
+        return COMMAND_REFUSED;
     if (!arguments.data.text.empty()) {
-        const CPDFStatus status = read_form_data(arguments.data.text, data);
+        const CPDFStatus status = read_form_data(arguments.data.text, data, rules.style());
         if (!status.ok())
             return end_with(status, arguments.data.text);
         if (data.empty())
@@ -89,15 +64,13 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     CPDFDocument document;
     if (!open_for_fill(document, arguments, data.size() + arguments.assignments.size()))
         return COMMAND_REFUSED;
-    const size_t from_file = data.size();
+    const CPDFFormData from_file = data;
     std::vector<PDF_DATA_ITEM> items;
     do {
-        data.resize(from_file);
-        for (const COMMAND_WORD& assignment : arguments.assignments) {
-            const size_t at = find_assign(document, assignment.text);
-            data.push_back(
-                meant_entry(document, arguments.input, assignment.text.substr(0, at), assignment.text.substr(at + 1)));
-        }
+        data = from_file;
+        if (const CPDFStatus shaped = rules.shape(document, data); !shaped.ok())
+            return end_with(shaped, arguments.data.text);
+        add_assignments(document, arguments, data);
         items = plan_data(document, data, arguments.how());
     } while (mend_document(document, arguments.input));
     for (const PDF_DATA_ITEM& item : items) {
@@ -137,14 +110,15 @@ bool read_jobs(FILL_ARGUMENTS& arguments)
 }
 
 // Whether the result goes to a place that makes sense.
-CPDFStatus check_place(const FILL_ARGUMENTS& arguments)
+CPDFStatus check_place(FILL_ARGUMENTS& arguments)
 {
     const std::string& output = arguments.output.output.text;
+    if (!arguments.batch.text.empty()) {
+        if (CPDFStatus status = check_batch(arguments); !status.ok())
+            return status;
+    }
     if (arguments.dry_run && output.empty() && !arguments.output.in_place)
         return {};
-    const bool pattern = output != "-" && !arguments.output.in_place;
-    if (!arguments.batch.text.empty() && !pattern)
-        return wrong_usage("--batch writes many files: give -o a pattern such as out/{id}.pdf");
     if (is_same_file(output, arguments.data.text))
         return wrong_usage(in_quotes(output) + " is the file with the data");
     return check_output(arguments.input, arguments.output);
@@ -161,10 +135,10 @@ CPDFStatus check_usage(FILL_ARGUMENTS& arguments)
     if (!has_data && !has_batch)
         return wrong_usage(
             "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)");
-    if (has_data && has_batch)
-        return wrong_usage("--batch takes all values from its rows: give no NAME=VALUE and no --data with it");
     if (!read_jobs(arguments))
         return wrong_usage(in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256");
+    if (CPDFStatus status = DataRules().set(arguments.reading); !status.ok())
+        return status;
     if (CPDFStatus status = check_scripts(arguments.scripts); !status.ok())
         return status;
     return check_place(arguments);
@@ -195,8 +169,8 @@ the data that `formwork list` shows.
 Data files, in UTF-8, have full names of fields:
   .json   one object of names to texts, numbers, true, false or lists of texts;
           null leaves a field alone
-  .csv    a row of names and one row of values (RFC 4180); an empty cell leaves
-          its field alone
+  .csv    a row of names and one row of values, divided by commas, semicolons or
+          tabs, also in UTF-16 with its mark; save .xlsx as "CSV UTF-8"
   .fdf    FDF, as formwork export and other programs write it
   .xfdf   XFDF; of rich text the plain text beside it is read
 A value that the field has already is never refused.
@@ -204,11 +178,19 @@ A value that the field has already is never refused.
 A batch fills FILE once for every row of a .csv file, or every line of a .jsonl
 file with one JSON object each:
   formwork fill form.pdf --batch people.csv -o 'out/{id}.pdf'
--o is a pattern: {id} is the value that the row has in the column id, and {{ a
-brace. A column that is used there need not be a field. Rows are counted from 1
-without the names. A row that is refused is told on standard error and not
-written; the others are. Several --jobs pay even on one processor, since each of
-them waits for the disk.
+--batch - takes either from standard input. NAME=VALUE and --data beside it are
+for the rows that have no value of their own. A --map is JSON:
+  {"Name": "person", "Notes": null, "Town": {"field": "town", "upper": true},
+   "Born": {"field": "birth", "date": "dd.mm.yyyy>mm/dd/yyyy"},
+   "Sum": [{"field": "sum", "number": "1.234,56>1234.56"}, "sum in words"]}
+-o is a pattern: {id} is the value that the row has in the column id, {row} the
+number of the row, {row:06} that with six digits, and {{ a brace. A column that
+is used there need not be a field. Rows are counted from 1 without the names. A
+row that is refused is told on standard error and not written; the others are.
+Two rows with one output are told before anything is written. Several --jobs pay
+even on one processor, since each of them waits for the disk. Exits 0 when all
+rows are done, 3 when some of them were refused, 1 when the batch could not work
+or an output could not be written.
 
 --report prints {"name","result","why","value"} for every name, with "row" in a
 batch: result is set, coerced (understood as something else than it said, such
@@ -227,8 +209,10 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
         ->option_text("...");
     verb.add_option("--data", arguments->data, "take values from a .json, .csv, .fdf or .xfdf file")
         ->option_text("DATA");
-    verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
-        ->option_text("ROWS");
+    CLI::Option& batch =
+        *verb.add_option("--batch", arguments->batch, "fill once for every row of a .csv or .jsonl file")
+             ->option_text("ROWS");
+    add_data_options(verb, arguments->reading);
     add_output(verb, arguments->output);
     add_scripts(verb, arguments->scripts);
     verb.add_flag("--xfa", arguments->xfa,
@@ -237,7 +221,10 @@ void add_fill_verb(CLI::App& app, COMMAND_ACTION& action)
     verb.add_flag("--force", arguments->force, "fill what is read-only, locked by a signature or not permitted, too");
     verb.add_flag("--dry-run", arguments->dry_run, "check all values and write nothing");
     verb.add_flag("--report", arguments->report, "print a line of JSON for every name; on standard error with -o -");
-    verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")->option_text("N");
+    verb.add_option("--jobs", arguments->jobs, "rows of a batch that are worked on at once (1)")
+        ->option_text("N")
+        ->group("Batches");
+    add_batch_options(verb, arguments->batches, batch);
     verb.footer(FOOTER);
     verb.callback([arguments, &action] { action = [arguments] { return fill(*arguments); }; });
 }

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "document/fill/filler.h"
+#include "tools/fill/batch_arguments.h"
+#include "tools/fill/data_rules.h"
 #include "tools/save_output.h"
 #include "tools/script_arguments.h"
 #include "tools/verb.h"
@@ -14,6 +16,8 @@ struct FILL_ARGUMENTS {
     std::vector<COMMAND_WORD> assignments;
     COMMAND_WORD data;
     COMMAND_WORD batch;
+    BATCH_ARGUMENTS batches;
+    DATA_ARGUMENTS reading;
     OUTPUT_ARGUMENTS output;
     SCRIPT_ARGUMENTS scripts;
     COMMAND_WORD jobs{"1"};
