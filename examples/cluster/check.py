@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Runs the recipes of this folder on one machine, kills a worker in the middle, and checks that every output is there once and
-holds what its row says.
+holds what its row says. Then runs them undisturbed and prints how they compare with as many processes without an engine.
 
     check.py COMMAND FORM [ROWS]
 """
@@ -16,6 +16,12 @@ import tempfile
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
+WORKERS = 2
+# What a worker has in its command line, and what makes it one of two.
+RECIPES = {
+    "parallel_fill.sh": ("{} fill", ["--jobs", str(WORKERS)]),
+    "dask_fill.py": ("spawn_main", ["--workers", str(WORKERS)]),
+}
 COLUMNS = ("id", "name", "postcode", "agree")
 
 
@@ -87,27 +93,77 @@ def check_values(command, outputs, table, count):
     assert not found, "the table has more rows"
 
 
+def write_table(path, count):
+    with path.open("w", newline="") as file:
+        writer = csv.DictWriter(file, COLUMNS)
+        writer.writeheader()
+        writer.writerows(map(row, range(1, count + 1)))
+
+
+def plain_processes(command, form, table, outputs, count):
+    """The same work without an engine: as many processes as workers, each with its share of the rows."""
+    (outputs / "manifests").mkdir()
+    share = -(-count // WORKERS)
+    runs = [subprocess.Popen([command, "fill", form, "--batch", table, "-o", f"{outputs}/{{id}}.pdf", "--rows",
+                              f"{first}-{first + share - 1}", "--manifest", outputs / "manifests" / f"{first}.jsonl"],
+                             stderr=subprocess.DEVNULL)
+            for first in range(1, count + 1, share)]
+    return max(run.wait() for run in runs)
+
+
+def recipe_words(name, command, form, table, outputs, count):
+    interpreter = [sys.executable] if name.endswith(".py") else []
+    return [*interpreter, HERE / name, *RECIPES[name][1], "--chunk", str(max(1, count // 16)), "--formwork", command, form,
+            table, f"{outputs}/{{id}}.pdf"]
+
+
+def kill_and_check(name, command, form, count):
+    with tempfile.TemporaryDirectory() as folder:
+        table = pathlib.Path(folder) / "rows.csv"
+        outputs = pathlib.Path(folder) / "out"
+        outputs.mkdir()
+        write_table(table, count)
+        start = time.monotonic()
+        run_recipe(recipe_words(name, command, form, table, outputs, count), RECIPES[name][0].format(command), outputs, count)
+        seconds = time.monotonic() - start
+        again = check_outputs(outputs, count)
+        check_values(command, outputs, pathlib.Path(folder) / "table.csv", count)
+        print(f"{name}: {count} rows in {seconds:.1f} s, a worker killed; every output is there and right, {again} done twice")
+
+
+def race(command, form, count):
+    """Seconds of each way, the best of three runs in turns."""
+    runners = {"processes without an engine": lambda table, outputs: plain_processes(command, form, table, outputs, count)}
+    for name in RECIPES:
+        runners[name] = lambda table, outputs, name=name: subprocess.run(
+            recipe_words(name, command, form, table, outputs, count), check=False).returncode
+    best = {}
+    for _ in range(3):
+        for name, run in runners.items():
+            with tempfile.TemporaryDirectory() as folder:
+                table = pathlib.Path(folder) / "rows.csv"
+                outputs = pathlib.Path(folder) / "out"
+                outputs.mkdir()
+                write_table(table, count)
+                start = time.monotonic()
+                end = run(table, outputs)
+                seconds = time.monotonic() - start
+                assert end == 0, f"{name} ends with {end}"
+                check_outputs(outputs, count)
+                best[name] = min(seconds, best.get(name, seconds))
+    return best
+
+
 def main():
     command, form = (os.path.abspath(path) for path in sys.argv[1:3])
-    count = int(sys.argv[3]) if len(sys.argv) > 3 else 4000
-    recipes = (("parallel_fill.sh", f"{command} fill", ["--jobs", "2"]), ("dask_fill.py", "spawn_main", ["--workers", "2"]))
-    for name, mark, options in recipes:
-        with tempfile.TemporaryDirectory() as folder:
-            table = pathlib.Path(folder) / "rows.csv"
-            with table.open("w", newline="") as file:
-                writer = csv.DictWriter(file, COLUMNS)
-                writer.writeheader()
-                writer.writerows(map(row, range(1, count + 1)))
-            outputs = pathlib.Path(folder) / "out"
-            outputs.mkdir()
-            start = time.monotonic()
-            interpreter = [sys.executable] if name.endswith(".py") else []
-            run_recipe([*interpreter, HERE / name, *options, "--chunk", str(count // 16), "--formwork", command, form, table,
-                        f"{outputs}/{{id}}.pdf"], mark, outputs, count)
-            seconds = time.monotonic() - start
-            again = check_outputs(outputs, count)
-            check_values(command, outputs, pathlib.Path(folder) / "table.csv", count)
-            print(f"{name}: {count} rows in {seconds:.1f} s, a worker killed; every output is there and right, {again} done twice")
+    count = int(sys.argv[3]) if len(sys.argv) > 3 else 20000
+    for name in RECIPES:
+        kill_and_check(name, command, form, count)
+    best = race(command, form, count)
+    plain = best["processes without an engine"]
+    print(f"\n| {count:,} rows, {WORKERS} workers | s | forms a second | of the first |\n|---|---:|---:|---:|")
+    for name, seconds in best.items():
+        print(f"| {name} | {seconds:.1f} | {count / seconds:,.0f} | {100 * plain / seconds:.0f} % |")
 
 
 if __name__ == "__main__":
