@@ -46,7 +46,9 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
         const CPDFReadAllowance allowance(reader->budget());
         EDIT_TARGET target = {*xref, form, root, root_ref, pages(), names, widgets};
         status = list_all();
-        return status.ok() ? operation(target) : status;
+        if (status.ok())
+            status = operation(target);
+        return allowance.used_up() ? too_much_to("change the form") : status;
     });
 }
 
@@ -59,10 +61,11 @@ CPDFStatus CPDFDocument::State::list_all()
 
 namespace {
 
+constexpr const char* DAMAGED_STRUCTURE = "the structure of the document can't be changed: it is damaged";
+
 // Widgets of a tagged document stand in its structure.
 CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
 {
-    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     constexpr CPDFKeySet KEYS{"TU"};
     CPDFObj own;
     PDF_String text = {0, nullptr};
@@ -70,26 +73,18 @@ CPDFStatus tag_field(EDIT_TARGET& target, const CPDFField& field)
     target.xref.read_obj_string(text, own.dictionary() ? own.dict->get_item("TU") : nullptr);
     const std::string label = utf8_of(text);
     text.release();
-    for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
-        result =
-            both(result, tag_widget(target, widget->m_ref, target.pages.page_of_annotation(widget->m_ref.num), label));
-    return edit_status(result, "the structure of the document can't be changed: it is damaged");
-}
-
-CPDFStatus untag_field(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets)
-{
-    return edit_status(untag_widgets(target, widgets), "the structure of the document can't be changed: it is damaged");
+    return edit_status(tag_widgets(target, target.widgets.widgets_of(field), label), DAMAGED_STRUCTURE);
 }
 
 // The widgets of all fields under `top`.
 std::vector<PDF_TAGGED_WIDGET> tagged_under(EDIT_TARGET& target, CPDFField& top)
 {
-    std::vector<PDF_TAGGED_WIDGET> all;
+    std::vector<PDF_REF> widgets;
     for_each_field(top, [&](const CPDFField& field) {
-        const std::vector<PDF_TAGGED_WIDGET> some = tagged_widgets(target, target.widgets.widgets_of(field));
-        all.insert(all.end(), some.begin(), some.end());
+        for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
+            widgets.push_back(widget->m_ref);
     });
-    return all;
+    return tagged_widgets(target, widgets);
 }
 
 }  // namespace
@@ -145,13 +140,11 @@ CPDFStatus CPDFDocument::move_widgets(CPDFField& field, const PDF_MOVE& move, PD
     CPDFField* const at = &field;
     return m_state->edit({&at, 1}, edit, [&](EDIT_TARGET& target) {
         m_state->bound_widgets();
-        const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_widgets(target, target.widgets.widgets_of(field));
+        std::vector<PDF_REF> turned_over;
         PDF_MOVED_LOOK look = PDF_MOVED_LOOK::SAME;
-        CPDFStatus status = ::move_widgets(target, field, move, look);
-        if (status.ok() && !tagged.empty()) {
-            status = untag_field(target, tagged);
-            status = status.ok() ? tag_field(target, field) : status;
-        }
+        CPDFStatus status = ::move_widgets(target, field, move, look, turned_over);
+        if (status.ok())
+            status = edit_status(repage_widgets(target, tagged_widgets(target, turned_over)), DAMAGED_STRUCTURE);
         return status.ok() ? m_state->show_moved(field, look) : status;
     });
 }
@@ -190,7 +183,7 @@ CPDFStatus CPDFDocument::remove_field(CPDFField& field, PDF_EDIT edit)
         m_state->bound_widgets();
         const std::vector<PDF_TAGGED_WIDGET> tagged = tagged_under(target, field);
         CPDFStatus status = erase_field(target, field);
-        return status.ok() ? untag_field(target, tagged) : status;
+        return status.ok() ? edit_status(untag_widgets(target, tagged), DAMAGED_STRUCTURE) : status;
     });
 }
 

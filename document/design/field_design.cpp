@@ -5,6 +5,7 @@
 #include "document/design/font_home.h"
 #include "document/design/script_entries.h"
 #include "document/design/widget_style.h"
+#include "document/edit/field_tree.h"
 #include "document/edit/form_home.h"
 #include "document/edit/new_object.h"
 #include "document/lookup/field_text.h"
@@ -37,23 +38,33 @@ PDF_CHANGE_RESULT store_action(EDIT_TARGET& target, const CPDFField& field, cons
 }
 
 PDF_CHANGE_RESULT apply_design(EDIT_TARGET& target, CPDFField& field, const PDF_FIELD_DESIGN& design,
-                               const PDF_STYLE_TO_APPLY& style, bool tagged)
+                               const PDF_STYLE_TO_APPLY& style, CPDFInheritedEntries& inherited)
 {
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     for (const auto& [key, text] : {std::pair("TU", &design.label), std::pair("TM", &design.mapping_name)})
         result = *text ? both(result, store_text(target, field, key, **text)) : result;
-    if (tagged)
-        result = both(result,
-                      label_widgets(target, tagged_widgets(target, target.widgets.widgets_of(field)), *design.label));
     if (design.style.sets_any())
-        result = both(result, apply_style(target, field, style));
+        result = both(result, apply_style(target, field, style, inherited));
     if (design.action)
         result = both(result, store_action(target, field, *design.action));
-    if (!design.sets_scripts())
-        return result;
-    result = both(result, apply_scripts(target, field, design));
-    field.reload_entries();
+    if (design.sets_scripts()) {
+        result = both(result, apply_scripts(target, field, design, inherited));
+        field.reload_entries();
+    }
+    inherited.forget(field);
     return result;
+}
+
+// In a tagged document the structure says what the widgets are, too.
+CPDFStatus label_fields(EDIT_TARGET& target, std::span<CPDFField* const> fields, const std::string& label)
+{
+    std::vector<PDF_REF> widgets;
+    for (const CPDFField* field : fields) {
+        for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(*field))
+            widgets.push_back(widget->m_ref);
+    }
+    return edit_status(label_widgets(target, tagged_widgets(target, widgets), label),
+                       "the structure of the document can't be changed: it is damaged");
 }
 
 }  // namespace
@@ -81,11 +92,13 @@ CPDFStatus design_fields(EDIT_TARGET& target, std::span<CPDFField* const> fields
     CPDFStatus status = settle_form(target);
     if (status.ok())
         status = prepare_style(target, style);
-    const bool tagged = design.label && is_tagged(target);
+    CPDFInheritedEntries inherited;
     for (size_t i = 0; i < fields.size() && status.ok(); ++i) {
-        const PDF_CHANGE_RESULT result = apply_design(target, *fields[i], design, style, tagged);
+        const PDF_CHANGE_RESULT result = apply_design(target, *fields[i], design, style, inherited);
         status = edit_status(result, "field " + in_quotes(full_name(*fields[i])) +
                                          " can't be changed: a dictionary of it is missing or damaged");
     }
+    if (status.ok() && design.label)
+        status = label_fields(target, fields, *design.label);
     return memory.failed() ? no_memory_to_edit() : status;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 
 #include "core/alloc.h"
 #include "document/edit/edit_array.h"
@@ -26,7 +27,7 @@ struct STEP {
     PDF_PLACE to;
 };
 
-PDF_PLACE place_of(EDIT_TARGET& target, const PDF_REF& widget)
+PDF_PLACE place_of(const EDIT_TARGET& target, const PDF_REF& widget)
 {
     constexpr CPDFKeySet KEYS{"Rect"};
     CPDFObj own;
@@ -37,32 +38,46 @@ PDF_PLACE place_of(EDIT_TARGET& target, const PDF_REF& widget)
     return {{box.x0, box.y0, box.width(), box.height()}, target.pages.page_of_annotation(widget.num)};
 }
 
-std::vector<STEP> plan_steps(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, CPDFRefusals& refusals)
+// Where the widgets stand; none, with the reason in `refusals`, where the places that are given don't fit them.
+std::vector<STEP> steps_from(EDIT_TARGET& target, const CPDFField& field, size_t given, CPDFRefusals& refusals)
 {
     std::vector<STEP> steps;
     for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field)) {
         const PDF_PLACE from = place_of(target, widget->m_ref);
         steps.push_back({widget->m_ref, from, from});
     }
-    const size_t given = move.places.size();
+    const std::string shown = "field " + in_quotes(full_name(field)) + " has ";
     if (steps.empty())
-        refusals.add("field " + in_quotes(full_name(field)) + " has no widget that could stand elsewhere");
-    else if (given > 1 && given != steps.size())
-        refusals.add("field " + in_quotes(full_name(field)) + " has " + std::to_string(steps.size()) +
-                     (steps.size() == 1 ? " widget: give one rectangle"
-                                        : " widgets: give a rectangle for each, or one for the first"));
-    if (steps.empty() || (given > 1 && given != steps.size()))
-        return {};
+        refusals.add(shown + "no widget that could stand elsewhere");
+    if (steps.empty() || given <= 1 || given == steps.size())
+        return steps;
+    refusals.add(shown + std::to_string(steps.size()) +
+                 (steps.size() == 1 ? " widget: give one rectangle"
+                                    : " widgets: give a rectangle for each, or one for the first"));
+    return {};
+}
+
+// Without a place of its own a widget follows the first one.
+PDF_RECT rect_of(const std::vector<STEP>& steps, size_t index, const PDF_MOVE& move)
+{
+    PDF_RECT rect = steps[index].from.rect;
+    if (move.places.empty())
+        return rect;
+    if (index < move.places.size())
+        return move.places[index].rect;
+    rect.x += move.places[0].rect.x - steps[0].from.rect.x;
+    rect.y += move.places[0].rect.y - steps[0].from.rect.y;
+    return rect;
+}
+
+std::vector<STEP> plan_steps(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, CPDFRefusals& refusals)
+{
+    std::vector<STEP> steps = steps_from(target, field, move.places.size(), refusals);
     for (size_t i = 0; i < steps.size(); ++i) {
         PDF_PLACE& to = steps[i].to;
-        const PDF_PLACE* place = given == steps.size() ? &move.places[i] : given ? &move.places[0] : nullptr;
-        if (place && (i == 0 || given > 1)) {
-            to.rect = place->rect;
-        } else if (place) {
-            to.rect.x += place->rect.x - steps[0].from.rect.x;
-            to.rect.y += place->rect.y - steps[0].from.rect.y;
-        }
-        if (const int32_t page = place ? place->page : move.page)
+        to.rect = rect_of(steps, i, move);
+        const size_t given = move.places.size();
+        if (const int32_t page = given ? move.places[i < given ? i : 0].page : move.page)
             to.page = page;
         if (to.page)
             check_place(target, to, refusals);
@@ -73,14 +88,14 @@ std::vector<STEP> plan_steps(EDIT_TARGET& target, const CPDFField& field, const 
 }
 
 // By how much the widget turns on its way.
-int32_t turn_of(const EDIT_TARGET& target, const STEP& step)
+int32_t turn_of(EDIT_TARGET& target, const STEP& step)
 {
     constexpr int32_t CIRCLE = 360;
     const int32_t before = step.from.page ? upright_turn(target, step.from.page) : 0;
     return (upright_turn(target, step.to.page) - before + CIRCLE) % CIRCLE;
 }
 
-PDF_MOVED_LOOK look_of(const EDIT_TARGET& target, const STEP& step)
+PDF_MOVED_LOOK look_of(EDIT_TARGET& target, const STEP& step)
 {
     constexpr double SLACK = 0.01;
     const PDF_RECT& from = step.from.rect;
@@ -93,7 +108,7 @@ PDF_MOVED_LOOK look_of(const EDIT_TARGET& target, const STEP& step)
                : PDF_MOVED_LOOK::SAME;
 }
 
-PDF_MOVED_LOOK look_of(const EDIT_TARGET& target, const std::vector<STEP>& steps)
+PDF_MOVED_LOOK look_of(EDIT_TARGET& target, const std::vector<STEP>& steps)
 {
     PDF_MOVED_LOOK look = PDF_MOVED_LOOK::SAME;
     for (const STEP& step : steps)
@@ -126,12 +141,23 @@ PDF_CHANGE_RESULT take_step(EDIT_TARGET& target, const STEP& step)
     if (!widget.dictionary())
         return PDF_CHANGE_RESULT::NO_DICTIONARY;
     set_place(target, step, *widget.dict);
-    if (!target.xref.take_changed(step.widget, widget))
-        return PDF_CHANGE_RESULT::NO_MEMORY;
-    if (step.from.page == step.to.page)
-        return PDF_CHANGE_RESULT::STORED;
-    const PDF_CHANGE_RESULT result = take_off_pages(target, {step.widget.num});
-    return both(result, list_on_page(target, step.widget, step.to.page));
+    return target.xref.take_changed(step.widget, widget) ? PDF_CHANGE_RESULT::STORED : PDF_CHANGE_RESULT::NO_MEMORY;
+}
+
+// Lists the widgets on the pages where they stand now.
+PDF_CHANGE_RESULT turn_pages(EDIT_TARGET& target, const std::vector<STEP>& steps, std::vector<PDF_REF>& turned_over)
+{
+    std::unordered_set<uint32_t> gone;
+    PDF_PAGE_WIDGETS listed;
+    for (const STEP& step : steps) {
+        if (step.from.page == step.to.page)
+            continue;
+        gone.insert(step.widget.num);
+        listed[step.to.page].push_back(step.widget);
+        turned_over.push_back(step.widget);
+    }
+    const PDF_CHANGE_RESULT result = take_off_pages(target, gone);
+    return both(result, list_on_pages(target, listed));
 }
 
 // Stores a copy of a dictionary under a new number, with `change` made to it.
@@ -165,7 +191,7 @@ void name_field(CPDFDictionary& dict, const CPDFField& field, const CPDFField* p
 PDF_CHANGE_RESULT copy_widgets(EDIT_TARGET& target, const std::vector<STEP>& steps, const PDF_REF& copy)
 {
     CPDFObj kids;
-    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    PDF_PAGE_WIDGETS listed;
     for (const STEP& step : steps) {
         const PDF_REF widget = copy_object(target, step.widget, [&](CPDFDictionary& dict) {
             dict.set_item_ref("Parent", copy);
@@ -175,10 +201,10 @@ PDF_CHANGE_RESULT copy_widgets(EDIT_TARGET& target, const std::vector<STEP>& ste
         if (!widget.num || !list)
             return PDF_CHANGE_RESULT::NO_MEMORY;
         list->append_ref(widget);
-        result = both(result, list_on_page(target, widget, step.to.page));
+        listed[step.to.page].push_back(widget);
     }
     const PDF_ENTRY_CHANGE change[] = {{"Kids", &kids}};
-    return both(result, target.xref.change_entries(copy, change));
+    return both(list_on_pages(target, listed), target.xref.change_entries(copy, change));
 }
 
 PDF_CHANGE_RESULT calculate_too(EDIT_TARGET& target, const CPDFField& field, const CPDFField& copy)
@@ -194,9 +220,33 @@ PDF_CHANGE_RESULT calculate_too(EDIT_TARGET& target, const CPDFField& field, con
     });
 }
 
+// The copy with its widgets, in the tree; null where that can't be.
+CPDFField* make_copy(EDIT_TARGET& target, const CPDFField& field, const std::string& name,
+                     const std::vector<STEP>& steps)
+{
+    const VXFailureCheck memory;
+    CPDFField* parent = make_groups(target, name);
+    INHERITANCE inherited;
+    collect_inherited(field, parent, inherited);
+    const bool merged = steps.size() == 1 && steps[0].widget.num == field.m_ref.num;
+    const PDF_REF ref = copy_object(target, field.m_ref, [&](CPDFDictionary& dict) {
+        name_field(dict, field, parent, name);
+        for (const PDF_ENTRY_CHANGE& change : inherited.changes)
+            dict.set_item(change.key, change.value);
+        if (merged)
+            set_place(target, steps[0], dict);
+    });
+    if (!ref.num)
+        return nullptr;
+    const PDF_CHANGE_RESULT result =
+        merged ? list_on_pages(target, {{steps[0].to.page, {ref}}}) : copy_widgets(target, steps, ref);
+    return result == PDF_CHANGE_RESULT::STORED && !memory.failed() ? attach_field(target, parent, ref) : nullptr;
+}
+
 }  // namespace
 
-CPDFStatus move_widgets(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, PDF_MOVED_LOOK& look)
+CPDFStatus move_widgets(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, PDF_MOVED_LOOK& look,
+                        std::vector<PDF_REF>& turned_over)
 {
     CPDFRefusals refusals;
     const std::vector<STEP> steps = plan_steps(target, field, move, refusals);
@@ -207,6 +257,7 @@ CPDFStatus move_widgets(EDIT_TARGET& target, const CPDFField& field, const PDF_M
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     for (const STEP& step : steps)
         result = both(result, take_step(target, step));
+    result = both(result, turn_pages(target, steps, turned_over));
     if (memory.failed())
         return no_memory_to_edit();
     return edit_status(result, "field " + in_quotes(full_name(field)) + " can't be moved: a widget or page is damaged");
@@ -226,21 +277,8 @@ CPDFStatus copy_field(EDIT_TARGET& target, const CPDFField& field, const std::st
     const VXFailureCheck memory;
     if (CPDFStatus status = settle_form(target); !status.ok())
         return status;
-    CPDFField* parent = make_groups(target, name);
-    INHERITANCE inherited;
-    collect_inherited(field, parent, inherited);
-    const bool merged = steps.size() == 1 && steps[0].widget.num == field.m_ref.num;
-    const PDF_REF ref = copy_object(target, field.m_ref, [&](CPDFDictionary& dict) {
-        name_field(dict, field, parent, name);
-        for (const PDF_ENTRY_CHANGE& change : inherited.changes)
-            dict.set_item(change.key, change.value);
-        if (merged)
-            set_place(target, steps[0], dict);
-    });
-    PDF_CHANGE_RESULT result = ref.num ? PDF_CHANGE_RESULT::STORED : PDF_CHANGE_RESULT::NO_DICTIONARY;
-    if (ref.num)
-        result = merged ? list_on_page(target, ref, steps[0].to.page) : copy_widgets(target, steps, ref);
-    copy = result == PDF_CHANGE_RESULT::STORED && !memory.failed() ? attach_field(target, parent, ref) : nullptr;
+    copy = make_copy(target, field, name, steps);
+    PDF_CHANGE_RESULT result = copy ? PDF_CHANGE_RESULT::STORED : PDF_CHANGE_RESULT::NO_DICTIONARY;
     if (copy) {
         target.widgets.bind_added(target.xref, *copy, target.pages);
         result = calculate_too(target, field, *copy);
@@ -248,6 +286,5 @@ CPDFStatus copy_field(EDIT_TARGET& target, const CPDFField& field, const std::st
     }
     if (memory.failed())
         return no_memory_to_edit();
-    return edit_status(copy ? result : both(result, PDF_CHANGE_RESULT::NO_DICTIONARY),
-                       "field " + in_quotes(name) + " can't be made: what it is to be like is damaged");
+    return edit_status(result, "field " + in_quotes(name) + " can't be made: what it is to be like is damaged");
 }

@@ -25,8 +25,9 @@ enum class PDF_MOVED_LOOK {
 };
 
 // Moves the widgets of `field`, which are bound, upright on turned pages. Refuses a number of places that does not fit, and
-// what check_place refuses; nothing is changed then.
-CPDFStatus move_widgets(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, PDF_MOVED_LOOK& look);
+// what check_place refuses; nothing is changed then. `turned_over` are those that stand on another page then.
+CPDFStatus move_widgets(EDIT_TARGET& target, const CPDFField& field, const PDF_MOVE& move, PDF_MOVED_LOOK& look,
+                        std::vector<PDF_REF>& turned_over);
 
 // Makes a field `name` that is as `field` is, of which nothing but signatures and object names is left out, with widgets
 // as move_widgets has them; a calculated one is calculated last. Refuses that and what add_field refuses about names.

@@ -82,12 +82,13 @@ std::vector<std::string> calculation_names(EDIT_TARGET& target, const CPDFField&
     return names;
 }
 
-PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design)
+PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design,
+                                CPDFInheritedEntries& inherited)
 {
     CPDFObj above;
     CPDFObj entry;
     CPDFObj actions;
-    inherited_entry(&field, "AA", entry);
+    inherited.find(&field, "AA", entry);
     resolve_obj(&target.xref, &entry, actions);
     CPDFDictionary* dict = actions.dictionary() ? actions.dict : actions.set_dict();
     if (!dict)
@@ -104,7 +105,7 @@ PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, con
         set_script(*dict, "C", calculated ? calculation_script(calculation.function, names) : "");
         result = set_order(target, field, calculated);
     }
-    const bool none = dict->count == 0 && !inherited_entry(field.m_parent, "AA", above);
+    const bool none = dict->count == 0 && !inherited.find(field.m_parent, "AA", above);
     const PDF_ENTRY_CHANGE change[] = {{"AA", none ? nullptr : &actions}};
     return both(result, target.xref.change_entries(field.m_ref, change));
 }

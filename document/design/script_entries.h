@@ -3,6 +3,8 @@
 
 #include "document/design/field_design.h"
 
+class CPDFInheritedEntries;
+
 // Notes in `refusals` where `field` takes no scripts of that sort, and what it would be calculated from that isn't there.
 void check_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design, CPDFRefusals& refusals);
 
@@ -11,4 +13,5 @@ std::vector<std::string> calculation_names(EDIT_TARGET& target, const CPDFField&
                                            const PDF_CALCULATION& calculation);
 
 // Writes "AA", other scripts there stay, and "CO" of the form: a field that is new there comes last.
-PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design);
+PDF_CHANGE_RESULT apply_scripts(EDIT_TARGET& target, const CPDFField& field, const PDF_FIELD_DESIGN& design,
+                                CPDFInheritedEntries& inherited);

@@ -87,7 +87,7 @@ public:
     {
         const PDF_REF& ref = m_target.pages.page_ref(page);
         bool any = false;
-        PDF_CHANGE_RESULT result = own_annotations(m_target.xref, m_target.pages, page);
+        PDF_CHANGE_RESULT result = m_lists.make_own(page);
         result = both(result, edit_array(m_target.xref, ref, "Annots", [&](CPDFArray& list) {
                           return order_list(list, read_page_box(m_target.xref, ref).rotate, any);
                       }));
@@ -155,7 +155,8 @@ private:
         }
     }
 
-    EDIT_TARGET& m_target;   // borrowed
+    EDIT_TARGET& m_target;  // borrowed
+    CPDFAnnotationLists m_lists{m_target.xref, m_target.pages};
     const PDF_TABS& m_tabs;  // borrowed
     RANKS m_ranks;           // of all widgets of the form
 };

@@ -107,9 +107,11 @@ std::string color_syntax(const PDF_FIELD_COLOR& color)
 
 class CPDFStyleWriter {
 public:
-    CPDFStyleWriter(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& apply)
+    CPDFStyleWriter(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& apply,
+                    CPDFInheritedEntries& inherited)
         : m_target(target),
           m_field(field),
+          m_inherited(inherited),
           m_style(apply.style),
           m_font(apply.font),
           m_form_appearance(apply.appearance)
@@ -121,7 +123,7 @@ public:
         CPDFNewEntries entries;
         CPDFObj appearance;
         if (m_style.sets_text()) {
-            if (!inherited_entry(&m_field, "DA", appearance))
+            if (!m_inherited.find(&m_field, "DA", appearance))
                 appearance.copy_from(&m_form_appearance);
             write_appearance(appearance, entries);
         }
@@ -222,6 +224,7 @@ private:
 
     EDIT_TARGET& m_target;  // borrowed, as the following
     const CPDFField& m_field;
+    CPDFInheritedEntries& m_inherited;
     const PDF_WIDGET_STYLE& m_style;
     const std::string& m_font;
     const CPDFObj& m_form_appearance;
@@ -243,9 +246,10 @@ CPDFStatus prepare_style(EDIT_TARGET& target, PDF_STYLE_TO_APPLY& style)
     return style.style.font ? find_font(target, *style.style.font, style.font) : CPDFStatus();
 }
 
-PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& style)
+PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& style,
+                              CPDFInheritedEntries& inherited)
 {
-    CPDFStyleWriter writer(target, field, style);
+    CPDFStyleWriter writer(target, field, style, inherited);
     PDF_CHANGE_RESULT result = writer.write_field();
     for (const CPDFAnnotWidget* widget : target.widgets.widgets_of(field))
         result = both(result, writer.write_widget(widget->m_ref));

@@ -6,6 +6,8 @@
 #include "core/object.h"
 #include "document/design/field_design.h"
 
+class CPDFInheritedEntries;
+
 // Notes in `refusals` what of `style` does not fit the kind of `field` or can't be.
 void check_style(const CPDFField& field, const PDF_WIDGET_STYLE& style, CPDFRefusals& refusals);
 
@@ -20,4 +22,5 @@ struct PDF_STYLE_TO_APPLY {
 CPDFStatus prepare_style(EDIT_TARGET& target, PDF_STYLE_TO_APPLY& style);
 
 // Writes "DA" and "Q" of the field and of the widgets that have their own, and "MK" and "BS" of all its widgets.
-PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& style);
+PDF_CHANGE_RESULT apply_style(EDIT_TARGET& target, const CPDFField& field, const PDF_STYLE_TO_APPLY& style,
+                              CPDFInheritedEntries& inherited);

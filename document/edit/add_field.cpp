@@ -230,7 +230,7 @@ private:
         const std::string entries = field_entries(parent) + widget_entries(place, state_of(0));
         const PDF_REF ref = new_object(m_target.xref, "<<" + entries + ">>");
         if (ref.num)
-            (void)list_on_page(m_target, ref, place.page);
+            (void)list_on_pages(m_target, {{place.page, {ref}}});
         return ref;
     }
 
@@ -261,15 +261,17 @@ private:
     {
         const PDF_REF group = new_object(m_target.xref, "null");
         std::string kids;
+        PDF_PAGE_WIDGETS listed;
         const size_t count = m_kind->id == KIND_RADIO ? m_states.size() : m_field.places.size();
         for (size_t i = 0; i < count; ++i) {
             const PDF_PLACE place = place_of(i);
             const std::string entries = "/Parent " + ref_syntax(group) + widget_entries(place, state_of(i));
             const PDF_REF widget = new_object(m_target.xref, "<<" + entries + ">>");
             if (widget.num)
-                (void)list_on_page(m_target, widget, place.page);
+                listed[place.page].push_back(widget);
             kids += " " + ref_syntax(widget);
         }
+        (void)list_on_pages(m_target, listed);
         CPDFObj dict;
         parse_syntax("<<" + field_entries(parent) + "/Kids[" + kids + "]>>", dict);
         m_target.xref.take_changed(group, dict);

@@ -6,6 +6,7 @@
 
 #include "core/entry_change.h"
 #include "core/object.h"
+#include "document/lookup/page_box.h"
 #include "file/status.h"
 
 class CPDFAcroForm;
@@ -19,7 +20,7 @@ enum class PDF_EDIT {
     FORCE,
 };
 
-// A document that is being edited; all borrowed. An operation keeps every part in step with its change.
+// A document that is being edited; all references are borrowed. An operation keeps every part in step with its change.
 struct EDIT_TARGET {
     CPDFXRefTable& xref;
     CPDFAcroForm& form;
@@ -28,6 +29,7 @@ struct EDIT_TARGET {
     CPDFPageMap& pages;
     CPDFNameIndex& names;
     CPDFWidgetBinder& widgets;  // bound where the operation says so
+    CPDFPageBoxes boxes = {};   // which no operation changes
 };
 
 // Everything that is wrong with a request, so that it can be told at once.

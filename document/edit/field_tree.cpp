@@ -40,6 +40,17 @@ PDF_CHANGE_RESULT drop_null_slots(EDIT_TARGET& target, const NumberSet& gone)
     });
 }
 
+bool own_entry(const CPDFField& field, const char* key, CPDFObj& out)
+{
+    const CPDFKeySet key_set(key);
+    CPDFObj dict;
+    field.m_xref->get_entity(dict, field.m_ref, &key_set);
+    CPDFObj* entry = dict.dictionary() ? dict.dict->get_item(key) : nullptr;
+    if (entry)
+        out.take(*entry);
+    return entry != nullptr;
+}
+
 }  // namespace
 
 CPDFField* attach_field(EDIT_TARGET& target, CPDFField* parent, const PDF_REF& ref)
@@ -102,12 +113,26 @@ bool is_readable_name(const std::string& name)
 
 bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out)
 {
-    const CPDFKeySet key_set(key);
     for (const CPDFField* above = parent; above; above = above->m_parent) {
-        CPDFObj dict;
-        above->m_xref->get_entity(dict, above->m_ref, &key_set);
-        if (CPDFObj* entry = dict.dictionary() ? dict.dict->get_item(key) : nullptr) {
-            out.take(*entry);
+        if (own_entry(*above, key, out))
+            return true;
+    }
+    return false;
+}
+
+bool CPDFInheritedEntries::find(const CPDFField* field, const char* key, CPDFObj& out)
+{
+    for (const CPDFField* at = field; at; at = at->m_parent) {
+        if (at->m_kid_cnt == 0) {
+            if (own_entry(*at, key, out))
+                return true;
+            continue;
+        }
+        const auto [known, is_new] = m_known[at].try_emplace(key);
+        if (is_new)
+            own_entry(*at, key, known->second);
+        if (known->second.type != PDF_OBJ_NULL) {
+            out.copy_from(&known->second);
             return true;
         }
     }

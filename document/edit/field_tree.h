@@ -1,7 +1,10 @@
 // Changes of the field tree, as a document needs them: the engine's operations, and what goes with them.
 #pragma once
 
+#include <map>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "document/edit/edit.h"
 
@@ -31,6 +34,21 @@ bool is_readable_name(const std::string& name);
 // Makes `out`, at tag 0, the entry `key` that a field under `parent` inherits, from the nearest dictionary above it that
 // has one. False when none has, or `parent` is null.
 bool inherited_entry(const CPDFField* parent, const char* key, CPDFObj& out);
+
+// The same for many fields: what fields with others under them have of such keys is read once, since their lists of kids take
+// long to read.
+class CPDFInheritedEntries {
+public:
+    // Of `field` itself or the nearest above it. `key` is borrowed.
+    bool find(const CPDFField* field, const char* key, CPDFObj& out);
+
+    // The field has other entries now.
+    void forget(const CPDFField& field) { m_known.erase(&field); }
+
+private:
+    // By field, which is borrowed; null where it has no such entry.
+    std::unordered_map<const CPDFField*, std::map<std::string_view, CPDFObj>> m_known;
+};
 
 // The same for the most characters of a text field; 0 when it inherits no limit.
 int32_t inherited_max_length(const CPDFField* parent);

@@ -1,7 +1,5 @@
 #include "document/edit/page_annots.h"
 
-#include <algorithm>
-
 #include "document/edit/edit_array.h"
 #include "document/lookup/page_map.h"
 
@@ -21,38 +19,44 @@ PDF_REF list_object(CPDFXRefTable& xref, const PDF_REF& page)
 
 }  // namespace
 
-PDF_CHANGE_RESULT own_annotations(CPDFXRefTable& xref, CPDFPageMap& pages, int32_t page)
+void CPDFAnnotationLists::count()
 {
-    const PDF_REF own = pages.page_ref(page);
-    const PDF_REF list = list_object(xref, own);
-    bool shared = false;
-    for (int32_t i = 1; i <= pages.page_count() && list.num && !shared; ++i) {
-        const PDF_REF& other = pages.page_ref(i);
-        shared = other.num && other.num != own.num && list_object(xref, other).num == list.num;
+    std::unordered_set<uint32_t> seen;  // a page may be listed twice
+    for (int32_t i = 1; i <= m_pages.page_count(); ++i) {
+        if (const PDF_REF& page = m_pages.page_ref(i); seen.insert(page.num).second)
+            ++m_users[list_object(m_xref, page).num];
     }
-    if (!shared)
-        return PDF_CHANGE_RESULT::STORED;
-    CPDFObj copy;
-    xref.get_entity(copy, list);
-    if (!copy.array())
-        return PDF_CHANGE_RESULT::STORED;
-    for (int32_t i = 0; i < copy.arr->count; ++i) {
-        const CPDFObj& entry = copy.arr->items[i];
-        const auto is_here = [page](const PDF_PAGE_ANNOTATION& at) { return at.page == page; };
-        if (entry.type != PDF_OBJ_REF)
-            continue;
-        const auto known = pages.annotations_of(entry.ref.num);
-        if (std::none_of(known.begin(), known.end(), is_here))
-            pages.add_annotation(entry.ref.num, page);
-    }
-    const PDF_ENTRY_CHANGE change[] = {{ANNOTS, &copy}};
-    return xref.change_entries(own, change);
 }
 
-PDF_CHANGE_RESULT add_annotation(CPDFXRefTable& xref, const PDF_REF& page, const PDF_REF& annotation)
+PDF_CHANGE_RESULT CPDFAnnotationLists::make_own(int32_t page)
+{
+    const PDF_REF own = m_pages.page_ref(page);
+    const PDF_REF list = list_object(m_xref, own);
+    if (!list.num)
+        return PDF_CHANGE_RESULT::STORED;
+    if (m_users.empty())
+        count();
+    CPDFObj copy;
+    if (m_users[list.num] > 1)
+        m_xref.get_entity(copy, list);
+    if (!copy.array())
+        return PDF_CHANGE_RESULT::STORED;
+    std::vector<PDF_REF> listed;
+    for (int32_t i = 0; i < copy.arr->count; ++i) {
+        if (copy.arr->items[i].type == PDF_OBJ_REF)
+            listed.push_back(copy.arr->items[i].ref);
+    }
+    m_pages.add_annotations(listed, page);
+    --m_users[list.num];
+    const PDF_ENTRY_CHANGE change[] = {{ANNOTS, &copy}};
+    return m_xref.change_entries(own, change);
+}
+
+PDF_CHANGE_RESULT add_annotations(CPDFXRefTable& xref, const PDF_REF& page, const std::vector<PDF_REF>& annotations)
 {
     return edit_array(xref, page, ANNOTS, [&](CPDFArray& list) {
-        list.append_ref(annotation);
+        for (const PDF_REF& annotation : annotations)
+            list.append_ref(annotation);
         return true;
     });
 }

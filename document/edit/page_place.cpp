@@ -1,10 +1,7 @@
 #include "document/edit/page_place.h"
 
-#include <map>
-
 #include "document/edit/new_object.h"
 #include "document/edit/page_annots.h"
-#include "document/lookup/page_box.h"
 #include "document/lookup/page_map.h"
 
 namespace {
@@ -18,7 +15,7 @@ bool holds(const PDF_BOX& box, const PDF_RECT& rect)
 
 }  // namespace
 
-void check_place(const EDIT_TARGET& target, const PDF_PLACE& place, CPDFRefusals& refusals)
+void check_place(EDIT_TARGET& target, const PDF_PLACE& place, CPDFRefusals& refusals)
 {
     const CPDFPageMap& pages = target.pages;
     const bool there = place.page >= 1 && place.page <= pages.page_count() && pages.page_ref(place.page).num;
@@ -26,7 +23,7 @@ void check_place(const EDIT_TARGET& target, const PDF_PLACE& place, CPDFRefusals
         refusals.add("there is no page " + std::to_string(place.page) + ": the document has " +
                      std::to_string(pages.page_count()));
     const PDF_RECT& rect = place.rect;
-    const PDF_BOX box = there ? read_page_box(target.xref, pages.page_ref(place.page)).crop : PDF_BOX();
+    const PDF_BOX box = there ? target.boxes.of(target.xref, pages.page_ref(place.page)).crop : PDF_BOX();
     const std::string shown = "the rectangle " + number_syntax(rect.x) + "," + number_syntax(rect.y) + "," +
                               number_syntax(rect.width) + "," + number_syntax(rect.height);
     if (rect.width < PDF_RECT::SMALLEST || rect.height < PDF_RECT::SMALLEST)
@@ -44,18 +41,22 @@ std::string rect_syntax(const PDF_RECT& rect)
 }
 
 // Pages are turned clockwise, widgets the other way.
-int32_t upright_turn(const EDIT_TARGET& target, int32_t page)
+int32_t upright_turn(EDIT_TARGET& target, int32_t page)
 {
-    return read_page_box(target.xref, target.pages.page_ref(page)).rotate;
+    return target.boxes.of(target.xref, target.pages.page_ref(page)).rotate;
 }
 
-PDF_CHANGE_RESULT list_on_page(EDIT_TARGET& target, const PDF_REF& widget, int32_t page)
+PDF_CHANGE_RESULT list_on_pages(EDIT_TARGET& target, const PDF_PAGE_WIDGETS& widgets)
 {
-    PDF_CHANGE_RESULT result = own_annotations(target.xref, target.pages, page);
-    if (result == PDF_CHANGE_RESULT::STORED)
-        result = add_annotation(target.xref, target.pages.page_ref(page), widget);
-    if (result == PDF_CHANGE_RESULT::STORED)
-        target.pages.add_annotation(widget.num, page);
+    CPDFAnnotationLists lists(target.xref, target.pages);
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    for (const auto& [page, refs] : widgets) {
+        result = both(result, lists.make_own(page));
+        if (result == PDF_CHANGE_RESULT::STORED)
+            result = add_annotations(target.xref, target.pages.page_ref(page), refs);
+        if (result == PDF_CHANGE_RESULT::STORED)
+            target.pages.add_annotations(refs, page);
+    }
     return result;
 }
 
@@ -65,8 +66,8 @@ PDF_CHANGE_RESULT take_off_pages(EDIT_TARGET& target, const std::unordered_set<u
     for (const uint32_t num : gone) {
         for (const PDF_PAGE_ANNOTATION& at : target.pages.annotations_of(num))
             by_page[at.page].insert(num);
-        target.pages.remove_annotation(num);
     }
+    target.pages.remove_annotations(gone);
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     for (const auto& [page, annotations] : by_page)
         result = both(result, remove_annotations(target.xref, target.pages.page_ref(page), annotations));

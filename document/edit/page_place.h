@@ -1,7 +1,9 @@
 // Where widgets stand.
 #pragma once
 
+#include <map>
 #include <unordered_set>
+#include <vector>
 
 #include "document/edit/edit.h"
 
@@ -22,16 +24,19 @@ struct PDF_PLACE {
 };
 
 // Notes in `refusals` a page that isn't there, and a rectangle that is empty or not on it.
-void check_place(const EDIT_TARGET& target, const PDF_PLACE& place, CPDFRefusals& refusals);
+void check_place(EDIT_TARGET& target, const PDF_PLACE& place, CPDFRefusals& refusals);
 
 // The array that is "Rect".
 std::string rect_syntax(const PDF_RECT& rect);
 
 // The quarter turn, as 0, 90, 180 or 270, that makes a widget stand upright on the page as it is shown: "R" of "MK".
-int32_t upright_turn(const EDIT_TARGET& target, int32_t page);
+int32_t upright_turn(EDIT_TARGET& target, int32_t page);
 
-// Lists the widget on the page, whose list no other page then has.
-PDF_CHANGE_RESULT list_on_page(EDIT_TARGET& target, const PDF_REF& widget, int32_t page);
+// Widgets and the pages that are to list them.
+using PDF_PAGE_WIDGETS = std::map<int32_t, std::vector<PDF_REF>>;
+
+// Lists the widgets on these pages, whose lists no other pages then have.
+PDF_CHANGE_RESULT list_on_pages(EDIT_TARGET& target, const PDF_PAGE_WIDGETS& widgets);
 
 // Takes it off every page.
 PDF_CHANGE_RESULT take_off_pages(EDIT_TARGET& target, const std::unordered_set<uint32_t>& gone);

@@ -125,14 +125,15 @@ CPDFStatus plan_button(const PDF_FIELD_SHAPE& shape, const CPDFValue& value, PDF
     plan.coerced = by_state < 0 && word != PDF_STATE_OFF;
     if (plan.button >= 0 || word == PDF_STATE_OFF)
         return {};
-    if (const std::optional<bool> on = read_switch(word); on && is_switch)
+    const std::optional<bool> on = read_switch(word);
+    if (on && is_switch)
         return take_bool(*on || is_same_word(word, small_letters(choices[0].state)));  // a state may be called "No"
     const auto says_it = [&](const PDF_BUTTON_CHOICE& choice) {
         return is_same_word(word, small_letters(choice.state)) ||
                is_same_word(word, small_letters(choice.export_value));
     };
-    if (const std::optional<bool> on = read_switch(word);
-        word == "true" || (on == false && find_choice(choices, says_it) < 0))
+    const bool is_off = on == false && !radio && find_choice(choices, says_it) < 0;
+    if (is_off || word == "true" || word == "false")
         return take_bool(*on);
     return refuse(in_quotes(word));
 }

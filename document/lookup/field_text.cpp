@@ -46,6 +46,15 @@ std::string read_wide(size_t room, Read&& read)
     return utf8_of_wide(large.data(), read(large.data(), static_cast<int>(room)));
 }
 
+// What a full name takes of a partial one. Escape sequences may make it shorter than its text; what then stands beyond is not
+// read, as thousands of fields may share a name of megabytes.
+std::string utf8_of_partial(const PDF_String& name)
+{
+    constexpr size_t LONGEST = 4 * LIMIT_FULL_NAME;
+    const auto len = std::min(static_cast<size_t>(name.len), LONGEST);
+    return utf8_of({static_cast<int32_t>(len), name.buf});
+}
+
 // The most bytes of `text`, up to `size`, that end with a whole character.
 size_t whole_characters(std::string_view text, size_t size)
 {
@@ -70,7 +79,7 @@ std::string full_name(const CPDFField& field)
         return name;
     if (!name.empty())
         name += '.';
-    name += utf8_of(field.m_name);
+    name += utf8_of_partial(field.m_name);
     if (name.size() > LIMIT_FULL_NAME)
         name.resize(whole_characters(name, LIMIT_FULL_NAME));
     return name;

@@ -103,3 +103,9 @@ PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const PDF_REF& page)
     xref.get_entity(own, page, &BOX_KEYS);
     return own.dictionary() ? read_page_box(xref, *own.dict) : PDF_PAGE_BOX{LETTER, 0};
 }
+
+const PDF_PAGE_BOX& CPDFPageBoxes::of(CPDFXRefTable& xref, const PDF_REF& page)
+{
+    const auto known = m_known.find(page.num);
+    return known != m_known.end() ? known->second : m_known.emplace(page.num, read_page_box(xref, page)).first->second;
+}

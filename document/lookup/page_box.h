@@ -1,6 +1,8 @@
 // The part of a page that is shown (ISO 32000-2, 7.7.3.3 and 14.11.2).
 #pragma once
 
+#include <unordered_map>
+
 #include "core/object.h"
 
 class CPDFDictionary;
@@ -33,3 +35,12 @@ PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const CPDFDictionary& page);
 
 // The same for the page that is this object; 612 by 792 points where it is missing.
 PDF_PAGE_BOX read_page_box(CPDFXRefTable& xref, const PDF_REF& page);
+
+// The same, read once for each page: a page that lists thousands of annotations takes long to read.
+class CPDFPageBoxes {
+public:
+    const PDF_PAGE_BOX& of(CPDFXRefTable& xref, const PDF_REF& page);
+
+private:
+    std::unordered_map<uint32_t, PDF_PAGE_BOX> m_known;  // by object number
+};

@@ -44,11 +44,16 @@ void CPDFPageMap::load(CPDFXRefTable& xref, const CPDFObj& root)
     if (const CPDFObj* pages = catalog ? catalog->get_item("Pages") : nullptr)
         visit(*pages, 0);
     std::sort(m_annotations.begin(), m_annotations.end(), comes_before);
+    drop_repeated();
+    m_xref = nullptr;
+}
+
+void CPDFPageMap::drop_repeated()
+{
     const auto same = [](const PDF_PAGE_ANNOTATION& a, const PDF_PAGE_ANNOTATION& b) {
         return a.num == b.num && a.page == b.page;
     };
     m_annotations.erase(std::unique(m_annotations.begin(), m_annotations.end(), same), m_annotations.end());
-    m_xref = nullptr;
 }
 
 void CPDFPageMap::visit(const CPDFObj& entry, int depth)
@@ -122,16 +127,17 @@ int32_t CPDFPageMap::page_of_annotation(uint32_t num) const
     return found.empty() ? 0 : found.front().page;
 }
 
-void CPDFPageMap::add_annotation(uint32_t num, int32_t page)
+void CPDFPageMap::add_annotations(const std::vector<PDF_REF>& annotations, int32_t page)
 {
-    const PDF_PAGE_ANNOTATION annotation = {num, page};
-    m_annotations.insert(std::lower_bound(m_annotations.begin(), m_annotations.end(), annotation, comes_before),
-                         annotation);
+    const auto before = static_cast<std::ptrdiff_t>(m_annotations.size());
+    for (const PDF_REF& annotation : annotations)
+        m_annotations.push_back({annotation.num, page});
+    std::sort(m_annotations.begin() + before, m_annotations.end(), comes_before);
+    std::inplace_merge(m_annotations.begin(), m_annotations.begin() + before, m_annotations.end(), comes_before);
+    drop_repeated();
 }
 
-void CPDFPageMap::remove_annotation(uint32_t num)
+void CPDFPageMap::remove_annotations(const std::unordered_set<uint32_t>& gone)
 {
-    const std::span<const PDF_PAGE_ANNOTATION> found = annotations_of(num);
-    const auto first = m_annotations.begin() + (found.data() - m_annotations.data());
-    m_annotations.erase(first, first + static_cast<std::ptrdiff_t>(found.size()));
+    std::erase_if(m_annotations, [&gone](const PDF_PAGE_ANNOTATION& at) { return gone.contains(at.num); });
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "core/object.h"
@@ -45,14 +46,15 @@ public:
     // The same for object `num` alone.
     std::span<const PDF_PAGE_ANNOTATION> annotations_of(uint32_t num) const;
 
-    // For whoever changes "Annots": notes that a page now lists `num`, or that no page does any more.
-    void add_annotation(uint32_t num, int32_t page);
-    void remove_annotation(uint32_t num);
+    // For whoever changes "Annots": notes that a page now lists these, or that no page does any more.
+    void add_annotations(const std::vector<PDF_REF>& annotations, int32_t page);
+    void remove_annotations(const std::unordered_set<uint32_t>& gone);
 
 private:
     bool first_visit(uint32_t num) { return m_seen.emplace(num, 0).second; }
     void visit(const CPDFObj& entry, int depth);
     void add_page(const CPDFDictionary& page, const PDF_REF& ref);
+    void drop_repeated();
     template <typename Visit>
     void for_each_once(const CPDFObj* entry, const Visit& visit);
 

@@ -164,7 +164,7 @@ PDF_CHANGE_RESULT CPDFNumberTree::set_limits(const PDF_REF& node)
     return m_xref.change_entries(node, change);
 }
 
-PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
+PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t first, const std::vector<PDF_REF>& values)
 {
     std::vector<PDF_REF> path = path_to_last();
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
@@ -178,8 +178,10 @@ PDF_CHANGE_RESULT CPDFNumberTree::append(int32_t number, const PDF_REF& value)
     if (result != PDF_CHANGE_RESULT::STORED)
         return result;
     result = edit_array(m_xref, path.back(), "Nums", [&](CPDFArray& pairs) {
-        pairs.append_int(number);
-        pairs.append_ref(value);
+        for (size_t i = 0; i < values.size(); ++i) {
+            pairs.append_int(first + static_cast<int32_t>(i));
+            pairs.append_ref(values[i]);
+        }
         return true;
     });
     for (size_t i = path.size() - 1; i > 0; --i)

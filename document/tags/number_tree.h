@@ -21,8 +21,8 @@ public:
     // The highest number; -1 of an empty tree.
     int32_t last();
 
-    // Adds a number higher than all that are there. Makes the tree where there is none.
-    PDF_CHANGE_RESULT append(int32_t number, const PDF_REF& value);
+    // Adds `first` and the numbers after it, higher than all that are there, for these. Makes the tree where there is none.
+    PDF_CHANGE_RESULT append(int32_t first, const std::vector<PDF_REF>& values);
 
     // Takes numbers out, with the nodes that are empty then.
     PDF_CHANGE_RESULT remove(const std::set<int32_t>& numbers);

@@ -101,24 +101,46 @@ PDF_REF top_element(EDIT_TARGET& target)
     return is_element ? entry->ref : root;
 }
 
-// Appends `element` to the kids, then moves it behind the last one that is on its page or before.
-void insert_by_page(EDIT_TARGET& target, CPDFArray& kids, const PDF_REF& element, int32_t page)
+// An element that is made for a widget.
+struct NEW_ELEMENT {
+    PDF_REF widget;
+    int32_t page;
+    PDF_REF ref;
+};
+
+// Before how many of the kids an element on each of these pages belongs: behind the last one that is on its page or before.
+// The pages rise.
+std::vector<int32_t> places_by_page(EDIT_TARGET& target, const CPDFArray& kids,
+                                    const std::vector<NEW_ELEMENT>& elements)
 {
-    int32_t place = kids.count;
+    std::vector<int32_t> places(elements.size(), kids.count);
+    int32_t end = kids.count;  // those from here on are on later pages, or on none
+    int32_t page = end > 0 ? page_of_element(target, kids.at(end - 1)) : 0;
     bool later = false;
-    for (int32_t i = kids.count - 1; i >= 0; --i) {
-        const int32_t at = page_of_element(target, &kids.items[i]);
-        if (at && at <= page)
-            break;
-        later = later || at > page;
-        place = later ? i : place;
+    for (size_t i = elements.size(); i > 0; --i) {
+        while (end > 0 && !(page && page <= elements[i - 1].page)) {
+            later = later || page != 0;
+            page = --end > 0 ? page_of_element(target, kids.at(end - 1)) : 0;
+        }
+        places[i - 1] = later ? end : kids.count;
     }
-    kids.append_ref(element);
-    for (int32_t i = kids.count - 1; i > place; --i) {
-        CPDFObj before;
-        before.take(kids.items[i - 1]);
-        kids.items[i - 1].take(kids.items[i]);
-        kids.items[i].take(before);
+    return places;
+}
+
+// Puts them, sorted by page, among the kids.
+void insert_by_page(EDIT_TARGET& target, CPDFArray& kids, const std::vector<NEW_ELEMENT>& elements)
+{
+    const std::vector<int32_t> places = places_by_page(target, kids, elements);
+    int32_t from = kids.count;
+    for (const NEW_ELEMENT& element : elements)
+        kids.append_ref(element.ref);
+    if (kids.count != from + static_cast<int32_t>(elements.size()))
+        return;  // memory ran out, which the caller sees
+    int32_t to = kids.count;
+    for (size_t i = elements.size(); i > 0; --i) {
+        while (from > places[i - 1])
+            kids.items[--to].take(kids.items[--from]);
+        kids.items[--to].set_ref(elements[i - 1].ref);
     }
 }
 
@@ -144,12 +166,12 @@ PDF_CHANGE_RESULT walk_by_structure(EDIT_TARGET& target, const PDF_REF& page)
                                                           : change_entry(target, page, "Tabs", &structure);
 }
 
-// Whether a kid is an object reference to `widget`.
-bool is_reference_to(CPDFXRefTable& xref, const CPDFObj& kid, const PDF_REF& widget)
+// The object that a kid refers to; 0 where it is no object reference.
+uint32_t object_of(CPDFXRefTable& xref, const CPDFObj& kid)
 {
     const CPDFEntryView view(&xref, &kid);
     const CPDFObj* object = view->dictionary() ? view->dict->get_item("Obj") : nullptr;
-    return object && object->type == PDF_OBJ_REF && object->ref.num == widget.num;
+    return object && object->type == PDF_OBJ_REF ? object->ref.num : 0;
 }
 
 using ELEMENTS = std::unordered_map<uint32_t, PDF_REF>;
@@ -194,13 +216,86 @@ PDF_CHANGE_RESULT drop_empty(EDIT_TARGET& target, ELEMENTS elements)
     return result;
 }
 
-// The elements to which the parent tree leads from the numbers of these widgets.
-std::unordered_map<int32_t, PDF_REF> elements_of(CPDFNumberTree& tree, const std::vector<PDF_TAGGED_WIDGET>& widgets)
+// An element, and the numbers that lead to it from the widgets under which they stand here.
+struct OWNER {
+    PDF_REF element;
+    std::unordered_map<uint32_t, int32_t> numbers;
+};
+
+// The elements to which the parent tree leads from these widgets, by object number.
+std::unordered_map<uint32_t, OWNER> owners_of(CPDFNumberTree& tree, const std::vector<PDF_TAGGED_WIDGET>& widgets)
 {
     std::set<int32_t> numbers;
     for (const PDF_TAGGED_WIDGET& at : widgets)
         numbers.insert(at.number);
-    return tree.find(numbers);
+    const std::unordered_map<int32_t, PDF_REF> elements = tree.find(numbers);
+    std::unordered_map<uint32_t, OWNER> owners;
+    for (const PDF_TAGGED_WIDGET& at : widgets) {
+        if (const auto element = elements.find(at.number); element != elements.end()) {
+            OWNER& owner = owners[element->second.num];
+            owner.element = element->second;
+            owner.numbers.emplace(at.widget.num, at.number);
+        }
+    }
+    return owners;
+}
+
+PDF_REF new_element(EDIT_TARGET& target, const PDF_REF& above, const NEW_ELEMENT& element, const std::string& label)
+{
+    const std::string on_page = "/Pg " + ref_syntax(target.pages.page_ref(element.page));
+    return new_object(target.xref, "<</Type/StructElem/S/Form/P " + ref_syntax(above) + on_page +
+                                       (label.empty() ? "" : "/Alt" + string_syntax(label)) + "/K[<</Type/OBJR" +
+                                       on_page + "/Obj " + ref_syntax(element.widget) + ">>]>>");
+}
+
+// Leads from the widgets to their elements, by way of the parent tree.
+PDF_CHANGE_RESULT number_widgets(EDIT_TARGET& target, const std::vector<NEW_ELEMENT>& elements)
+{
+    const PDF_REF root = root_of(target);
+    CPDFNumberTree tree(target.xref, root, PARENT_TREE);
+    const int32_t first = next_number(target, tree);
+    if (static_cast<size_t>(std::numeric_limits<int32_t>::max() - first) < elements.size())
+        return PDF_CHANGE_RESULT::NO_DICTIONARY;
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    std::vector<PDF_REF> refs;
+    CPDFObj number;
+    for (const NEW_ELEMENT& element : elements) {
+        number.set_int(first + static_cast<int32_t>(refs.size()));
+        result = both(result, change_entry(target, element.widget, NUMBER, &number));
+        refs.push_back(element.ref);
+    }
+    number.set_int(first + static_cast<int32_t>(refs.size()));
+    result = both(result, tree.append(first, refs));
+    return both(result, change_entry(target, root, NEXT_KEY, &number));
+}
+
+// Tells the object references to these widgets, and the element where it holds nothing else, on which pages they are.
+PDF_CHANGE_RESULT repage_element(EDIT_TARGET& target, const OWNER& owner)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    CPDFObj page;
+    bool on_one_page = true;
+    result = both(result, edit_kids(target, owner.element, [&](CPDFArray& kids) {
+                      bool changed = false;
+                      for (int32_t i = 0; i < kids.count; ++i) {
+                          CPDFObj& kid = kids.items[i];
+                          const uint32_t widget = object_of(target.xref, kid);
+                          const int32_t at =
+                              owner.numbers.contains(widget) ? target.pages.page_of_annotation(widget) : 0;
+                          on_one_page = on_one_page && at && (i == 0 || target.pages.page_ref(at).num == page.ref.num);
+                          if (!at)
+                              continue;
+                          page.set_ref(target.pages.page_ref(at));
+                          if (kid.type == PDF_OBJ_REF)
+                              result = both(result, change_entry(target, kid.ref, "Pg", &page));
+                          else if (kid.dictionary())
+                              kid.dict->set_item("Pg", &page);
+                          changed = changed || kid.type != PDF_OBJ_REF;
+                      }
+                      return changed;
+                  }));
+    return on_one_page && page.type == PDF_OBJ_REF ? both(result, change_entry(target, owner.element, "Pg", &page))
+                                                   : result;
 }
 
 }  // namespace
@@ -214,44 +309,33 @@ bool is_tagged(const EDIT_TARGET& target)
     return own.dictionary() != nullptr;
 }
 
-PDF_CHANGE_RESULT tag_widget(EDIT_TARGET& target, const PDF_REF& widget, int32_t page, const std::string& label)
+PDF_CHANGE_RESULT tag_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets, const std::string& label)
 {
-    if (!is_tagged(target) || page < 1)
+    std::vector<NEW_ELEMENT> elements;
+    for (const CPDFAnnotWidget* widget : is_tagged(target) ? widgets : std::span<CPDFAnnotWidget* const>()) {
+        if (const int32_t page = target.pages.page_of_annotation(widget->m_ref.num))
+            elements.push_back({widget->m_ref, page, {0, 0}});
+    }
+    if (elements.empty())
         return PDF_CHANGE_RESULT::STORED;
-    const PDF_REF root = root_of(target);
+    const auto before = [](const NEW_ELEMENT& a, const NEW_ELEMENT& b) { return a.page < b.page; };
+    std::stable_sort(elements.begin(), elements.end(), before);
     const PDF_REF top = top_element(target);
-    const PDF_REF& page_ref = target.pages.page_ref(page);
-    const std::string on_page = "/Pg " + ref_syntax(page_ref);
-    const PDF_REF element =
-        new_object(target.xref, "<</Type/StructElem/S/Form/P " + ref_syntax(top) + on_page +
-                                    (label.empty() ? "" : "/Alt" + string_syntax(label)) + "/K[<</Type/OBJR" + on_page +
-                                    "/Obj " + ref_syntax(widget) + ">>]>>");
-    CPDFNumberTree tree(target.xref, root, PARENT_TREE);
-    CPDFObj number;
-    CPDFObj next;
-    const int32_t key = next_number(target, tree);
-    if (key == std::numeric_limits<int32_t>::max())
-        return PDF_CHANGE_RESULT::NO_DICTIONARY;
-    if (!element.num)
-        return PDF_CHANGE_RESULT::NO_MEMORY;
-    number.set_int(key);
-    next.set_int(key + 1);
+    for (NEW_ELEMENT& element : elements) {
+        element.ref = new_element(target, top, element, label);
+        if (!element.ref.num)
+            return PDF_CHANGE_RESULT::NO_MEMORY;
+    }
     PDF_CHANGE_RESULT result = edit_kids(target, top, [&](CPDFArray& kids) {
-        insert_by_page(target, kids, element, page);
+        insert_by_page(target, kids, elements);
         return true;
     });
-    result = both(result, tree.append(key, element));
-    result = both(result, change_entry(target, root, NEXT_KEY, &next));
-    result = both(result, change_entry(target, widget, NUMBER, &number));
-    return both(result, walk_by_structure(target, page_ref));
-}
-
-std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets)
-{
-    std::vector<PDF_REF> refs;
-    for (const CPDFAnnotWidget* widget : widgets)
-        refs.push_back(widget->m_ref);
-    return tagged_widgets(target, refs);
+    result = both(result, number_widgets(target, elements));
+    for (size_t i = 0; i < elements.size(); ++i) {
+        if (i == 0 || elements[i].page != elements[i - 1].page)
+            result = both(result, walk_by_structure(target, target.pages.page_ref(elements[i].page)));
+    }
+    return result;
 }
 
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets)
@@ -273,28 +357,41 @@ PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
 {
     PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
     CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
-    const std::unordered_map<int32_t, PDF_REF> elements = elements_of(tree, widgets);
     ELEMENTS changed;
-    std::set<int32_t> numbers;
-    for (const PDF_TAGGED_WIDGET& at : widgets) {
-        const auto element = elements.find(at.number);
-        bool referred = false;
-        if (element != elements.end())
-            result = both(result, edit_kids(target, element->second, [&](CPDFArray& kids) {
-                              const int32_t before = kids.count;
-                              for (int32_t i = before - 1; i >= 0; --i) {
-                                  if (is_reference_to(target.xref, kids.items[i], at.widget))
-                                      kids.remove_obj(i);
-                              }
-                              return referred = kids.count != before;
-                          }));
-        if (!referred)
-            continue;  // the number leads to what is another's
-        changed.emplace(element->second.num, element->second);
-        numbers.insert(at.number);
+    std::set<int32_t> numbers;  // the others lead to what is another's
+    for (const auto& at : owners_of(tree, widgets)) {
+        const OWNER& owner = at.second;
+        const size_t before = numbers.size();
+        result = both(result, edit_kids(target, owner.element, [&](CPDFArray& kids) {
+                          for (int32_t i = kids.count - 1; i >= 0; --i) {
+                              const auto known = owner.numbers.find(object_of(target.xref, kids.items[i]));
+                              if (known == owner.numbers.end())
+                                  continue;
+                              numbers.insert(known->second);
+                              kids.remove_obj(i);
+                          }
+                          return numbers.size() != before;
+                      }));
+        if (numbers.size() != before)
+            changed.emplace(at.first, owner.element);
     }
     result = both(result, drop_empty(target, std::move(changed)));
     return both(result, tree.remove(numbers));
+}
+
+PDF_CHANGE_RESULT repage_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets)
+{
+    PDF_CHANGE_RESULT result = PDF_CHANGE_RESULT::STORED;
+    CPDFNumberTree tree(target.xref, root_of(target), PARENT_TREE);
+    std::set<int32_t> pages;
+    for (const auto& [num, owner] : owners_of(tree, widgets))
+        result = both(result, repage_element(target, owner));
+    for (const PDF_TAGGED_WIDGET& at : widgets)
+        pages.insert(target.pages.page_of_annotation(at.widget.num));
+    pages.erase(0);
+    for (const int32_t page : pages)
+        result = both(result, walk_by_structure(target, target.pages.page_ref(page)));
+    return result;
 }
 
 PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets,
@@ -305,12 +402,12 @@ PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGE
     CPDFObj text;
     text.type = PDF_OBJ_STRING;
     text.str = pdf_string_of(label);
-    for (const auto& [number, element] : elements_of(tree, widgets)) {
+    for (const auto& [num, owner] : owners_of(tree, widgets)) {
         CPDFObj own;
-        target.xref.get_entity(own, element, &ELEMENT_KEYS);
+        target.xref.get_entity(own, owner.element, &ELEMENT_KEYS);
         const CPDFObj* role = own.dictionary() ? own.dict->get_item("S") : nullptr;
         if (role && role->is_name("Form"))
-            result = both(result, change_entry(target, element, "Alt", label.empty() ? nullptr : &text));
+            result = both(result, change_entry(target, owner.element, "Alt", label.empty() ? nullptr : &text));
     }
     return result;
 }

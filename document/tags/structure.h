@@ -14,9 +14,9 @@ class CPDFAnnotWidget;
 // Whether the document has a structure tree. Where it has none, nothing here changes anything.
 bool is_tagged(const EDIT_TARGET& target);
 
-// Makes an element for the widget behind those of its page and of the pages before, and lets the page be walked in the
-// order of the structure where it says nothing else. `label` is in UTF-8, empty for none.
-PDF_CHANGE_RESULT tag_widget(EDIT_TARGET& target, const PDF_REF& widget, int32_t page, const std::string& label);
+// Makes an element for each of these widgets that is on a page, behind those of its page and of the pages before, and lets
+// these pages be walked in the order of the structure where they say nothing else. `label` is in UTF-8, empty for none.
+PDF_CHANGE_RESULT tag_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets, const std::string& label);
 
 // A widget that an element refers to, by the number that leads there.
 struct PDF_TAGGED_WIDGET {
@@ -25,12 +25,14 @@ struct PDF_TAGGED_WIDGET {
 };
 
 // The widgets that have such a number.
-std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, std::span<CPDFAnnotWidget* const> widgets);
 std::vector<PDF_TAGGED_WIDGET> tagged_widgets(EDIT_TARGET& target, const std::vector<PDF_REF>& widgets);
 
 // Takes the object references of these out of the structure, and elements in which nothing is left; the widgets
 // themselves may be gone. What damage hides stays.
 PDF_CHANGE_RESULT untag_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets);
+
+// Widgets that are on other pages now keep their places in the structure, which is told the pages.
+PDF_CHANGE_RESULT repage_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets);
 
 // Makes `label` the alternate description of the "Form" elements of these.
 PDF_CHANGE_RESULT label_widgets(EDIT_TARGET& target, const std::vector<PDF_TAGGED_WIDGET>& widgets,

@@ -39,6 +39,29 @@ struct DECISION {
     std::vector<std::string> texts;
 };
 
+using DECISIONS = std::map<int32_t, DECISION>;  // by the node of the data
+
+// Of fields that share a value a changed one counts, then one that agrees with the data. Notes in `lost` the fields whose place
+// takes no value.
+DECISIONS decide(const std::vector<XFA_BINDING>& bound, const std::vector<CPDFField*>& changed, const CPDFXfaData& data,
+                 CPDFXfaValues& values, std::vector<const CPDFField*>& lost)
+{
+    const std::unordered_set<const CPDFField*> is_changed(changed.begin(), changed.end());
+    DECISIONS decisions;
+    for (const XFA_BINDING& at : bound) {
+        if (!data.takes_value(at.node)) {
+            lost.push_back(at.field);
+            continue;
+        }
+        DECISION now = {0, at.field, {}, {}};
+        now.result = values.value_of(at, data, now.texts);
+        now.rank = is_changed.count(at.field) ? 3 : now.result == CPDFXfaValues::KEEP ? 2 : 1;
+        if (DECISION& best = decisions[at.node]; best.rank < now.rank)
+            best = std::move(now);
+    }
+    return decisions;
+}
+
 CPDFStatus carry_out(int32_t node, const DECISION& decision, CPDFXfaData& data, std::vector<const CPDFField*>& unread)
 {
     if (decision.result == CPDFXfaValues::NO_FORMAT)
@@ -87,19 +110,7 @@ CPDFStatus CPDFXfaForm::take_values(CPDFXRefTable& xref, CPDFAcroForm& form, con
     if (CPDFStatus status = bind_xfa(form, m_data, tree, top, bound, lost); !status.ok())
         return status;
     CPDFXfaValues values(xref, widgets, tree);
-    const std::unordered_set<const CPDFField*> is_changed(changed.begin(), changed.end());
-    std::map<int32_t, DECISION> decisions;
-    for (const XFA_BINDING& at : bound) {
-        if (!m_data.takes_value(at.node)) {
-            lost.push_back(at.field);
-            continue;
-        }
-        DECISION now = {0, at.field, {}, {}};
-        now.result = values.value_of(at, m_data, now.texts);
-        now.rank = is_changed.count(at.field) ? 3 : now.result == CPDFXfaValues::KEEP ? 2 : 1;
-        if (DECISION& best = decisions[at.node]; best.rank < now.rank)
-            best = std::move(now);
-    }
+    const DECISIONS decisions = decide(bound, changed, m_data, values, lost);
     if (values.over_limit())
         return CPDFStatus::failed(PDF_CODE::LIMIT, "the values of the form are larger than what is supported");
     std::vector<const CPDFField*> unread;

@@ -12,16 +12,18 @@ namespace {
 constexpr const char* PAGE = "<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 100]";
 
 // A catalog with these entries, one page with these, and objects from 10 on.
-std::string pdf_with(const std::string& catalog, const std::string& page, const std::string& objects)
+std::string pdf_with(const std::string& catalog, const std::string& page, const std::string& objects,
+                     const std::string& pages = "[3 0 R]/Count 1")
 {
     PdfBuilder file;
-    file.object(1, "<</Pages 2 0 R" + catalog + ">>").object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>");
+    file.object(1, "<</Pages 2 0 R" + catalog + ">>").object(2, "<</Type/Pages/Kids" + pages + ">>");
     file.object(3, PAGE + page + ">>");
     return put_objects(file, 10, objects).table().text;
 }
 
 // A tagged page with two widgets: of "t" in a form element of its own, of "u" in a paragraph beside text.
-std::string tagged_form(const std::string& parent_tree, const std::string& nodes = "null")
+std::string tagged_form(const std::string& parent_tree, const std::string& nodes = "null",
+                        const std::string& pages = "[3 0 R]/Count 1")
 {
     return pdf_with("/AcroForm<</Fields[10 0 R 11 0 R]>>/StructTreeRoot 12 0 R",
                     "/Annots[10 0 R 11 0 R]/StructParents 0",
@@ -32,7 +34,8 @@ std::string tagged_form(const std::string& parent_tree, const std::string& nodes
                         ";/S/Document/P 12 0 R/K[14 0 R 15 0 R];"
                         "/S/Form/P 13 0 R/Pg 3 0 R/K<</Type/OBJR/Obj 10 0 R>>;"
                         "/S/P/P 13 0 R/Pg 3 0 R/K[0<</Type/OBJR/Obj 11 0 R>>];" +
-                        nodes);
+                        nodes,
+                    pages);
 }
 
 CPDFStatus design(FormAtWork& f, const std::string& name, const PDF_FIELD_DESIGN& design)
@@ -283,6 +286,33 @@ TEST(DesignTest, TheStructureFollows)
         ASSERT_TRUE(f.document.remove_field(f.field("u")).ok());
         EXPECT_EQ(f.entry(15, "K"), "[0]") << "the text stays";
         EXPECT_EQ(f.entry(3, "Tabs"), "/S");
+    }
+}
+
+// What a screen reader reads stays in its order.
+TEST(DesignTest, MovedWidgetsKeepTheirPlacesInTheStructure)
+{
+    const auto structure = [](FormAtWork& f) {
+        return f.entry(13, "K") + f.entry(14, "Pg") + f.entry(14, "K") + f.entry(15, "Pg") + f.entry(15, "K") +
+               f.entry(17, "Nums");
+    };
+    for (const int32_t page : {1, 2}) {
+        SCOPED_TRACE(page);
+        FormAtWork f(tagged_form(" 17 0 R", "/Type/Page/Parent 2 0 R/MediaBox[0 0 200 100];/Nums[1 14 0 R 2 15 0 R]",
+                                 "[3 0 R 16 0 R]/Count 2"));
+        const std::string before = structure(f);
+        PDF_MOVE move;
+        move.places = {{{50, 50, 20, 10}, page}};
+        for (const char* name : {"t", "u"})
+            ASSERT_TRUE(f.document.move_widgets(f.field(name), move).ok());
+        EXPECT_EQ(f.entry(10, "StructParent") + f.entry(11, "StructParent"), "12");
+        if (page == 1)
+            EXPECT_EQ(structure(f), before);
+        else
+            EXPECT_EQ(structure(f), "[14 0 R 15 0 R]16 0 R[<< /Obj 10 0 R /Pg 16 0 R /Type /OBJR >>]"
+                                    "3 0 R[0 << /Obj 11 0 R /Pg 16 0 R /Type /OBJR >>]"
+                                    "[1 14 0 R 2 15 0 R]");
+        EXPECT_EQ(f.entry(16, "Tabs"), page == 1 ? "-" : "/S");
     }
 }
 

@@ -1,5 +1,6 @@
 #include "document/lookup/name_index.h"
 
+#include "core/limits.h"
 #include "tests/document/fill_fixture.h"
 
 TEST(NameIndexTest, ManyOfOneName)
@@ -38,4 +39,18 @@ TEST(NameIndexTest, FirstInTreeOrderStoredNamesFirst)
     f.document.fields_changed();
     EXPECT_EQ(num_of("under"), 0u);
     EXPECT_EQ(num_of("below"), 23u);
+}
+
+// Thousands of fields may share a name of megabytes; no more of it is read than a full name holds, whatever it decodes to.
+TEST(NameIndexTest, OnlyTheBeginningOfALongNameIsRead)
+{
+    const std::string letters(400000, 'a');
+    std::string escapes = "FEFF00780079007A";  // of languages, which are no text
+    for (size_t i = 0; i < LIMIT_FULL_NAME; ++i)
+        escapes += "001B00650066001B";
+    FormAtWork f(form_of({"/T(" + letters + ")/Kids[20 0 R]", "/T<" + escapes + "0062>/Kids[21 0 R]"},
+                         "/T(k)/Parent 10 0 R;/T(k)/Parent 11 0 R"));
+    CPDFAcroForm& form = f.document.form();
+    EXPECT_EQ(full_name(*form.m_fields[0]->m_kids[0]), letters.substr(0, LIMIT_FULL_NAME));
+    EXPECT_EQ(full_name(*form.m_fields[1]->m_kids[0]), "xyz.k");
 }

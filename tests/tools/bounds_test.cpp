@@ -268,6 +268,15 @@ const Hostile FILES[] = {
      "list"},
     {"options of one above", [] { return under_one(1200, "/FT/Ch/Opt[" + repeated("(\\7\\7\\7)", 50000) + "]"); },
      "list"},
+    {"a long name above many",
+     [] {
+         PdfBuilder file = form_of(0);
+         for (uint32_t i = 0; i < 8000; ++i)
+             file.object(10 + i, "<</Parent 6 0 R/FT/Tx/T(k" + std::to_string(i) + ")>>");
+         file.object(3, "<</Fields[5 0 R 6 0 R]>>");
+         return file.object(6, "<</T(" + std::string(400000, 'L') + ")/Kids[" + names_of(8000) + "]>>").table().text;
+     },
+     "list fill export"},
     {"a default of one above", [] { return under_one(9000, "/FT/Tx/DV(" + std::string(25000, 'd') + ")"); }, "reset"},
     {"scripts",
      [] {

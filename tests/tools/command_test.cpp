@@ -225,15 +225,15 @@ TEST_F(CommandTest, TheTableFitsTheTerminalAndIsHarmless)
                                                "0 pages, 3 fields: text 2, combo 1",
                                                "3 filled, 0 required and empty",
                                                "",
-                                               "KIND   NAME                          VALUE",
-                                               "text   漢e\xCC\x81                           \\u009b2J\\a\\n",
-                                               "text   form.page.first.second.third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…",
-                                               "combo  c                             x",
+                                               "NO  KIND   NAME                          VALUE",
+                                               "1   text   漢e\xCC\x81                           \\u009b2J\\a\\n",
+                                               "2   text   form.page.first.second.third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢…",
+                                               "3   combo  c                             x",
                                            }));
-    EXPECT_EQ(lines_on_terminal(file, 40)[5], "text   form.pa…d.third  漢漢漢漢漢漢漢…");
+    EXPECT_EQ(lines_on_terminal(file, 40)[5], "2   text   form.p….third  漢漢漢漢漢漢…");
     const CommandResult piped = folder.run({"list", file});
     EXPECT_EQ(piped.out.find('\x1b'), std::string::npos);
-    EXPECT_NE(piped.out.find("third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…\n"), std::string::npos) << piped.out;
+    EXPECT_NE(piped.out.find("third  漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢漢…\n"), std::string::npos) << piped.out;
     const CommandResult in_full = folder.run({"list", "--long", file});
     EXPECT_EQ(in_full.out.find("…"), std::string::npos);
     EXPECT_NE(in_full.out.find("\n  flags   read-only required\n"), std::string::npos);

@@ -21,7 +21,8 @@ TEST(XfaVerbTest, FormsWithoutFieldsAreReadAndFilledByPath)
     const CommandFolder folder;
     const std::string file = folder.write("dynamic.pdf", form_with("/FT/Sig/T(s)", "<f><n>Ada</n><i/><i>2</i></f>"));
     const std::string table = folder.run({"list", file}).out;
-    for (const char* row : {"\ndata       f.n     Ada\n", "\ndata       f.i[0]\n", "\ndata       f.i[1]  2\n"})
+    for (const char* row :
+         {"\n    data       f.n     Ada\n", "\n    data       f.i[0]\n", "\n    data       f.i[1]  2\n"})
         EXPECT_NE(table.find(row), std::string::npos) << table;
 
     const std::string json = folder.run({"list", "--json", file}).out;

@@ -60,10 +60,15 @@ int list_fields(const LIST_ARGUMENTS& arguments)
             return end_with(status, arguments.input.path.text);
         put("\n");
     }
+    size_t same = 0;
     if (listed)
-        (arguments.in_full ? put_list_long : put_list_table)(document, what, data);
+        same = (arguments.in_full ? put_list_long : put_list_table)(document, what, data);
     else
         put(printable(arguments.input.path.text) + " has no form fields" + (fields ? " with a name" : "") + "\n");
+    if (same)
+        complain(arguments.input.path.text, "note: " + std::to_string(same) +
+                                                (same == 1 ? " field has" : " fields have") +
+                                                " the name of one before: numbers tell them apart");
     return put_done();
 }
 

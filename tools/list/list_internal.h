@@ -27,7 +27,9 @@ std::vector<PDF_XFA_VALUE> xfa_values_of(CPDFDocument& document, const COMMAND_I
 // options, or a table that fits the terminal. `input` is what the document was opened from.
 CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what,
                          const std::vector<PDF_XFA_VALUE>& data);
-void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);
+
+// Return how many fields have the name of one before them.
+size_t put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);
 
 // All that the table leaves out or cuts, some lines for each field.
-void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);
+size_t put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data);

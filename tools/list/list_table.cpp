@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <unordered_set>
 #include <vector>
 
 #include "core/limits.h"
@@ -18,7 +19,16 @@
 
 namespace {
 
-enum LIST_COLUMN { COLUMN_KIND, COLUMN_PAGE, COLUMN_NAME, COLUMN_VALUE, COLUMN_SHOWN, COLUMN_FLAGS, COLUMN_COUNT };
+enum LIST_COLUMN {
+    COLUMN_NUMBER,
+    COLUMN_KIND,
+    COLUMN_PAGE,
+    COLUMN_NAME,
+    COLUMN_VALUE,
+    COLUMN_SHOWN,
+    COLUMN_FLAGS,
+    COLUMN_COUNT
+};
 
 using LIST_ROW = std::array<std::string, COLUMN_COUNT>;
 using LIST_WIDTHS = std::array<int, COLUMN_COUNT>;
@@ -51,20 +61,31 @@ int32_t page_of_field(const CPDFField& field, const CPDFPageMap& pages)
     return page;
 }
 
-// Calls `use(field, row)` for each field and value; nothing in a row is cut.
+// Calls `use(field, row)` for each field and value; nothing in a row is cut. Returns how many fields have the name of one
+// before them.
 template <typename Use>
-void for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
+size_t for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
 {
     CPDFNumberedNames names(document.form());
     size_t inherited = 0;
+    size_t listed = 0;
+    std::unordered_set<size_t> hashes;  // of full names
+    size_t number = 0;                  // as CPDFDocument::find_field counts
     const CPDFPageMap& pages = document.pages();
     for_each_field(document.form(), [&](CPDFField& field) {
+        const bool has_name = field.m_name.len > 0;
+        number += has_name;
         if (!is_listed(field, what))
             return;
         const int32_t page = page_of_field(field, pages);
-        use(field, LIST_ROW{field_kind(field).name, page ? std::to_string(page) : "", names.name_of(field),
-                            shown_value(field, inherited), document.shown_text(field).value_or(""), flag_words(field)});
+        std::string name = names.name_of(field);
+        hashes.insert(std::hash<std::string>()(name));
+        ++listed;
+        use(field, LIST_ROW{has_name ? std::to_string(number) : "", field_kind(field).name,
+                            page ? std::to_string(page) : "", std::move(name), shown_value(field, inherited),
+                            document.shown_text(field).value_or(""), flag_words(field)});
     });
+    return listed - hashes.size();
 }
 
 void widen(LIST_WIDTHS& widths, const LIST_ROW& row)
@@ -154,11 +175,11 @@ void put_line(const char* word, const std::string& text)
 }  // namespace
 
 // No cell is kept wider than a row, so that long values do not take memory.
-void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+size_t put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
 {
     const int terminal = terminal_columns();
     const int total = terminal ? terminal : USUAL_WIDTH;
-    const LIST_ROW heading = {"KIND", "PAGE", "NAME", "VALUE", "SHOWN", "FLAGS"};
+    const LIST_ROW heading = {"NO", "KIND", "PAGE", "NAME", "VALUE", "SHOWN", "FLAGS"};
     LIST_WIDTHS widths{};
     LIST_WIDTHS whole;
     whole.fill(total);
@@ -170,9 +191,9 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PD
         widen(widths, row);
         rows.add(row);
     };
-    for_each_row(document, what, [&](const CPDFField&, LIST_ROW row) { add(std::move(row)); });
+    const size_t same = for_each_row(document, what, [&](const CPDFField&, LIST_ROW row) { add(std::move(row)); });
     for (const PDF_XFA_VALUE& at : data)
-        add({"data", "", at.path, at.value, "", ""});
+        add({"", "data", "", at.path, at.value, "", ""});
     need_memory();
     for (size_t i = 0; i < COLUMN_COUNT; ++i) {
         if (widths[i] > 0 || i == COLUMN_NAME || i == COLUMN_VALUE)
@@ -184,13 +205,15 @@ void put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PD
         cut(row, widths);
         put_row(row, widths);
     });
+    return same;
 }
 
-void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+size_t put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
 {
     size_t listed = 0;
-    for_each_row(document, what, [&](const CPDFField& field, const LIST_ROW& row) {
+    const size_t same = for_each_row(document, what, [&](const CPDFField& field, const LIST_ROW& row) {
         put(row[COLUMN_KIND] + "  " + printable(row[COLUMN_NAME]) + "\n");
+        put_line("number", row[COLUMN_NUMBER]);
         put_line("page", row[COLUMN_PAGE]);
         put_line("value", row[COLUMN_VALUE]);
         put_line("shown", row[COLUMN_SHOWN]);
@@ -202,4 +225,5 @@ void put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF
         put("data  " + printable(at.path) + "\n");
         put_line("value", at.value);
     }
+    return same;
 }
