@@ -112,7 +112,7 @@ TEST_F(ExtractTest, ColumnsAreTheUnionAndFailingFilesHaveNoRow)
     EXPECT_EQ(rows_of(extract({a, "--list-separator", " / "}).out)[1][2], "p / q");
     EXPECT_EQ(extract({none, "-o", folder.path("t.csv")}).exit, 1);
     EXPECT_FALSE(fs::exists(folder.path("t.csv")));
-    for (const std::string& words : {"", "x.pdf --jobs 0", "x.pdf --as xml"})
+    for (const std::string words : {"", "x.pdf --jobs 0", "x.pdf --as xml"})
         EXPECT_EQ(extract(words.empty() ? std::vector<std::string>() : split(words, ' ')).exit, 2) << words;
     EXPECT_EQ(extract({a, "-o", a}).exit, 2);
 }
