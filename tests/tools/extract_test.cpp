@@ -1,6 +1,5 @@
 // Many forms as one table: which rows and columns, in which order, and what becomes of files that can't be read.
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
 #include "formats/import/csv.h"
 #include "tests/tools/command_run.h"
