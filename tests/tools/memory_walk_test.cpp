@@ -169,7 +169,7 @@ constexpr const char* LARGE[] = {
     "fill KINDS name=Bob --flatten -o OUT",
     "fill KINDS --batch ROWS --jobs 2 -o OUTS",
     "fill KINDS --batch ROWS --updates-only -o OUTS",
-    "fill KINDS --batch ROWS --as zip -o OUT",
+    "fill KINDS --batch ROWS --as zip --name {file}.pdf -o OUT",
     "reset KINDS -o OUT",
     "reset XFA --xfa -o OUT",
     "export KINDS --as url",
