@@ -66,7 +66,7 @@ TEST_F(CommandTest, WrongUsageExitsTwoAndWritesNothing)
     EXPECT_EQ(read_text_file(form), form_file());
 }
 
-TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPassword)
+TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPasswordWhereItOpensForms)
 {
     std::istringstream all(folder.run({"--help"}).out);
     std::string line;
@@ -80,7 +80,7 @@ TEST_F(CommandTest, EveryVerbHasHelpAndTakesAPassword)
         SCOPED_TRACE(verb);
         const CommandResult help = verb.empty() ? folder.run({"--help"}) : folder.run({verb, "--help"});
         EXPECT_EQ(help.exit, 0);
-        EXPECT_EQ(help.out.find("--password") != std::string::npos, !verb.empty());
+        EXPECT_EQ(help.out.find("--password") != std::string::npos, !verb.empty() && verb != "join");
         std::istringstream lines(help.out);
         while (std::getline(lines, line))
             EXPECT_LE(columns_of(line), 80) << line;

@@ -237,9 +237,10 @@ int extract(EXTRACT_ARGUMENTS& arguments)
 constexpr const char* FOOTER =
     R"(The table has a row for each file, in the order given; those of a folder are
 sorted by name. Values are as `formwork export` has them.
-  csv     the first column is "file"; then a column for each name that any of the
-          files has, in the order in which they come up. Without a value a cell is
-          empty; several values are joined by |, or what --list-separator says.
+  csv     the first column is "file"; then a column for each name that any of
+          the files has, in the order in which they come up. Without a value a
+          cell is empty; several values are joined by |, or what
+          --list-separator says.
   jsonl   a line {"file": "...", "values": {...}} for each file, lists as lists;
           a field without a value is left out.
 --columns makes a table with these names alone, one a line, in their order.
