@@ -17,7 +17,6 @@
     F(archive_error_string)                                                                                            \
     F(archive_write_close)                                                                                             \
     F(archive_write_data)                                                                                              \
-    F(archive_write_fail)                                                                                              \
     F(archive_write_free)                                                                                              \
     F(archive_write_header)                                                                                            \
     F(archive_write_new)                                                                                               \

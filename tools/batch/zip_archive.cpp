@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "tools/batch/archive_library.h"
 
@@ -15,7 +16,7 @@ ZipArchive::~ZipArchive()
     if (!m_archive)
         return;
     const ARCHIVE_LIBRARY& library = archive_library();
-    library.archive_write_fail(m_archive);  // or it would be ended
+    m_is_over = true;  // the library ends the archive now, complete or not
     library.archive_write_free(m_archive);
     library.archive_entry_free(m_entry);
 }
@@ -31,10 +32,10 @@ CPDFStatus ZipArchive::open(const std::string& path)
         return status;
     m_archive = library.archive_write_new();
     m_entry = library.archive_entry_new();
+    // An archive that the library knows to have failed leaves its memory behind, so nothing fails to it.
     const auto write = [](archive*, void* self, const void* bytes, size_t size) -> la_ssize_t {
-        auto* const zip = static_cast<ZipArchive*>(self);
-        zip->m_problem = zip->put({static_cast<const char*>(bytes), size});
-        return zip->m_problem.ok() ? static_cast<la_ssize_t>(size) : -1;
+        static_cast<ZipArchive*>(self)->take({static_cast<const char*>(bytes), size});
+        return static_cast<la_ssize_t>(size);
     };
     const bool good = m_archive && m_entry && library.archive_write_set_format_zip(m_archive) == ARCHIVE_OK &&
                       library.archive_write_set_options(m_archive, "zip:compression=store") == ARCHIVE_OK &&
@@ -58,14 +59,26 @@ CPDFStatus ZipArchive::add(const std::string& name, std::string_view head, std::
             good =
                 library.archive_write_data(m_archive, part.data(), part.size()) == static_cast<la_ssize_t>(part.size());
     }
-    return good ? CPDFStatus() : failure();
+    return good && is_well() ? CPDFStatus() : failure();
 }
 
 CPDFStatus ZipArchive::finish()
 {
-    if (archive_library().archive_write_close(m_archive) != ARCHIVE_OK)
+    if (archive_library().archive_write_close(m_archive) != ARCHIVE_OK || !is_well())
         return failure();
     return m_to_stdout ? CPDFStatus() : m_file.finish();
+}
+
+// Called by the library, which no exception may pass.
+void ZipArchive::take(std::string_view bytes) noexcept
+{
+    if (m_is_over || !is_well())
+        return;
+    try {
+        m_problem = put(bytes);
+    } catch (const std::bad_alloc&) {
+        m_has_no_memory = true;
+    }
 }
 
 CPDFStatus ZipArchive::put(std::string_view bytes)
@@ -79,6 +92,8 @@ CPDFStatus ZipArchive::put(std::string_view bytes)
 
 CPDFStatus ZipArchive::failure() const
 {
+    if (m_has_no_memory)
+        throw std::bad_alloc();
     if (!m_problem.ok())
         return m_problem;
     const char* const why = m_archive ? archive_library().archive_error_string(m_archive) : nullptr;

@@ -28,13 +28,17 @@ public:
     CPDFStatus finish();
 
 private:
+    void take(std::string_view bytes) noexcept;
     CPDFStatus put(std::string_view bytes);
+    bool is_well() const { return m_problem.ok() && !m_has_no_memory; }
     CPDFStatus failure() const;
 
     std::string m_path;
     CPDFOutputFile m_file;
     bool m_to_stdout = false;
-    CPDFStatus m_problem;              // of the file
+    CPDFStatus m_problem;  // of the file
+    bool m_has_no_memory = false;
+    bool m_is_over = false;            // what comes now is not written
     archive* m_archive = nullptr;      // owned
     archive_entry* m_entry = nullptr;  // owned
 };
