@@ -36,9 +36,9 @@ def fill_chunk(command, manifest, first, last):
 
 
 def lines_of(path):
-    """A table has no more rows than lines; chunks behind the last row find nothing to do."""
+    """A table has no more rows than lines, whose ends may be CR; chunks behind the last row find nothing to do."""
     with open(path, "rb") as file:
-        return sum(block.count(b"\n") for block in iter(lambda: file.read(1 << 20), b"")) + 1
+        return sum(block.count(b"\n") + block.count(b"\r") for block in iter(lambda: file.read(1 << 20), b"")) + 1
 
 
 def arguments():

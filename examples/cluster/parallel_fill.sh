@@ -42,15 +42,16 @@ mkdir -p "$manifests"
     printf 'cd %q\n' "$PWD"
     printf '%q ' "$formwork" fill "$form" --batch "$rows" -o "$pattern" "$@"
     printf -- '--rows "$1" --manifest %q/"$1".jsonl --resume\n' "$manifests"
-    echo 'status=$?; ((status != 3)) || status=0; exit $status'
+    printf 'status=$?; ((status != 3)) || { status=0; : >%q/"$1".refused; }; exit $status\n' "$manifests"
 } >"$manifests/fill_chunk"
 
-# A table has no more rows than lines; chunks behind the last row find nothing to do.
-lines=$(wc -l <"$rows")
+# A table has no more rows than lines, whose ends may be CR; chunks behind the last row find nothing to do.
+lines=$(tr '\r' '\n' <"$rows" | wc -l)
+rm -f "$manifests"/*.refused
 status=0
 for ((first = 1; first <= lines + 1; first += chunk)); do
     echo "$first-$((first + chunk - 1))"
 done | parallel --will-cite --jobs "$jobs" ${hosts:+--sshloginfile "$hosts"} --retries 4 --joblog "$manifests/jobs.log" \
     bash "$manifests/fill_chunk" || status=$?
 ((status == 0)) || { echo "parallel_fill.sh: $status chunks failed, see $manifests/jobs.log" >&2; exit 1; }
-! cat "$manifests"/*.jsonl | grep -q '"result":"refused"' || exit 3
+! compgen -G "$manifests/*.refused" >/dev/null || exit 3

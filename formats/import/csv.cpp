@@ -27,7 +27,7 @@ char find_divider(std::string_view text)
     std::pair<bool, size_t> best_fit = {false, 1};
     std::vector<std::string> names;
     std::vector<std::string> cells;
-    for (const char divider : {',', ';', '\t'}) {
+    for (const char divider : {';', '\t', ','}) {  // commas also stand in names and numbers
         CPDFCsvReader reader(text, divider);
         if (!reader.next(names) || names.size() < 2)
             continue;

@@ -5,13 +5,25 @@
 
 #include "formats/import/json_data.h"
 
+namespace {
+
+// Takes empty cells off the end while there are more than `least`.
+void drop_empty(std::vector<std::string>& cells, size_t least)
+{
+    while (cells.size() > least && cells.back().empty())
+        cells.pop_back();
+}
+
+}  // namespace
+
 CPDFStatus CPDFFormRows::open(const std::string& path, const PDF_CSV_STYLE& style)
 {
     const std::string suffix = suffix_of(path);
     if (CPDFStatus status = check_no_spreadsheet(suffix); !status.ok())
         return status;
-    if (path != "-" && suffix != ".csv" && suffix != ".jsonl")
-        return CPDFStatus::failed(PDF_CODE::BAD_DATA, "the name of a file with many rows ends with .csv or .jsonl");
+    if (path != "-" && suffix != ".csv" && suffix != ".tsv" && suffix != ".jsonl")
+        return CPDFStatus::failed(PDF_CODE::BAD_DATA,
+                                  "the name of a file with many rows ends with .csv, .tsv or .jsonl");
     CPDFStatus status = m_file.open(path);
     if (!status.ok())
         return status;
@@ -27,7 +39,7 @@ CPDFStatus CPDFFormRows::open(const std::string& path, const PDF_CSV_STYLE& styl
     if (!status.ok())
         return status;
     std::string_view line;
-    while (m_json ? next_line(line) : m_csv.next(m_cells))
+    while (m_json ? next_line(line) : next_cells())
         ++m_count;
     if (!m_csv.status().ok())
         return m_csv.status();
@@ -38,10 +50,26 @@ CPDFStatus CPDFFormRows::start()
 {
     m_at = 0;
     m_csv = CPDFCsvReader(m_json ? std::string_view() : m_text, m_style.delimiter);
-    if (m_json || m_csv.next(m_columns))
+    if (m_json)
         return {};
+    if (m_csv.next(m_columns)) {
+        drop_empty(m_columns, 1);
+        return {};
+    }
     return m_csv.status().ok() ? CPDFStatus::failed(PDF_CODE::BAD_DATA, "the file has no row of names")
                                : m_csv.status();
+}
+
+// Spreadsheets write cells behind their last column, and rows behind the last one with values.
+bool CPDFFormRows::next_cells()
+{
+    while (m_csv.next(m_cells)) {
+        drop_empty(m_cells, m_columns.size());
+        const auto is_empty = [](const std::string& cell) { return cell.empty(); };
+        if (m_columns.size() == 1 || !std::all_of(m_cells.begin(), m_cells.end(), is_empty))
+            return true;
+    }
+    return false;
 }
 
 bool CPDFFormRows::next_line(std::string_view& line)
@@ -67,7 +95,7 @@ bool CPDFFormRows::next(PDF_FORM_ROW& row)
         if (status.text.rfind("line 1, ", 0) == 0)
             status.text.erase(0, 8);
     } else {
-        if (!m_csv.next(m_cells))
+        if (!next_cells())
             return false;
         status = data_of_row(m_columns, m_cells, m_style, row.data);
     }

@@ -36,6 +36,7 @@ public:
 private:
     CPDFStatus start();
     bool next_line(std::string_view& line);
+    bool next_cells();
 
     CPDFDataText m_file;
     PDF_CSV_STYLE m_style;

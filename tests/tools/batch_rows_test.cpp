@@ -94,6 +94,7 @@ TEST_F(BatchRowsTest, TheSameRowsInEveryDialectGiveTheSameOutputs)
         {"a line that tells", "r.csv", "sep=;\r\n" + table_of(rows, ";", "\r\n"), {}},
         {"UTF-16, little", "r.csv", utf16_of(table_of(rows, "\t", "\r\n"), true), {}},
         {"UTF-16, big", "r.csv", utf16_of(table_of(rows, ";"), false), {}},
+        {"empty cells and rows behind", "r.tsv", table_of(rows, "\t", "\t\t\r\n") + "\t\t\t\t\r\n", {}},
         {"another divider", "r.csv", table_of(rows, ":"), {"--delimiter", ":", "--list-separator", "|"}},
         {"a word", "r.csv", table_of(rows, "\t"), {"--delimiter", "tab"}},
         {"JSON lines", "r.jsonl", lists, {}},

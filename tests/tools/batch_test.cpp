@@ -206,6 +206,24 @@ TEST_F(BatchTest, UpdatesJoinedWithTheirTemplateAreTheFilledFiles)
     EXPECT_THAT(result.err, HasSubstr("the file was repaired"));
 }
 
+// What a batch writes beside its outputs takes the place of nothing else.
+TEST_F(BatchTest, OtherFilesAreNoManifestAndNoArchive)
+{
+    const std::string form = folder.write("form.pdf", read_text_file(KINDS));
+    const std::string map = folder.write("map.json", "{}");
+    for (const std::string& file : {form, rows, map}) {
+        const std::string before = read_text_file(file);
+        EXPECT_EQ(fill({"-o", ids, "--map", map, "--manifest", file, "--resume"}, form).exit, 2);
+        EXPECT_EQ(fill({"--as", "zip", "-o", file, "--map", map}, form).exit, 2);
+        EXPECT_EQ(read_text_file(file), before);
+    }
+    const std::string notes = folder.write("notes.txt", "keep this");
+    EXPECT_THAT(fill({"-o", ids, "--manifest", notes, "--resume"}).err, HasSubstr("it is no manifest"));
+    EXPECT_EQ(read_text_file(notes), "keep this");
+    EXPECT_EQ(fill({"-o", manifest + ".zip", "--manifest", manifest + ".zip"}).exit, 2);
+    EXPECT_TRUE(files().empty());
+}
+
 TEST_F(BatchTest, AnArchiveHoldsTheOutputsInTheirOrder)
 {
     const auto outputs = files_of({"-o", ids});
@@ -230,5 +248,11 @@ TEST_F(BatchTest, AnArchiveHoldsTheOutputsInTheirOrder)
     EXPECT_EQ(fill({"-o", zip, "--name", "{id}", "--updates-only", "--dry-run"}).exit, 3);
     EXPECT_EQ(read_text_file(zip), bytes);
     EXPECT_EQ(fill({"-o", folder.path("none/all.zip")}).exit, 1);
+    // Repeated, its manifest begins anew; names are UTF-8 whatever the locale.
+    EXPECT_EQ(fill({"-o", zip, "--name", "{id} {name}.pdf", "--manifest", manifest}).exit, 3);
+    EXPECT_EQ(lines().size(), 5u);
+    const size_t name = read_text_file(zip).find("b 東京 Bob.pdf");
+    ASSERT_NE(name, std::string::npos);
+    EXPECT_EQ(read_text_file(zip)[name - 30 + 7] & 8, 8) << "the flag of UTF-8 names";
 }
 }  // namespace

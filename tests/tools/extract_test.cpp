@@ -113,7 +113,10 @@ TEST_F(ExtractTest, ColumnsAreTheUnionAndFailingFilesHaveNoRow)
     EXPECT_FALSE(fs::exists(folder.path("t.csv")));
     for (const std::string words : {"", "x.pdf --jobs 0", "x.pdf --as xml"})
         EXPECT_EQ(extract(words.empty() ? std::vector<std::string>() : split(words, ' ')).exit, 2) << words;
-    EXPECT_EQ(extract({a, "-o", a}).exit, 2);
+    for (const auto& [out, errors] : {std::pair(a, folder.path("e")),
+                                      {folder.path("t.pdf"), folder.path("e")},
+                                      {folder.path("t"), folder.path("t")}})
+        EXPECT_EQ(extract({a, "-o", out, "--errors", errors}).exit, 2);
 }
 
 TEST_F(ExtractTest, FoldersAreGoneThroughInTheOrderOfNames)

@@ -237,7 +237,7 @@ TEST_F(FillTest, ABatchOfJsonLinesChecksEveryRow)
 TEST_F(FillTest, ABatchIsRefusedBeforeItBegins)
 {
     const std::string pattern = folder.path("{id}.pdf");
-    const std::string rows = folder.write("rows.csv", "id,name,nix,name,\n1,a,b,c,d\n");
+    const std::string rows = folder.write("rows.csv", "id,name,nix,,name\n1,a,b,d,c\n");
     expect_complaints(fill({"--batch", rows, "-o", pattern}), rows, {"no field \"nix\"", "no field \"\""});
     expect_complaints(
         fill({"--batch", rows, "-o", folder.path("{nix}{name}{ID}.pdf")}), rows,

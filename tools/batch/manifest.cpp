@@ -20,6 +20,7 @@ constexpr const char* NAMES[] = {"written", "refused", "failed", "skipped"};
 static_assert(std::size(NAMES) == static_cast<size_t>(ROW_RESULT::COUNT));
 
 constexpr size_t MARK_DIGITS = 16;
+constexpr std::string_view LINE_BEGIN = "{\"row\":";
 
 uint64_t number_of(std::string_view mark)
 {
@@ -55,24 +56,34 @@ CPDFStatus BatchManifest::open(const std::string& path, START start, std::string
     m_path = path;
     m_run = run;
     m_fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (m_fd < 0)
+        return CPDFStatus::failed(PDF_CODE::IO, std::string("it can't be written: ") + std::strerror(errno));
+    // While others write there, nobody takes away what they may not have ended.
+    const bool is_alone = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0;
     CPDFFileBytes file;
-    CPDFStatus status =
-        m_fd < 0 ? CPDFStatus::failed(PDF_CODE::IO, std::string("it can't be written: ") + std::strerror(errno))
-                 : file.open(path);
-    if (!status.ok())
-        return status;
-    if (start == START::NEW && file.size() > 0)
-        return CPDFStatus::failed(PDF_CODE::BAD_REQUEST,
-                                  "it is that of another run: give --resume to go on with it, or another name");
+    CPDFStatus status = file.open(path);
     const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
     read(text);
-    // Behind the last line stands what a killed run could not end, unless somebody is about to write there.
-    const size_t whole = text.rfind('\n') + 1;
-    if (whole < text.size() && ::flock(m_fd, LOCK_EX | LOCK_NB) == 0 &&
-        ::ftruncate(m_fd, static_cast<off_t>(whole)) != 0)
-        return CPDFStatus::failed(PDF_CODE::IO, std::string("its torn last line stays: ") + std::strerror(errno));
+    if (status.ok() && m_lines.empty() && !LINE_BEGIN.starts_with(text.substr(0, LINE_BEGIN.size())))
+        return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, "it is no manifest, and is not written to");
+    if (status.ok() && start == START::NEW && !text.empty())
+        return CPDFStatus::failed(PDF_CODE::BAD_REQUEST,
+                                  "it is that of another run: give --resume to go on with it, or another name");
+    if (start == START::AGAIN)
+        m_lines.clear();
+    if (status.ok())
+        status = drop_tail(start == START::AGAIN ? 0 : text.rfind('\n') + 1, text.size(), is_alone);
     ::flock(m_fd, LOCK_SH | LOCK_NB);
-    return {};
+    return status;
+}
+
+// Behind the last line stands what a killed run could not end.
+CPDFStatus BatchManifest::drop_tail(size_t whole, size_t size, bool is_alone)
+{
+    m_is_torn = whole < size && !is_alone;
+    if (whole == size || !is_alone || ::ftruncate(m_fd, static_cast<off_t>(whole)) == 0)
+        return {};
+    return CPDFStatus::failed(PDF_CODE::IO, std::string("its torn last line stays: ") + std::strerror(errno));
 }
 
 void BatchManifest::read(std::string_view text)
@@ -135,9 +146,10 @@ bool BatchManifest::is_known(BATCH_RESULT& result) const
     return true;
 }
 
-CPDFStatus BatchManifest::add(const BATCH_RESULT& result) const
+CPDFStatus BatchManifest::add(const BATCH_RESULT& result)
 {
-    std::string line = "{\"row\":" + std::to_string(result.row);
+    std::string line(m_is_torn.exchange(false) ? "\n" : "");
+    line.append(LINE_BEGIN).append(std::to_string(result.row));
     append(line, "output", result.output);
     append(line, "sha256", result.sha256);
     append(line, "result", NAMES[static_cast<size_t>(result.result)]);
@@ -155,6 +167,7 @@ CPDFStatus BatchManifest::add(const BATCH_RESULT& result) const
     while (done < 0 && errno == EINTR);
     if (done == static_cast<ssize_t>(line.size()))
         return {};
+    m_is_torn = true;
     return CPDFStatus::failed(PDF_CODE::IO, "the manifest " + m_path +
                                                 " can't be written: " + std::strerror(done < 0 ? errno : ENOSPC));
 }

@@ -1,6 +1,7 @@
 // The manifest of a batch: a line of JSON for each row that ended, by which a run that was killed goes on.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,14 +16,18 @@
 // end, counts as none, and its row is done again.
 class BatchManifest {
 public:
-    enum class START { NEW, RESUME };
+    enum class START {
+        NEW,
+        RESUME,
+        AGAIN,  // what is there goes
+    };
 
     BatchManifest() = default;
     ~BatchManifest();
     BatchManifest(const BatchManifest&) = delete;
     BatchManifest& operator=(const BatchManifest&) = delete;
 
-    // Opens the file, or makes it; a new run refuses one that has lines. `run` is all that decides on the outputs besides their rows.
+    // Opens the file, or makes it; a new run refuses one that has lines, and every run a file that is no manifest. `run` is all that decides on the outputs besides their rows.
     CPDFStatus open(const std::string& path, START start, std::string_view run);
 
     // 16 hexadecimal digits made of the run, the row's values and its output: a row with another mark is another one.
@@ -32,7 +37,7 @@ public:
     bool is_known(BATCH_RESULT& result) const;
 
     // Appends the line of a row. Any thread.
-    CPDFStatus add(const BATCH_RESULT& result) const;
+    CPDFStatus add(const BATCH_RESULT& result);
 
 private:
     struct LINE {
@@ -41,11 +46,13 @@ private:
         ROW_RESULT result;
     };
 
+    CPDFStatus drop_tail(size_t whole, size_t size, bool is_alone);
     void read(std::string_view text);
     void read_line(std::string_view text);
 
     std::string m_path;
-    int m_fd = -1;  // owned
+    int m_fd = -1;                        // owned
+    std::atomic<bool> m_is_torn = false;  // a part of a line stands at the end
     std::string m_run;
     std::vector<LINE> m_lines;  // by row, the last one of each
     std::unordered_map<size_t, std::vector<std::string>> m_refusals;

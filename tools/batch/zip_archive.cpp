@@ -37,11 +37,12 @@ CPDFStatus ZipArchive::open(const std::string& path)
         static_cast<ZipArchive*>(self)->take({static_cast<const char*>(bytes), size});
         return static_cast<la_ssize_t>(size);
     };
-    const bool good = m_archive && m_entry && library.archive_write_set_format_zip(m_archive) == ARCHIVE_OK &&
-                      library.archive_write_set_options(m_archive, "zip:compression=store") == ARCHIVE_OK &&
-                      library.archive_write_set_bytes_per_block(m_archive, BLOCK) == ARCHIVE_OK &&
-                      library.archive_write_set_bytes_in_last_block(m_archive, 1) == ARCHIVE_OK &&
-                      library.archive_write_open(m_archive, this, nullptr, write, nullptr) == ARCHIVE_OK;
+    const bool good =
+        m_archive && m_entry && library.archive_write_set_format_zip(m_archive) == ARCHIVE_OK &&
+        library.archive_write_set_options(m_archive, "zip:compression=store,zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
+        library.archive_write_set_bytes_per_block(m_archive, BLOCK) == ARCHIVE_OK &&
+        library.archive_write_set_bytes_in_last_block(m_archive, 1) == ARCHIVE_OK &&
+        library.archive_write_open(m_archive, this, nullptr, write, nullptr) == ARCHIVE_OK;
     return good ? CPDFStatus() : failure();
 }
 

@@ -13,6 +13,7 @@
 #include "tools/extract/file_queue.h"
 #include "tools/extract/form_table.h"
 #include "tools/save_output.h"
+#include "tools/terminal_text.h"
 #include "tools/verb.h"
 
 namespace {
@@ -149,7 +150,7 @@ private:
             return;
         }
         std::string line;
-        append_csv_cell(line, result.path, true);
+        append_csv_cell(line, printable(result.path), true);
         append_csv_cell(line, result.status.text, false);
         m_errors.put(line + "\r\n");
     }
@@ -212,9 +213,16 @@ CPDFStatus check_usage(EXTRACT_ARGUMENTS& arguments)
     if (error != std::errc() || end != jobs.data() + jobs.size() || arguments.job_count < 1 ||
         arguments.job_count > MOST_JOBS)
         return wrong_usage(in_quotes(jobs) + " is no number of jobs: give 1 to 256");
+    const std::string& output = arguments.output.text;
+    const std::string& errors = arguments.errors.text;
+    if (!output.empty() && (output == errors || is_same_file(output, errors)))
+        return wrong_usage(in_quotes(output) + " can't be both the table and that of the errors");
     for (const COMMAND_WORD* out : {&arguments.output, &arguments.errors}) {
+        if (suffix_of(out->text) == ".pdf")
+            return wrong_usage(in_quotes(out->text) + " is no name for a table: it might be one of the forms");
         const auto is_output = [&out](const COMMAND_WORD& file) { return is_same_file(out->text, file.text); };
-        if (std::any_of(arguments.files.begin(), arguments.files.end(), is_output) || is_output(arguments.list))
+        if (std::any_of(arguments.files.begin(), arguments.files.end(), is_output) || is_output(arguments.list) ||
+            is_output(arguments.columns))
             return wrong_usage(in_quotes(out->text) + " is one of the files that are read");
     }
     return {};

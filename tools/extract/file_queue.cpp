@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "document/lookup/field_text.h"
 #include "formats/import/form_data.h"
 
 namespace fs = std::filesystem;
@@ -40,6 +41,8 @@ bool FileQueue::next(QUEUED_FILE& file)
             file.status = CPDFStatus::failed(PDF_CODE::IO, "this is a folder: --recursive takes the files in it");
         else if (is_folder)
             file.status = enter(file.path);
+        if (!is_folder && !is_utf8(file.path))
+            file.status = CPDFStatus::failed(PDF_CODE::BAD_DATA, "its name is not UTF-8, which tables are");
         if (!is_folder || !file.status.ok())
             return true;
     }
@@ -52,7 +55,7 @@ CPDFStatus FileQueue::enter(const std::string& folder)
     for (fs::directory_iterator at(folder, problem), end; !problem && at != end; at.increment(problem)) {
         std::error_code none;
         const bool is_folder = at->is_directory(none) && !at->is_symlink(none);
-        if (is_folder || (suffix_of(at->path().native()) == ".pdf" && !at->is_directory(none)))
+        if (is_folder || (suffix_of(at->path().native()) == ".pdf" && at->is_regular_file(none)))
             found.push_back({at->path().native(), is_folder});
     }
     if (problem)

@@ -41,8 +41,25 @@ CPDFStatus check_archive(const FILL_ARGUMENTS& arguments)
     const std::string& name = batch.name.text;
     if (name.starts_with('/') || name.find("..") != std::string::npos)
         return wrong_usage("the name " + in_quotes(name) + " in the archive would lead out of it");
-    if (batch.is_archive && is_same_file(arguments.output.output.text, arguments.batch.text))
-        return wrong_usage(in_quotes(arguments.output.output.text) + " is the file with the rows");
+    return {};
+}
+
+// What is written as a file of its own must be none that is read, nor the other one.
+CPDFStatus check_files(const FILL_ARGUMENTS& arguments)
+{
+    const std::string& manifest = arguments.batches.manifest.text;
+    const std::string archive = arguments.batches.is_archive ? arguments.output.output.text : "";
+    for (const std::string& written : {manifest, archive}) {
+        for (const COMMAND_WORD& read :
+             {arguments.input.path, arguments.batch, arguments.data, arguments.reading.map}) {
+            if (is_same_file(written, read.text))
+                return wrong_usage(in_quotes(written) + " is a file that the batch reads");
+        }
+    }
+    if (!manifest.empty() && (manifest == archive || is_same_file(manifest, archive)))
+        return wrong_usage(in_quotes(manifest) + " can't be both the archive and the manifest");
+    if (manifest == "-")
+        return wrong_usage("a manifest is a file, not standard output");
     return {};
 }
 
@@ -79,6 +96,8 @@ CPDFStatus check_batch(FILL_ARGUMENTS& arguments)
     if (batch.resume && batch.manifest.text.empty())
         return wrong_usage("--resume goes by a manifest: give --manifest FILE");
     if (CPDFStatus status = check_archive(arguments); !status.ok())
+        return status;
+    if (CPDFStatus status = check_files(arguments); !status.ok())
         return status;
     const bool has_place = output == "-" ? batch.is_archive : !output.empty() || arguments.dry_run;
     if (!has_place || arguments.output.in_place)

@@ -155,8 +155,11 @@ bool open_outputs(BATCH& batch, const CPDFDocument& document, BatchManifest& man
     }
     if (options.manifest.text.empty())
         return true;
-    status = manifest.open(options.manifest.text,
-                           options.resume ? BatchManifest::START::RESUME : BatchManifest::START::NEW, run_of(batch));
+    // An archive that was not ended is not there, so its rows are done anew.
+    const auto start = options.is_archive ? BatchManifest::START::AGAIN
+                       : options.resume   ? BatchManifest::START::RESUME
+                                          : BatchManifest::START::NEW;
+    status = manifest.open(options.manifest.text, start, run_of(batch));
     if (!status.ok())
         complain(options.manifest.text, status.text);
     batch.manifest = &manifest;
