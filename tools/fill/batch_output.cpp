@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cinttypes>
+#include <cmath>
 
 #include "tools/batch/manifest.h"
 #include "tools/batch/zip_archive.h"
@@ -28,7 +29,7 @@ std::string joined(const std::vector<std::string>& sentences)
 
 std::string clock_text(double seconds)
 {
-    const auto whole = static_cast<uint64_t>(seconds + 0.5);
+    const auto whole = static_cast<uint64_t>(std::llround(seconds));
     char text[32];
     std::snprintf(text, sizeof text, "%" PRIu64 ":%02u:%02u", whole / 3600, static_cast<unsigned>(whole / 60 % 60),
                   static_cast<unsigned>(whole % 60));
