@@ -29,12 +29,7 @@ struct STEP {
 
 PDF_PLACE place_of(const EDIT_TARGET& target, const PDF_REF& widget)
 {
-    constexpr CPDFKeySet KEYS{"Rect"};
-    CPDFObj own;
-    PDF_BOX box = {0, 0, 0, 0};
-    target.xref.get_entity(own, widget, &KEYS);
-    if (own.dictionary())
-        read_box(target.xref, own.dict->get_item("Rect"), box);
+    const PDF_BOX box = widget_box(target.xref, widget);
     return {{box.x0, box.y0, box.width(), box.height()}, target.pages.page_of_annotation(widget.num)};
 }
 

@@ -117,7 +117,7 @@ private:
             if (entry.type != PDF_OBJ_REF || !m_ranks.count(entry.ref.num))
                 continue;
             slots.push_back(i);
-            widgets.push_back({entry.ref, turned(box_of(entry.ref), turn)});
+            widgets.push_back({entry.ref, turned(widget_box(m_target.xref, entry.ref), turn)});
         }
         any = !slots.empty();
         sort(widgets);
@@ -128,17 +128,6 @@ private:
             entry.set_ref(widgets[i].ref);
         }
         return changed;
-    }
-
-    PDF_BOX box_of(const PDF_REF& widget)
-    {
-        constexpr CPDFKeySet KEYS{"Rect"};
-        CPDFObj own;
-        PDF_BOX box = {0, 0, 0, 0};
-        m_target.xref.get_entity(own, widget, &KEYS);
-        if (own.dictionary())
-            read_box(m_target.xref, own.dict->get_item("Rect"), box);
-        return box;
     }
 
     void sort(std::vector<SHOWN_WIDGET>& widgets)

@@ -70,6 +70,17 @@ bool read_box(CPDFXRefTable& xref, const CPDFObj* entry, PDF_BOX& box)
     return true;
 }
 
+PDF_BOX widget_box(CPDFXRefTable& xref, const PDF_REF& widget)
+{
+    constexpr CPDFKeySet KEYS{"Rect"};
+    CPDFObj own;
+    PDF_BOX box = {};
+    xref.get_entity(own, widget, &KEYS);
+    if (own.dictionary())
+        read_box(xref, own.dict->get_item("Rect"), box);
+    return box;
+}
+
 int32_t read_rotation(CPDFXRefTable& xref, const CPDFObj* entry)
 {
     const int32_t degrees = entry ? resolve_integer(&xref, entry) % 360 : 0;

@@ -26,6 +26,9 @@ struct PDF_PAGE_BOX {
 // anything else.
 bool read_box(CPDFXRefTable& xref, const CPDFObj* entry, PDF_BOX& box);
 
+// The rectangle of the widget that is this object; all zero where it has none.
+PDF_BOX widget_box(CPDFXRefTable& xref, const PDF_REF& widget);
+
 // The quarter turn that an entry is, as 0, 90, 180 or 270; 0 for anything but a multiple of 90.
 int32_t read_rotation(CPDFXRefTable& xref, const CPDFObj* entry);
 

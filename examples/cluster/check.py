@@ -4,6 +4,7 @@ holds what its row says. Then runs them undisturbed and prints how they compare 
 
     check.py COMMAND FORM [ROWS]
 """
+import contextlib
 import csv
 import hashlib
 import json
@@ -117,17 +118,24 @@ def recipe_words(name, command, form, table, outputs, count):
             table, f"{outputs}/{{id}}.pdf"]
 
 
-def kill_and_check(name, command, form, count):
+@contextlib.contextmanager
+def workplace(count):
+    """A table with rows and a folder for their outputs, which go afterwards."""
     with tempfile.TemporaryDirectory() as folder:
         table = pathlib.Path(folder) / "rows.csv"
         outputs = pathlib.Path(folder) / "out"
         outputs.mkdir()
         write_table(table, count)
+        yield table, outputs
+
+
+def kill_and_check(name, command, form, count):
+    with workplace(count) as (table, outputs):
         start = time.monotonic()
         run_recipe(recipe_words(name, command, form, table, outputs, count), RECIPES[name][0].format(command), outputs, count)
         seconds = time.monotonic() - start
         again = check_outputs(outputs, count)
-        check_values(command, outputs, pathlib.Path(folder) / "table.csv", count)
+        check_values(command, outputs, table.with_name("table.csv"), count)
         print(f"{name}: {count} rows in {seconds:.1f} s, a worker killed; every output is there and right, {again} done twice")
 
 
@@ -140,11 +148,7 @@ def race(command, form, count):
     best = {}
     for _ in range(3):
         for name, run in runners.items():
-            with tempfile.TemporaryDirectory() as folder:
-                table = pathlib.Path(folder) / "rows.csv"
-                outputs = pathlib.Path(folder) / "out"
-                outputs.mkdir()
-                write_table(table, count)
+            with workplace(count) as (table, outputs):
                 start = time.monotonic()
                 end = run(table, outputs)
                 seconds = time.monotonic() - start
