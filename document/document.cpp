@@ -37,6 +37,25 @@ CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load, std::st
     });
 }
 
+CPDFStatus CPDFDocument::open_borrowed(std::span<const uint8_t> bytes, PDF_LOAD load, std::string_view password)
+{
+    return within_memory("open the file", [&] {
+        renew_state();
+        m_state->bytes.borrow(bytes.data(), bytes.size());
+        return load_or_rescue(load, password);
+    });
+}
+
+CPDFStatus CPDFDocument::load_form()
+{
+    return within_memory("read the form", [&] { return m_state->load_whole_form(); });
+}
+
+bool CPDFDocument::has_loaded_form() const
+{
+    return m_state->form_loaded;
+}
+
 void CPDFDocument::renew_state()
 {
     auto state = std::make_unique<State>();
@@ -44,6 +63,7 @@ void CPDFDocument::renew_state()
     state->scripts = m_state->scripts;
     state->script_seconds = m_state->script_seconds;
     state->rescue = m_rescue;
+    state->progress = m_state->progress;
     m_state = std::move(state);
 }
 
@@ -207,6 +227,7 @@ void CPDFDocument::State::forget_fields()
     redraw.reset();
     branches.emplace();
     page_map.reset();
+    field_notes.reset();
     guard.reset();
 }
 
@@ -261,6 +282,11 @@ bool CPDFDocument::permits_editing() const
 bool CPDFDocument::has_form() const
 {
     return m_state->form_entry() != nullptr;
+}
+
+bool CPDFDocument::is_signed()
+{
+    return m_state->signatures().is_signed();
 }
 
 bool CPDFDocument::has_xfa()
@@ -405,6 +431,11 @@ CPDFReadAllowance CPDFDocument::reading()
 bool CPDFDocument::read_too_much() const
 {
     return m_state->reader->budget().exhausted();
+}
+
+bool CPDFDocument::has_edits() const
+{
+    return m_state->edited;
 }
 
 void CPDFDocument::revert()

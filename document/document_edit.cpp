@@ -48,6 +48,7 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
         status = list_all();
         if (status.ok())
             status = operation(target);
+        field_notes.reset();  // what they tell is no longer so
         return allowance.used_up() ? too_much_to("change the form") : status;
     });
 }
