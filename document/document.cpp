@@ -160,6 +160,7 @@ CPDFWidgetBinder& CPDFDocument::State::bound_widgets()
         if (memory.failed())
             unbind_widgets();
         need_memory(memory);
+        widgets_whole = !allowance.used_up();
     }
     return widgets;
 }
@@ -212,6 +213,8 @@ void CPDFDocument::State::forget_fields()
 
 void CPDFDocument::State::unload_form()
 {
+    if (field_notes)
+        field_notes->clear();
     adoption = CPDFAdoption();
     adopted = form_loaded = false;
     form.unload();
@@ -404,7 +407,7 @@ CPDFReadAllowance CPDFDocument::reading()
 
 bool CPDFDocument::read_too_much() const
 {
-    return m_state->reader->budget().exhausted();
+    return m_state->reader->budget().exhausted() || !m_state->widgets_whole;
 }
 
 void CPDFDocument::revert()
