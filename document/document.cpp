@@ -180,6 +180,7 @@ CPDFWidgetBinder& CPDFDocument::State::bound_widgets()
         if (memory.failed())
             unbind_widgets();
         need_memory(memory);
+        widgets_whole = !allowance.used_up();
     }
     return widgets;
 }
@@ -227,12 +228,13 @@ void CPDFDocument::State::forget_fields()
     redraw.reset();
     branches.emplace();
     page_map.reset();
-    field_notes.reset();
     guard.reset();
 }
 
 void CPDFDocument::State::unload_form()
 {
+    if (field_notes)
+        field_notes->clear();
     adoption = CPDFAdoption();
     adopted = form_loaded = false;
     form.unload();
@@ -430,7 +432,7 @@ CPDFReadAllowance CPDFDocument::reading()
 
 bool CPDFDocument::read_too_much() const
 {
-    return m_state->reader->budget().exhausted();
+    return m_state->reader->budget().exhausted() || !m_state->widgets_whole;
 }
 
 bool CPDFDocument::has_edits() const

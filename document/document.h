@@ -161,7 +161,7 @@ public:
     // it loads the whole form only where there seem to be several.
     size_t fields_named(std::string_view name);
 
-    // Labels of fields and rectangles of widgets, as the document was opened.
+    // Labels of fields and rectangles of widgets.
     CPDFFieldNotes& field_notes();
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
@@ -317,7 +317,8 @@ public:
     // Tells it, not at every call; false when the operation is to end.
     bool go_on(double done);
 
-    // Whether so much was read since the last operation that objects and streams read as absent.
+    // Whether so much was read since the last operation, or when the widgets were bound, that objects and streams read as
+    // absent.
     bool read_too_much() const;
 
     // Whether revert ends all fields.

@@ -21,6 +21,8 @@ CPDFStatus CPDFDocument::State::begin_edit(std::span<CPDFField* const> fields, P
         status = draw();
     if (!status.ok())
         return status;
+    if (field_notes)
+        field_notes->clear();
     redraw.reset();  // the form's fonts may change
     forget_scripts();
     shown_options = {};
@@ -48,7 +50,6 @@ CPDFStatus CPDFDocument::State::edit(std::span<CPDFField* const> fields, PDF_EDI
         status = list_all();
         if (status.ok())
             status = operation(target);
-        field_notes.reset();  // what they tell is no longer so
         return allowance.used_up() ? too_much_to("change the form") : status;
     });
 }

@@ -34,7 +34,8 @@ struct CPDFDocument::State {
     CPDFObj root;
     PDF_REF root_ref = {0, 0};
     std::optional<CPDFPageMap> page_map;
-    CPDFWidgetBinder widgets;  // bound when they are needed
+    CPDFWidgetBinder widgets;   // bound when they are needed
+    bool widgets_whole = true;  // none was left unread
     std::optional<CPDFFieldNotes> field_notes;
     CPDFAcroForm form;
     bool form_loaded = false;
