@@ -65,7 +65,7 @@ typedef enum fw_code {
     FW_NO_CATALOG = 4,     /**< the file has no usable trailer or catalog */
     FW_ENCRYPTED = 5,      /**< the file is protected, and the password does not open it */
     FW_DAMAGED = 6,        /**< the file can't be read, and could not be repaired */
-    FW_LIMIT = 7,          /**< larger, or more work, than what is supported */
+    FW_LIMIT = 7,          /**< larger, or more work, than what is supported; a text longer than its field takes */
     FW_NO_FIELD = 8,       /**< no field has that name */
     FW_WRONG_KIND = 9,     /**< the field can't take such a value */
     FW_READ_ONLY = 10,     /**< the field is read-only, or a signature locks it */
@@ -90,7 +90,8 @@ typedef struct fw_rows fw_rows;
 /**
  * A field of a document: a handle that is checked whenever it is used. It stays good until the field is removed, the form
  * is flattened, documents are appended, or changes of the structure are reverted; from then on it is FW_STALE, also in another
- * document, and never means another field. 0 is no field.
+ * document, and never means another field. While it is good, every call hands out the same handle for that field. 0 is no
+ * field.
  */
 typedef uint64_t fw_field;
 
@@ -275,8 +276,8 @@ FW_API fw_code fw_widget_count(fw_document* document, fw_field field, size_t* co
 FW_API fw_code fw_widget_at(fw_document* document, fw_field field, size_t index, fw_widget* widget);
 
 /**
- * The list as a JSON array of objects, one for each field, with all that the functions above tell, and more; of a form that has XFA
- * data alone, their values. One call of this takes less time than many of those. With FW_ALL_FIELDS also the fields without
+ * The list as a JSON array of objects, one for each field in the order of fw_field_at, with all that the functions above tell,
+ * and more; behind them, of a form that has XFA data alone, their values. One call of this takes less time than many of those. With FW_ALL_FIELDS also the fields without
  * a name of their own. Can be cancelled.
  */
 FW_API fw_code fw_list_json(fw_document* document, unsigned flags, char** json, size_t* size);
@@ -295,13 +296,14 @@ FW_API fw_code fw_summary_json(fw_document* document, char** json, size_t* size)
  */
 FW_API fw_code fw_set_value(fw_document* document, fw_field field, const char* value, unsigned flags);
 
-/** The same for several values, which a list box may take; none of them clears it. */
+/** The same for several values, which a list box may take; a count of 0 clears a field of any kind. */
 FW_API fw_code fw_set_values(fw_document* document, fw_field field, const char* const* values, size_t count,
                              unsigned flags);
 
 /** Formats of form data. */
 typedef enum fw_format {
-    FW_JSON = 0,      /**< an object of full names to texts, numbers, true, false or lists of texts */
+    FW_JSON =
+        0, /**< an object of full names to texts, numbers, true, false or lists of texts; null leaves a field alone */
     FW_CSV = 1,       /**< RFC 4180: a row of names, a row of values */
     FW_FDF = 2,       /**< ISO 32000-2, 12.7.8 */
     FW_XFDF = 3,      /**< ISO 19444-1 */
@@ -367,7 +369,10 @@ FW_API void fw_close_rows(fw_rows* rows);
 /** Adds a field: {"kind": "text", "name": "address.city", "places": [{"page": 1, "rect": [x, y, width, height]}], ...}. */
 FW_API fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw_field* field);
 
-/** Changes what the keys name; "places" moves the widgets. */
+/**
+ * Changes what the keys name; "places" moves the widgets. First flags, limits and options, then looks, then places: where a later
+ * one of these is refused, the earlier ones are done.
+ */
 FW_API fw_code fw_change_field(fw_document* document, fw_field field, const char* json, unsigned flags);
 
 /** Removes the field with all under it, and their widgets. Their handles end. */

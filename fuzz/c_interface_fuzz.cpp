@@ -81,7 +81,8 @@ void CALLS::read()
     fw_field_number(at, which, static_cast<fw_number>(pick), &number);
     fw_item_count(at, which, static_cast<fw_list>(pick), &count);
     if (count > 0)
-        check(fw_item(at, which, static_cast<fw_list>(pick), count - 1, &text) == FW_OK && text, "a list lacks its last");
+        check(fw_item(at, which, static_cast<fw_list>(pick), count - 1, &text) == FW_OK && text,
+              "a list lacks its last");
     check(fw_item(at, which, static_cast<fw_list>(pick), count, &text) != FW_OK, "a list has more than it counts");
     fw_widget_count(at, which, &count);
     fw_widget_at(at, which, choices.byte(), &widget);
@@ -124,8 +125,8 @@ void CALLS::change()
         R"({"kind":"text","name":"a.b","places":[{"page":1,"rect":[9,9,90,20]}],"label":"x"})",
         R"({"kind":"radio","name":"r","places":[{"page":1,"rect":[9,9,9,9]},{"page":1,"rect":[29,9,9,9]}],"states":["A","B"]})",
     };
-    constexpr const char* CHANGES[] = {R"({"required":true,"label":"y"})", R"({"maxLength":3})", R"({"options":["1","2"]})",
-                                       R"({"places":[{"page":1,"rect":[50,50,20,20]}]})"};
+    constexpr const char* CHANGES[] = {R"({"required":true,"label":"y"})", R"({"maxLength":3})",
+                                       R"({"options":["1","2"]})", R"({"places":[{"page":1,"rect":[50,50,20,20]}]})"};
     fw_document* const at = document();
     fw_field added = 0;
     switch (choices.below(6)) {
@@ -143,8 +144,8 @@ void CALLS::change()
     case 3: {
         const std::string name = text();
         const std::string group = text();
-        fw_rename_field(at, field(), choices.below(2) ? name.c_str() : nullptr, choices.below(2) ? group.c_str() : nullptr,
-                        flags());
+        fw_rename_field(at, field(), choices.below(2) ? name.c_str() : nullptr,
+                        choices.below(2) ? group.c_str() : nullptr, flags());
         break;
     }
     case 4:

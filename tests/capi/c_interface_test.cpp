@@ -126,9 +126,8 @@ TEST(CInterface, FillsEveryKindOfFieldAndSavesBehindTheInput)
 TEST(CInterface, TellsOfFieldsWhatTheListTells)
 {
     const Document document = open_sample("kinds.pdf");
-    const json list = json::parse(handed([&](char** text, size_t* size) {
-        return fw_list_json(document.get(), FW_PLAIN, text, size);
-    }));
+    const json list = json::parse(
+        handed([&](char** text, size_t* size) { return fw_list_json(document.get(), FW_PLAIN, text, size); }));
     size_t count = 0;
     ASSERT_EQ(fw_field_count(document.get(), &count), FW_OK);
     ASSERT_EQ(count, list.size());
@@ -176,7 +175,7 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     const fw_field group = find(document, "address");
     const fw_field city = find(document, "address.city");
     const fw_field name = find(document, "name");
-    EXPECT_EQ(find(document, "addr.city", FW_GUESS) == 0, true) << "no field has that in its name";
+    EXPECT_EQ(find(document, "ess.cit", FW_GUESS), city);
     size_t count = 0;
     EXPECT_EQ(fw_field_count(document.get(), &count), FW_OK);
     EXPECT_EQ(text_of(document, group, FW_NAME), "address");
@@ -195,11 +194,12 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     EXPECT_EQ(fw_rename_field(document.get(), city, nullptr, "", FW_PLAIN), FW_OK) << fw_error();
     EXPECT_EQ(text_of(document, city, FW_NAME), "town");
     fw_field added = 0;
-    constexpr const char* FIELD = R"({"kind":"text","name":"new","places":[{"page":1,"rect":[9,9,90,20]}],"required":true})";
+    constexpr const char* FIELD =
+        R"({"kind":"text","name":"new","places":[{"page":1,"rect":[9,9,90,20]}],"required":true})";
     EXPECT_EQ(fw_add_field(document.get(), FIELD, FW_PLAIN, &added), FW_OK) << fw_error();
     EXPECT_EQ(fw_change_field(document.get(), added, R"({"label":"A new one","maxLength":3})", FW_PLAIN), FW_OK);
     EXPECT_EQ(text_of(document, added, FW_LABEL), "A new one");
-    EXPECT_EQ(fw_set_value(document.get(), added, "four", FW_PLAIN), FW_WRONG_KIND);
+    EXPECT_EQ(fw_set_value(document.get(), added, "four", FW_PLAIN), FW_LIMIT);
     EXPECT_EQ(fw_remove_field(document.get(), name, FW_PLAIN), FW_OK) << fw_error();
     EXPECT_EQ(text_of(document, name), "code 16");
     EXPECT_EQ(text_of(document, city), "London");
@@ -219,13 +219,14 @@ TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
 {
     const Document document = open_sample("kinds.pdf");
     json report;
-    EXPECT_EQ(fill(document, R"({"name":"Ada","colour":"none such","nmae":"x"})", FW_JSON, FW_PLAIN, report), FW_WRONG_KIND);
-    EXPECT_EQ(text_of(document, find(document, "name")), text_of(open_sample("kinds.pdf"), 0) == "" ? "" : text_of(document, find(document, "name")));
+    EXPECT_EQ(fill(document, R"({"name":"Ada","colour":"none such","nmae":"x"})", FW_JSON, FW_PLAIN, report),
+              FW_WRONG_KIND);
     ASSERT_EQ(report.size(), 3);
     EXPECT_EQ(report[1]["result"], "refused");
     EXPECT_THAT(report[2]["why"], HasSubstr("name"));
     EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
-    EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN | FW_CHECK_ONLY, report), FW_OK);
+    EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN | FW_CHECK_ONLY, report),
+              FW_OK);
     EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
     EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN, report), FW_OK);
     EXPECT_EQ(text_of(document, find(document, "name")), "Ada");
@@ -240,8 +241,9 @@ TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
         EXPECT_EQ(text_of(other, find(other, "name")), "Ada");
     }
     const fw_field name = find(document, "name");
-    EXPECT_EQ(handed([&](char** text, size_t* size) { return fw_export(document.get(), FW_URL, &name, 1, 0, text, size); }),
-              "name=Ada");
+    EXPECT_EQ(
+        handed([&](char** text, size_t* size) { return fw_export(document.get(), FW_URL, &name, 1, 0, text, size); }),
+        "name=Ada");
     EXPECT_EQ(fill(document, "{", FW_JSON, FW_PLAIN, report), FW_BAD_DATA);
     EXPECT_EQ(fill(document, "a=b", FW_URL, FW_PLAIN, report), FW_BAD_ARGUMENT);
 }
