@@ -112,8 +112,7 @@ typedef struct fw_open_options {
     size_t struct_size;   /**< sizeof(fw_open_options): which members there are */
     const char* password; /**< the user's or the owner's, in UTF-8; NULL for none */
     int borrow;           /**< not 0: fw_open_bytes makes no copy; the bytes stay and don't change until fw_close */
-    int no_repair; /**< not 0: damaged files are refused. Else a copy of such a file is repaired by a child process, in
-                               which only qpdf's library runs; programs that must not fork say no_repair. */
+    int no_repair;        /**< not 0: damaged files are refused, not repaired by a child of this process */
 } fw_open_options;
 
 /** @name The library
