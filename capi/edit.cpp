@@ -1,31 +1,9 @@
 // Changing the form itself.
-#include "capi/document.h"
+#include "capi/edit.h"
 #include "document/lookup/field_text.h"
-#include "formats/design/field_request.h"
 #include "forms/field_walk.h"
 
 namespace {
-
-// Runs `operation(fw_document&)`, which changes what fields there are.
-template <typename Operation>
-fw_code edit(fw_document* document, const Operation& operation)
-{
-    return call_with(document, [&](fw_document& at) {
-        if (const CPDFStatus status = at.load_form(); !status.ok())
-            return result_of(status);
-        at.structure_changed();
-        return result_of(operation(at));
-    });
-}
-
-// The same with a field.
-template <typename Operation>
-fw_code edit_field(fw_document* document, fw_field field, const Operation& operation)
-{
-    return call_with_field(document, field, [&](fw_document&, CPDFField&) {
-        return edit(document, [&](fw_document& at) { return operation(at, *at.handles.field_of(at.document, field)); });
-    });
-}
 
 std::vector<CPDFField*> tree_of(CPDFField& top)
 {
@@ -54,47 +32,6 @@ CPDFStatus move_field(fw_document& at, fw_field handle, CPDFField*& field, const
 }
 
 }  // namespace
-
-fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw_field* field)
-{
-    hand_out(field, fw_field{0});
-    if (!json)
-        return bad_argument("the JSON is NULL");
-    return edit(document, [&](fw_document& at) {
-        PDF_NEW_FIELD request;
-        PDF_FIELD_DESIGN design;
-        CPDFField* added = nullptr;
-        CPDFStatus status = read_new_field(json, request, design);
-        if (status.ok())
-            status = at.document.add_field(request, edit_of(flags), &added);
-        if (status.ok() && design.sets_any()) {
-            status = at.document.design_fields({&added, 1}, design, edit_of(flags));
-            if (!status.ok() && at.document.remove_field(*added, edit_of(flags)).ok())
-                added = nullptr;
-        }
-        if (status.ok())
-            hand_out(field, at.handles.handle_of(at.document, added));
-        return status;
-    });
-}
-
-fw_code fw_change_field(fw_document* document, fw_field field, const char* json, unsigned flags)
-{
-    if (!json)
-        return bad_argument("the JSON is NULL");
-    return edit_field(document, field, [&](fw_document& at, CPDFField& found) {
-        FIELD_CHANGE_REQUEST request;
-        CPDFStatus status = read_field_change(json, request);
-        CPDFField* const fields[] = {&found};
-        if (status.ok() && request.changes_entries())
-            status = at.document.change_field(found, request.entries, edit_of(flags));
-        if (status.ok() && request.design.sets_any())
-            status = at.document.design_fields(fields, request.design, edit_of(flags));
-        if (status.ok() && request.move)
-            status = at.document.move_widgets(found, *request.move, edit_of(flags));
-        return status;
-    });
-}
 
 fw_code fw_remove_field(fw_document* document, fw_field field, unsigned flags)
 {
