@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 # Folders without a rule, which may include everything.
-FREE = ["tools", "tests", "bench", "fuzz", "examples"]
+FREE = ["tools", "packaging", "tests", "bench", "fuzz", "examples"]
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 EXCEPTION_OR_FILE = re.compile(r"\b(try|throw|catch|FILE|fopen|printf|puts)\b")
 COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'', re.S)

@@ -81,7 +81,9 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<ADD_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("add", "Adds a field to a page");
     add_input(verb, arguments->edit.input);
-    verb.add_option("KIND", arguments->kind, "what kind of field")->required()->option_text(" ");
+    verb.add_option("KIND", arguments->kind, "text, check, radio, combo, list, push or signature")
+        ->required()
+        ->option_text(" ");
     verb.add_option("NAME", arguments->name, "its full name")->required()->option_text(" ");
     add_place_options(verb, arguments->places)->required();
     verb.add_option("--state", arguments->states, "check box: its on state (Yes); radio group: one for each button")
