@@ -47,8 +47,12 @@
 #endif
 #endif
 
+/* In C++ an enumeration may hold other numbers than its own only where it is made of a type. */
 #ifdef __cplusplus
+#define FW_AS_INT : int
 extern "C" {
+#else
+#define FW_AS_INT
 #endif
 
 /** The version of this header. The library may be a newer one, see fw_version. */
@@ -57,7 +61,7 @@ extern "C" {
 #define FW_VERSION_PATCH 0
 
 /** What became of a call. The numbers are fixed. */
-typedef enum fw_code {
+typedef enum fw_code FW_AS_INT {
     FW_OK = 0,
     FW_NOT_FOUND = 1,      /**< there is no such file or page */
     FW_IO = 2,             /**< a file can't be read or written */
@@ -96,7 +100,7 @@ typedef struct fw_rows fw_rows;
 typedef uint64_t fw_field;
 
 /** How a call is made: FW_PLAIN, or several of these joined by "|". What a function does not name, it passes over. */
-enum fw_flags {
+enum fw_flags FW_AS_INT {
     FW_PLAIN = 0,
     FW_FORCE = 1,           /**< also where fields are read-only, signatures lock them, or permissions forbid it */
     FW_CHECK_ONLY = 2,      /**< tell what would be refused and change nothing */
@@ -146,7 +150,7 @@ FW_API fw_code fw_open_bytes(const void* bytes, size_t size, const fw_open_optio
 FW_API void fw_close(fw_document* document);
 
 /** What fw_has tells. */
-typedef enum fw_fact {
+typedef enum fw_fact FW_AS_INT {
     FW_HAS_FORM = 0,        /**< the file has a form */
     FW_HAS_XFA = 1,         /**< the form has XFA data */
     FW_HAS_ONLY_XFA = 2,    /**< the form has XFA data, and no field that takes a value */
@@ -161,10 +165,10 @@ typedef enum fw_fact {
 FW_API fw_code fw_has(fw_document* document, fw_fact fact, int* holds);
 
 /** What the next calls do. */
-typedef enum fw_option {
-    FW_SCRIPTS =
-        0, /**< which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 all, the
-                                others in a process of their own without rights */
+typedef enum fw_option FW_AS_INT {
+    /** Which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 the others, too, in a process
+     * of their own without rights. */
+    FW_SCRIPTS = 0,
     FW_SCRIPT_MILLISECONDS = 1, /**< processor time for all scripts of a document; 2000 at first */
     FW_DRAW = 2,                /**< 1: save draws the fields that changed (the default); 0: viewers are asked to */
     FW_WRITE_XFA = 3            /**< 1: save puts the values of the fields into the XFA data, too; 0 at first */
@@ -211,7 +215,7 @@ FW_API fw_code fw_find_field(fw_document* document, const char* name, unsigned f
 FW_API fw_code fw_field_of_object(fw_document* document, uint32_t object, fw_field* field);
 
 /** Texts that a field has, for fw_field_text. */
-typedef enum fw_text {
+typedef enum fw_text FW_AS_INT {
     FW_NAME = 0,         /**< its full name */
     FW_VALUE = 1,        /**< its value, the first of several; the state of a check box or a radio group */
     FW_DEFAULT = 2,      /**< what a reset gives it, the first of several */
@@ -225,7 +229,7 @@ typedef enum fw_text {
 FW_API fw_code fw_field_text(fw_document* document, fw_field field, fw_text which, const char** text);
 
 /** The kinds of fields. */
-typedef enum fw_kind {
+typedef enum fw_kind FW_AS_INT {
     FW_GROUP = 0, /**< no kind of its own: it holds others */
     FW_RADIO = 1,
     FW_PUSH = 2,
@@ -237,7 +241,7 @@ typedef enum fw_kind {
 } fw_kind;
 
 /** Numbers that a field has, for fw_field_number. */
-typedef enum fw_number {
+typedef enum fw_number FW_AS_INT {
     FW_KIND = 0, /**< an fw_kind */
     FW_FIELD_FLAGS =
         1, /**< its flags, its own or inherited (ISO 32000-2, tables 227, 228, 230 and 232): 1 read-only, 2 required */
@@ -250,7 +254,7 @@ typedef enum fw_number {
 FW_API fw_code fw_field_number(fw_document* document, fw_field field, fw_number which, int64_t* number);
 
 /** Lists of texts that a field has, for fw_item_count and fw_item. */
-typedef enum fw_list {
+typedef enum fw_list FW_AS_INT {
     FW_VALUES = 0,        /**< its values: none, one, or several of a list box */
     FW_OPTION_VALUES = 1, /**< what the options of a choice field export, */
     FW_OPTION_TEXTS = 2,  /**< and what they show */
@@ -300,7 +304,7 @@ FW_API fw_code fw_set_values(fw_document* document, fw_field field, const char* 
                              unsigned flags);
 
 /** Formats of form data. */
-typedef enum fw_format {
+typedef enum fw_format FW_AS_INT {
     FW_JSON =
         0, /**< an object of full names to texts, numbers, true, false or lists of texts; null leaves a field alone */
     FW_CSV = 1,       /**< RFC 4180: a row of names, a row of values */
@@ -388,7 +392,7 @@ FW_API fw_code fw_rename_field(fw_document* document, fw_field field, const char
 FW_API fw_code fw_flatten(fw_document* document, unsigned flags);
 
 /** What becomes of fields that both documents have. */
-typedef enum fw_same_names { FW_REFUSE = 0, FW_RENAME = 1, FW_JOIN = 2 } fw_same_names;
+typedef enum fw_same_names FW_AS_INT { FW_REFUSE = 0, FW_RENAME = 1, FW_JOIN = 2 } fw_same_names;
 
 /** Appends the pages and fields of `other`, which may be closed then. All handles of `document` end. After a failure `document` is to
  * be reverted. */

@@ -11,6 +11,8 @@ constexpr int MOST_CALLS = 64;
 constexpr size_t MOST_OUTPUT = 1 << 24;
 
 struct CALLS {
+    CALLS(const uint8_t* data, size_t size) : choices(data, size) {}
+
     FuzzBytes choices;
     fw_document* documents[2] = {};
     std::vector<fw_field> fields;
@@ -188,7 +190,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const size_t mark = all.rfind("%%EOF");
     const size_t end = mark == std::string_view::npos ? 0 : mark + 5;
     const fw_open_options options = {sizeof options, nullptr, 1, 1};
-    CALLS calls = {FuzzBytes(data + end, size - end)};
+    CALLS calls(data + end, size - end);
     for (fw_document*& document : calls.documents)
         check((fw_open_bytes(data, end, &options, &document) == FW_OK) == (document != nullptr), "opened, or not");
     for (int i = 0; i < MOST_CALLS && !calls.choices.done(); ++i) {
