@@ -12,7 +12,7 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_COMPONENTS_ALL runtime library development)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 0)  # older than any that Debian itself would make
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
@@ -22,13 +22,18 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
     "formwork lists, fills, resets, exports, edits and draws the forms of PDF files,\none by one or thousands at once from a table.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libformwork0)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library, for programs in C and in other languages.")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS OFF)  # see library_package.cmake.in
+configure_file(library_package.cmake.in library_package.cmake @ONLY)
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/library_package.cmake)
+configure_file(debian/shlibs.in shlibs @ONLY)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/shlibs ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
+    "The shared library with a C interface, for programs in C, C++ and every language\nthat calls C. It reads fields, fills and edits them, and saves what changed behind\nthe bytes of the file.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libformwork-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libformwork0 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, and what pkg-config and CMake need to link programs with the library.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "The headers for C and C++, and what pkg-config and CMake need to link programs\nwith the library: formwork.pc, and Formwork::formwork of find_package.")
 
 # These are loaded when they are needed: to repair damaged files, to shape text in fonts of the machine, to write archives.
 set(loaded "libqpdf29, libharfbuzz0b, libharfbuzz-subset0, fontconfig-config")
