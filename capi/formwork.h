@@ -97,13 +97,13 @@ typedef uint64_t fw_field;
 /** How a call is made: FW_PLAIN, or several of these joined by "|". What a function does not name, it passes over. */
 enum fw_flags {
     FW_PLAIN = 0,
-    FW_FORCE = 1,          /**< also where fields are read-only, signatures lock them, or permissions forbid it */
-    FW_CHECK_ONLY = 2,     /**< tell what would be refused and change nothing */
-    FW_GUESS = 4,          /**< a part of a name that no other field has, or its number in the list, will do */
-    FW_ALL_FIELDS = 8,     /**< list fields without a name of their own, too */
-    FW_SHOWN = 16,         /**< texts as the formats of the form show them */
+    FW_FORCE = 1,           /**< also where fields are read-only, signatures lock them, or permissions forbid it */
+    FW_CHECK_ONLY = 2,      /**< tell what would be refused and change nothing */
+    FW_GUESS = 4,           /**< a part of a name that no other field has, or its number in the list, will do */
+    FW_ALL_FIELDS = 8,      /**< list fields without a name of their own, too */
+    FW_SHOWN = 16,          /**< texts as the formats of the form show them */
     FW_IGNORE_UNKNOWN = 32, /**< pass over names that no field has */
-    FW_UPDATE_ONLY = 64    /**< what stands behind the bytes of the input, alone */
+    FW_UPDATE_ONLY = 64     /**< what stands behind the bytes of the input, alone */
 };
 
 /** How a document is opened. Zeros are the defaults: fw_open_options options = {0}; options.struct_size = sizeof options; */
@@ -111,7 +111,7 @@ typedef struct fw_open_options {
     size_t struct_size;   /**< sizeof(fw_open_options): which members there are */
     const char* password; /**< the user's or the owner's, in UTF-8; NULL for none */
     int borrow;           /**< not 0: fw_open_bytes makes no copy; the bytes stay and don't change until fw_close */
-    int no_repair;        /**< not 0: damaged files are refused. Else a copy of such a file is repaired by a child process, in
+    int no_repair; /**< not 0: damaged files are refused. Else a copy of such a file is repaired by a child process, in
                                which only qpdf's library runs; programs that must not fork say no_repair. */
 } fw_open_options;
 
@@ -147,14 +147,14 @@ FW_API void fw_close(fw_document* document);
 
 /** What fw_has tells. */
 typedef enum fw_fact {
-    FW_HAS_FORM = 0,       /**< the file has a form */
-    FW_HAS_XFA = 1,        /**< the form has XFA data */
-    FW_HAS_ONLY_XFA = 2,   /**< the form has XFA data, and no field that takes a value */
-    FW_IS_SIGNED = 3,      /**< a signature field is signed, or the document is certified */
-    FW_IS_ENCRYPTED = 4,   /**< the file is encrypted */
+    FW_HAS_FORM = 0,        /**< the file has a form */
+    FW_HAS_XFA = 1,         /**< the form has XFA data */
+    FW_HAS_ONLY_XFA = 2,    /**< the form has XFA data, and no field that takes a value */
+    FW_IS_SIGNED = 3,       /**< a signature field is signed, or the document is certified */
+    FW_IS_ENCRYPTED = 4,    /**< the file is encrypted */
     FW_PERMITS_FILLING = 5, /**< nothing forbids to fill the form */
     FW_PERMITS_EDITING = 6, /**< nothing forbids to add, remove and change fields */
-    FW_WAS_REPAIRED = 7    /**< the file was damaged, and a repaired copy took its place */
+    FW_WAS_REPAIRED = 7     /**< the file was damaged, and a repaired copy took its place */
 } fw_fact;
 
 /** Hands out 1 where the fact holds, 0 where it does not. */
@@ -162,11 +162,12 @@ FW_API fw_code fw_has(fw_document* document, fw_fact fact, int* holds);
 
 /** What the next calls do. */
 typedef enum fw_option {
-    FW_SCRIPTS = 0,        /**< which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 all, the
+    FW_SCRIPTS =
+        0, /**< which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 all, the
                                 others in a process of their own without rights */
     FW_SCRIPT_MILLISECONDS = 1, /**< processor time for all scripts of a document; 2000 at first */
-    FW_DRAW = 2,           /**< 1: save draws the fields that changed (the default); 0: viewers are asked to */
-    FW_WRITE_XFA = 3       /**< 1: save puts the values of the fields into the XFA data, too; 0 at first */
+    FW_DRAW = 2,                /**< 1: save draws the fields that changed (the default); 0: viewers are asked to */
+    FW_WRITE_XFA = 3            /**< 1: save puts the values of the fields into the XFA data, too; 0 at first */
 } fw_option;
 
 /** Sets an option. Refuses a value that the option does not have. */
@@ -237,8 +238,9 @@ typedef enum fw_kind {
 
 /** Numbers that a field has, for fw_field_number. */
 typedef enum fw_number {
-    FW_KIND = 0,       /**< an fw_kind */
-    FW_FIELD_FLAGS = 1, /**< its flags, its own or inherited (ISO 32000-2, tables 227, 228, 230 and 232): 1 read-only, 2 required */
+    FW_KIND = 0, /**< an fw_kind */
+    FW_FIELD_FLAGS =
+        1, /**< its flags, its own or inherited (ISO 32000-2, tables 227, 228, 230 and 232): 1 read-only, 2 required */
     FW_MAX_LENGTH = 2, /**< the most characters that it takes; 0 for any number */
     FW_OBJECT = 3,     /**< the number of its object */
     FW_PAGE = 4,       /**< the page of its first widget; 0 for none */
@@ -249,11 +251,11 @@ FW_API fw_code fw_field_number(fw_document* document, fw_field field, fw_number 
 
 /** Lists of texts that a field has, for fw_item_count and fw_item. */
 typedef enum fw_list {
-    FW_VALUES = 0,       /**< its values: none, one, or several of a list box */
+    FW_VALUES = 0,        /**< its values: none, one, or several of a list box */
     FW_OPTION_VALUES = 1, /**< what the options of a choice field export, */
-    FW_OPTION_TEXTS = 2, /**< and what they show */
-    FW_STATES = 3,       /**< the on states of a check box or a radio group, one for each widget, */
-    FW_STATE_VALUES = 4  /**< and what they export */
+    FW_OPTION_TEXTS = 2,  /**< and what they show */
+    FW_STATES = 3,        /**< the on states of a check box or a radio group, one for each widget, */
+    FW_STATE_VALUES = 4   /**< and what they export */
 } fw_list;
 
 FW_API fw_code fw_item_count(fw_document* document, fw_field field, fw_list which, size_t* count);
@@ -299,13 +301,13 @@ FW_API fw_code fw_set_values(fw_document* document, fw_field field, const char* 
 
 /** Formats of form data. */
 typedef enum fw_format {
-    FW_JSON = 0, /**< an object of full names to texts, numbers, true, false or lists of texts */
-    FW_CSV = 1,  /**< RFC 4180: a row of names, a row of values */
-    FW_FDF = 2,  /**< ISO 32000-2, 12.7.8 */
-    FW_XFDF = 3, /**< ISO 19444-1 */
-    FW_URL = 4,  /**< the pairs of a submit action; fw_export only, as are the following */
-    FW_XML = 5,  /**< the XML of a submit action */
-    FW_XFA = 6,  /**< the XFA data set */
+    FW_JSON = 0,      /**< an object of full names to texts, numbers, true, false or lists of texts */
+    FW_CSV = 1,       /**< RFC 4180: a row of names, a row of values */
+    FW_FDF = 2,       /**< ISO 32000-2, 12.7.8 */
+    FW_XFDF = 3,      /**< ISO 19444-1 */
+    FW_URL = 4,       /**< the pairs of a submit action; fw_export only, as are the following */
+    FW_XML = 5,       /**< the XML of a submit action */
+    FW_XFA = 6,       /**< the XFA data set */
     FW_JSON_LINES = 7 /**< fw_open_rows only: a JSON object on each line */
 } fw_format;
 

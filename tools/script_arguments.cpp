@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "document/lookup/field_text.h"
+#include "document/notes.h"
 #include "script/functions/number.h"
 
 void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
@@ -60,9 +61,6 @@ void note_scripts(const CPDFDocument& document, const SCRIPT_ARGUMENTS& argument
 
 void note_skipped_scripts(size_t count, const COMMAND_INPUT& input)
 {
-    if (count == 1)
-        complain(input.path.text, "note: 1 script was not run (formwork actions shows it)");
-    else if (count > 1)
-        complain(input.path.text,
-                 "note: " + std::to_string(count) + " scripts were not run (formwork actions shows them)");
+    if (count > 0)
+        put_note(input, skipped_scripts_note(count) + " (formwork actions shows " + (count == 1 ? "it)" : "them)"));
 }

@@ -109,6 +109,9 @@ inline CPDFStatus wrong_usage(std::string sentence)
 // Complains about a wrong command line; returns COMMAND_USAGE.
 int complain_usage(std::string_view sentence);
 
+// Writes the sentence as a note, unless it is empty.
+void put_note(const COMMAND_INPUT& input, const std::string& sentence);
+
 // Writes to standard output; put_done flushes it and returns COMMAND_DONE, or complains and returns COMMAND_REFUSED when
 // anything could not be written.
 void put(std::string_view text);

@@ -91,12 +91,23 @@ CPDFStatus convert(const TARGET& target, CPDFValue& value)
 
 CPDFStatus CPDFColumnMap::open(const std::string& path)
 {
-    m_targets.clear();
     CPDFDataText file;
-    if (CPDFStatus status = file.open(path); !status.ok())
-        return status;
+    CPDFStatus status = file.open(path);
+    return status.ok() ? read_columns(file.text()) : status;
+}
+
+CPDFStatus CPDFColumnMap::read(std::string_view text)
+{
+    CPDFDataText converted;
+    CPDFStatus status = converted.take(text);
+    return status.ok() ? read_columns(converted.text()) : status;
+}
+
+CPDFStatus CPDFColumnMap::read_columns(std::string_view text)
+{
+    m_targets.clear();
     json map;
-    if (CPDFStatus status = parse(file.text(), map); !status.ok())
+    if (CPDFStatus status = parse(text, map); !status.ok())
         return status;
     for (const auto& [column, value] : map.items()) {
         if (CPDFStatus status = read_targets(value, m_targets[column]); !status.ok())
