@@ -145,7 +145,7 @@ export class Form {
             const flags = shown ? SHOWN : 0;
             this.#instance.check(
                 engine.fw_export(this.#document, formatNumber(format), handles, fields.length, flags, at, size));
-            return memory.takeText(at, size);
+            return format === "fdf" ? memory.take(at, size) : memory.takeText(at, size);
         });
     }
 

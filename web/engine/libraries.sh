@@ -58,7 +58,7 @@ make_nettle() {
     sed -e 's/@MAJOR_VERSION@/3/; s/@MINOR_VERSION@/8/; s/@GMP_NUMB_BITS@/0/; s/@NETTLE_USE_MINI_GMP@/0/' \
         "$OUT/src/nettle/version.h.in" >"$OUT/include/nettle/version.h"
     cp "$OUT"/src/nettle/*.h "$OUT/include/nettle/"
-    local parts=(md5 md5-compress sha256 sha256-compress sha512 sha512-compress arcfour memxor cbc)
+    local parts=(md5 md5-compress sha256 sha256-compress sha512 sha512-compress arcfour arcfour-crypt memxor cbc)
     parts+=($(cd "$OUT/src/nettle" && ls aes*.c | sed 's/\.c$//' | grep -vE 'meta|aesdata'))
     parts+=(memxor3 write-be32 write-le32)
     archive nettle nettle "${parts[@]/%/.c}"
