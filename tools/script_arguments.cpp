@@ -11,7 +11,7 @@ void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
     verb.add_option("--scripts", arguments.word,
                     "which scripts of the form run: known (the usual formats,\nchecks and "
                     "calculations), all (the others, too, in a sandbox) or off; known by default")
-        ->option_text("WHICH");
+        ->option_text("known|all|off");
     verb.add_option("--script-seconds", arguments.time,
                     "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
         ->option_text("N");
