@@ -1,7 +1,6 @@
 #include "capi/call.h"
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -76,8 +75,8 @@ fw_code hand_out_text(std::string_view first, std::string_view second, char** ou
     char* const text = static_cast<char*>(std::malloc(first.size() + second.size() + 1));
     if (!text)
         return fail_with_no_memory();
-    std::memcpy(text, first.data(), first.size());
-    std::memcpy(text + first.size(), second.data(), second.size());
+    first.copy(text, first.size());
+    second.copy(text + first.size(), second.size());
     text[first.size() + second.size()] = '\0';
     *out = text;
     hand_out(size, first.size() + second.size());

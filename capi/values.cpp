@@ -4,6 +4,7 @@
 #include "document/notes.h"
 #include "formats/apply_data.h"
 #include "formats/fill_report.h"
+#include "forms/field.h"
 
 const char* readable_format(fw_format format)
 {
@@ -65,23 +66,37 @@ fw_code hand_out_report(fw_code code, const std::string& lines, char** report, s
     });
 }
 
-static fw_code set_value(fw_document* document, fw_field field, CPDFValue value, unsigned flags)
+namespace {
+
+// What several values, or none, are for a field.
+CPDFValue value_of(const CPDFField& field, std::vector<std::string> texts)
+{
+    if (texts.size() == 1)
+        return std::move(texts.front());
+    if (!texts.empty() || field.m_type == FIELD_CHOICE)
+        return texts;
+    return field.m_type == FIELD_BUTTON ? CPDFValue(false) : CPDFValue(std::string());
+}
+
+fw_code set_texts(fw_document* document, fw_field field, std::vector<std::string> texts, unsigned flags)
 {
     return call_with_field(document, field, [&](fw_document& at, CPDFField& found) {
         PDF_FORM_ENTRY entry;
         entry.name = full_name(found);
-        entry.value = std::move(value);
+        entry.value = value_of(found, std::move(texts));
         entry.is_typed = true;
         entry.field = &found;
         return result_of(fill_document(at, {entry}, flags, nullptr));
     });
 }
 
+}  // namespace
+
 fw_code fw_set_value(fw_document* document, fw_field field, const char* value, unsigned flags)
 {
     if (!value)
         return bad_argument("the value is NULL");
-    return call([&] { return set_value(document, field, std::string(value), flags); });
+    return call([&] { return set_texts(document, field, {value}, flags); });
 }
 
 fw_code fw_set_values(fw_document* document, fw_field field, const char* const* values, size_t count, unsigned flags)
@@ -93,7 +108,7 @@ fw_code fw_set_values(fw_document* document, fw_field field, const char* const* 
                 return bad_argument("a value is NULL");
             texts.emplace_back(values[i]);
         }
-        return set_value(document, field, std::move(texts), flags);
+        return set_texts(document, field, std::move(texts), flags);
     });
 }
 

@@ -11,6 +11,8 @@ constexpr int MOST_CALLS = 64;
 constexpr size_t MOST_OUTPUT = 1 << 24;
 
 struct CALLS {
+    CALLS(const uint8_t* data, size_t size) : choices(data, size) {}
+
     FuzzBytes choices;
     fw_document* documents[2] = {};
     std::vector<fw_field> fields;
@@ -81,7 +83,8 @@ void CALLS::read()
     fw_field_number(at, which, static_cast<fw_number>(pick), &number);
     fw_item_count(at, which, static_cast<fw_list>(pick), &count);
     if (count > 0)
-        check(fw_item(at, which, static_cast<fw_list>(pick), count - 1, &text) == FW_OK && text, "a list lacks its last");
+        check(fw_item(at, which, static_cast<fw_list>(pick), count - 1, &text) == FW_OK && text,
+              "a list lacks its last");
     check(fw_item(at, which, static_cast<fw_list>(pick), count, &text) != FW_OK, "a list has more than it counts");
     fw_widget_count(at, which, &count);
     fw_widget_at(at, which, choices.byte(), &widget);
@@ -124,8 +127,8 @@ void CALLS::change()
         R"({"kind":"text","name":"a.b","places":[{"page":1,"rect":[9,9,90,20]}],"label":"x"})",
         R"({"kind":"radio","name":"r","places":[{"page":1,"rect":[9,9,9,9]},{"page":1,"rect":[29,9,9,9]}],"states":["A","B"]})",
     };
-    constexpr const char* CHANGES[] = {R"({"required":true,"label":"y"})", R"({"maxLength":3})", R"({"options":["1","2"]})",
-                                       R"({"places":[{"page":1,"rect":[50,50,20,20]}]})"};
+    constexpr const char* CHANGES[] = {R"({"required":true,"label":"y"})", R"({"maxLength":3})",
+                                       R"({"options":["1","2"]})", R"({"places":[{"page":1,"rect":[50,50,20,20]}]})"};
     fw_document* const at = document();
     fw_field added = 0;
     switch (choices.below(6)) {
@@ -143,8 +146,8 @@ void CALLS::change()
     case 3: {
         const std::string name = text();
         const std::string group = text();
-        fw_rename_field(at, field(), choices.below(2) ? name.c_str() : nullptr, choices.below(2) ? group.c_str() : nullptr,
-                        flags());
+        fw_rename_field(at, field(), choices.below(2) ? name.c_str() : nullptr,
+                        choices.below(2) ? group.c_str() : nullptr, flags());
         break;
     }
     case 4:
@@ -187,7 +190,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const size_t mark = all.rfind("%%EOF");
     const size_t end = mark == std::string_view::npos ? 0 : mark + 5;
     const fw_open_options options = {sizeof options, nullptr, 1, 1};
-    CALLS calls = {FuzzBytes(data + end, size - end)};
+    CALLS calls(data + end, size - end);
     for (fw_document*& document : calls.documents)
         check((fw_open_bytes(data, end, &options, &document) == FW_OK) == (document != nullptr), "opened, or not");
     for (int i = 0; i < MOST_CALLS && !calls.choices.done(); ++i) {

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "tests/support/alloc_walk.h"
+#include "tests/support/new_hook.h"
 
 namespace {
 
@@ -117,7 +118,7 @@ TEST(CInterface, FillsEveryKindOfFieldAndSavesBehindTheInput)
     const Document again = open(output);
     EXPECT_EQ(text_of(again, find(again, "address.city")), "Zürich");
     EXPECT_EQ(text_of(again, find(again, "colour")), "blue");
-    EXPECT_THAT(items_of(again, find(again, "toppings"), FW_VALUES), ElementsAre("mu", "on"));
+    EXPECT_THAT(items_of(again, find(again, "toppings"), FW_VALUES), ElementsAre("on", "mu"));
     EXPECT_EQ(fw_set_value(again.get(), find(again, "colour"), "no such", FW_PLAIN), FW_WRONG_KIND);
     EXPECT_THAT(fw_error(), HasSubstr("colour"));
 }
@@ -126,9 +127,8 @@ TEST(CInterface, FillsEveryKindOfFieldAndSavesBehindTheInput)
 TEST(CInterface, TellsOfFieldsWhatTheListTells)
 {
     const Document document = open_sample("kinds.pdf");
-    const json list = json::parse(handed([&](char** text, size_t* size) {
-        return fw_list_json(document.get(), FW_PLAIN, text, size);
-    }));
+    const json list = json::parse(
+        handed([&](char** text, size_t* size) { return fw_list_json(document.get(), FW_PLAIN, text, size); }));
     size_t count = 0;
     ASSERT_EQ(fw_field_count(document.get(), &count), FW_OK);
     ASSERT_EQ(count, list.size());
@@ -152,8 +152,9 @@ TEST(CInterface, TellsOfFieldsWhatTheListTells)
         EXPECT_EQ(number(FW_PAGE), listed["page"].is_null() ? 0 : listed["page"].get<int>());
         EXPECT_EQ(items_of(document, field, FW_STATES), listed["states"].get<std::vector<std::string>>());
         EXPECT_EQ(items_of(document, field, FW_OPTION_VALUES).size(), listed["options"].size());
-        if (!listed["value"].is_array())
+        if (!listed["value"].is_array()) {
             EXPECT_EQ(text_of(document, field), none_or(listed["value"]));
+        }
         size_t widgets = 0;
         ASSERT_EQ(fw_widget_count(document.get(), field, &widgets), FW_OK);
         ASSERT_EQ(widgets, listed["widgets"].size());
@@ -176,7 +177,7 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     const fw_field group = find(document, "address");
     const fw_field city = find(document, "address.city");
     const fw_field name = find(document, "name");
-    EXPECT_EQ(find(document, "addr.city", FW_GUESS) == 0, true) << "no field has that in its name";
+    EXPECT_EQ(find(document, "ess.cit", FW_GUESS), city);
     size_t count = 0;
     EXPECT_EQ(fw_field_count(document.get(), &count), FW_OK);
     EXPECT_EQ(text_of(document, group, FW_NAME), "address");
@@ -190,16 +191,17 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     for (const fw_field wrong : {foreign, fw_field{0}, fw_field{1}, ~fw_field{0}, name + 1000})
         EXPECT_EQ(fw_set_value(document.get(), wrong, "x", FW_PLAIN), FW_STALE) << wrong;
 
-    EXPECT_EQ(fw_rename_field(document.get(), city, "town", nullptr, FW_PLAIN), FW_OK) << fw_error();
-    EXPECT_EQ(text_of(document, city, FW_NAME), "address.town");
+    EXPECT_EQ(fw_rename_field(document.get(), city, "place", nullptr, FW_PLAIN), FW_OK) << fw_error();
+    EXPECT_EQ(text_of(document, city, FW_NAME), "address.place");
     EXPECT_EQ(fw_rename_field(document.get(), city, nullptr, "", FW_PLAIN), FW_OK) << fw_error();
-    EXPECT_EQ(text_of(document, city, FW_NAME), "town");
+    EXPECT_EQ(text_of(document, city, FW_NAME), "place");
     fw_field added = 0;
-    constexpr const char* FIELD = R"({"kind":"text","name":"new","places":[{"page":1,"rect":[9,9,90,20]}],"required":true})";
+    constexpr const char* FIELD =
+        R"({"kind":"text","name":"new","places":[{"page":1,"rect":[9,9,90,20]}],"required":true})";
     EXPECT_EQ(fw_add_field(document.get(), FIELD, FW_PLAIN, &added), FW_OK) << fw_error();
     EXPECT_EQ(fw_change_field(document.get(), added, R"({"label":"A new one","maxLength":3})", FW_PLAIN), FW_OK);
     EXPECT_EQ(text_of(document, added, FW_LABEL), "A new one");
-    EXPECT_EQ(fw_set_value(document.get(), added, "four", FW_PLAIN), FW_WRONG_KIND);
+    EXPECT_EQ(fw_set_value(document.get(), added, "four", FW_PLAIN), FW_LIMIT);
     EXPECT_EQ(fw_remove_field(document.get(), name, FW_PLAIN), FW_OK) << fw_error();
     EXPECT_EQ(text_of(document, name), "code 16");
     EXPECT_EQ(text_of(document, city), "London");
@@ -209,7 +211,7 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     const fw_field again = find(document, "address.city");
     EXPECT_EQ(fw_append(document.get(), other.get(), FW_RENAME, FW_PLAIN), FW_OK) << fw_error();
     EXPECT_EQ(text_of(document, again), "code 16");
-    EXPECT_EQ(text_of(document, find(document, "address_2.city")), "London");
+    EXPECT_EQ(text_of(document, find(document, "address.city_2")), "London");
     EXPECT_EQ(fw_flatten(document.get(), FW_PLAIN), FW_OK) << fw_error();
     EXPECT_EQ(fw_field_count(document.get(), &count), FW_OK);
     EXPECT_EQ(count, 0);
@@ -219,13 +221,14 @@ TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
 {
     const Document document = open_sample("kinds.pdf");
     json report;
-    EXPECT_EQ(fill(document, R"({"name":"Ada","colour":"none such","nmae":"x"})", FW_JSON, FW_PLAIN, report), FW_WRONG_KIND);
-    EXPECT_EQ(text_of(document, find(document, "name")), text_of(open_sample("kinds.pdf"), 0) == "" ? "" : text_of(document, find(document, "name")));
+    EXPECT_EQ(fill(document, R"({"name":"Ada","colour":"none such","nmae":"x"})", FW_JSON, FW_PLAIN, report),
+              FW_WRONG_KIND);
     ASSERT_EQ(report.size(), 3);
     EXPECT_EQ(report[1]["result"], "refused");
     EXPECT_THAT(report[2]["why"], HasSubstr("name"));
     EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
-    EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN | FW_CHECK_ONLY, report), FW_OK);
+    EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN | FW_CHECK_ONLY, report),
+              FW_OK);
     EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
     EXPECT_EQ(fill(document, R"({"name":"Ada","nmae":"x"})", FW_JSON, FW_IGNORE_UNKNOWN, report), FW_OK);
     EXPECT_EQ(text_of(document, find(document, "name")), "Ada");
@@ -240,8 +243,9 @@ TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
         EXPECT_EQ(text_of(other, find(other, "name")), "Ada");
     }
     const fw_field name = find(document, "name");
-    EXPECT_EQ(handed([&](char** text, size_t* size) { return fw_export(document.get(), FW_URL, &name, 1, 0, text, size); }),
-              "name=Ada");
+    EXPECT_EQ(
+        handed([&](char** text, size_t* size) { return fw_export(document.get(), FW_URL, &name, 1, 0, text, size); }),
+        "name=Ada");
     EXPECT_EQ(fill(document, "{", FW_JSON, FW_PLAIN, report), FW_BAD_DATA);
     EXPECT_EQ(fill(document, "a=b", FW_URL, FW_PLAIN, report), FW_BAD_ARGUMENT);
 }
@@ -314,15 +318,24 @@ TEST(CInterface, RefusesWhatIsNoArgument)
 TEST(CInterface, ProgressIsToldAndCancels)
 {
     const Document document = open_sample("kinds.pdf");
+    const fw_field name = find(document, "name");
     int calls = 0;
     const fw_progress stop = [](double, void* user) { return ++*static_cast<int*>(user); };
-    EXPECT_EQ(fw_set_value(document.get(), find(document, "name"), "Ada", FW_PLAIN), FW_OK);
-    ASSERT_EQ(fw_set_progress(document.get(), stop, &calls), FW_OK);
-    char* text = nullptr;
-    EXPECT_EQ(fw_save_bytes(document.get(), 0, &text, nullptr), FW_CANCELLED);
-    EXPECT_EQ(text, nullptr);
-    EXPECT_GT(calls, 0);
-    ASSERT_EQ(fw_set_progress(document.get(), nullptr, nullptr), FW_OK);
+    const auto text_of_call = [&](const auto& call) {
+        EXPECT_EQ(fw_set_progress(document.get(), stop, &calls), FW_OK);
+        const std::string out = handed(call, FW_CANCELLED);
+        EXPECT_EQ(fw_set_progress(document.get(), nullptr, nullptr), FW_OK);
+        return out;
+    };
+    EXPECT_EQ(text_of_call([&](char** text, size_t* size) { return fw_list_json(document.get(), 0, text, size); }), "");
+    EXPECT_EQ(fw_set_progress(document.get(), stop, &calls), FW_OK);
+    EXPECT_EQ(fw_set_value(document.get(), name, "Eve", FW_PLAIN), FW_CANCELLED);
+    EXPECT_EQ(fw_set_progress(document.get(), nullptr, nullptr), FW_OK);
+    EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
+    EXPECT_EQ(fw_set_value(document.get(), name, "Ada", FW_PLAIN), FW_OK);
+    EXPECT_EQ(text_of_call([&](char** text, size_t* size) { return fw_save_bytes(document.get(), 0, text, size); }),
+              "");
+    EXPECT_EQ(calls, 3);
     const Document again = open(saved(document));
     EXPECT_EQ(text_of(again, find(again, "name")), "Ada");
 }
@@ -372,28 +385,58 @@ TEST(CInterface, DocumentsOfThreadsAreIndependent)
     second.join();
 }
 
+// Opens, fills, lists and saves; what is handed out is let go.
+fw_code whole_way(const std::string& input, std::string& output)
+{
+    size_t size = 0;
+    fw_document* document = nullptr;
+    char* texts[2] = {};
+    fw_field field = 0;
+    fw_code code = fw_open_bytes(input.data(), input.size(), nullptr, &document);
+    if (code == FW_OK)
+        code = fw_find_field(document, "name", FW_PLAIN, &field);
+    if (code == FW_OK)
+        code = fw_set_value(document, field, "Ada", FW_PLAIN);
+    if (code == FW_OK)
+        code = fw_list_json(document, FW_PLAIN, &texts[0], nullptr);
+    if (code == FW_OK)
+        code = fw_save_bytes(document, FW_PLAIN, &texts[1], &size);
+    EXPECT_EQ(code == FW_OK, texts[1] != nullptr);
+    {
+#ifdef FORMWORK_ALLOC_HOOK
+        const NewHookPause pause;
+#endif
+        output.assign(texts[1] ? texts[1] : "", size);
+    }
+    for (char* text : texts)
+        fw_free(text);
+    fw_close(document);
+    return code;
+}
+
 TEST(CInterface, MemoryThatRunsOutIsACode)
 {
     const std::string input = bytes_of(sample("kinds.pdf"));
     each_failed_allocation([&](const auto& arm) {
-        fw_document* document = nullptr;
-        char* bytes = nullptr;
         fw_code code = FW_OK;
-        const bool failed = arm([&] {
-            fw_field field = 0;
-            code = fw_open_bytes(input.data(), input.size(), nullptr, &document);
-            if (code == FW_OK)
-                code = fw_find_field(document, "name", FW_PLAIN, &field);
-            if (code == FW_OK)
-                code = fw_set_value(document, field, "Ada", FW_PLAIN);
-            if (code == FW_OK)
-                code = fw_save_bytes(document, 0, &bytes, nullptr);
-        });
+        std::string output;
+        const bool failed = arm([&] { code = whole_way(input, output); });
         EXPECT_EQ(code, failed ? FW_NO_MEMORY : FW_OK) << fw_error();
-        EXPECT_EQ(bytes != nullptr, !failed);
-        fw_free(bytes);
-        fw_close(document);
     });
+#ifdef FORMWORK_ALLOC_HOOK
+    std::string whole;
+    fail_new_after(INT64_MAX);
+    EXPECT_EQ(whole_way(input, whole), FW_OK);
+    const int64_t calls = new_calls();
+    for (int64_t i = 0; i < calls; ++i) {
+        std::string output;
+        fail_new_after(i);
+        const fw_code code = whole_way(input, output);
+        fail_new_after(-1);
+        // Sorting goes on without memory.
+        ASSERT_TRUE(code == FW_NO_MEMORY || output == whole) << "new " << i << " fails, and the code is " << code;
+    }
+#endif
 }
 
 }  // namespace

@@ -4,7 +4,8 @@
 
 #include "core/dictionary.h"
 #include "document/lookup/field_text.h"
-#include "tools/edit/design_words.h"
+#include "formats/design/flag_words.h"
+#include "tools/edit/design_options.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/terminal_text.h"
 
@@ -17,7 +18,7 @@ struct ADD_ARGUMENTS {
     PLACE_ARGUMENTS places;
     std::vector<COMMAND_WORD> states;
     CHANGE_ARGUMENTS change;
-    CPDFDesignWords design;
+    DesignOptions design;
     std::list<std::pair<uint32_t, bool>> flags;  // every flag, and whether it is given
 };
 
@@ -92,9 +93,9 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     add_change_options(verb, arguments->change);
     arguments->design.add_options(verb);
-    for (const FLAG_OPTION& option : flag_options()) {
+    for (const PDF_FLAG_WORD& option : settable_flags()) {
         bool& given = arguments->flags.emplace_back(option.flag, false).second;
-        verb.add_flag(option.name(), given, option.help);
+        verb.add_flag("--" + option.name(), given, option.help);
     }
     add_edit_options(verb, arguments->edit);
     verb.footer(FOOTER);
