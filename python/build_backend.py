@@ -76,8 +76,8 @@ def _built_library():
     build = ROOT / "build" / "wheel"
     subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
                     "-DFORMWORK_WERROR=OFF"], check=True)
-    subprocess.run(["cmake", "--build", build, "--target", "formwork_capi", "--parallel", str(os.cpu_count() or 1)], check=True)
-    return next(build.rglob(LIBRARY))
+    subprocess.run(["cmake", "--build", build, "--target", "formwork_shared", "--parallel", str(os.cpu_count() or 1)], check=True)
+    return build / LIBRARY
 
 
 def _version():

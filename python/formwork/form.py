@@ -14,7 +14,7 @@ from . import _abi
 from ._abi import Code, Fact, FieldKind, Flags, Format
 from ._library import Document, encode, lib
 from ._values import Settable, Value, is_list, json_of, settings_json, text_of
-from .errors import FieldNotFound, FormworkWarning, NotPermitted, Refusal, ValueRefused, error_of
+from .errors import FieldNotFound, FormworkError, FormworkWarning, NotPermitted, Refusal, ValueRefused, error_of
 from .field import Field, Kind, Rect
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview, IO[bytes]]
@@ -22,6 +22,7 @@ Target = Union[str, "os.PathLike[str]", IO[bytes]]
 FieldOrName = Union[Field, str]
 Bytes = bytes  # inside Form that name is a method
 VALUELESS = (FieldKind.GROUP, FieldKind.PUSH, FieldKind.SIGNATURE)
+REFUSALS = (Code.WRONG_KIND, Code.READ_ONLY, Code.LIMIT)  # of a value; the limit is that of its length
 SCRIPTS = {"none": 0, "known": 1, "all": 2}
 
 
@@ -178,9 +179,10 @@ class Form(Mapping[str, Value]):
             return
         try:
             self._change(*self._setter(field._handle, value), int(force))
-        except ValueRefused as error:
-            error.refusals = (Refusal(name, error.message, value),)
-            raise
+        except FormworkError as error:
+            if error.code not in REFUSALS:
+                raise
+            raise ValueRefused(error.message, error.code, [Refusal(name, error.message, value)]) from None
 
     @staticmethod
     def _setter(handle: int, value: Settable) -> Tuple[Any, ...]:
@@ -247,6 +249,7 @@ class Form(Mapping[str, Value]):
     def revert(self) -> None:
         """Drops every change since the file was opened."""
         self._reshape(lib.fw_revert)
+        self._notes_told = len(self.notes)
 
     def export_data(self, format: str, fields: Optional[Iterable[FieldOrName]] = None, *, shown: bool = False) -> Bytes:
         """

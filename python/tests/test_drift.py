@@ -49,7 +49,7 @@ def test_prototypes():
 def test_numbers():
     for name, numbers in ENUMERATIONS.items():
         body = re.search(rf"enum {name} {{(.*?)}}", HEADER, re.S)[1]
-        declared = {member: int(number) for member, number in re.findall(r"FW_(\w+) = (\d+)", body)}
+        declared = {member: int(number) for member, number in re.findall(r"FW_(\w+)\s*=\s*(\d+)", body)}
         assert declared == {member.name: member.value for member in numbers}, name
     assert set(re.findall(r"enum (\w+) {", HEADER)) == set(ENUMERATIONS)
 
