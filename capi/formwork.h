@@ -47,8 +47,12 @@
 #endif
 #endif
 
+/* In C++ an enumeration may hold other numbers than its own only where it is made of a type. */
 #ifdef __cplusplus
+#define FW_AS_INT : int
 extern "C" {
+#else
+#define FW_AS_INT
 #endif
 
 /** The version of this header. The library may be a newer one, see fw_version. */
@@ -57,7 +61,7 @@ extern "C" {
 #define FW_VERSION_PATCH 0
 
 /** What became of a call. The numbers are fixed. */
-typedef enum fw_code {
+typedef enum fw_code FW_AS_INT {
     FW_OK = 0,
     FW_NOT_FOUND = 1,      /**< there is no such file or page */
     FW_IO = 2,             /**< a file can't be read or written */
@@ -65,7 +69,7 @@ typedef enum fw_code {
     FW_NO_CATALOG = 4,     /**< the file has no usable trailer or catalog */
     FW_ENCRYPTED = 5,      /**< the file is protected, and the password does not open it */
     FW_DAMAGED = 6,        /**< the file can't be read, and could not be repaired */
-    FW_LIMIT = 7,          /**< larger, or more work, than what is supported */
+    FW_LIMIT = 7,          /**< larger, or more work, than what is supported; a text longer than its field takes */
     FW_NO_FIELD = 8,       /**< no field has that name */
     FW_WRONG_KIND = 9,     /**< the field can't take such a value */
     FW_READ_ONLY = 10,     /**< the field is read-only, or a signature locks it */
@@ -90,20 +94,21 @@ typedef struct fw_rows fw_rows;
 /**
  * A field of a document: a handle that is checked whenever it is used. It stays good until the field is removed, the form
  * is flattened, documents are appended, or changes of the structure are reverted; from then on it is FW_STALE, also in another
- * document, and never means another field. 0 is no field.
+ * document, and never means another field. While it is good, every call hands out the same handle for that field. 0 is no
+ * field.
  */
 typedef uint64_t fw_field;
 
 /** How a call is made: FW_PLAIN, or several of these joined by "|". What a function does not name, it passes over. */
-enum fw_flags {
+enum fw_flags FW_AS_INT {
     FW_PLAIN = 0,
-    FW_FORCE = 1,          /**< also where fields are read-only, signatures lock them, or permissions forbid it */
-    FW_CHECK_ONLY = 2,     /**< tell what would be refused and change nothing */
-    FW_GUESS = 4,          /**< a part of a name that no other field has, or its number in the list, will do */
-    FW_ALL_FIELDS = 8,     /**< list fields without a name of their own, too */
-    FW_SHOWN = 16,         /**< texts as the formats of the form show them */
+    FW_FORCE = 1,           /**< also where fields are read-only, signatures lock them, or permissions forbid it */
+    FW_CHECK_ONLY = 2,      /**< tell what would be refused and change nothing */
+    FW_GUESS = 4,           /**< a part of a name that no other field has, or its number in the list, will do */
+    FW_ALL_FIELDS = 8,      /**< list fields without a name of their own, too */
+    FW_SHOWN = 16,          /**< texts as the formats of the form show them */
     FW_IGNORE_UNKNOWN = 32, /**< pass over names that no field has */
-    FW_UPDATE_ONLY = 64    /**< what stands behind the bytes of the input, alone */
+    FW_UPDATE_ONLY = 64     /**< what stands behind the bytes of the input, alone */
 };
 
 /** How a document is opened. Zeros are the defaults: fw_open_options options = {0}; options.struct_size = sizeof options; */
@@ -111,8 +116,7 @@ typedef struct fw_open_options {
     size_t struct_size;   /**< sizeof(fw_open_options): which members there are */
     const char* password; /**< the user's or the owner's, in UTF-8; NULL for none */
     int borrow;           /**< not 0: fw_open_bytes makes no copy; the bytes stay and don't change until fw_close */
-    int no_repair;        /**< not 0: damaged files are refused. Else a copy of such a file is repaired by a child process, in
-                               which only qpdf's library runs; programs that must not fork say no_repair. */
+    int no_repair;        /**< not 0: damaged files are refused, not repaired by a child of this process */
 } fw_open_options;
 
 /** @name The library
@@ -146,27 +150,28 @@ FW_API fw_code fw_open_bytes(const void* bytes, size_t size, const fw_open_optio
 FW_API void fw_close(fw_document* document);
 
 /** What fw_has tells. */
-typedef enum fw_fact {
-    FW_HAS_FORM = 0,       /**< the file has a form */
-    FW_HAS_XFA = 1,        /**< the form has XFA data */
-    FW_HAS_ONLY_XFA = 2,   /**< the form has XFA data, and no field that takes a value */
-    FW_IS_SIGNED = 3,      /**< a signature field is signed, or the document is certified */
-    FW_IS_ENCRYPTED = 4,   /**< the file is encrypted */
+typedef enum fw_fact FW_AS_INT {
+    FW_HAS_FORM = 0,        /**< the file has a form */
+    FW_HAS_XFA = 1,         /**< the form has XFA data */
+    FW_HAS_ONLY_XFA = 2,    /**< the form has XFA data, and no field that takes a value */
+    FW_IS_SIGNED = 3,       /**< a signature field is signed, or the document is certified */
+    FW_IS_ENCRYPTED = 4,    /**< the file is encrypted */
     FW_PERMITS_FILLING = 5, /**< nothing forbids to fill the form */
     FW_PERMITS_EDITING = 6, /**< nothing forbids to add, remove and change fields */
-    FW_WAS_REPAIRED = 7    /**< the file was damaged, and a repaired copy took its place */
+    FW_WAS_REPAIRED = 7     /**< the file was damaged, and a repaired copy took its place */
 } fw_fact;
 
 /** Hands out 1 where the fact holds, 0 where it does not. */
 FW_API fw_code fw_has(fw_document* document, fw_fact fact, int* holds);
 
 /** What the next calls do. */
-typedef enum fw_option {
-    FW_SCRIPTS = 0,        /**< which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 all, the
-                                others in a process of their own without rights */
+typedef enum fw_option FW_AS_INT {
+    /** Which scripts of the form run: 0 none, 1 those that are well-known calls (the default), 2 the others, too, in a process
+     * of their own without rights. */
+    FW_SCRIPTS = 0,
     FW_SCRIPT_MILLISECONDS = 1, /**< processor time for all scripts of a document; 2000 at first */
-    FW_DRAW = 2,           /**< 1: save draws the fields that changed (the default); 0: viewers are asked to */
-    FW_WRITE_XFA = 3       /**< 1: save puts the values of the fields into the XFA data, too; 0 at first */
+    FW_DRAW = 2,                /**< 1: save draws the fields that changed (the default); 0: viewers are asked to */
+    FW_WRITE_XFA = 3            /**< 1: save puts the values of the fields into the XFA data, too; 0 at first */
 } fw_option;
 
 /** Sets an option. Refuses a value that the option does not have. */
@@ -210,7 +215,7 @@ FW_API fw_code fw_find_field(fw_document* document, const char* name, unsigned f
 FW_API fw_code fw_field_of_object(fw_document* document, uint32_t object, fw_field* field);
 
 /** Texts that a field has, for fw_field_text. */
-typedef enum fw_text {
+typedef enum fw_text FW_AS_INT {
     FW_NAME = 0,         /**< its full name */
     FW_VALUE = 1,        /**< its value, the first of several; the state of a check box or a radio group */
     FW_DEFAULT = 2,      /**< what a reset gives it, the first of several */
@@ -224,7 +229,7 @@ typedef enum fw_text {
 FW_API fw_code fw_field_text(fw_document* document, fw_field field, fw_text which, const char** text);
 
 /** The kinds of fields. */
-typedef enum fw_kind {
+typedef enum fw_kind FW_AS_INT {
     FW_GROUP = 0, /**< no kind of its own: it holds others */
     FW_RADIO = 1,
     FW_PUSH = 2,
@@ -236,9 +241,10 @@ typedef enum fw_kind {
 } fw_kind;
 
 /** Numbers that a field has, for fw_field_number. */
-typedef enum fw_number {
-    FW_KIND = 0,       /**< an fw_kind */
-    FW_FIELD_FLAGS = 1, /**< its flags, its own or inherited (ISO 32000-2, tables 227, 228, 230 and 232): 1 read-only, 2 required */
+typedef enum fw_number FW_AS_INT {
+    FW_KIND = 0, /**< an fw_kind */
+    FW_FIELD_FLAGS =
+        1, /**< its flags, its own or inherited (ISO 32000-2, tables 227, 228, 230 and 232): 1 read-only, 2 required */
     FW_MAX_LENGTH = 2, /**< the most characters that it takes; 0 for any number */
     FW_OBJECT = 3,     /**< the number of its object */
     FW_PAGE = 4,       /**< the page of its first widget; 0 for none */
@@ -248,12 +254,12 @@ typedef enum fw_number {
 FW_API fw_code fw_field_number(fw_document* document, fw_field field, fw_number which, int64_t* number);
 
 /** Lists of texts that a field has, for fw_item_count and fw_item. */
-typedef enum fw_list {
-    FW_VALUES = 0,       /**< its values: none, one, or several of a list box */
+typedef enum fw_list FW_AS_INT {
+    FW_VALUES = 0,        /**< its values: none, one, or several of a list box */
     FW_OPTION_VALUES = 1, /**< what the options of a choice field export, */
-    FW_OPTION_TEXTS = 2, /**< and what they show */
-    FW_STATES = 3,       /**< the on states of a check box or a radio group, one for each widget, */
-    FW_STATE_VALUES = 4  /**< and what they export */
+    FW_OPTION_TEXTS = 2,  /**< and what they show */
+    FW_STATES = 3,        /**< the on states of a check box or a radio group, one for each widget, */
+    FW_STATE_VALUES = 4   /**< and what they export */
 } fw_list;
 
 FW_API fw_code fw_item_count(fw_document* document, fw_field field, fw_list which, size_t* count);
@@ -273,8 +279,8 @@ FW_API fw_code fw_widget_count(fw_document* document, fw_field field, size_t* co
 FW_API fw_code fw_widget_at(fw_document* document, fw_field field, size_t index, fw_widget* widget);
 
 /**
- * The list as a JSON array of objects, one for each field, with all that the functions above tell, and more; of a form that has XFA
- * data alone, their values. One call of this takes less time than many of those. With FW_ALL_FIELDS also the fields without
+ * The list as a JSON array of objects, one for each field in the order of fw_field_at, with all that the functions above tell,
+ * and more; behind them, of a form that has XFA data alone, their values. One call of this takes less time than many of those. With FW_ALL_FIELDS also the fields without
  * a name of their own. Can be cancelled.
  */
 FW_API fw_code fw_list_json(fw_document* document, unsigned flags, char** json, size_t* size);
@@ -293,19 +299,20 @@ FW_API fw_code fw_summary_json(fw_document* document, char** json, size_t* size)
  */
 FW_API fw_code fw_set_value(fw_document* document, fw_field field, const char* value, unsigned flags);
 
-/** The same for several values, which a list box may take; none of them clears it. */
+/** The same for several values, which a list box may take; a count of 0 clears a field of any kind. */
 FW_API fw_code fw_set_values(fw_document* document, fw_field field, const char* const* values, size_t count,
                              unsigned flags);
 
 /** Formats of form data. */
-typedef enum fw_format {
-    FW_JSON = 0, /**< an object of full names to texts, numbers, true, false or lists of texts */
-    FW_CSV = 1,  /**< RFC 4180: a row of names, a row of values */
-    FW_FDF = 2,  /**< ISO 32000-2, 12.7.8 */
-    FW_XFDF = 3, /**< ISO 19444-1 */
-    FW_URL = 4,  /**< the pairs of a submit action; fw_export only, as are the following */
-    FW_XML = 5,  /**< the XML of a submit action */
-    FW_XFA = 6,  /**< the XFA data set */
+typedef enum fw_format FW_AS_INT {
+    FW_JSON =
+        0, /**< an object of full names to texts, numbers, true, false or lists of texts; null leaves a field alone */
+    FW_CSV = 1,       /**< RFC 4180: a row of names, a row of values */
+    FW_FDF = 2,       /**< ISO 32000-2, 12.7.8 */
+    FW_XFDF = 3,      /**< ISO 19444-1 */
+    FW_URL = 4,       /**< the pairs of a submit action; fw_export only, as are the following */
+    FW_XML = 5,       /**< the XML of a submit action */
+    FW_XFA = 6,       /**< the XFA data set */
     FW_JSON_LINES = 7 /**< fw_open_rows only: a JSON object on each line */
 } fw_format;
 
@@ -365,7 +372,10 @@ FW_API void fw_close_rows(fw_rows* rows);
 /** Adds a field: {"kind": "text", "name": "address.city", "places": [{"page": 1, "rect": [x, y, width, height]}], ...}. */
 FW_API fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw_field* field);
 
-/** Changes what the keys name; "places" moves the widgets. */
+/**
+ * Changes what the keys name; "places" moves the widgets. First flags, limits and options, then looks, then places: where a later
+ * one of these is refused, the earlier ones are done.
+ */
 FW_API fw_code fw_change_field(fw_document* document, fw_field field, const char* json, unsigned flags);
 
 /** Removes the field with all under it, and their widgets. Their handles end. */
@@ -382,7 +392,7 @@ FW_API fw_code fw_rename_field(fw_document* document, fw_field field, const char
 FW_API fw_code fw_flatten(fw_document* document, unsigned flags);
 
 /** What becomes of fields that both documents have. */
-typedef enum fw_same_names { FW_REFUSE = 0, FW_RENAME = 1, FW_JOIN = 2 } fw_same_names;
+typedef enum fw_same_names FW_AS_INT { FW_REFUSE = 0, FW_RENAME = 1, FW_JOIN = 2 } fw_same_names;
 
 /** Appends the pages and fields of `other`, which may be closed then. All handles of `document` end. After a failure `document` is to
  * be reverted. */

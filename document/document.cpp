@@ -37,6 +37,25 @@ CPDFStatus CPDFDocument::open(std::vector<uint8_t> bytes, PDF_LOAD load, std::st
     });
 }
 
+CPDFStatus CPDFDocument::open_borrowed(std::span<const uint8_t> bytes, PDF_LOAD load, std::string_view password)
+{
+    return within_memory("open the file", [&] {
+        renew_state();
+        m_state->bytes.borrow(bytes.data(), bytes.size());
+        return load_or_rescue(load, password);
+    });
+}
+
+CPDFStatus CPDFDocument::load_form()
+{
+    return within_memory("read the form", [&] { return m_state->load_whole_form(); });
+}
+
+bool CPDFDocument::has_loaded_form() const
+{
+    return m_state->form_loaded;
+}
+
 void CPDFDocument::renew_state()
 {
     auto state = std::make_unique<State>();
@@ -44,6 +63,7 @@ void CPDFDocument::renew_state()
     state->scripts = m_state->scripts;
     state->script_seconds = m_state->script_seconds;
     state->rescue = m_rescue;
+    state->progress = m_state->progress;
     m_state = std::move(state);
 }
 
@@ -160,6 +180,7 @@ CPDFWidgetBinder& CPDFDocument::State::bound_widgets()
         if (memory.failed())
             unbind_widgets();
         need_memory(memory);
+        widgets_whole = !allowance.used_up();
     }
     return widgets;
 }
@@ -212,6 +233,8 @@ void CPDFDocument::State::forget_fields()
 
 void CPDFDocument::State::unload_form()
 {
+    if (field_notes)
+        field_notes->clear();
     adoption = CPDFAdoption();
     adopted = form_loaded = false;
     form.unload();
@@ -261,6 +284,11 @@ bool CPDFDocument::permits_editing() const
 bool CPDFDocument::has_form() const
 {
     return m_state->form_entry() != nullptr;
+}
+
+bool CPDFDocument::is_signed()
+{
+    return m_state->signatures().is_signed();
 }
 
 bool CPDFDocument::has_xfa()
@@ -404,7 +432,12 @@ CPDFReadAllowance CPDFDocument::reading()
 
 bool CPDFDocument::read_too_much() const
 {
-    return m_state->reader->budget().exhausted();
+    return m_state->reader->budget().exhausted() || !m_state->widgets_whole;
+}
+
+bool CPDFDocument::has_edits() const
+{
+    return m_state->edited;
 }
 
 void CPDFDocument::revert()

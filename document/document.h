@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -54,6 +55,9 @@ enum class PDF_RESCUE {
     OFF,     // they are refused, and what else is broken is absent; for programs that must not fork
 };
 
+// Told how much of an operation is done, from 0 to 1; false ends it with CANCELLED.
+using PDF_PROGRESS = std::function<bool(double done)>;
+
 // One document. It owns the file's bytes, the object store and the form; everything it hands out is borrowed and ends
 // with it. One thread at a time. Where memory runs out, operations with a status answer NO_MEMORY; the others throw
 // std::bad_alloc.
@@ -77,6 +81,9 @@ public:
     // or before any call, the document is closed: every other operation needs a successful open.
     CPDFStatus open(const std::string& path, PDF_LOAD load = PDF_LOAD::WHOLE_FORM, std::string_view password = {});
     CPDFStatus open(std::vector<uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM, std::string_view password = {});
+    // The same for bytes that stay where they are until the document ends.
+    CPDFStatus open_borrowed(std::span<const uint8_t> bytes, PDF_LOAD load = PDF_LOAD::WHOLE_FORM,
+                             std::string_view password = {});
 
     // Whether the author of an encrypted file permits, with the password that opened it, to put values into fields, and to
     // add, remove and change fields. True for the owner's password, and for files that are not encrypted. What is not
@@ -90,6 +97,8 @@ public:
     // What was broken, and that the repaired copy of the file took its place or why it could not: one sentence for
     // people; empty where nothing was. The copy is what data() gives and what save writes before the changes.
     const std::string& rescue_note() const;
+    // Whether it could.
+    bool was_repaired() const;
 
     // Takes the repaired copy, if it has more of the form, where something broken was noticed since the file was opened:
     // by field() of a document opened for named fields, or in the pages. True when it did; changes are dropped then and
@@ -97,8 +106,15 @@ public:
     // once at most.
     bool mend();
 
+    // Loads the whole form of a document that was opened for named fields; refuses it as open does.
+    CPDFStatus load_form();
+    // Whether that was done, by this call or another one that needs it.
+    bool has_loaded_form() const;
+
     // Whether the catalog names a form.
     bool has_form() const;
+    // Whether a signature field is signed, or the document is certified.
+    bool is_signed();
     // Whether the form has XFA data beside its fields. Filling leaves them as they are, see write_xfa.
     bool has_xfa();
     // The fields of the form, and behind them those that only pages know, which are adopted: widgets that no field of the
@@ -145,7 +161,7 @@ public:
     // it loads the whole form only where there seem to be several.
     size_t fields_named(std::string_view name);
 
-    // Labels of fields and rectangles of widgets, as the document was opened.
+    // Labels of fields and rectangles of widgets.
     CPDFFieldNotes& field_notes();
 
     // The widgets that show `field`, bound on the first call for the whole form. Borrowed until fields_changed or a
@@ -295,8 +311,18 @@ public:
     // its widgets bound. When it is used up, objects read as absent.
     CPDFReadAllowance reading();
 
-    // Whether so much was read since the last operation that objects and streams read as absent.
+    // For what takes long from now on, such as drawing many fields when the document is saved; null for none. After CANCELLED nothing
+    // is written, and the operation may be called again.
+    void set_progress(PDF_PROGRESS progress);
+    // Tells it, not at every call; false when the operation is to end.
+    bool go_on(double done);
+
+    // Whether so much was read since the last operation, or when the widgets were bound, that objects and streams read as
+    // absent.
     bool read_too_much() const;
+
+    // Whether revert ends all fields.
+    bool has_edits() const;
 
     // Drops every change: the document and the fields that were set or reset are as they were when the file was opened.
     // After a call that is to change the structure the form is loaded anew, which ends all fields.

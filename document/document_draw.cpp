@@ -96,6 +96,8 @@ CPDFStatus CPDFDocument::State::draw_changed()
         std::unordered_set<CPDFField*> fields(to_draw.begin() + static_cast<std::ptrdiff_t>(first), to_draw.end());
         for (const size_t end = to_draw.size(); first < end; ++first) {
             CPDFField* const field = to_draw[first];
+            if (!go_on(static_cast<double>(first) / static_cast<double>(to_draw.size())))
+                return cancelled();
             if (fields.erase(field) == 0)
                 continue;
             // A widget that only its page knows is found when the whole form is bound.
@@ -139,10 +141,14 @@ CPDFStatus CPDFDocument::State::draw()
 // Afterwards the form need not ask viewers any more.
 CPDFStatus CPDFDocument::State::draw_missing()
 {
-    for_each_field(loaded_form(), [this](CPDFField& field) {
-        if (&value_field(field) == &field && field.m_type != FIELD_UNKNOWN)
+    bool goes_on = true;
+    for_each_field(loaded_form(), [this, &goes_on](CPDFField& field) {
+        goes_on = goes_on && go_on(0);
+        if (goes_on && &value_field(field) == &field && field.m_type != FIELD_UNKNOWN)
             painter().draw_missing(field, widgets_to_draw(field));
     });
+    if (!goes_on)
+        return cancelled();
     if (redraw && redraw->left_some())
         return {};
     const PDF_CHANGE_RESULT result = clear_need_appearances(*xref, root, root_ref);
@@ -220,6 +226,22 @@ CPDFStatus CPDFDocument::State::flatten()
     adoption = CPDFAdoption();
     form.unload();
     return status;
+}
+
+void CPDFDocument::set_progress(PDF_PROGRESS progress)
+{
+    m_state->progress = std::move(progress);
+}
+
+bool CPDFDocument::State::go_on(double done)
+{
+    constexpr int CALLS = 64;  // to this one for each to whoever asked
+    return !progress || progress_calls++ % CALLS != 0 || progress(done);
+}
+
+bool CPDFDocument::go_on(double done)
+{
+    return m_state->go_on(done);
 }
 
 void CPDFDocument::set_drawing(PDF_DRAWING drawing)

@@ -21,6 +21,8 @@ CPDFStatus CPDFDocument::State::begin_edit(std::span<CPDFField* const> fields, P
         status = draw();
     if (!status.ok())
         return status;
+    if (field_notes)
+        field_notes->clear();
     redraw.reset();  // the form's fonts may change
     forget_scripts();
     shown_options = {};

@@ -68,6 +68,7 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
     repaired->scripts = m_state->scripts;
     repaired->script_seconds = m_state->script_seconds;
     repaired->rescue = PDF_RESCUE::OFF;
+    repaired->progress = m_state->progress;
     repaired->password = m_state->password;
     CPDFStatus status = rescue_file(m_state->bytes.data(), m_state->bytes.size(), m_state->password, repaired->bytes);
     if (!status.ok())
@@ -83,8 +84,14 @@ CPDFStatus CPDFDocument::take_repaired(const std::string& damage, PDF_LOAD load)
     repaired->rescue_note = damage + "; its repaired copy is used";
     if (has_signature(m_state->bytes.data(), m_state->bytes.size(), *repaired->xref, *repaired->root.dict))
         repaired->rescue_note += ", in which the signatures are no longer valid";
+    repaired->repaired = true;
     m_state = std::move(repaired);
     return {};
+}
+
+bool CPDFDocument::was_repaired() const
+{
+    return m_state->repaired;
 }
 
 void CPDFDocument::set_rescue(PDF_RESCUE rescue)

@@ -34,7 +34,8 @@ struct CPDFDocument::State {
     CPDFObj root;
     PDF_REF root_ref = {0, 0};
     std::optional<CPDFPageMap> page_map;
-    CPDFWidgetBinder widgets;  // bound when they are needed
+    CPDFWidgetBinder widgets;   // bound when they are needed
+    bool widgets_whole = true;  // none was left unread
     std::optional<CPDFFieldNotes> field_notes;
     CPDFAcroForm form;
     bool form_loaded = false;
@@ -45,11 +46,14 @@ struct CPDFDocument::State {
     std::optional<CPDFBranchFinder> branches{std::in_place};
     CPDFNameIndex names;
     std::optional<CPDFSignatureGuard> guard;
-    std::vector<CPDFField*> filled;          // borrowed; the fields that were changed
+    std::vector<CPDFField*> filled;  // borrowed; the fields that were changed
+    PDF_PROGRESS progress;
+    int progress_calls = 0;
     bool edited = false;                     // fields were added, removed or changed in what they are
     PDF_RESCUE rescue = PDF_RESCUE::REPAIR;  // OFF, too, when it was tried
     std::string rescue_note;
-    std::string password;  // that the file was opened with
+    bool repaired = false;  // the bytes are those of the copy
+    std::string password;   // that the file was opened with
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;
     double script_seconds = 2;
     std::optional<CPDFFormCompute> computer;                   // made when the first script may run
@@ -133,6 +137,9 @@ struct CPDFDocument::State {
     CPDFStatus store_calculated(CPDFField& field, CPDFValue value, bool& stored);
     void note_calculation(std::string sentence);
 
+    // Tells who asked for it, now and then; false when the operation is to end.
+    bool go_on(double done);
+
     // The widgets of these fields show something else from now on.
     CPDFStatus show(std::span<CPDFField* const> fields);
     // Draws what show() noted, and all that lacks an appearance where the form asks viewers to draw.
@@ -181,6 +188,11 @@ inline void need_memory(const VXFailureCheck& memory)
 inline CPDFStatus no_memory_to(const char* what)
 {
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
+}
+
+inline CPDFStatus cancelled()
+{
+    return CPDFStatus::failed(PDF_CODE::CANCELLED, "the operation was cancelled");
 }
 
 inline CPDFStatus too_much_to(const char* what)

@@ -1,24 +1,42 @@
-// fill_text IN.pdf FIELD VALUE OUT.pdf: lists the fields, sets one text field and saves the result.
+// fill_text IN.pdf FIELD VALUE OUT.pdf: lists the fields, sets one of them and saves the result.
 #include <cstdio>
 
-#include "document/document.h"
-#include "document/lookup/field_text.h"
-#include "forms/field_walk.h"
+#include "formwork.hpp"
 
 namespace {
 
-int complain(const CPDFStatus& status)
+int complain(const formwork::failure& why)
 {
-    std::fprintf(stderr, "%s\n", status.text.c_str());
+    std::fprintf(stderr, "%s\n", why.text.c_str());
     return 1;
 }
 
-void print_field(CPDFField& field)
+void print_field(const formwork::field& field)
 {
-    if (field.m_name.len == 0)
-        return;
-    const PDF_String* text = field.get_edit_value();
-    std::printf("%s = %s\n", full_name(field).c_str(), text ? utf8_of(*text).c_str() : "-");
+    std::printf("%s = %s\n", field.name().c_str(), field.value().value_or("-").c_str());
+}
+
+int fill(const char* in, const char* name, const char* value, const char* out)
+{
+    formwork::result<formwork::document> form = formwork::document::open(in);
+    if (!form)
+        return complain(form.error());
+    for (const formwork::field& field : form->fields())
+        print_field(field);
+    const formwork::result<formwork::field> field = form->find(name);
+    if (!field)
+        return complain(field.error());
+    if (const formwork::result<void> set = field->set(value); !set)
+        return complain(set.error());
+    if (const formwork::result<void> saved = form->save(out); !saved)
+        return complain(saved.error());
+
+    const formwork::result<formwork::document> saved = formwork::document::open(out);
+    if (!saved)
+        return complain(saved.error());
+    std::printf("saved %s: ", out);
+    print_field(saved->find(name).value_or({}));
+    return 0;
 }
 
 }  // namespace
@@ -29,25 +47,5 @@ int main(int argc, char** argv)
         std::fputs("usage: fill_text IN.pdf FIELD VALUE OUT.pdf\n", stderr);
         return 2;
     }
-    CPDFDocument document;
-    if (const CPDFStatus status = document.open(argv[1]); !status.ok())
-        return complain(status);
-    for_each_field(document.form(), print_field);
-
-    CPDFField* field = document.field(argv[2]);
-    if (!field)
-        return complain(CPDFStatus::failed(PDF_CODE::NO_FIELD, "there is no such field"));
-    if (const CPDFStatus status = document.set_value(*field, argv[3]); !status.ok())
-        return complain(status);
-    if (const CPDFStatus status = document.save(argv[4]); !status.ok())
-        return complain(status);
-
-    CPDFDocument saved;
-    if (const CPDFStatus status = saved.open(argv[4]); !status.ok())
-        return complain(status);
-    std::printf("saved %s: ", argv[4]);
-    field = saved.field(argv[2]);
-    if (field)
-        print_field(*field);
-    return field ? 0 : 1;
+    return fill(argv[1], argv[2], argv[3], argv[4]);
 }

@@ -37,6 +37,12 @@ void CPDFFileBytes::take(std::vector<uint8_t> bytes)
     m_size = m_held.size();
 }
 
+void CPDFFileBytes::borrow(const uint8_t* data, size_t size)
+{
+    m_data = data;
+    m_size = size;
+}
+
 CPDFStatus CPDFFileBytes::open(const std::string& path)
 {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -8,7 +8,7 @@
 
 #include "file/status.h"
 
-// Owns the bytes; they never change and stay at their place while this lives.
+// Owns the bytes, unless they are lent to it; they never change and stay at their place while this lives.
 class CPDFFileBytes {
 public:
     CPDFFileBytes() = default;
@@ -21,6 +21,8 @@ public:
     // The same with a file that is open; takes the descriptor.
     CPDFStatus open(int fd);
     void take(std::vector<uint8_t> bytes);
+    // Bytes of another owner, who keeps them where they are while this lives.
+    void borrow(const uint8_t* data, size_t size);
 
     const uint8_t* data() const { return m_data; }
     size_t size() const { return m_size; }

@@ -20,6 +20,7 @@ enum class PDF_CODE {
     BAD_DATA,       // a file with form data can't be read
     BAD_REQUEST,    // what was asked for makes no sense
     NO_MEMORY,
+    CANCELLED,  // whoever was told of the progress asked for the end
 };
 
 // A status without arguments is OK; failed() makes the others.

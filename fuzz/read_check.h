@@ -14,13 +14,13 @@ inline void check_sentence(const CPDFStatus& status)
     check(status.ok() || !status.text.empty(), "a refusal has no sentence");
 }
 
-// Prints to standard output. The widgets that the list binds end with it: the document is of no use for others then.
+// Prints to standard output.
 inline void list_all(CPDFDocument& document)
 {
     check_sentence(list_actions(document, nullptr, [](const PDF_LISTED_ACTION&) {}));
     calculation_order(document);
-    put_list_table(document, LIST_WHAT::NAMED, {});
-    check_sentence(put_list_json(document, {}, LIST_WHAT::ALL, {}));
+    put_list_table(document, PDF_LISTED::NAMED, {});
+    check_sentence(write_list_json(document, PDF_LISTED::ALL, {}, [](std::string_view) {}));
 }
 
 inline void export_all(CPDFDocument& document)

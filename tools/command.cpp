@@ -74,13 +74,35 @@ int usage_error(const CLI::App& app, const std::vector<std::string>& words, cons
 int run(int argc, char** argv)
 {
     std::optional<Reserve> reserve(std::in_place);
-    CLI::App app("Shows, reads, fills, exports, edits and draws the forms of PDF files.", "formwork");
+    CLI::App app;
+    COMMAND_ACTION action;
+    describe_command(app, action);
+    const std::vector<std::string> words = words_of(argc, argv);
+    try {
+        app.parse(std::vector<std::string>(words));
+    } catch (const CLI::Success& success) {
+        app.exit(success);
+        return put_done();
+    } catch (const CLI::ParseError& error) {
+        return usage_error(app, words, error);
+    }
+    reserve.reset();
+    need_memory();
+    return action();
+}
+
+}  // namespace
+
+void describe_command(CLI::App& app, COMMAND_ACTION& action)
+{
+    app.name("formwork");
+    app.description("Shows, reads, fills, exports, edits and draws the forms of PDF files.");
+    app.set_version_flag("--version", "formwork " FORMWORK_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<CPDFHelpFormat>());
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
     app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage, 3\n"
                "when some of many rows or files were refused.");
-    COMMAND_ACTION action;
     add_list_verb(app, action);
     add_get_verb(app, action);
     add_compare_verb(app, action);
@@ -102,21 +124,7 @@ int run(int argc, char** argv)
     add_actions_verb(app, action);
     for (CLI::App* verb : app.get_subcommands({}))
         verb->group("Verbs");
-    const std::vector<std::string> words = words_of(argc, argv);
-    try {
-        app.parse(std::vector<std::string>(words));
-    } catch (const CLI::Success& success) {
-        app.exit(success);
-        return put_done();
-    } catch (const CLI::ParseError& error) {
-        return usage_error(app, words, error);
-    }
-    reserve.reset();
-    need_memory();
-    return action();
 }
-
-}  // namespace
 
 int run_command(int argc, char** argv)
 {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "document/lookup/field_text.h"
+#include "document/notes.h"
 #include "file/output_file.h"
 
 constexpr const char* STANDARD_OUTPUT = "-";
@@ -34,10 +35,8 @@ CPDFStatus check_output(const COMMAND_INPUT& input, const OUTPUT_ARGUMENTS& argu
 
 void note_xfa(CPDFDocument& document, const COMMAND_INPUT& input, bool rewritten)
 {
-    if (document.has_xfa() == rewritten || document.has_only_xfa())
-        return;
-    complain(input.path.text, rewritten ? "note: the form has no XFA data"
-                                        : "note: the form also has XFA data, which stay as they are without --xfa");
+    const std::string note = xfa_note(document, rewritten);
+    put_note(input, note.empty() || rewritten ? note : note + " without --xfa");
 }
 
 CPDFStatus write_xfa(CPDFDocument& document, const COMMAND_INPUT& input)

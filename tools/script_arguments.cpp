@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "document/lookup/field_text.h"
+#include "document/notes.h"
 #include "script/functions/number.h"
 
 void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
@@ -10,7 +11,7 @@ void add_scripts(CLI::App& verb, SCRIPT_ARGUMENTS& arguments)
     verb.add_option("--scripts", arguments.word,
                     "which scripts of the form run: known (the usual formats,\nchecks and "
                     "calculations), all (the others, too, in a sandbox) or off; known by default")
-        ->option_text("WHICH");
+        ->option_text("known|all|off");
     verb.add_option("--script-seconds", arguments.time,
                     "processor time for the scripts of a file, or of a row, that all runs; 2 by default")
         ->option_text("N");
@@ -60,9 +61,6 @@ void note_scripts(const CPDFDocument& document, const SCRIPT_ARGUMENTS& argument
 
 void note_skipped_scripts(size_t count, const COMMAND_INPUT& input)
 {
-    if (count == 1)
-        complain(input.path.text, "note: 1 script was not run (formwork actions shows it)");
-    else if (count > 1)
-        complain(input.path.text,
-                 "note: " + std::to_string(count) + " scripts were not run (formwork actions shows them)");
+    if (count > 0)
+        put_note(input, skipped_scripts_note(count) + " (formwork actions shows " + (count == 1 ? "it)" : "them)"));
 }

@@ -8,6 +8,7 @@
 
 #include "core/alloc.h"
 #include "document/lookup/field_text.h"
+#include "document/notes.h"
 #include "tools/terminal_text.h"
 
 namespace {
@@ -43,16 +44,15 @@ static void note_rescue(const CPDFDocument& document, const COMMAND_INPUT& input
         complain(input.path.text, "warning: " + document.rescue_note());
 }
 
+void put_note(const COMMAND_INPUT& input, const std::string& sentence)
+{
+    if (!sentence.empty())
+        complain(input.path.text, "note: " + sentence);
+}
+
 void note_adopted(const CPDFDocument& document, const COMMAND_INPUT& input)
 {
-    const size_t count = document.adopted_fields();
-    if (count == 1)
-        complain(input.path.text,
-                 "note: 1 field stands on a page only, not in the form's list: it is taken as its field");
-    else if (count > 1)
-        complain(input.path.text,
-                 "note: " + std::to_string(count) +
-                     " fields stand on pages only, not in the form's list: they are taken as its fields");
+    put_note(input, adopted_note(document));
 }
 
 bool open_document(CPDFDocument& document, const COMMAND_INPUT& input, PDF_LOAD load)
@@ -105,9 +105,7 @@ CPDFField* find_field(CPDFDocument& document, const COMMAND_INPUT& input, const 
 
 void note_same_names(CPDFDocument& document, const COMMAND_INPUT& input, const std::string& name)
 {
-    if (const size_t same = document.fields_named(name); same > 1)
-        complain(input.path.text, "note: " + std::to_string(same) + " fields have the name " + in_quotes(name) +
-                                      ": the first one is taken, and numbers in the list tell them apart");
+    put_note(input, same_names_note(document, name));
 }
 
 void complain(std::string_view file, std::string_view sentence)

@@ -61,6 +61,9 @@ void add_merge_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_join_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
+// Makes of an empty `app` the command with all its verbs, as it is parsed and as its help, manual and completions tell it.
+void describe_command(CLI::App& app, COMMAND_ACTION& action);
+
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);
 
@@ -108,6 +111,9 @@ inline CPDFStatus wrong_usage(std::string sentence)
 
 // Complains about a wrong command line; returns COMMAND_USAGE.
 int complain_usage(std::string_view sentence);
+
+// Writes the sentence as a note, unless it is empty.
+void put_note(const COMMAND_INPUT& input, const std::string& sentence);
 
 // Writes to standard output; put_done flushes it and returns COMMAND_DONE, or complains and returns COMMAND_REFUSED when
 // anything could not be written.

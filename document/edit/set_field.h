@@ -15,6 +15,8 @@ struct PDF_FIELD_CHANGE {
     std::optional<int32_t> max_length;  // of a text field, in characters; 0 for none
     std::optional<CPDFValue> default_value;
     std::optional<std::vector<PDF_OPTION>> options;  // of a choice field
+
+    bool changes_any() const { return set_flags || clear_flags || max_length || options || default_value; }
 };
 
 // Makes `change` on `shape` and notes in `refusals` what does not fit the kind or contradicts itself; `name` is for the

@@ -14,11 +14,14 @@ class CPDFPageMap;
 class CPDFXRefTable;
 
 // Notes the labels and mapping names of fields and the rectangles of widgets while the form is loaded. A dictionary that
-// was not seen then is read when it is asked for. Knows the document as it was read, not what changed since.
+// was not seen then is read when it is asked for, and remembered.
 class CPDFFieldNotes final : public CPDFLoadWatch {
 public:
     // `xref` is borrowed.
     explicit CPDFFieldNotes(CPDFXRefTable& xref) : m_xref(xref) {}
+
+    // Forgets what was seen: the document changed since.
+    void clear() { m_notes.clear(); }
 
     const CPDFKeySet& keys() const override;
     void see(const PDF_REF& ref, CPDFDictionary& dict) override;

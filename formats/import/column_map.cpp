@@ -4,6 +4,7 @@
 
 #include "document/lookup/field_text.h"
 #include "formats/import/data_text.h"
+#include "formats/import/json_value.h"
 
 namespace {
 
@@ -24,19 +25,6 @@ CPDFStatus read_conversion(const std::string& name, const json& value, TARGET& t
         return failure(in_quotes(name) + (name == "upper" ? " is true or false" : " takes a text"));
     }
     return make_conversion(name, value.is_string() ? value.get<std::string>() : "", target.conversions.emplace_back());
-}
-
-CPDFStatus parse(std::string_view text, json& map)
-{
-    try {
-        map = json::parse(text.begin(), text.end());
-    } catch (const json::parse_error& error) {
-        const std::string what = error.what();
-        const std::string_view head = "parse error at ";
-        const size_t at = what.find(head);
-        return failure(at == std::string::npos ? what : what.substr(at + head.size()));
-    }
-    return map.is_object() ? CPDFStatus() : failure("a map is one object of columns and their fields");
 }
 
 // A name of a field, or an object with one and conversions.
@@ -91,13 +79,26 @@ CPDFStatus convert(const TARGET& target, CPDFValue& value)
 
 CPDFStatus CPDFColumnMap::open(const std::string& path)
 {
-    m_targets.clear();
     CPDFDataText file;
-    if (CPDFStatus status = file.open(path); !status.ok())
-        return status;
+    CPDFStatus status = file.open(path);
+    return status.ok() ? read_columns(file.text()) : status;
+}
+
+CPDFStatus CPDFColumnMap::read(std::string_view text)
+{
+    CPDFDataText converted;
+    CPDFStatus status = converted.take(text);
+    return status.ok() ? read_columns(converted.text()) : status;
+}
+
+CPDFStatus CPDFColumnMap::read_columns(std::string_view text)
+{
+    m_targets.clear();
     json map;
-    if (CPDFStatus status = parse(file.text(), map); !status.ok())
+    if (CPDFStatus status = parse_json(text, map); !status.ok())
         return status;
+    if (!map.is_object())
+        return failure("a map is one object of columns and their fields");
     for (const auto& [column, value] : map.items()) {
         if (CPDFStatus status = read_targets(value, m_targets[column]); !status.ok())
             return failure("the column " + in_quotes(column) + ": " + status.text);

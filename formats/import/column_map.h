@@ -25,6 +25,9 @@ public:
     // Reads the file; what it says wrongly is refused by the column.
     CPDFStatus open(const std::string& path);
 
+    // The same with the text of such a file.
+    CPDFStatus read(std::string_view text);
+
     // What becomes of a column; null for one that is not named here, which is that of the field with its name.
     const std::vector<TARGET>* targets_of(const std::string& column) const;
     const std::unordered_map<std::string, std::vector<TARGET>>& columns() const { return m_targets; }
@@ -33,5 +36,7 @@ public:
     CPDFStatus apply(CPDFFormData& data) const;
 
 private:
+    CPDFStatus read_columns(std::string_view text);
+
     std::unordered_map<std::string, std::vector<TARGET>> m_targets;
 };

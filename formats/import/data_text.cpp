@@ -53,13 +53,16 @@ uint32_t unit_at(std::string_view bytes, size_t at, bool is_little)
 CPDFStatus CPDFDataText::open(const std::string& path)
 {
     CPDFStatus status = path == "-" ? open_input() : m_file.open(path);
-    if (!status.ok())
-        return status;
-    m_text = {reinterpret_cast<const char*>(m_file.data()), m_file.size()};
+    return status.ok() ? take({reinterpret_cast<const char*>(m_file.data()), m_file.size()}) : status;
+}
+
+CPDFStatus CPDFDataText::take(std::string_view bytes)
+{
+    m_text = bytes;
     if (m_text.starts_with(UTF8_MARK))
         m_text.remove_prefix(UTF8_MARK.size());
     const bool is_utf16 = m_text.starts_with(LITTLE_MARK) || m_text.starts_with(BIG_MARK);
-    return is_utf16 ? convert(m_text) : status;
+    return is_utf16 ? convert(m_text) : CPDFStatus();
 }
 
 CPDFStatus CPDFDataText::open_input()
@@ -74,6 +77,7 @@ CPDFStatus CPDFDataText::convert(std::string_view bytes)
     constexpr uint32_t LOW_SURROGATES = 0xDC00;
     const bool is_little = bytes.starts_with(LITTLE_MARK);
     const auto is_in = [](uint32_t unit, uint32_t first) { return unit >> 10U == first >> 10U; };
+    m_converted.clear();
     m_converted.reserve(bytes.size() / 2);
     for (size_t at = 2; at < bytes.size(); at += 2) {
         uint32_t unit = at + 1 < bytes.size() ? unit_at(bytes, at, is_little) : LOW_SURROGATES;

@@ -28,6 +28,10 @@ using CPDFFormData = std::vector<PDF_FORM_ENTRY>;
 CPDFStatus read_form_data(const std::string& path, CPDFFormData& out, const PDF_CSV_STYLE& style);
 CPDFStatus read_form_data(const std::string& path, CPDFFormData& out);
 
+// The same with the bytes of such a file, which are borrowed for the call; `format` is "json", "csv", "fdf" or "xfdf".
+CPDFStatus read_form_bytes(std::string_view bytes, std::string_view format, CPDFFormData& out,
+                           const PDF_CSV_STYLE& style);
+
 // The refusal of a file of a spreadsheet program, by its suffix; ok for others.
 CPDFStatus check_no_spreadsheet(const std::string& suffix);
 

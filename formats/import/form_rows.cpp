@@ -27,15 +27,27 @@ CPDFStatus CPDFFormRows::open(const std::string& path, const PDF_CSV_STYLE& styl
     CPDFStatus status = m_file.open(path);
     if (!status.ok())
         return status;
+    const std::string_view text = m_file.text();
+    const bool is_json =
+        suffix == ".jsonl" || (path == "-" && text.substr(0, text.find_first_not_of(" \t\r\n") + 1).ends_with('{'));
+    return count_rows(is_json ? PDF_ROW_FORMAT::JSON_LINES : PDF_ROW_FORMAT::CSV, style);
+}
+
+CPDFStatus CPDFFormRows::open_text(std::string_view text, PDF_ROW_FORMAT format, const PDF_CSV_STYLE& style)
+{
+    CPDFStatus status = m_file.take(text);
+    return status.ok() ? count_rows(format, style) : status;
+}
+
+CPDFStatus CPDFFormRows::count_rows(PDF_ROW_FORMAT format, const PDF_CSV_STYLE& style)
+{
     m_text = m_file.text();
     m_style = style;
-    m_json =
-        suffix == ".jsonl" || (path == "-" && m_text.substr(0, m_text.find_first_not_of(" \t\r\n") + 1).ends_with('{'));
-    if (!m_json)
-        status = check_csv_text(m_text);
-    if (!status.ok())
-        return status;
-    status = start();
+    m_json = format == PDF_ROW_FORMAT::JSON_LINES;
+    m_count = m_number = 0;
+    CPDFStatus status = m_json ? CPDFStatus() : check_csv_text(m_text);
+    if (status.ok())
+        status = start();
     if (!status.ok())
         return status;
     std::string_view line;

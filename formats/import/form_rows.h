@@ -15,12 +15,20 @@ struct PDF_FORM_ROW {
     CPDFStatus status;  // failed for a row that can't be read; `data` is empty then
 };
 
+enum class PDF_ROW_FORMAT {
+    CSV,
+    JSON_LINES,
+};
+
 // Reads a CSV file, or one JSON object a line (.jsonl), row by row. It keeps no more than the file's bytes and one row.
 class CPDFFormRows {
 public:
     // Opens the file, which the suffix tells the form of, and counts its rows. "-" is standard input: JSON when that
     // begins with a brace. Fails for a CSV file that breaks the rules of quotes or is not UTF-8 anywhere.
     CPDFStatus open(const std::string& path, const PDF_CSV_STYLE& style = {});
+
+    // The same with a text in memory, which is borrowed while rows are read.
+    CPDFStatus open_text(std::string_view text, PDF_ROW_FORMAT format, const PDF_CSV_STYLE& style = {});
 
     size_t count() const { return m_count; }
 
@@ -34,6 +42,7 @@ public:
     void rewind();
 
 private:
+    CPDFStatus count_rows(PDF_ROW_FORMAT format, const PDF_CSV_STYLE& style);
     CPDFStatus start();
     bool next_line(std::string_view& line);
     bool next_cells();

@@ -1,6 +1,8 @@
 // Data files as we write them, as other programs did, and as nobody should have.
+#include "formats/import/column_map.h"
 #include "formats/import/csv.h"
 #include "formats/import/fdf_data.h"
+#include "formats/import/form_rows.h"
 #include "formats/import/json_data.h"
 #include "formats/import/xfdf_data.h"
 #include "tests/support/pdf_builder.h"
@@ -232,6 +234,62 @@ TEST(DataFileTest, Xfdf)
             {"long names", xfdf(repeated("<field name=\"" + std::string(2000, 'n') + "\">", 3)),
              "! line 3: the name of a field is too long"},
         });
+}
+
+TEST(DataFileTest, FormatsByName)
+{
+    const struct {
+        const char* format;
+        std::string bytes;
+        const char* result;
+    } cases[] = {
+        {"json", "\xEF\xBB\xBF{\"a\":\"1\"}", "a=1;"},
+        {"csv",
+         std::string("\xFF\xFE"
+                     "a\0;\0b\0\n\0\xE4\0;\0",
+                     14),
+         "a=\xC3\xA4;b=;"},
+        {"xfdf", xfdf("<field name=\"a\"><value>1</value></field>"), "a=1;"},
+        {"fdf", fdf("[<</T(a)/V(1)>>]"), "a=1;"},
+        {"csv", "a,b\n1", "! the row of values is wrong"},
+        {"csv", "\xFE\xFF\xD8", "! byte 2: the UTF-16 text breaks"},
+        {".json", "{}", "! there is no data format \".json\""},
+    };
+    for (const auto& c : cases) {
+        CPDFFormData data = {{"left", "over"}};
+        const CPDFStatus status = read_form_bytes(c.bytes, c.format, data, {0, true});
+        std::string got = status.ok() ? "" : "! " + status.text;
+        for (const PDF_FORM_ENTRY& entry : data)
+            got += show(entry);
+        EXPECT_EQ(got.substr(0, std::string(c.result).size()), c.result) << got;
+    }
+}
+
+TEST(DataFileTest, RowsAndMapsOfTextInMemory)
+{
+    const auto rows_of = [](CPDFFormRows& rows) {
+        std::string out = std::to_string(rows.count()) + ": ";
+        for (PDF_FORM_ROW row; rows.next(row); row = PDF_FORM_ROW()) {
+            for (const PDF_FORM_ENTRY& entry : row.data)
+                out += show(entry);
+            out += row.status.text + "/";
+        }
+        return out;
+    };
+    CPDFFormRows rows;
+    ASSERT_TRUE(rows.open_text("a;b\n1;2\n3;4\n", PDF_ROW_FORMAT::CSV).ok());
+    EXPECT_EQ(rows_of(rows), "2: a=1;b=2;/a=3;b=4;/");
+    ASSERT_TRUE(rows.open_text("{\"a\":\"1\"}\n\n{\"a\":true}", PDF_ROW_FORMAT::JSON_LINES).ok());
+    EXPECT_EQ(rows.columns(), nullptr);
+    EXPECT_EQ(rows_of(rows), "2: a=1;/a=yes;/");
+    EXPECT_EQ(rows.open_text("\"a\n", PDF_ROW_FORMAT::CSV).text.substr(0, 7), "line 1:");
+    CPDFColumnMap map;
+    ASSERT_TRUE(map.read(R"({"A": {"field": "a", "upper": true}, "B": null})").ok());
+    CPDFFormData data = {{"A", "x"}, {"B", "y"}};
+    ASSERT_TRUE(map.apply(data).ok());
+    ASSERT_EQ(data.size(), 1U);
+    EXPECT_EQ(show(data[0]), "a=X;");
+    EXPECT_EQ(map.read("[]").text, "a map is one object of columns and their fields");
 }
 
 }  // namespace

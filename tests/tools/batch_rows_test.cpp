@@ -166,6 +166,11 @@ TEST_F(BatchRowsTest, ConstantsStandBesideTheRowsAndEmptyCellsMayClear)
     EXPECT_EQ(batch(rows, {"name=all", "--data", data, "--ignore-unknown"}).err, all);
     EXPECT_EQ(value("a.pdf", "name") + value("a.pdf", "town") + value("b.pdf", "name"), "all\nBern\nnew\n");
 
+    const std::string table = folder.write("data.csv", "Place,town in words\nBern,\n");
+    const std::string map = folder.write("map.json", R"({"Place": {"field": "town", "upper": true}})");
+    EXPECT_EQ(batch(rows, {"--data", table, "--map", map, "--ignore-unknown"}).err, all);
+    EXPECT_EQ(value("a.pdf", "town"), "BERN\n");
+
     const auto fill_old = [&](const char* empty) {
         const CommandResult result = folder.run(
             {"fill", filled, "--batch", rows, "--ignore-unknown", "--empty", empty, "-o", folder.path("out/{id}.pdf")});

@@ -4,7 +4,8 @@
 
 #include "core/dictionary.h"
 #include "document/lookup/field_text.h"
-#include "tools/edit/design_words.h"
+#include "formats/design/flag_words.h"
+#include "tools/edit/design_options.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/terminal_text.h"
 
@@ -17,7 +18,7 @@ struct ADD_ARGUMENTS {
     PLACE_ARGUMENTS places;
     std::vector<COMMAND_WORD> states;
     CHANGE_ARGUMENTS change;
-    CPDFDesignWords design;
+    DesignOptions design;
     std::list<std::pair<uint32_t, bool>> flags;  // every flag, and whether it is given
 };
 
@@ -81,7 +82,9 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
     const auto arguments = std::make_shared<ADD_ARGUMENTS>();
     CLI::App& verb = *app.add_subcommand("add", "Adds a field to a page");
     add_input(verb, arguments->edit.input);
-    verb.add_option("KIND", arguments->kind, "what kind of field")->required()->option_text(" ");
+    verb.add_option("KIND", arguments->kind, "text, check, radio, combo, list, push or signature")
+        ->required()
+        ->option_text(" ");
     verb.add_option("NAME", arguments->name, "its full name")->required()->option_text(" ");
     add_place_options(verb, arguments->places)->required();
     verb.add_option("--state", arguments->states, "check box: its on state (Yes); radio group: one for each button")
@@ -90,9 +93,9 @@ void add_add_verb(CLI::App& app, COMMAND_ACTION& action)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     add_change_options(verb, arguments->change);
     arguments->design.add_options(verb);
-    for (const FLAG_OPTION& option : flag_options()) {
+    for (const PDF_FLAG_WORD& option : settable_flags()) {
         bool& given = arguments->flags.emplace_back(option.flag, false).second;
-        verb.add_flag(option.name(), given, option.help);
+        verb.add_flag("--" + option.name(), given, option.help);
     }
     add_edit_options(verb, arguments->edit);
     verb.footer(FOOTER);

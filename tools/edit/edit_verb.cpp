@@ -1,11 +1,9 @@
 #include "tools/edit/edit_verb.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <charconv>
 
 #include "document/lookup/field_text.h"
-#include "forms/field.h"
 #include "tools/terminal_text.h"
 
 void add_edit_options(CLI::App& verb, EDIT_ARGUMENTS& arguments)
@@ -101,28 +99,6 @@ bool read_count(const std::string& text, int32_t& out)
     const char* end = text.data() + text.size();
     const std::from_chars_result result = std::from_chars(text.data(), end, out);
     return result.ec == std::errc() && result.ptr == end && out >= 0 && out <= MOST;
-}
-
-std::string FLAG_OPTION::name() const
-{
-    const auto words = field_flag_words();
-    return std::string("--") +
-           std::find_if(words.begin(), words.end(), [this](const auto& at) { return at.flag == flag; })->word;
-}
-
-std::span<const FLAG_OPTION> flag_options()
-{
-    static constexpr FLAG_OPTION OPTIONS[] = {
-        {FIELD_READ_ONLY, "people can't change it"},
-        {FIELD_REQUIRED, "it must have a value when the form is submitted"},
-        {FIELD_NO_EXPORT, "its value is not submitted"},
-        {FIELD_MULTILINE, "text field: several lines"},
-        {FIELD_PASSWORD, "text field: the text is not shown"},
-        {FIELD_COMB, "text field: as many cells as its maximum length"},
-        {FIELD_EDIT, "combo box: any text may be typed in"},
-        {FIELD_MULTI_SELECT, "list box: several options may be chosen"},
-    };
-    return OPTIONS;
 }
 
 void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments)

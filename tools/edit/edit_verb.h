@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -36,16 +35,6 @@ struct CHANGE_ARGUMENTS {
     std::vector<COMMAND_WORD> defaults;
     COMMAND_WORD max_length;
 };
-
-// A flag that the command line sets, with its help.
-struct FLAG_OPTION {
-    uint32_t flag;  // PDF_FIELD_FLAG
-    const char* help;
-
-    std::string name() const;  // "--" and the word for the flag
-};
-
-std::span<const FLAG_OPTION> flag_options();
 
 void add_change_options(CLI::App& verb, CHANGE_ARGUMENTS& arguments);
 

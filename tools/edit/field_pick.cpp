@@ -14,7 +14,9 @@ void add_field_pick(CLI::App& verb, FIELD_PICK& pick)
     verb.add_option("NAME", pick.names, "names of fields, parts of them or numbers; or patterns: 'line*.amount'")
         ->option_text("...");
     verb.add_flag("--all", pick.all, "all fields");
-    verb.add_option("--kind", pick.kind, "of --all and of patterns, only fields of this kind: text, check, ...")
+    verb.add_option(
+            "--kind", pick.kind,
+            "of --all and of patterns, only fields of this kind: text, check, radio, combo, list, push or signature")
         ->option_text("KIND");
 }
 

@@ -3,7 +3,8 @@
 #include <memory>
 
 #include "document/lookup/field_text.h"
-#include "tools/edit/design_words.h"
+#include "formats/design/flag_words.h"
+#include "tools/edit/design_options.h"
 #include "tools/edit/edit_verb.h"
 #include "tools/edit/field_pick.h"
 
@@ -13,7 +14,7 @@ struct SET_ARGUMENTS {
     EDIT_ARGUMENTS edit;
     FIELD_PICK fields;
     CHANGE_ARGUMENTS change;
-    CPDFDesignWords design;
+    DesignOptions design;
     std::list<std::pair<uint32_t, COMMAND_WORD>> flags;  // every flag, and on, off or nothing
 };
 
@@ -77,9 +78,9 @@ void add_set_verb(CLI::App& app, COMMAND_ACTION& action)
     CLI::App& verb = *app.add_subcommand("set", "Changes what fields are, are called and look like");
     add_input(verb, arguments->edit.input);
     add_field_pick(verb, arguments->fields);
-    for (const FLAG_OPTION& option : flag_options()) {
+    for (const PDF_FLAG_WORD& option : settable_flags()) {
         COMMAND_WORD& value = arguments->flags.emplace_back(option.flag, COMMAND_WORD()).second;
-        verb.add_option(option.name(), value, option.help)->option_text("on|off");
+        verb.add_option("--" + option.name(), value, option.help)->option_text("on|off");
     }
     add_change_options(verb, arguments->change);
     arguments->design.add_options(verb);

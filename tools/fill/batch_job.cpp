@@ -7,9 +7,9 @@
 #include "document/document.h"
 #include "file/output_file.h"
 #include "formats/apply_data.h"
+#include "formats/fill_report.h"
 #include "tools/batch/ending.h"
 #include "tools/batch/manifest.h"
-#include "tools/fill/fill_report.h"
 
 namespace {
 

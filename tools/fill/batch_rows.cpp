@@ -13,9 +13,9 @@ bool BatchRows::open(const std::string& path, const DATA_ARGUMENTS& reading)
 {
     m_path = path == "-" ? "standard input" : path;
     m_map_path = reading.map.text;
-    if (!m_rules.set(reading).ok() || !m_rules.open(reading))
+    if (!open_rules(reading, m_rules))
         return false;
-    const CPDFStatus status = m_rows.open(path, m_rules.style());
+    const CPDFStatus status = m_rows.open(path, m_rules.style);
     if (!status.ok())
         complain(m_path, status.text);
     return status.ok();
@@ -28,7 +28,7 @@ bool BatchRows::add_constants(CPDFDocument& document, const FILL_ARGUMENTS& argu
 
 bool BatchRows::has_use(CPDFDocument& document, const std::string& column) const
 {
-    return !m_pattern || m_rules.map().targets_of(column) || m_rules.ignores_unknown() || m_pattern->names(column) ||
+    return !m_pattern || m_rules.map.targets_of(column) || ignores_unknown() || m_pattern->names(column) ||
            is_known_name(document, column);
 }
 
@@ -40,9 +40,8 @@ bool BatchRows::check_map(CPDFDocument& document, const std::vector<std::string>
         complain(m_map_path, sentence);
         good = false;
     };
-    for (const auto& [column, targets] : m_rules.map().columns()) {
-        if (columns && !m_rules.ignores_unknown() &&
-            std::find(columns->begin(), columns->end(), column) == columns->end())
+    for (const auto& [column, targets] : m_rules.map.columns()) {
+        if (columns && !ignores_unknown() && std::find(columns->begin(), columns->end(), column) == columns->end())
             refuse("the rows have no column " + in_quotes(column) + "; --ignore-unknown passes over it");
         for (const CPDFColumnMap::TARGET& target : targets) {
             if (!is_known_name(document, target.field))
@@ -162,7 +161,7 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
     if (!row.status.ok())
         return true;
     drop_output_names(document, row.data);
-    row.status = m_rules.shape(document, row.data);
+    row.status = shape_data(document, m_rules, row.data);
     ::add_constants(document, m_constants, row.data);
     return true;
 }
@@ -170,12 +169,18 @@ bool BatchRows::take(CPDFDocument& document, BATCH_ROW& row)
 // Columns that are there for the output alone. Where that has no pattern any may be.
 void BatchRows::drop_output_names(CPDFDocument& document, CPDFFormData& data)
 {
-    std::erase_if(data, [&](const PDF_FORM_ENTRY& entry) {
-        if ((m_pattern && !m_pattern->names(entry.name)) || m_rules.map().targets_of(entry.name) ||
-            is_known_name(document, entry.name))
-            return false;
-        if (!m_pattern && !m_rules.ignores_unknown() && is_new(entry.name))
-            complain(m_path, "note: " + document.no_field(entry.name).text);
-        return true;
-    });
+    const auto may_be_dropped = [&](const PDF_FORM_ENTRY& entry) {
+        return (!m_pattern || m_pattern->names(entry.name)) && !m_rules.map.targets_of(entry.name);
+    };
+    if (std::none_of(data.begin(), data.end(), may_be_dropped))
+        return;
+    const std::vector<bool> known = known_names(document, data);
+    CPDFFormData kept;
+    for (size_t i = 0; i < data.size(); ++i) {
+        if (known[i] || !may_be_dropped(data[i]))
+            kept.push_back(std::move(data[i]));
+        else if (!m_pattern && !ignores_unknown() && is_new(data[i].name))
+            complain(m_path, "note: " + document.no_field(data[i].name).text);
+    }
+    data = std::move(kept);
 }

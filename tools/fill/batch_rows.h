@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "formats/import/form_rows.h"
-#include "tools/fill/data_rules.h"
+#include "tools/fill/data_options.h"
 #include "tools/fill/output_pattern.h"
 
 class CPDFDocument;
@@ -62,6 +62,7 @@ private:
     bool check_map(CPDFDocument& document, const std::vector<std::string>* columns) const;
     bool has_use(CPDFDocument& document, const std::string& column) const;
     void drop_output_names(CPDFDocument& document, CPDFFormData& data);
+    bool ignores_unknown() const { return m_rules.unknown == PDF_UNKNOWN_NAMES::IGNORE; }
     bool is_protected(const std::string& path) const;
     CPDFStatus find_output(const PDF_FORM_ROW& row, std::string& output) const;
 
@@ -75,7 +76,7 @@ private:
     std::mutex m_mutex;
     CPDFFormRows m_rows;
     std::string m_map_path;
-    DataRules m_rules;
+    PDF_DATA_RULES m_rules;
     CPDFFormData m_constants;
     size_t m_first = 1;
     size_t m_last = SIZE_MAX;

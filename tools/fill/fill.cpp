@@ -5,9 +5,9 @@
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "formats/apply_data.h"
+#include "formats/fill_report.h"
 #include "tools/fill/fill_data.h"
 #include "tools/fill/fill_internal.h"
-#include "tools/fill/fill_report.h"
 
 namespace {
 
@@ -51,11 +51,11 @@ bool complain_of_refusals(const FILL_ARGUMENTS& arguments, const std::vector<PDF
 int fill_once(const FILL_ARGUMENTS& arguments)
 {
     CPDFFormData data;
-    DataRules rules;
-    if (!rules.set(arguments.reading).ok() || !rules.open(arguments.reading))
+    PDF_DATA_RULES rules;
+    if (!open_rules(arguments.reading, rules))
         return COMMAND_REFUSED;
     if (!arguments.data.text.empty()) {
-        const CPDFStatus status = read_form_data(arguments.data.text, data, rules.style());
+        const CPDFStatus status = read_form_data(arguments.data.text, data, rules.style);
         if (!status.ok())
             return end_with(status, arguments.data.text);
         if (data.empty())
@@ -68,7 +68,7 @@ int fill_once(const FILL_ARGUMENTS& arguments)
     std::vector<PDF_DATA_ITEM> items;
     do {
         data = from_file;
-        if (const CPDFStatus shaped = rules.shape(document, data); !shaped.ok())
+        if (const CPDFStatus shaped = shape_data(document, rules, data); !shaped.ok())
             return end_with(shaped, arguments.data.text);
         add_assignments(document, arguments, data);
         items = plan_data(document, data, arguments.how());
@@ -137,7 +137,8 @@ CPDFStatus check_usage(FILL_ARGUMENTS& arguments)
             "there is nothing to fill in: give NAME=VALUE, --data or --batch (`formwork fill --help` tells more)");
     if (!read_jobs(arguments))
         return wrong_usage(in_quotes(arguments.jobs.text) + " is no number of jobs: give 1 to 256");
-    if (CPDFStatus status = DataRules().set(arguments.reading); !status.ok())
+    PDF_DATA_RULES rules;
+    if (CPDFStatus status = read_rules(arguments.reading, rules); !status.ok())
         return status;
     if (CPDFStatus status = check_scripts(arguments.scripts); !status.ok())
         return status;

@@ -1,11 +1,7 @@
 #include "tools/fill/fill_data.h"
 
-#include <algorithm>
-#include <unordered_set>
-
 #include "document/document.h"
 #include "document/lookup/field_text.h"
-#include "tools/fill/data_rules.h"
 #include "tools/fill/fill_internal.h"
 
 namespace {
@@ -49,14 +45,19 @@ void add_assignments(CPDFDocument& document, const FILL_ARGUMENTS& arguments, CP
     }
 }
 
-bool read_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const DataRules& rules, CPDFFormData& out)
+bool read_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments, const PDF_DATA_RULES& rules,
+                    CPDFFormData& out)
 {
     const std::string& file = arguments.data.text;
-    if (const CPDFStatus status = file.empty() ? CPDFStatus() : read_form_data(file, out); !status.ok()) {
+    CPDFStatus status = file.empty() ? CPDFStatus() : read_form_data(file, out, rules.style);
+    if (status.ok() && !out.empty() && out.front().is_cell)
+        status = shape_data(document, rules, out);
+    else
+        fit_data(document, rules, out);
+    if (!status.ok()) {
         complain(file, status.text);
         return false;
     }
-    rules.fit(document, out);
     const size_t from_file = out.size();
     add_assignments(document, arguments, out);
     bool good = true;
@@ -74,23 +75,4 @@ bool read_constants(CPDFDocument& document, const FILL_ARGUMENTS& arguments, con
         entry.field = nullptr;  // every job has a document of its own
     }
     return good;
-}
-
-void add_constants(CPDFDocument& document, const CPDFFormData& constants, CPDFFormData& data)
-{
-    if (constants.empty())
-        return;
-    std::unordered_set<const CPDFField*> fields;
-    std::unordered_set<std::string> paths;  // of XFA data
-    for (const PDF_FORM_ENTRY& entry : data) {
-        if (const CPDFField* field = document.field(entry.name))
-            fields.insert(field);
-        else
-            paths.insert(entry.name);
-    }
-    for (const PDF_FORM_ENTRY& entry : constants) {
-        const CPDFField* const field = document.field(entry.name);
-        if (field ? !fields.contains(field) : !paths.contains(entry.name))
-            data.push_back(entry);
-    }
 }

@@ -6,7 +6,7 @@
 
 #include "document/fill/filler.h"
 #include "tools/fill/batch_arguments.h"
-#include "tools/fill/data_rules.h"
+#include "tools/fill/data_options.h"
 #include "tools/save_output.h"
 #include "tools/script_arguments.h"
 #include "tools/verb.h"

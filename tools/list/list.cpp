@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <tuple>
 
 #include "document/document.h"
 #include "forms/field_walk.h"
@@ -45,10 +46,14 @@ int list_fields(const LIST_ARGUMENTS& arguments)
     if (arguments.summary)
         return end_with(put_list_summary(document, arguments.json ? LIST_FORM::JSON : LIST_FORM::TEXT),
                         arguments.input.path.text);
-    const LIST_WHAT what = arguments.all ? LIST_WHAT::ALL : LIST_WHAT::NAMED;
+    const PDF_LISTED what = arguments.all ? PDF_LISTED::ALL : PDF_LISTED::NAMED;
     const std::vector<PDF_XFA_VALUE> data = xfa_values_of(document, arguments.input);
-    if (arguments.json)
-        return end_with(put_list_json(document, arguments.input, what, data), arguments.input.path.text);
+    if (arguments.json) {
+        do
+            std::ignore = document.reading();  // meets what is broken in the pages
+        while (mend_document(document, arguments.input));
+        return end_with(write_list_json(document, what, data, put), arguments.input.path.text);
+    }
     int64_t fields = 0;
     auto listed = static_cast<int64_t>(data.size());
     for_each_field(document.form(), [&](const CPDFField& field) {
@@ -73,11 +78,6 @@ int list_fields(const LIST_ARGUMENTS& arguments)
 }
 
 }  // namespace
-
-bool is_listed(const CPDFField& field, LIST_WHAT what)
-{
-    return what == LIST_WHAT::ALL || field.m_name.len > 0;
-}
 
 std::vector<PDF_XFA_VALUE> xfa_values_of(CPDFDocument& document, const COMMAND_INPUT& input)
 {

@@ -64,7 +64,7 @@ int32_t page_of_field(const CPDFField& field, const CPDFPageMap& pages)
 // Calls `use(field, row)` for each field and value; nothing in a row is cut. Returns how many fields have the name of one
 // before them.
 template <typename Use>
-size_t for_each_row(CPDFDocument& document, LIST_WHAT what, const Use& use)
+size_t for_each_row(CPDFDocument& document, PDF_LISTED what, const Use& use)
 {
     CPDFNumberedNames names(document.form());
     size_t inherited = 0;
@@ -175,7 +175,7 @@ void put_line(const char* word, const std::string& text)
 }  // namespace
 
 // No cell is kept wider than a row, so that long values do not take memory.
-size_t put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+size_t put_list_table(CPDFDocument& document, PDF_LISTED what, const std::vector<PDF_XFA_VALUE>& data)
 {
     const int terminal = terminal_columns();
     const int total = terminal ? terminal : USUAL_WIDTH;
@@ -208,7 +208,7 @@ size_t put_list_table(CPDFDocument& document, LIST_WHAT what, const std::vector<
     return same;
 }
 
-size_t put_list_long(CPDFDocument& document, LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+size_t put_list_long(CPDFDocument& document, PDF_LISTED what, const std::vector<PDF_XFA_VALUE>& data)
 {
     size_t listed = 0;
     const size_t same = for_each_row(document, what, [&](const CPDFField& field, const LIST_ROW& row) {

@@ -1,11 +1,8 @@
-#include "tools/fill/data_rules.h"
+#include "tools/fill/data_options.h"
 
 #include <CLI/CLI.hpp>
 
-#include "document/document.h"
 #include "document/lookup/field_text.h"
-#include "document/xfa/data_value.h"
-#include "formats/field_cells.h"
 
 namespace {
 
@@ -40,50 +37,28 @@ void add_data_options(CLI::App& verb, DATA_ARGUMENTS& arguments)
     verb.add_flag("--ignore-unknown", arguments.ignore_unknown, "pass over columns and names that no field has");
 }
 
-bool is_known_name(CPDFDocument& document, const std::string& name)
-{
-    if (document.field(name))
-        return true;
-    std::vector<CPDFStatus> each;
-    return document.has_only_xfa() && document.check_xfa_values({{name, ""}}, PDF_FILL::FORCE, each).ok() &&
-           each[0].ok();
-}
-
-CPDFStatus DataRules::set(const DATA_ARGUMENTS& arguments)
+CPDFStatus read_rules(const DATA_ARGUMENTS& arguments, PDF_DATA_RULES& rules)
 {
     const std::string& delimiter = arguments.delimiter.text;
-    m_style.delimiter = delimiter_of(delimiter);
-    if (!delimiter.empty() && m_style.delimiter == '\0')
+    rules.style.delimiter = delimiter_of(delimiter);
+    if (!delimiter.empty() && rules.style.delimiter == '\0')
         return wrong_usage(in_quotes(delimiter) + " is no delimiter: give a character, comma, semicolon or tab");
     const std::string& empty = arguments.empty.text;
     if (empty != "keep" && empty != "clear")
         return wrong_usage("--empty is keep or clear, not " + in_quotes(empty));
-    m_style.keeps_empty_cells = empty == "clear";
-    m_list_separator = arguments.list_separator.text;
-    m_ignores_unknown = arguments.ignore_unknown;
+    rules.style.keeps_empty_cells = empty == "clear";
+    rules.list_separator = arguments.list_separator.text;
+    rules.unknown = arguments.ignore_unknown ? PDF_UNKNOWN_NAMES::IGNORE : PDF_UNKNOWN_NAMES::REFUSE;
     return {};
 }
 
-bool DataRules::open(const DATA_ARGUMENTS& arguments)
+bool open_rules(const DATA_ARGUMENTS& arguments, PDF_DATA_RULES& rules)
 {
-    if (arguments.map.text.empty())
-        return true;
-    const CPDFStatus status = m_map.open(arguments.map.text);
+    const std::string& map = arguments.map.text;
+    if (!read_rules(arguments, rules).ok())
+        return false;
+    const CPDFStatus status = map.empty() ? CPDFStatus() : rules.map.open(map);
     if (!status.ok())
-        complain(arguments.map.text, status.text);
+        complain(map, status.text);
     return status.ok();
-}
-
-CPDFStatus DataRules::shape(CPDFDocument& document, CPDFFormData& data) const
-{
-    CPDFStatus status = m_map.apply(data);
-    fit(document, data);
-    return status;
-}
-
-void DataRules::fit(CPDFDocument& document, CPDFFormData& data) const
-{
-    if (m_ignores_unknown)
-        std::erase_if(data, [&](const PDF_FORM_ENTRY& entry) { return !is_known_name(document, entry.name); });
-    fit_cells(document, m_list_separator, data);
 }

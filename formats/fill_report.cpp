@@ -1,19 +1,28 @@
-#include "tools/fill/fill_report.h"
+#include "formats/fill_report.h"
 
 #include <algorithm>
 
+#include "core/text.h"
 #include "document/document.h"
 #include "document/lookup/field_text.h"
 #include "document/lookup/value_text.h"
 #include "formats/export/json_text.h"
 #include "forms/field.h"
-#include "tools/terminal_text.h"
 
 namespace {
 
+// What is no UTF-8 was refused for that; JSON tells it with U+FFFD for each such byte.
 std::string clean(const std::string& text)
 {
-    return is_utf8(text) ? text : printable_lines(text);
+    if (is_utf8(text))
+        return text;
+    std::string out;
+    const auto* at = reinterpret_cast<const unsigned char*>(text.data());
+    for (const unsigned char* const end = at + text.size(); at < end;) {
+        char utf8[4];
+        out.append(utf8, static_cast<size_t>(utf8_from_ucs(ucs_from_utf8(at, end), utf8)));
+    }
+    return out;
 }
 
 const char* result_of(const PDF_FILL_PLAN& plan)

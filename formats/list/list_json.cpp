@@ -1,12 +1,14 @@
+#include "formats/list/list_json.h"
+
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/alloc.h"
 #include "core/limits.h"
 #include "document/document.h"
 #include "document/fill/filler.h"
@@ -16,13 +18,12 @@
 #include "document/lookup/held_value.h"
 #include "document/lookup/page_map.h"
 #include "document/lookup/value_text.h"
-#include "document/lookup/widget_binder.h"
+#include "document/xfa/data_value.h"
+#include "engine/annot_widget.h"
 #include "formats/export/json_text.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
 #include "forms/field_walk.h"
-#include "tools/list/list_internal.h"
-#include "tools/verb.h"
 
 namespace {
 
@@ -36,14 +37,19 @@ struct LISTED_WIDGET {
 // Writes the objects of the list, one field at a time.
 class JsonList {
 public:
-    explicit JsonList(CPDFDocument& document)
-        : m_document(document), m_names(document.form()), m_pages(document.pages()), m_notes(document.field_notes())
+    JsonList(CPDFDocument& document, const PDF_TEXT_SINK& sink)
+        : m_document(document),
+          m_names(document.form()),
+          m_pages(document.pages()),
+          m_notes(document.field_notes()),
+          m_sink(sink)
     {
-        m_binder.bind(document.xref(), document.form(), m_pages);
     }
 
-    CPDFStatus put_all(LIST_WHAT what, const std::vector<PDF_XFA_VALUE>& data)
+    CPDFStatus write_all(PDF_LISTED what, const std::vector<PDF_XFA_VALUE>& data)
     {
+        const VXFailureCheck memory;
+        const CPDFReadAllowance allowance = m_document.reading();
         m_out = "[";
         for_each_field(m_document.form(), [&](CPDFField& field) {
             if (!is_listed(field, what) || m_option_bytes > LIMIT_LISTED_OPTIONS)
@@ -58,6 +64,8 @@ public:
             append_data(at);
         m_out += m_first ? "]\n" : "\n]\n";
         flush();
+        if (memory.failed())
+            return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to list the fields");
         if (m_option_bytes > LIMIT_LISTED_OPTIONS)
             return CPDFStatus::failed(PDF_CODE::LIMIT, "the options of its fields are larger than what is supported");
         if (m_document.read_too_much())
@@ -69,7 +77,7 @@ public:
 private:
     void flush()
     {
-        put(m_out);
+        m_sink(m_out);
         m_out.clear();
     }
 
@@ -179,7 +187,7 @@ private:
     {
         m_widgets.clear();
         if (&value_field(field) == &field) {
-            for (const CPDFAnnotWidget* widget : m_binder.widgets_of(field))
+            for (const CPDFAnnotWidget* widget : m_document.widgets_of(field))
                 add_widget(widget->m_ref);
             return;
         }
@@ -248,7 +256,7 @@ private:
     {
         const bool has_states = field.m_type == FIELD_BUTTON && field_kind(field).takes_value;
         const std::vector<PDF_BUTTON_CHOICE> choices =
-            has_states ? button_choices(field, m_binder) : std::vector<PDF_BUTTON_CHOICE>();
+            has_states ? m_document.choices_of(field) : std::vector<PDF_BUTTON_CHOICE>();
         const size_t before = m_out.size();
         append_texts(",\"states\":[", choices, [](const auto& choice) { return utf8_of_name(choice.state); });
         append_texts(",\"exportValues\":[", choices, [](const auto& choice) { return choice.export_value; });
@@ -268,9 +276,9 @@ private:
 
     CPDFDocument& m_document;  // borrowed from the caller
     CPDFNumberedNames m_names;
-    const CPDFPageMap& m_pages;  // borrowed from the document
-    CPDFWidgetBinder m_binder;
+    const CPDFPageMap& m_pages;            // borrowed from the document
     CPDFFieldNotes& m_notes;               // borrowed from m_document
+    const PDF_TEXT_SINK& m_sink;           // borrowed from the caller
     std::vector<LISTED_WIDGET> m_widgets;  // of the field being written
     size_t m_option_bytes = 0;
     std::string m_out;
@@ -279,12 +287,13 @@ private:
 
 }  // namespace
 
-CPDFStatus put_list_json(CPDFDocument& document, const COMMAND_INPUT& input, LIST_WHAT what,
-                         const std::vector<PDF_XFA_VALUE>& data)
+bool is_listed(const CPDFField& field, PDF_LISTED what)
 {
-    std::unique_ptr<JsonList> list;
-    do
-        list = std::make_unique<JsonList>(document);
-    while (mend_document(document, input));
-    return list->put_all(what, data);
+    return what == PDF_LISTED::ALL || field.m_name.len > 0;
+}
+
+CPDFStatus write_list_json(CPDFDocument& document, PDF_LISTED what, const std::vector<PDF_XFA_VALUE>& data,
+                           const PDF_TEXT_SINK& sink)
+{
+    return JsonList(document, sink).write_all(what, data);
 }

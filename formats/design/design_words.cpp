@@ -1,11 +1,8 @@
-#include "tools/edit/design_words.h"
+#include "formats/design/design_words.h"
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <charconv>
 
 #include "document/lookup/field_text.h"
-#include "tools/terminal_text.h"
 
 namespace {
 
@@ -71,65 +68,54 @@ bool read_size(const std::string& word, std::optional<double>& out)
     return good;
 }
 
-}  // namespace
-
-struct DESIGN_OPTION {
-    const char* name;
-    const char* help;
-    const char* word;
-    const char* wanted;  // what the word must be, for the refusal of another
-    bool (*read)(const std::string& word, PDF_FIELD_DESIGN& design);
-};
-
-namespace {
-
 constexpr const char* COLOR_WORDS = "a colour: #RRGGBB, a name such as red or gray, or none";
 constexpr const char* NUMBER_WORDS = "a number of points";
 
-constexpr DESIGN_OPTION OPTIONS[] = {
-    {"--label", "what people are told that the field is, also by screen readers", "TEXT", "UTF-8",
+constexpr PDF_DESIGN_WORD WORDS[] = {
+    {"label", "what people are told that the field is, also by screen readers", "TEXT", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.label); }},
-    {"--mapping-name", "its name in exported data", "NAME", "UTF-8",
+    {"mapping-name", "its name in exported data", "NAME", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.mapping_name); }},
-    {"--font", "of the form's, of the standard 14 such as Times-Bold, or a font file to embed", "FONT", "UTF-8",
+    {"font", "of the form's, of the standard 14 such as Times-Bold, or a font file to embed", "FONT", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.style.font); }},
-    {"--font-size", "in points, or auto, which fits the text", "N", "a number of points or auto",
-     [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_size(word, design.style.size); }},
-    {"--color", "of texts and marks: #RRGGBB or a name", "COLOR", COLOR_WORDS,
+    {"font-size", "in points, or auto, which fits the text", "N", "a number of points or auto",
+     [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_size(word, design.style.size); }, true},
+    {"color", "of texts and marks: #RRGGBB or a name", "COLOR", COLOR_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return word != "none" && read_color(word, design.style.color);
      }},
-    {"--align", "text, combo and list: left, center or right", "WHERE", "left, center or right",
+    {"align", "text, combo and list: left, center or right", "WHERE", "left, center or right",
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return find_word(ALIGNMENTS, word, design.style.alignment);
      }},
-    {"--background", "as --color, or none", "COLOR", COLOR_WORDS,
+    {"background", "as --color, or none", "COLOR", COLOR_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_color(word, design.style.background); }},
-    {"--border-color", "as --color, or none", "COLOR", COLOR_WORDS,
+    {"border-color", "as --color, or none", "COLOR", COLOR_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_color(word, design.style.border_color); }},
-    {"--border-width", "in points", "N", NUMBER_WORDS,
+    {"border-width", "in points", "N", NUMBER_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return read_points(word, design.style.border_width.emplace());
-     }},
-    {"--border-style", "solid, dashed, beveled, inset or underline", "STYLE",
+     },
+     true},
+    {"border-style", "solid, dashed, beveled, inset or underline", "STYLE",
      "solid, dashed, beveled, inset or underline",
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return find_word(BORDERS, word, design.style.border_style);
      }},
-    {"--caption", "push button: what it says", "TEXT", "UTF-8",
+    {"caption", "push button: what it says", "TEXT", "UTF-8",
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_text(word, design.style.caption); }},
-    {"--action", "push button: submit:URL, reset, print, link:URL or none", "WHAT", ACTION_WORDS,
+    {"action", "push button: submit:URL, reset, print, link:URL or none", "WHAT", ACTION_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) { return read_action(word, design.action.emplace()); }},
-    {"--format", "text, combo: number:2, percent:1, date:mm/dd/yyyy, time:HH:MM, special:phone, mask:999-AA or none",
+    {"format", "text, combo: number:2, percent:1, date:mm/dd/yyyy, time:HH:MM, special:phone, mask:999-AA or none",
      "HOW", FORMAT_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return is_utf8(word) && read_format(word, design.format.emplace());
      }},
-    {"--calculate", "text, combo: sum:a,b; also average, product, minimum, maximum; or none", "HOW", CALCULATION_WORDS,
+    {"calculate", "text, combo: sum:a,b; also average, product, minimum, maximum; or none", "HOW", CALCULATION_WORDS,
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          return is_utf8(word) && read_calculation(word, design.calculation.emplace());
      }},
-    {"--mark", "check box, radio group: check, circle, cross, diamond, square or star", "MARK",
+    {"mark", "check box, radio group: check, circle, cross, diamond, square or star", "MARK",
      "check, circle, cross, diamond, square or star",
      [](const std::string& word, PDF_FIELD_DESIGN& design) {
          std::optional<const char*> code;
@@ -141,28 +127,22 @@ constexpr DESIGN_OPTION OPTIONS[] = {
 
 }  // namespace
 
+std::span<const PDF_DESIGN_WORD> design_words()
+{
+    return WORDS;
+}
+
+CPDFStatus read_design_word(const PDF_DESIGN_WORD& at, const std::string& name, const std::string& word,
+                            PDF_FIELD_DESIGN& design)
+{
+    if (at.read(word, design))
+        return {};
+    return CPDFStatus::failed(PDF_CODE::BAD_REQUEST, name + ": " + in_quotes(word) + " is not " + at.wanted);
+}
+
 bool read_points(const std::string& text, double& out)
 {
     const char* end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, out, std::chars_format::fixed);
     return result.ec == std::errc() && result.ptr == end && out >= 0 && out <= 1e6;
-}
-
-void CPDFDesignWords::add_options(CLI::App& verb)
-{
-    for (const DESIGN_OPTION& option : OPTIONS) {
-        WORD& at = m_words.emplace_back();
-        at.option = &option;
-        at.given = verb.add_option(option.name, at.word, option.help)->option_text(option.word);
-    }
-}
-
-CPDFStatus CPDFDesignWords::read(PDF_FIELD_DESIGN& design) const
-{
-    for (const WORD& at : m_words) {
-        if (at.given->count() && !at.option->read(at.word.text, design))
-            return wrong_usage(std::string(at.option->name) + ": " + in_quotes(at.word.text) + " is not " +
-                               at.option->wanted);
-    }
-    return {};
 }
