@@ -10,12 +10,12 @@ Formwork: read, fill, reset, edit and save the forms of PDF files.
 
 from ._abi import Code
 from ._library import version as library_version
-from ._values import Settable, Value
+from ._values import Rect, Settable, Value
 from .batch import Filled, fill_many
 from .errors import (BadData, BadFile, BadRequest, Cancelled, ClosedForm, EditRefused, FieldNotFound, FileFailed, FileMissing,
                      FormworkError, FormworkWarning, LimitExceeded, NotFound, NotPermitted, OutOfMemory, PasswordError, Refusal,
                      StaleField, ValueRefused)
-from .field import Choice, Field, Kind, Rect, Widget
+from .field import Choice, Field, Kind, Widget
 from .form import Form, Outcome
 from .form import open_form as open
 

@@ -161,6 +161,9 @@ class Document:
     def find(self, name: str, flags: int = 0) -> int:
         return int(self.handed_out(c_uint64, lib.fw_find_field, encode(name), flags))
 
+    def field_at(self, index: int) -> int:
+        return int(self.handed_out(c_uint64, lib.fw_field_at, index))
+
     def items(self, field: int, which: _abi.List) -> List[str]:
         with self._lock:
             count: int = self.handed_out(c_size_t, lib.fw_item_count, field, which)

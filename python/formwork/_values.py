@@ -6,12 +6,33 @@ import datetime
 import decimal
 import json
 import re
-from typing import Any, Dict, List, Mapping, Sequence, Union
+from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Tuple, Union
 
 # A value of a field: None where it has none, and several of a list box.
 Value = Union[None, str, List[str]]
 # What a field can be set to. None clears it.
 Settable = Union[None, str, bool, int, float, decimal.Decimal, datetime.date, Sequence[str]]
+
+
+class Rect(NamedTuple):
+    """A rectangle on a page in points, 1/72 inch, from its lower left corner."""
+
+    x0: float
+    y0: float
+    x1: float
+    y1: float
+
+    @property
+    def width(self) -> float:
+        return self.x1 - self.x0
+
+    @property
+    def height(self) -> float:
+        return self.y1 - self.y0
+
+
+# A page, counted from 1, and a rectangle on it: a Rect, or x, y, width and height.
+Place = Tuple[Optional[int], Optional[Sequence[float]]]
 
 
 def text_of(value: object) -> str:
@@ -52,4 +73,10 @@ def json_of(values: Mapping[str, Any]) -> bytes:
 def settings_json(settings: Mapping[str, Any]) -> bytes:
     """What a field is to be, as JSON: ``max_length`` becomes ``maxLength``."""
     names = {re.sub("_([a-z])", lambda part: part[1].upper(), name): value for name, value in settings.items()}
+    if "places" in names:
+        names["places"] = [{"page": page, "rect": _corner_and_size(rect)} for page, rect in names["places"]]
     return json.dumps(names, ensure_ascii=False).encode()
+
+
+def _corner_and_size(rect: Sequence[float]) -> List[float]:
+    return [rect.x0, rect.y0, rect.width, rect.height] if isinstance(rect, Rect) else list(rect)

@@ -39,8 +39,8 @@ def fill_many(form: Union[Form, Source], rows: Rows, output: Output = None, *, p
     """
     Fills the form once for each row and yields what became of it, as it is asked for.
 
-    ``form`` is what ``open`` takes, or an open form, which stays as it is; what it holds all rows begin with. ``rows`` are mappings
-    of names to values, a pandas frame, or the path of a CSV or JSON lines file. None, missing values and empty cells leave a
+    ``form`` is what ``open`` takes, or an open form, which stays as it is: all rows begin with what it holds, and the options that it
+    was opened with count. ``rows`` are mappings of names to values, a pandas frame, or the path of a CSV or JSON lines file. None, missing values and empty cells leave a
     field alone.
 
     ``output`` is a pattern, such as ``"out/{id}.pdf"`` with the value of the column ``id``, or ``"out/{row:06}.pdf"`` with the
@@ -51,7 +51,7 @@ def fill_many(form: Union[Form, Source], rows: Rows, output: Output = None, *, p
     ``raise_errors=True`` raises. ``progress`` is called after each row with how many are done, and of how many where that is known.
     """
     if isinstance(form, Form):
-        worker = open_form(form.bytes(), password=form._password)
+        worker = open_form(form.bytes(), **form._options)
     else:
         worker = open_form(form, password=password)
     run = _Run(worker, output, strict, force, update_only)

@@ -7,7 +7,7 @@ from typing import TYPE_CHECKING, Any, Dict, NamedTuple, Optional, Tuple
 
 from ._abi import Number, Text
 from ._library import encode, lib
-from ._values import Settable, Value, settings_json
+from ._values import Rect, Settable, Value, settings_json
 
 if TYPE_CHECKING:
     from .form import Form
@@ -33,23 +33,6 @@ class Kind(Enum):
     @property
     def takes_value(self) -> bool:
         return self not in (Kind.GROUP, Kind.PUSH, Kind.SIGNATURE)
-
-
-class Rect(NamedTuple):
-    """A rectangle on a page in points, 1/72 inch, from its lower left corner."""
-
-    x0: float
-    y0: float
-    x1: float
-    y1: float
-
-    @property
-    def width(self) -> float:
-        return self.x1 - self.x0
-
-    @property
-    def height(self) -> float:
-        return self.y1 - self.y0
 
 
 class Widget(NamedTuple):
@@ -230,7 +213,7 @@ class Field:
         self._form.reset([self], force=force)
 
     def change(self, *, force: bool = False, **settings: Any) -> None:
-        """Changes what the settings name, as Form.add has them: ``field.change(required=True, max_length=8)``."""
+        """Changes what the settings name, as Form.add has them: ``field.change(required=True, max_length=8)``. ``places`` moves it."""
         self._form._reshape(lib.fw_change_field, self._handle, settings_json(settings), int(force))
 
     def rename(self, name: Optional[str] = None, *, group: Optional[str] = None, force: bool = False) -> None:

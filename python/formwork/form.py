@@ -13,9 +13,9 @@ from typing import IO, Any, Callable, Dict, Iterable, Iterator, List, Mapping, N
 from . import _abi
 from ._abi import Code, Fact, FieldKind, Flags, Format
 from ._library import Document, encode, lib
-from ._values import Settable, Value, is_list, json_of, settings_json, text_of
+from ._values import Place, Settable, Value, is_list, json_of, settings_json, text_of
 from .errors import FieldNotFound, FormworkError, FormworkWarning, NotPermitted, Refusal, ValueRefused, error_of
-from .field import Field, Kind, Rect
+from .field import Field, Kind
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview, IO[bytes]]
 Target = Union[str, "os.PathLike[str]", IO[bytes]]
@@ -41,10 +41,10 @@ class Form(Mapping[str, Value]):
     An open file and its form: a mapping of full names to values. ``open`` makes it. Threads may share one and take turns.
     """
 
-    def __init__(self, document: Document, title: str, password: Optional[str]) -> None:
+    def __init__(self, document: Document, title: str, options: Dict[str, Any]) -> None:
         self._document = document
         self._title = title
-        self._password = password
+        self._options = options
         self._shape = 0  # counts changes of the form itself
         self._state = 0  # counts changes of values, too
         self._listed: Tuple[int, List[Dict[str, Any]]] = (-1, [])
@@ -99,7 +99,7 @@ class Form(Mapping[str, Value]):
     def _listed_fields(self) -> Iterator[Tuple[int, Dict[str, Any]]]:
         for at, record in enumerate(self._list(self._shape)):
             is_data = record["kind"] == Kind.DATA.value
-            yield 0 if is_data else self._document.handed_out(c_uint64, lib.fw_field_at, at), record
+            yield 0 if is_data else self._document.field_at(at), record
 
     def _record_of(self, handle: int) -> Dict[str, Any]:
         if self._records[0] != self._shape:
@@ -129,9 +129,12 @@ class Form(Mapping[str, Value]):
 
     def _values(self) -> Dict[str, Value]:
         values: Dict[str, Value] = {}
-        for record in self._fresh_list():
-            if Kind(record["kind"]).takes_value:
-                values.setdefault(record["name"], record["value"])
+        for at, record in enumerate(self._fresh_list()):
+            if record["name"] not in values and Kind(record["kind"]).takes_value:
+                value = _plain(record["value"])
+                if value is None and record["kind"] == Kind.TEXT.value:  # lists leave out long texts that streams have
+                    value = _plain(self._document.items(self._document.field_at(at), _abi.List.VALUES))
+                values[record["name"]] = value
         return values
 
     def __iter__(self) -> Iterator[str]:
@@ -170,8 +173,7 @@ class Form(Mapping[str, Value]):
     def _value_of(self, field: Field) -> Value:
         if not field._handle:
             return self._values().get(field.name)
-        values = self._document.items(field._handle, _abi.List.VALUES)
-        return values if len(values) > 1 else values[0] if values else None
+        return _plain(self._document.items(field._handle, _abi.List.VALUES))
 
     def _set(self, field: Field, name: str, value: Settable, force: bool = False) -> None:
         if not field._handle:
@@ -265,16 +267,15 @@ class Form(Mapping[str, Value]):
     # The form itself
 
     def add(self, kind: Union[Kind, str], name: str, *, page: int = 1, rect: Optional[Sequence[float]] = None,
-            places: Sequence[Mapping[str, Any]] = (), force: bool = False, **settings: Any) -> Field:
+            places: Sequence[Place] = (), force: bool = False, **settings: Any) -> Field:
         """
-        Adds a field. ``rect`` is a Rect, or x, y, width and height; ``places`` has several, such as
-        ``{"page": 1, "rect": (50, 660, 16, 16), "state": "S"}``. Settings are label, required, max_length, options, ...:
-        docs/c.md names them all.
+        Adds a field. ``rect`` is a Rect, or x, y, width and height; ``places`` has several with their pages, such as
+        ``[(1, (50, 660, 16, 16)), (1, (90, 660, 16, 16))]``, or the widgets of another field. Settings are label, required,
+        max_length, options, states, ...: docs/c.md names them all.
         """
-        where = [dict(place) for place in places] or [{"page": page, "rect": rect}]
-        for place in where:
-            place["rect"] = _corner_and_size(place.get("rect"))
-        settings = {"kind": kind.value if isinstance(kind, Kind) else kind, "name": name, "places": where, **settings}
+        if rect is not None:
+            places = [(page, rect), *places]
+        settings = {"kind": kind.value if isinstance(kind, Kind) else kind, "name": name, "places": places, **settings}
         handle = c_uint64()
         self._reshape(lib.fw_add_field, settings_json(settings), int(force), byref(handle))
         return Field(self, handle.value)
@@ -416,6 +417,13 @@ def _depth_of_caller() -> int:
     return depth
 
 
+def _plain(value: Value) -> Value:
+    """A list only where there are several values."""
+    if not isinstance(value, list):
+        return value
+    return value if len(value) > 1 else value[0] if value else None
+
+
 def _outcomes(report: bytes) -> List[Outcome]:
     return [Outcome(one["name"], one["result"], one.get("why"), one.get("value")) for one in json.loads(report or b"[]")]
 
@@ -426,12 +434,6 @@ def _format(name: str) -> Format:
     return Format[name.upper()]
 
 
-def _corner_and_size(rect: Optional[Sequence[float]]) -> Sequence[float]:
-    if rect is None or len(rect) != 4:
-        raise ValueError("a field needs a rect: x, y, width and height")
-    return [rect.x0, rect.y0, rect.width, rect.height] if isinstance(rect, Rect) else list(rect)
-
-
 def read(source: Union[bytes, bytearray, memoryview, IO[bytes]]) -> bytes:
     """All bytes of an input that is no path."""
     data = source if isinstance(source, (bytes, bytearray, memoryview)) else source.read()
@@ -440,7 +442,7 @@ def read(source: Union[bytes, bytearray, memoryview, IO[bytes]]) -> bytes:
     return bytes(data)
 
 
-def open_form(source: Source, *, password: Optional[str] = None, repair: bool = True, scripts: Optional[str] = None,
+def open_form(source: Source, *, password: Optional[str] = None, repair: bool = True, scripts: str = "known",
               draw: bool = True, write_xfa: bool = False) -> Form:
     """
     Opens a PDF file by its path, its bytes or a file object. Raises FileMissing, BadFile and PasswordError.
@@ -449,13 +451,13 @@ def open_form(source: Source, *, password: Optional[str] = None, repair: bool = 
     ``scripts`` tells which scripts of the form run: "none", "known" (well-known calls, the default) or "all". ``draw=False``
     leaves it to viewers to draw what changed. ``write_xfa`` keeps the XFA data in step with the fields.
     """
-    if scripts is not None and scripts not in SCRIPTS:
+    if scripts not in SCRIPTS:
         raise ValueError(f'scripts is "none", "known" or "all", not {scripts!r}')
-    place = os.fspath(source) if isinstance(source, (str, os.PathLike)) else None
-    document = Document.open(place if place is not None else read(source), password, repair)  # type: ignore[arg-type]
-    form = Form(document, repr(place) if place is not None else "of bytes", password)
-    if scripts is not None:
-        document.call(lib.fw_set_option, _abi.Option.SCRIPTS, SCRIPTS[scripts])
+    place: Union[str, bytes] = os.fspath(source) if isinstance(source, (str, os.PathLike)) else read(source)
+    document = Document.open(place, password, repair)
+    options = {"password": password, "repair": repair, "scripts": scripts, "draw": draw, "write_xfa": write_xfa}
+    form = Form(document, repr(place) if isinstance(place, str) else f"of {len(place)} bytes", options)
+    document.call(lib.fw_set_option, _abi.Option.SCRIPTS, SCRIPTS[scripts])
     document.call(lib.fw_set_option, _abi.Option.DRAW, int(draw))
     document.call(lib.fw_set_option, _abi.Option.WRITE_XFA, int(write_xfa))
     form._tell_notes()

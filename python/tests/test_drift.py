@@ -5,7 +5,6 @@ as a program, too, with nothing but Python.
 
 import ctypes
 import inspect
-import os
 import re
 from ctypes import POINTER
 from pathlib import Path
@@ -48,10 +47,10 @@ def test_prototypes():
 
 def test_numbers():
     for name, numbers in ENUMERATIONS.items():
-        body = re.search(rf"enum {name} {{(.*?)}}", HEADER, re.S)[1]
+        body = re.search(rf"enum {name}(?: FW_AS_INT)? {{(.*?)}}", HEADER, re.S)[1]
         declared = {member: int(number) for member, number in re.findall(r"FW_(\w+)\s*=\s*(\d+)", body)}
         assert declared == {member.name: member.value for member in numbers}, name
-    assert set(re.findall(r"enum (\w+) {", HEADER)) == set(ENUMERATIONS)
+    assert set(re.findall(r"enum (\w+)(?: FW_AS_INT)? {", HEADER)) == set(ENUMERATIONS)
 
 
 def test_records():
@@ -79,4 +78,3 @@ if __name__ == "__main__":
     for name, test in list(globals().items()):
         if name.startswith("test_") and inspect.isfunction(test):
             test()
-    os._exit(0)  # what a sanitizer would tell of the interpreter is nothing of ours

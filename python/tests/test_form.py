@@ -166,11 +166,13 @@ def test_the_form_itself_changes(form):
     place = form.field("name").widgets[0].rect
     code = form.add("text", "code", page=2, rect=Rect(*place), max_length=8, required=True, label="Code")
     assert (code.label, code.max_length, code.required, code.widgets[0]) == ("Code", 8, True, (2, place))
-    size = form.add(Kind.RADIO, "cup", places=[{"page": 1, "rect": (50, y, 16, 16), "state": s} for y, s in ((9, "S"), (40, "M"))])
-    assert size.states == ("S", "M")
-    code.change(max_length=3, required=False)
+    cup = form.add(Kind.RADIO, "cup", places=[(1, (50, 9, 16, 16)), (2, (50, 40, 16, 16))], states=["S", "M"])
+    assert cup.states == ("S", "M") and cup.widgets[1] == (2, Rect(50, 40, 66, 56))
+    assert form.add("check", "too", places=form.field("agree").widgets).page == 2
+    code.change(max_length=3, required=False, places=[(1, place)])
+    assert code.widgets == ((1, place),)
     assert code.max_length == 3 and not code.required
-    code.rename("zip", group="address")
+    code.rename("area", group="address")
     code.rename("plz")
     code.value = "890"
     form.remove("notes")
@@ -193,6 +195,13 @@ def test_appended_and_flattened(form, kinds):
     assert len(form) == 0 and not reader.get_fields() and "London" in reader.pages[0].extract_text()
 
 
+def save_often(form, path):
+    for number in range(100):
+        path.unlink(missing_ok=True)
+        form["name"] = str(number)
+        form.save(path)
+
+
 def test_progress_and_what_ends_a_call(form, tmp_path):
     told = []
     form.on_progress(told.append)
@@ -205,10 +214,10 @@ def test_progress_and_what_ends_a_call(form, tmp_path):
 
     form.on_progress(interrupt)
     with pytest.raises(KeyboardInterrupt):
-        form.save(tmp_path / "out.pdf")
+        save_often(form, tmp_path / "out.pdf")
     assert not (tmp_path / "out.pdf").exists()
     form.on_progress(lambda done: form.bytes())
-    assert "progress" in str(failure(form.bytes))
+    assert "callback" in str(failure(save_often, form, tmp_path / "out.pdf"))
     form.on_progress(None)
     assert form.bytes()
 
