@@ -1,6 +1,6 @@
 """
-Builds the wheel, with nothing but the standard library: the package and, in it, the shared library. FORMWORK_LIBRARY names one that is
-built; else cmake builds it from the repository around this folder.
+Builds the wheel, with nothing but the standard library: the package and, in it, the shared library. FORMWORK_LIBRARY
+names one that is built; else cmake builds it from the repository around this folder.
 """
 
 import base64
@@ -45,7 +45,8 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
         files["formwork/py.typed"] = b""
         files[f"formwork/{LIBRARY}"] = library
     info = f"{name}.dist-info"
-    files[f"{info}/METADATA"] = METADATA.format(version=_version(), description=(HERE / "README.md").read_text()).encode()
+    description = (HERE / "README.md").read_text(encoding="utf-8")
+    files[f"{info}/METADATA"] = METADATA.format(version=_version(), description=description).encode()
     files[f"{info}/WHEEL"] = WHEEL.format(tag=tag).encode()
     files[f"{info}/LICENSE"] = (ROOT / "LICENSE").read_bytes()
     files[f"{info}/RECORD"] = _record(files, f"{info}/RECORD")
@@ -76,7 +77,8 @@ def _built_library():
     build = ROOT / "build" / "wheel"
     subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
                     "-DFORMWORK_WERROR=OFF"], check=True)
-    subprocess.run(["cmake", "--build", build, "--target", "formwork_shared", "--parallel", str(os.cpu_count() or 1)], check=True)
+    jobs = str(os.cpu_count() or 1)
+    subprocess.run(["cmake", "--build", build, "--target", "formwork_shared", "--parallel", jobs], check=True)
     return build / LIBRARY
 
 

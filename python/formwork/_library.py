@@ -32,8 +32,8 @@ def _load() -> ctypes.CDLL:
             function.restype = result
             function.argtypes = arguments
     except (OSError, AttributeError) as error:
-        raise ImportError(f"{place} can't be used as the library of formwork: {error}. Install a wheel, which has it inside, "
-                          f"or let {VARIABLE} name it.") from error
+        raise ImportError(f"{place} can't be used as the library of formwork: {error}. Install a wheel, which "
+                          f"has it inside, or let {VARIABLE} name it.") from error
     return library
 
 
@@ -170,7 +170,7 @@ class Document:
             return [self.text(lib.fw_item, field, which, at) or "" for at in range(count)]
 
     def buffer_and_code(self, function: Any, *arguments: Any) -> Tuple[bytes, int, str]:
-        """Calls with pointers for a buffer and its size as the last arguments; there may be a buffer after failures, too."""
+        """Calls with pointers for a buffer and its size as the last arguments; failures may give one, too."""
         with self._lock:
             buffer, size = c_void_p(), c_size_t()
             try:

@@ -86,7 +86,7 @@ def _frame_rows(frame: Any) -> Iterator[Row]:
 
 
 def split_lists(row: Row, several: Mapping[str, Tuple[str, ...]]) -> Row:
-    """The row of a table with cells such as "red|blue" as lists where a list box takes several and no option is the whole."""
+    """The row with cells such as "red|blue" as lists where a list box takes several and no option is the whole."""
     split: Dict[str, Any] = dict(row)
     for name in several.keys() & row.keys():
         cell = row[name]

@@ -50,7 +50,7 @@ def text_of(value: object) -> str:
             return format(number, "f")
     if isinstance(value, datetime.date):
         return str(value)
-    raise TypeError(f"a field can't be set to {value!r}: it takes texts, numbers, True, False, dates and lists of texts")
+    raise TypeError(f"a field can't be set to {value!r}: only to texts, numbers, bools, dates and lists of texts")
 
 
 def is_list(value: object) -> bool:

@@ -39,16 +39,18 @@ def fill_many(form: Union[Form, Source], rows: Rows, output: Output = None, *, p
     """
     Fills the form once for each row and yields what became of it, as it is asked for.
 
-    ``form`` is what ``open`` takes, or an open form, which stays as it is: all rows begin with what it holds, and the options that it
-    was opened with count. ``rows`` are mappings of names to values, a pandas frame, or the path of a CSV or JSON lines file. None, missing values and empty cells leave a
-    field alone.
+    ``form`` is what ``open`` takes, or an open form, which stays as it is: all rows begin with what it holds, and the
+    options that it was opened with count. ``rows`` are mappings of names to values, a pandas frame, or the path of a
+    CSV or JSON lines file. None, missing values and empty cells leave a field alone.
 
-    ``output`` is a pattern, such as ``"out/{id}.pdf"`` with the value of the column ``id``, or ``"out/{row:06}.pdf"`` with the
-    number of the row, or a function of the row and its number. Without it the results have the bytes. A column that the
-    pattern names need not be a field; another one that is none refuses its row, unless ``strict=False``.
+    ``output`` is a pattern, such as ``"out/{id}.pdf"`` with the value of the column ``id``, or ``"out/{row:06}.pdf"``
+    with the number of the row, or a function of the row and its number. Without it the results have the bytes. A
+    column that the pattern names need not be a field; another one that is none refuses its row, unless
+    ``strict=False``.
 
     A row that is refused, or whose file can't be written, does not end the run: its result has the ``error``, which
-    ``raise_errors=True`` raises. ``progress`` is called after each row with how many are done, and of how many where that is known.
+    ``raise_errors=True`` raises. ``progress`` is called after each row with how many are done, and of how many where
+    that is known.
     """
     if isinstance(form, Form):
         worker = open_form(form.bytes(), **form._options)
@@ -88,7 +90,8 @@ class _Run:
             if not names:
                 raise ValueError(f"{self._output}: the output needs a name for each row, such as {{row}}")
             self._not_fields |= {name for name in names if name not in form}
-        self._several = {field.name: tuple(one.value for one in field.options) for field in form.fields if field.multiple}
+        self._several = {field.name: tuple(one.value for one in field.options)
+                         for field in form.fields if field.multiple}
 
     def fill(self, row: Row, number: int) -> Filled:
         path: Optional[Path] = None

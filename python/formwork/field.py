@@ -51,8 +51,8 @@ class Choice(NamedTuple):
 
 class Field:
     """
-    A field of an open form. It stays good while values change, and until it is removed or the whole form changes; then its
-    use raises StaleField. Two of these are equal when they are the same field.
+    A field of an open form. It stays good while values change, and until it is removed or the whole form changes;
+    then its use raises StaleField. Two of these are equal when they are the same field.
     """
 
     __slots__ = ("_form", "_handle", "_about", "_shape")
@@ -166,8 +166,8 @@ class Field:
     @property
     def value(self) -> Value:
         """
-        None, a text or, of a list box that holds several, a list of texts; of a check box or a radio group the name of its
-        state. It can be set as ``form[name]`` can.
+        None, a text or, of a list box that holds several, a list of texts; of a check box or a radio group the name
+        of its state. It can be set as ``form[name]`` can.
         """
         return self._form._value_of(self)
 
@@ -213,7 +213,10 @@ class Field:
         self._form.reset([self], force=force)
 
     def change(self, *, force: bool = False, **settings: Any) -> None:
-        """Changes what the settings name, as Form.add has them: ``field.change(required=True, max_length=8)``. ``places`` moves it."""
+        """
+        Changes what the settings name, as Form.add has them: ``field.change(required=True, max_length=8)``. ``places``
+        moves it.
+        """
         self._form._reshape(lib.fw_change_field, self._handle, settings_json(settings), int(force))
 
     def rename(self, name: Optional[str] = None, *, group: Optional[str] = None, force: bool = False) -> None:

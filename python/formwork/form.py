@@ -8,7 +8,8 @@ import sys
 import warnings
 from ctypes import byref, c_char_p, c_uint64
 from pathlib import Path
-from typing import IO, Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, NoReturn, Optional, Sequence, Tuple, Union
+from typing import (IO, Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, NoReturn, Optional, Sequence,
+                    Tuple, Union)
 
 from . import _abi
 from ._abi import Code, Fact, FieldKind, Flags, Format
@@ -27,8 +28,10 @@ SCRIPTS = {"none": 0, "known": 1, "all": 2}
 
 
 class Outcome(NamedTuple):
-    """What became of a value: "set", "coerced" (understood as something else than it said), "kept" (the field has it already),
-    "calculated" (changed by scripts of the form) or "refused", which ``why`` explains."""
+    """
+    What became of a value: "set", "coerced" (understood as something else than it said), "kept" (the field has it
+    already), "calculated" (changed by scripts of the form) or "refused", which ``why`` explains.
+    """
 
     name: str
     result: str
@@ -38,7 +41,8 @@ class Outcome(NamedTuple):
 
 class Form(Mapping[str, Value]):
     """
-    An open file and its form: a mapping of full names to values. ``open`` makes it. Threads may share one and take turns.
+    An open file and its form: a mapping of full names to values. ``open`` makes it. Threads may share one and take
+    turns.
     """
 
     def __init__(self, document: Document, title: str, options: Dict[str, Any]) -> None:
@@ -110,8 +114,8 @@ class Form(Mapping[str, Value]):
 
     def field(self, name: str, *, guess: bool = False) -> Field:
         """
-        The first field with this full name. With ``guess`` a part of a name that no other field has, or its number in the list,
-        will do. Raises FieldNotFound.
+        The first field with this full name. With ``guess`` a part of a name that no other field has, or its number in
+        the list, will do. Raises FieldNotFound.
         """
         try:
             handle = self._document.find(name, Flags.GUESS if guess else Flags.PLAIN)
@@ -155,8 +159,9 @@ class Form(Mapping[str, Value]):
 
     def __setitem__(self, name: str, value: Settable) -> None:
         """
-        Sets a field to a text, number or date; a check box to True, False or a state; a choice to a value or a shown text; a list
-        box to a list of them; None clears. What the form computes is computed. Raises FieldNotFound and ValueRefused.
+        Sets a field to a text, number or date; a check box to True, False or a state; a choice to a value or a shown
+        text; a list box to a list of them; None clears. What the form computes is computed. Raises FieldNotFound and
+        ValueRefused.
         """
         self._set(self._value_field(name), name, value)
 
@@ -197,8 +202,9 @@ class Form(Mapping[str, Value]):
 
     def fill(self, values: Mapping[str, Any], *, strict: bool = True, force: bool = False) -> List[Outcome]:
         """
-        Sets all values or, where one of them is refused, none: then ValueRefused tells every refusal. None leaves a field alone. With
-        ``strict=False`` names that no field has are passed over. ``force`` fills what is read-only or locked, too.
+        Sets all values or, where one of them is refused, none: then ValueRefused tells every refusal. None leaves a
+        field alone. With ``strict=False`` names that no field has are passed over. ``force`` fills what is read-only
+        or locked, too.
         """
         return self._fill(Format.JSON, json_of(values), strict, force)
 
@@ -209,8 +215,8 @@ class Form(Mapping[str, Value]):
     def import_data(self, source: Source, format: Optional[str] = None, *, strict: bool = True,
                     force: bool = False) -> List[Outcome]:
         """
-        Fills the form with the JSON, CSV, FDF or XFDF data of a file, or with its bytes. The format is that of the file's
-        suffix, or one of "json", "csv", "fdf" and "xfdf".
+        Fills the form with the JSON, CSV, FDF or XFDF data of a file, or with its bytes. The format is that of the
+        file's suffix, or one of "json", "csv", "fdf" and "xfdf".
         """
         if format is None:
             if not isinstance(source, (str, os.PathLike)):
@@ -229,7 +235,9 @@ class Form(Mapping[str, Value]):
         if code and not (more & Flags.CHECK_ONLY and outcomes):
             refusals = [Refusal(one.name, one.why or "", one.value) for one in outcomes if one.result == "refused"]
             error = error_of(code, message)
-            raise ValueRefused(message, error.code, refusals) if refusals and not isinstance(error, NotPermitted) else error
+            if refusals and not isinstance(error, NotPermitted):
+                error = ValueRefused(message, error.code, refusals)
+            raise error
         self._tell_notes()
         return outcomes
 
@@ -255,8 +263,8 @@ class Form(Mapping[str, Value]):
 
     def export_data(self, format: str, fields: Optional[Iterable[FieldOrName]] = None, *, shown: bool = False) -> Bytes:
         """
-        The values as "json", "csv", "fdf", "xfdf", "url", "xml" or "xfa" data; of some fields with all under them. With
-        ``shown`` as the formats of the form show them.
+        The values as "json", "csv", "fdf", "xfdf", "url", "xml" or "xfa" data; of some fields with all under them.
+        With ``shown`` as the formats of the form show them.
         """
         handles = self._handles(fields) if fields is not None else None
         if handles is not None and not handles:
@@ -270,8 +278,8 @@ class Form(Mapping[str, Value]):
             places: Sequence[Place] = (), force: bool = False, **settings: Any) -> Field:
         """
         Adds a field. ``rect`` is a Rect, or x, y, width and height; ``places`` has several with their pages, such as
-        ``[(1, (50, 660, 16, 16)), (1, (90, 660, 16, 16))]``, or the widgets of another field. Settings are label, required,
-        max_length, options, states, ...: docs/c.md names them all.
+        ``[(1, (50, 660, 16, 16)), (1, (90, 660, 16, 16))]``, or the widgets of another field. Settings are label,
+        required, max_length, options, states, ...: docs/c.md names them all.
         """
         if rect is not None:
             places = [(page, rect), *places]
@@ -290,8 +298,8 @@ class Form(Mapping[str, Value]):
 
     def append(self, other: Union[Form, Source], *, same_names: str = "refuse", force: bool = False) -> None:
         """
-        Appends the pages and fields of another form. Fields that both have are a reason to "refuse", get another name ("rename") or
-        become one ("join"). After a failure this form is as it was opened.
+        Appends the pages and fields of another form. Fields that both have are a reason to "refuse", get another name
+        ("rename") or become one ("join"). After a failure this form is as it was opened.
         """
         if same_names.upper() not in _abi.SameNames.__members__:
             raise ValueError(f'same_names is "refuse", "rename" or "join", not {same_names!r}')
@@ -308,8 +316,9 @@ class Form(Mapping[str, Value]):
 
     def save(self, target: Target, *, update_only: bool = False) -> None:
         """
-        Writes the file: the bytes of the input and one update behind them. A path is replaced as a whole or stays as it was; it
-        may be the one that was opened. A file object gets the bytes. ``update_only`` writes the update without the input.
+        Writes the file: the bytes of the input and one update behind them. A path is replaced as a whole or stays as
+        it was; it may be the one that was opened. A file object gets the bytes. ``update_only`` writes the update
+        without the input.
         """
         if isinstance(target, (str, os.PathLike)) and not update_only:
             self._document.call(lib.fw_save_file, os.fsencode(target))
@@ -374,8 +383,8 @@ class Form(Mapping[str, Value]):
 
     def on_progress(self, report: Optional[Callable[[float], object]]) -> None:
         """
-        Calls ``report`` now and then, with what is done from 0 to 1, while a call takes long. An exception in it ends that call,
-        which raises it. None ends this.
+        Calls ``report`` now and then, with what is done from 0 to 1, while a call takes long. An exception in it ends
+        that call, which raises it. None ends this.
         """
         self._document.watch(report)
 
@@ -425,7 +434,8 @@ def _plain(value: Value) -> Value:
 
 
 def _outcomes(report: bytes) -> List[Outcome]:
-    return [Outcome(one["name"], one["result"], one.get("why"), one.get("value")) for one in json.loads(report or b"[]")]
+    entries = json.loads(report or b"[]")
+    return [Outcome(one["name"], one["result"], one.get("why"), one.get("value")) for one in entries]
 
 
 def _format(name: str) -> Format:
@@ -447,9 +457,10 @@ def open_form(source: Source, *, password: Optional[str] = None, repair: bool = 
     """
     Opens a PDF file by its path, its bytes or a file object. Raises FileMissing, BadFile and PasswordError.
 
-    ``password`` is the user's or the owner's. ``repair=False`` refuses damaged files, which a process of its own repairs else.
-    ``scripts`` tells which scripts of the form run: "none", "known" (well-known calls, the default) or "all". ``draw=False``
-    leaves it to viewers to draw what changed. ``write_xfa`` keeps the XFA data in step with the fields.
+    ``password`` is the user's or the owner's. ``repair=False`` refuses damaged files, which a process of its own
+    repairs else. ``scripts`` tells which scripts of the form run: "none", "known" (well-known calls, the default) or
+    "all". ``draw=False`` leaves it to viewers to draw what changed. ``write_xfa`` keeps the XFA data in step with the
+    fields.
     """
     if scripts not in SCRIPTS:
         raise ValueError(f'scripts is "none", "known" or "all", not {scripts!r}')

@@ -1,4 +1,4 @@
-"""What the tests share: the samples, real files when FORMWORK_CORPUS names them, and pypdf as the reader of what was written."""
+"""What the tests share: the samples, real files when FORMWORK_CORPUS names them, and pypdf as another reader."""
 
 import io
 import os

@@ -1,6 +1,6 @@
 """
-That the package and the library belong together: prototypes, numbers and records against capi/formwork.h, and a form filled. Runs
-as a program, too, with nothing but Python.
+That the package and the library belong together: prototypes, numbers and records against capi/formwork.h, and a form
+filled. Runs as a program, too, with nothing but Python.
 """
 
 import ctypes

@@ -102,6 +102,7 @@ def test_failures_are_exceptions_by_kind(form, tmp_path):
         (formwork.ValueRefused, ValueError, Code.READ_ONLY, lambda: form.field("reference").set("x")),
         (formwork.ValueRefused, ValueError, Code.LIMIT, lambda: form.field("postcode").set("123456789")),
         (formwork.EditRefused, ValueError, Code.BAD_EDIT, lambda: form.add("text", "name", rect=(1, 1, 9, 9))),
+        (formwork.BadRequest, ValueError, Code.BAD_REQUEST, lambda: form.add("text", "new", rect=(1, 1, 9, 9), tint="red")),
         (formwork.BadData, ValueError, Code.BAD_DATA, lambda: form.import_data(b"{", "json")),
         (formwork.FileFailed, OSError, Code.IO, lambda: form.save(tmp_path / "no" / "folder.pdf")),
     ]
@@ -111,6 +112,21 @@ def test_failures_are_exceptions_by_kind(form, tmp_path):
     assert 'did you mean "address.city"' in str(failure(form.field, "adress.city"))
     form.field("reference").set("x", force=True)
     assert form["reference"] == "x"
+
+
+def test_protected_files_open_with_their_password_and_stay_protected(kinds, tmp_path):
+    writer = pypdf.PdfWriter()
+    writer.clone_document_from_reader(pypdf.PdfReader(kinds))
+    writer.encrypt("user", "owner")
+    with (tmp_path / "protected.pdf").open("wb") as file:
+        writer.write(file)
+    for password in (None, "wrong"):
+        assert isinstance(failure(formwork.open, tmp_path / "protected.pdf", password=password), formwork.PasswordError)
+    with formwork.open(tmp_path / "protected.pdf", password="owner") as form:
+        form["address.city"] = "Ulm"
+        assert form.is_encrypted and read_back(form.bytes(), "user")["address.city"] == "Ulm"
+        row, = formwork.fill_many(form, [{"name": "Ann"}])
+    assert [read_back(row.data, "user")[name] for name in ("name", "address.city")] == ["Ann", "Ulm"]
 
 
 def test_a_refused_fill_changes_nothing_and_tells_every_refusal(form):
