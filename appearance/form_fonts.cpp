@@ -9,12 +9,6 @@
 
 namespace {
 
-CPDFMachineFonts& machine_fonts()
-{
-    static CPDFMachineFonts fonts;
-    return fonts;
-}
-
 STANDARD_FONT standard_of(const FONT_STYLE& style)
 {
     constexpr STANDARD_FONT FAMILIES[] = {STANDARD_FONT::HELVETICA, STANDARD_FONT::TIMES, STANDARD_FONT::COURIER};
@@ -162,7 +156,7 @@ CPDFFormFonts::FONT& CPDFFormFonts::standard(STANDARD_FONT which)
 CPDFTextFont* CPDFFormFonts::machine_font(char32_t c, const FONT_STYLE& style)
 {
     if (!m_machine)
-        m_machine = std::make_unique<CPDFFallbackFonts>(machine_fonts());
+        m_machine = std::make_unique<CPDFFallbackFonts>();
     return m_machine->font_for(c, style);
 }
 
@@ -199,5 +193,5 @@ void CPDFFormFonts::changes_dropped()
 
 std::string CPDFFormFonts::problem()
 {
-    return machine_fonts().problem();
+    return CPDFFallbackFonts::problem();
 }

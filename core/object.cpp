@@ -7,7 +7,7 @@
 #include "core/dictionary.h"
 #include "core/xref_table.h"
 
-static_assert(sizeof(CPDFObj) == 24, "a value is a tag and a string's room");
+static_assert(sizeof(CPDFObj) <= 24, "a value is a tag and a string's room");
 
 void CPDFObj::free()
 {

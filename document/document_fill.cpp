@@ -64,7 +64,7 @@ CPDFStatus CPDFDocument::State::carry_out(const PDF_FILL_PLAN& plan)
     CPDFStatus status = button ? draw_states(*plan.field) : CPDFStatus();
     if (status.ok())
         status = apply_fill(*xref, plan, button ? bound_widgets() : widgets, filled);
-    CPDFStatus shown = show({filled.begin() + static_cast<std::ptrdiff_t>(before), filled.end()});
+    CPDFStatus shown = show(std::span(filled).subspan(before));
     return status.ok() ? shown : status;
 }
 
@@ -130,7 +130,7 @@ CPDFStatus CPDFDocument::State::reset(const std::vector<CPDFField*>* fields, PDF
     const CPDFReadAllowance allowance(reader->budget());
     const size_t before = filled.size();
     status = apply_reset(*xref, plan, bound, filled);
-    CPDFStatus shown = show({filled.begin() + static_cast<std::ptrdiff_t>(before), filled.end()});
+    CPDFStatus shown = show(std::span(filled).subspan(before));
     if (memory.failed())
         return no_memory_to(RESETTING);
     if (allowance.used_up())

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "file/descriptor.h"
+#include "file/system_copy.h"
 
 namespace {
 
@@ -37,13 +38,8 @@ bool write_all(int fd, std::string_view bytes)
 bool write_all(int fd, const PDF_OUTPUT_INPUT& input, std::string_view update)
 {
     std::string_view left = input.bytes;
-    off64_t from = 0;
-    while (input.descriptor >= 0 && !left.empty()) {
-        const ssize_t done = ::copy_file_range(input.descriptor, &from, fd, nullptr, left.size(), 0);
-        if (done <= 0)
-            break;
-        left.remove_prefix(static_cast<size_t>(done));
-    }
+    if (input.descriptor >= 0)
+        left.remove_prefix(system_copy(input.descriptor, fd, left.size()));
     return write_all(fd, left) && write_all(fd, update);
 }
 

@@ -118,7 +118,8 @@ std::span<const PDF_PAGE_ANNOTATION> CPDFPageMap::annotations_of(uint32_t num) c
     auto end = first;
     while (end != m_annotations.end() && end->num == num)
         ++end;
-    return {first, end};
+    return std::span(m_annotations)
+        .subspan(static_cast<size_t>(first - m_annotations.begin()), static_cast<size_t>(end - first));
 }
 
 int32_t CPDFPageMap::page_of_annotation(uint32_t num) const

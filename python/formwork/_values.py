@@ -75,6 +75,8 @@ def settings_json(settings: Mapping[str, Any]) -> bytes:
     names = {re.sub("_([a-z])", lambda part: part[1].upper(), name): value for name, value in settings.items()}
     if "places" in names:
         names["places"] = [{"page": page, "rect": _corner_and_size(rect)} for page, rect in names["places"]]
+    if "options" in names:
+        names["options"] = [one if isinstance(one, str) else {"value": one[0], "text": one[1]} for one in names["options"]]
     return json.dumps(names, ensure_ascii=False).encode()
 
 

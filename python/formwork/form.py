@@ -279,7 +279,7 @@ class Form(Mapping[str, Value]):
         """
         Adds a field. ``rect`` is a Rect, or x, y, width and height; ``places`` has several with their pages, such as
         ``[(1, (50, 660, 16, 16)), (1, (90, 660, 16, 16))]``, or the widgets of another field. Settings are label,
-        required, max_length, options, states, ...: docs/c.md names them all.
+        required, max_length, options (texts, or pairs of a value and what is shown), states, ...: docs/c.md names all.
         """
         if rect is not None:
             places = [(page, rect), *places]

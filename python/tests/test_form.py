@@ -185,6 +185,8 @@ def test_the_form_itself_changes(form):
     cup = form.add(Kind.RADIO, "cup", places=[(1, (50, 9, 16, 16)), (2, (50, 40, 16, 16))], states=["S", "M"])
     assert cup.states == ("S", "M") and cup.widgets[1] == (2, Rect(50, 40, 66, 56))
     assert form.add("check", "too", places=form.field("agree").widgets).page == 2
+    town = form.add("combo", "place", rect=(50, 90, 99, 16), options=["Ulm", ("b", "Bonn")])
+    assert town.options == (("Ulm", "Ulm"), ("b", "Bonn"))
     code.change(max_length=3, required=False, places=[(1, place)])
     assert code.widgets == ((1, place),)
     assert code.max_length == 3 and not code.required

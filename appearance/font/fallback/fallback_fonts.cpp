@@ -2,7 +2,18 @@
 
 #include "appearance/font/fallback/fallback_font.h"
 #include "appearance/font/fallback/font_writer.h"
+#include "appearance/font/fallback/machine_fonts.h"
 #include "core/xref_table.h"
+
+namespace {
+
+CPDFMachineFonts& machine_fonts()
+{
+    static CPDFMachineFonts fonts;
+    return fonts;
+}
+
+}  // namespace
 
 struct CPDFFallbackFonts::FONT {
     explicit FONT(const CPDFFontFile& file) : font(file) {}
@@ -11,6 +22,8 @@ struct CPDFFallbackFonts::FONT {
     FONT_OBJECTS objects;
     bool written = false;
 };
+
+CPDFFallbackFonts::CPDFFallbackFonts() : CPDFFallbackFonts(machine_fonts()) {}
 
 CPDFFallbackFonts::CPDFFallbackFonts(CPDFMachineFonts& machine) : m_machine(machine) {}
 
@@ -52,4 +65,9 @@ bool CPDFFallbackFonts::embed(CPDFXRefTable& xref)
         entry->written = true;
     }
     return true;
+}
+
+std::string CPDFFallbackFonts::problem()
+{
+    return machine_fonts().problem();
 }

@@ -2,20 +2,23 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
-#include "appearance/font/fallback/machine_fonts.h"
+#include "appearance/font/font_style.h"
 #include "appearance/font/text_font.h"
 #include "core/object.h"
 
 class CPDFFallbackFont;
+class CPDFMachineFonts;
 class CPDFXRefTable;
 
 // Gives out fonts for characters that a document's own fonts lack, and embeds them. Used by one caller at a time; ends with
 // the document's changes: after CPDFXRefTable::discard_changes a new one is needed.
 class CPDFFallbackFonts {
 public:
-    // `machine` is borrowed and outlives this.
+    // The fonts of the program; the other way `machine`, which is borrowed and outlives this.
+    CPDFFallbackFonts();
     explicit CPDFFallbackFonts(CPDFMachineFonts& machine);
     ~CPDFFallbackFonts();
     CPDFFallbackFonts(const CPDFFallbackFonts&) = delete;
@@ -31,6 +34,9 @@ public:
     // content streams are done and before the document is saved. A font that is written again keeps its object. False,
     // with the document as it was, when a font can't be cut down to its part or memory runs out.
     bool embed(CPDFXRefTable& xref);
+
+    // One sentence why the program has no such fonts; empty while nothing is known to be wrong.
+    static std::string problem();
 
 private:
     struct FONT;

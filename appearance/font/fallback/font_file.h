@@ -6,17 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "appearance/font/fallback/font_metrics.h"
 #include "appearance/font/fallback/harfbuzz.h"
 #include "appearance/font/text_font.h"
-
-// What a document says about an embedded font (ISO 32000-2, 9.8), in thousandths of the font size.
-struct FONT_METRICS {
-    int bbox[4] = {};  // left, bottom, right, top
-    int ascent = 0;
-    int descent = 0;  // negative below the baseline
-    bool bold = false;
-    bool italic = false;
-};
 
 // One face of a file with TrueType or CFF outlines; of a variable font, its default instance. It does not change, so that
 // threads can share it.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "appearance/font/fallback/font_file.h"
+#include "appearance/font/fallback/font_metrics.h"
 
 constexpr int FORM_FONT_FIRST = 32;  // the code that the widths begin with
 constexpr int FORM_FONT_LAST = 255;

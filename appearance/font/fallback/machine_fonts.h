@@ -7,21 +7,10 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 
 #include "appearance/font/fallback/font_file.h"
-
-// What a font should look like that stands in for another.
-struct FONT_STYLE {
-    bool serif = false;
-    bool mono = false;
-    bool bold = false;
-    bool italic = false;
-};
-
-// The style of a font by its "BaseFont" name and the "Flags" of its descriptor (ISO 32000-2, table 121), 0 without one.
-FONT_STYLE font_style(std::string_view base_font, uint32_t flags);
+#include "appearance/font/font_style.h"
 
 // One for a program: fonts are looked for when the first character asks for one, and loaded once. Threads may share it.
 class CPDFMachineFonts {
