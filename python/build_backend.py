@@ -45,8 +45,7 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
         files["formwork/py.typed"] = b""
         files[f"formwork/{LIBRARY}"] = library
     info = f"{name}.dist-info"
-    description = (HERE / "README.md").read_text(encoding="utf-8")
-    files[f"{info}/METADATA"] = METADATA.format(version=_version(), description=description).encode()
+    files[f"{info}/METADATA"] = _metadata()
     files[f"{info}/WHEEL"] = WHEEL.format(tag=tag).encode()
     files[f"{info}/LICENSE"] = (ROOT / "LICENSE").read_bytes()
     files[f"{info}/RECORD"] = _record(files, f"{info}/RECORD")
@@ -57,6 +56,14 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
             entry.external_attr = 0o644 << 16
             archive.writestr(entry, data, zipfile.ZIP_DEFLATED)
     return wheel
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    """Without this frontends would build the library to learn what the package is called."""
+    info = Path(metadata_directory) / f"formwork-{_version()}.dist-info"
+    info.mkdir()
+    (info / "METADATA").write_bytes(_metadata())
+    return info.name
 
 
 def build_sdist(sdist_directory, config_settings=None):
@@ -75,11 +82,17 @@ def _library(work):
 
 def _built_library():
     build = ROOT / "build" / "wheel"
-    subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
+    generator = ["-G", "Ninja"] if shutil.which("ninja") else []
+    subprocess.run(["cmake", "-S", ROOT, "-B", build, *generator, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
                     "-DFORMWORK_WERROR=OFF"], check=True)
     jobs = str(os.cpu_count() or 1)
     subprocess.run(["cmake", "--build", build, "--target", "formwork_shared", "--parallel", jobs], check=True)
     return build / LIBRARY
+
+
+def _metadata():
+    description = (HERE / "README.md").read_text(encoding="utf-8")
+    return METADATA.format(version=_version(), description=description).encode()
 
 
 def _version():
