@@ -58,7 +58,8 @@ export interface FillResult {
     name: string;
     /** "coerced": understood as something else than it said; "kept": the field had it already; "calculated": changed by scripts. */
     result: "set" | "coerced" | "kept" | "calculated" | "refused";
-    why: string | null;
+    /** Where it is not simply set. */
+    why?: string;
     value?: string | string[] | null;
 }
 
