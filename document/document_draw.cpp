@@ -97,7 +97,7 @@ CPDFStatus CPDFDocument::State::draw_changed()
         for (const size_t end = to_draw.size(); first < end; ++first) {
             CPDFField* const field = to_draw[first];
             if (!go_on(static_cast<double>(first) / static_cast<double>(to_draw.size())))
-                return cancelled();
+                return CPDFStatus::cancelled();
             if (fields.erase(field) == 0)
                 continue;
             // A widget that only its page knows is found when the whole form is bound.
@@ -148,7 +148,7 @@ CPDFStatus CPDFDocument::State::draw_missing()
             painter().draw_missing(field, widgets_to_draw(field));
     });
     if (!goes_on)
-        return cancelled();
+        return CPDFStatus::cancelled();
     if (redraw && redraw->left_some())
         return {};
     const PDF_CHANGE_RESULT result = clear_need_appearances(*xref, root, root_ref);
@@ -231,6 +231,7 @@ CPDFStatus CPDFDocument::State::flatten()
 void CPDFDocument::set_progress(PDF_PROGRESS progress)
 {
     m_state->progress = std::move(progress);
+    m_state->progress_calls = 0;
 }
 
 bool CPDFDocument::State::go_on(double done)

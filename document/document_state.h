@@ -190,11 +190,6 @@ inline CPDFStatus no_memory_to(const char* what)
     return CPDFStatus::failed(PDF_CODE::NO_MEMORY, std::string("there is not enough memory to ") + what);
 }
 
-inline CPDFStatus cancelled()
-{
-    return CPDFStatus::failed(PDF_CODE::CANCELLED, "the operation was cancelled");
-}
-
 inline CPDFStatus too_much_to(const char* what)
 {
     return CPDFStatus::failed(PDF_CODE::LIMIT,

@@ -30,5 +30,6 @@ struct [[nodiscard]] CPDFStatus {
 
     bool ok() const { return code == PDF_CODE::OK; }
 
+    static CPDFStatus cancelled() { return {PDF_CODE::CANCELLED, "the operation was cancelled"}; }
     static CPDFStatus failed(PDF_CODE code, std::string text) { return {code, std::move(text)}; }
 };

@@ -114,7 +114,12 @@ std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData&
         }
         items.push_back(std::move(item));
     }
+    size_t checked = 0;
     for (PDF_DATA_ITEM& item : items) {
+        if (!document.go_on(static_cast<double>(checked++) / static_cast<double>(items.size()))) {
+            document.drop_assumptions();
+            return {{item.entry, CPDFStatus::cancelled(), {}}};
+        }
         if (item.status.ok())
             item.status = check_item(document, item, fill);
         if (item.status.ok())

@@ -23,10 +23,11 @@ struct PDF_DATA_ITEM {
 };
 
 // Checks all of `data` against the fields of the document, which does not change. There is an item for each field, in the
-// order of the data, for each value in the XFA data of a form that has its values there alone, and one for each entry that is refused: a name that no field has, text that is no UTF-8 or that PDF
-// can't hold, and what CPDFDocument::check_value refuses. Values for one list box that takes several are joined; another
-// second value for a field is refused, unless it is the same. An empty text from a file leaves a field alone that takes no
-// value.
+// order of the data, for each value in the XFA data of a form that has its values there alone, and one for each entry that is
+// refused: a name that no field has, text that is no UTF-8 or that PDF can't hold, and what CPDFDocument::check_value refuses.
+// Values for one list box that takes several are joined; another second value for a field is refused, unless it is the same. An
+// empty text from a file leaves a field alone that takes no value. Where the progress of the document asks for the end there is one
+// item alone, which says so.
 std::vector<PDF_DATA_ITEM> plan_data(CPDFDocument& document, const CPDFFormData& data, PDF_FILL fill);
 
 // Fails with the sentences of all items that are refused, "; " between them, and the code of the first; ok where none is.

@@ -51,8 +51,10 @@ public:
         const VXFailureCheck memory;
         const CPDFReadAllowance allowance = m_document.reading();
         m_out = "[";
+        bool goes_on = true;
         for_each_field(m_document.form(), [&](CPDFField& field) {
-            if (!is_listed(field, what) || m_option_bytes > LIMIT_LISTED_OPTIONS)
+            goes_on = goes_on && m_document.go_on(0);
+            if (!goes_on || !is_listed(field, what) || m_option_bytes > LIMIT_LISTED_OPTIONS)
                 return;
             m_out += m_first ? "\n" : ",\n";
             m_first = false;
@@ -64,6 +66,8 @@ public:
             append_data(at);
         m_out += m_first ? "]\n" : "\n]\n";
         flush();
+        if (!goes_on)
+            return CPDFStatus::cancelled();
         if (memory.failed())
             return CPDFStatus::failed(PDF_CODE::NO_MEMORY, "there is not enough memory to list the fields");
         if (m_option_bytes > LIMIT_LISTED_OPTIONS)

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "appearance/font/fallback/fallback_font.h"
+#include "appearance/font/fallback/machine_fonts.h"
 #include "core/text.h"
 #include "file/update.h"
 #include "tests/support/alloc_walk.h"
