@@ -91,6 +91,8 @@ export class Form {
     /** The list as it is now: read again after changes. */
     readonly fields: Field[];
     list(options?: { all?: boolean }): Field[];
+    /** The same as JSON in UTF-8: bytes pass from a worker to a page faster than many objects. */
+    listBytes(options?: { all?: boolean }): Uint8Array;
     /** Pages, fields by kind, signatures, encryption, scripts, ... */
     summary(): Record<string, unknown>;
     readonly facts: Facts;

@@ -145,7 +145,8 @@ export function fieldRow(field, problem, actions) {
         listen(row, control, field, { ...actions, complain });
     }
     show(field, problem);
-    return { element: row, show, focus: () => (control?.isGroup ? row.querySelector("input:checked, input") : control?.element)?.focus() };
+    const focus = () => (control?.isGroup ? row.querySelector("input:checked, input") : control?.element)?.focus();
+    return { element: row, show, focus };
 }
 
 function listen(row, control, field, actions) {

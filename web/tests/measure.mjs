@@ -49,7 +49,8 @@ function bound(value, limit) {
 const wasm = packed("formwork.wasm");
 const kilobytes = (size) => `${(size / 1024).toFixed(1)} KB gzipped`;
 console.log(`formwork.wasm: ${kilobytes(wasm)}${bound(wasm, WASM_BOUND)}`);
-console.log(`formwork.mjs and what it imports: ${kilobytes(packed("formwork.mjs", "lib/errors.mjs", "lib/history.mjs", "lib/instance.mjs"))}`);
+const scripts = packed("formwork.mjs", "lib/errors.mjs", "lib/history.mjs", "lib/instance.mjs");
+console.log(`formwork.mjs and what it imports: ${kilobytes(scripts)}`);
 
 for (const path of [real("prefilled_f1040.pdf") ?? sample("kinds.pdf"), largeForm(1000), largeForm()]) {
     const bytes = readFileSync(path);
