@@ -12,7 +12,6 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_COMPONENTS_ALL runtime library development)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 0)  # older than any that Debian itself would make
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
@@ -28,10 +27,10 @@ set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/library_package.cmake)
 configure_file(debian/shlibs.in shlibs @ONLY)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/shlibs ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
-    "The shared library with a C interface, for programs in C, C++ and every language\nthat calls C. It reads fields, fills and edits them, and saves what changed behind\nthe bytes of the file.")
+    "The shared library with a C interface, for programs in C, C++ and every\nlanguage that calls C. It reads, fills and edits fields, and saves what changed\nbehind the bytes of the file.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libformwork-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libformwork0 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libformwork0 (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "The headers for C and C++, and what pkg-config and CMake need to link programs\nwith the library: formwork.pc, and Formwork::formwork of find_package.")
 
@@ -49,12 +48,12 @@ option(FORMWORK_DEBIAN "Install what Debian packages need: copyright, changelog,
 if(FORMWORK_DEBIAN)
     string(TIMESTAMP BUILD_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
     configure_file(debian/changelog.in changelog @ONLY)
-    add_custom_command(OUTPUT changelog.Debian.gz COMMAND ${GZIP_PROGRAM} -9nc changelog > changelog.Debian.gz DEPENDS changelog)
-    add_custom_target(formwork_changelog ALL DEPENDS changelog.Debian.gz)
+    add_custom_command(OUTPUT changelog.gz COMMAND ${GZIP_PROGRAM} -9nc changelog > changelog.gz DEPENDS changelog)
+    add_custom_target(formwork_changelog ALL DEPENDS changelog.gz)
     foreach(component IN ITEMS runtime library development)
         string(TOUPPER ${component} COMPONENT)
         set(package ${CPACK_DEBIAN_${COMPONENT}_PACKAGE_NAME})
-        install(FILES debian/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${docs}/${package}
+        install(FILES debian/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz DESTINATION ${docs}/${package}
             COMPONENT ${component})
         if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/${package}.lintian-overrides)
             install(FILES debian/${package}.lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides

@@ -12,5 +12,5 @@ emcmake cmake -S "$ROOT" -B "$OUT/engine" -G Ninja -DCMAKE_BUILD_TYPE=MinSizeRel
     -DCMAKE_FIND_ROOT_PATH="$OUT/libraries" \
     -DCMAKE_CXX_FLAGS="-isystem $OUT/libraries/include -include $ROOT/web/engine/library_gaps.h" \
     -DCMAKE_CXX_FLAGS_MINSIZEREL="-Oz -finline-functions -DNDEBUG" >/dev/null
-cmake --build "$OUT/engine" --target formwork_wasm ${2:+-j "$2"}
+cmake --build "$OUT/engine" --target formwork_wasm ${2:+-j "$2"} -- -k 0
 cp "$OUT/engine/web/engine/formwork.wasm" "$OUT/formwork.wasm"
