@@ -7,7 +7,7 @@ fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw
     hand_out(field, fw_field{0});
     if (!json)
         return bad_argument("the JSON is NULL");
-    return edit(document, [&](fw_document& at) {
+    return edit(document, flags, [&](fw_document& at) {
         PDF_NEW_FIELD request;
         PDF_FIELD_DESIGN design;
         CPDFField* added = nullptr;
@@ -16,8 +16,8 @@ fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw
             status = at.document.add_field(request, edit_of(flags), &added);
         if (status.ok() && design.sets_any()) {
             status = at.document.design_fields({&added, 1}, design, edit_of(flags));
-            if (!status.ok() && at.document.remove_field(*added, edit_of(flags)).ok())
-                return status;
+            if (!status.ok() && !at.document.remove_field(*added, edit_of(flags)).ok())
+                status.code = PDF_CODE::DAMAGED;
         }
         if (status.ok())
             hand_out(field, at.handles.handle_of(at.document, added));
@@ -29,7 +29,7 @@ fw_code fw_change_field(fw_document* document, fw_field field, const char* json,
 {
     if (!json)
         return bad_argument("the JSON is NULL");
-    return edit_field(document, field, [&](fw_document& at, CPDFField& found) {
+    return edit_field(document, field, flags, [&](fw_document& at, CPDFField& found) {
         PDF_FIELD_CHANGE change;
         PDF_FIELD_DESIGN design;
         std::optional<PDF_MOVE> move;

@@ -6,20 +6,23 @@
 
 CPDFStatus fw_document::load_form()
 {
-    if (document.has_loaded_form())
-        return {};
+    const bool loaded = document.has_loaded_form();
     document.field_notes();  // they are taken while the form is loaded
     CPDFStatus status;
     do
         status = document.load_form();
     while (status.ok() && mend());
-    note_document();
+    if (!loaded)
+        note_document();
     return status;
 }
 
 bool fw_document::mend()
 {
-    return change == 1 && handles.empty() && document.mend();
+    if (change > 1 || !handles.empty() || !document.mend())
+        return false;
+    structure_changed();
+    return true;
 }
 
 CPDFStatus fw_document::load_list()

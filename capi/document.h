@@ -48,6 +48,13 @@ struct fw_document {
     void forget_notes();
 };
 
+// Refuses a flag that the call does not take, since whoever gives it wants nothing changed.
+inline CPDFStatus refuse_check_only(unsigned flags)
+{
+    return flags & FW_CHECK_ONLY ? CPDFStatus::failed(PDF_CODE::BAD_REQUEST, "this call can't be checked only")
+                                 : CPDFStatus();
+}
+
 inline PDF_FILL fill_of(unsigned flags)
 {
     return flags & FW_FORCE ? PDF_FILL::FORCE : PDF_FILL::RESPECT_READ_ONLY;
@@ -68,7 +75,12 @@ fw_code stale_field();
 template <typename Operation>
 fw_code call_with(fw_document* document, const Operation& operation) noexcept
 {
-    return call([&] { return document ? operation(*document) : no_document(); });
+    return call([&] {
+        if (!document)
+            return no_document();
+        document->document.begin_progress();
+        return operation(*document);
+    });
 }
 
 // Runs `operation(fw_document&, CPDFField&)`.

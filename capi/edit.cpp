@@ -1,6 +1,7 @@
 // Changing the form itself.
 #include "capi/edit.h"
 #include "document/lookup/field_text.h"
+#include "forms/field.h"
 #include "forms/field_walk.h"
 
 namespace {
@@ -20,22 +21,48 @@ CPDFStatus move_field(fw_document& at, fw_field handle, CPDFField*& field, const
         return at.document.no_field(group);
     const std::vector<CPDFField*> old = tree_of(*field);
     CPDFField* moved = nullptr;
-    const CPDFStatus status = at.document.move_field(*field, parent, edit_of(flags), &moved);
+    CPDFStatus status = at.document.move_field(*field, parent, edit_of(flags), &moved);
     if (!status.ok())
         return status;
     at.handles.end(old);
     at.handles.end_missing(at.document);
-    if (moved)
-        at.handles.replace(handle, moved);
+    if (!moved)
+        return CPDFStatus::failed(PDF_CODE::DAMAGED, "the field is moved, but can't be read at its new place");
+    at.handles.replace(handle, moved);
     field = moved;
-    return {};
+    return status;
+}
+
+struct NEW_NAME {
+    std::string part;
+    std::string group;
+};
+
+// Both at once, or nothing: either may stand in the way of the other for a moment.
+CPDFStatus rename_and_move(fw_document& at, fw_field handle, CPDFField& found, const NEW_NAME& to, unsigned flags)
+{
+    const NEW_NAME from = {utf8_of(found.m_name), found.m_parent ? full_name(*found.m_parent) : std::string()};
+    CPDFField* field = &found;
+    CPDFStatus status = at.document.rename_field(*field, to.part, edit_of(flags));
+    if (status.ok()) {
+        status = move_field(at, handle, field, to.group, flags);
+        if (is_refusal(status.code) && !at.document.rename_field(*field, from.part, edit_of(flags)).ok())
+            status.code = PDF_CODE::DAMAGED;
+        return status;
+    }
+    if (is_refusal(status.code) && move_field(at, handle, field, to.group, flags).ok()) {
+        status = at.document.rename_field(*field, to.part, edit_of(flags));
+        if (is_refusal(status.code) && !move_field(at, handle, field, from.group, flags).ok())
+            status.code = PDF_CODE::DAMAGED;
+    }
+    return status;
 }
 
 }  // namespace
 
 fw_code fw_remove_field(fw_document* document, fw_field field, unsigned flags)
 {
-    return edit_field(document, field, [&](fw_document& at, CPDFField& found) {
+    return edit_field(document, field, flags, [&](fw_document& at, CPDFField& found) {
         const std::vector<CPDFField*> old = tree_of(found);
         CPDFStatus status = at.document.remove_field(found, edit_of(flags));
         if (status.ok()) {
@@ -48,22 +75,23 @@ fw_code fw_remove_field(fw_document* document, fw_field field, unsigned flags)
 
 fw_code fw_rename_field(fw_document* document, fw_field field, const char* name, const char* group, unsigned flags)
 {
-    return edit_field(document, field, [&](fw_document& at, CPDFField& found) {
+    return edit_field(document, field, flags, [&](fw_document& at, CPDFField& found) {
         if (name && !is_utf8(name))
             return CPDFStatus::failed(PDF_CODE::BAD_EDIT, "the name " + in_quotes(name) + " is not UTF-8");
-        CPDFField* at_field = &found;
-        CPDFStatus status = group ? move_field(at, field, at_field, group, flags) : CPDFStatus();
-        if (status.ok() && name && at_field)
-            status = at.document.rename_field(*at_field, name, edit_of(flags));
-        return status;
+        if (name && group)
+            return rename_and_move(at, field, found, {name, group}, flags);
+        CPDFField* moved = &found;
+        if (group)
+            return move_field(at, field, moved, group, flags);
+        return name ? at.document.rename_field(found, name, edit_of(flags)) : CPDFStatus();
     });
 }
 
 fw_code fw_flatten(fw_document* document, unsigned flags)
 {
-    return edit(document, [flags](fw_document& at) {
+    return edit(document, flags, [flags](fw_document& at) {
         CPDFStatus status = at.document.flatten(edit_of(flags));
-        if (status.code != PDF_CODE::NOT_PERMITTED && status.code != PDF_CODE::READ_ONLY)
+        if (status.ok())
             at.all_changed();
         return status;
     });
@@ -75,14 +103,14 @@ fw_code fw_append(fw_document* document, fw_document* other, fw_same_names names
         return bad_argument(other ? "a document is not appended to itself" : "the other document is NULL");
     if (names < FW_REFUSE || names > FW_JOIN)
         return bad_argument("there is no such way to treat fields with one name");
-    return edit(document, [&](fw_document& at) {
+    return edit(document, flags, [&](fw_document& at) {
         std::vector<std::string> notes;
         CPDFStatus status = other->load_form();
         if (status.ok())
             status = at.document.append(other->document, static_cast<PDF_SAME_NAMES>(names), edit_of(flags), &notes);
-        at.note_all(notes);
         at.all_changed();
         other->all_changed();
+        at.note_all(notes);
         return status;
     });
 }

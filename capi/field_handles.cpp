@@ -87,7 +87,7 @@ void FieldHandles::end(std::span<CPDFField* const> fields)
 }
 
 void FieldHandles::end_missing(CPDFDocument& document)
-{
+try {
     std::unordered_set<const CPDFField*> present;
     for_each_field(document.form(), [&present](const CPDFField& field) { present.insert(&field); });
     std::vector<CPDFField*> gone;
@@ -96,6 +96,8 @@ void FieldHandles::end_missing(CPDFDocument& document)
             gone.push_back(slot.field);
     }
     end(gone);
+} catch (const std::bad_alloc&) {
+    end_all();
 }
 
 void FieldHandles::end_all()

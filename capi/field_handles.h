@@ -40,7 +40,7 @@ public:
     // What was kept for the field of a handle that is good.
     FIELD_TEXTS_KEPT& texts_of(fw_field handle);
 
-    // The handles of these fields end; or those of all that the form has no more.
+    // The handles of these fields end; or those of all that the form has no more: of every one where memory runs out.
     void end(std::span<CPDFField* const> fields);
     void end_missing(CPDFDocument& document);
     void end_all();

@@ -149,8 +149,8 @@ CPDFField* find(fw_document& at, const char* name, unsigned flags, CPDFStatus& w
 
 fw_code fw_field_count(fw_document* document, size_t* count)
 {
+    hand_out(count, size_t{0});
     return call_with(document, [&](fw_document& at) {
-        hand_out(count, size_t{0});
         const CPDFStatus status = at.load_list();
         hand_out(count, at.list.size());
         return result_of(status);
@@ -159,8 +159,8 @@ fw_code fw_field_count(fw_document* document, size_t* count)
 
 fw_code fw_field_at(fw_document* document, size_t index, fw_field* field)
 {
+    hand_out(field, fw_field{0});
     return call_with(document, [&](fw_document& at) {
-        hand_out(field, fw_field{0});
         if (const CPDFStatus status = at.load_list(); !status.ok())
             return result_of(status);
         if (index >= at.list.size())
@@ -172,8 +172,8 @@ fw_code fw_field_at(fw_document* document, size_t index, fw_field* field)
 
 fw_code fw_find_field(fw_document* document, const char* name, unsigned flags, fw_field* field)
 {
+    hand_out(field, fw_field{0});
     return call_with(document, [&](fw_document& at) {
-        hand_out(field, fw_field{0});
         if (!name)
             return bad_argument("the name is NULL");
         CPDFStatus why;
@@ -185,8 +185,8 @@ fw_code fw_find_field(fw_document* document, const char* name, unsigned flags, f
 
 fw_code fw_field_of_object(fw_document* document, uint32_t object, fw_field* field)
 {
+    hand_out(field, fw_field{0});
     return call_with(document, [&](fw_document& at) {
-        hand_out(field, fw_field{0});
         if (const CPDFStatus status = at.load_list(); !status.ok())
             return result_of(status);
         const auto found = std::find_if(at.list.begin(), at.list.end(), [&](const CPDFField* listed) {

@@ -16,5 +16,5 @@ CPDFStatus fill_document(fw_document& at, const CPDFFormData& data, unsigned fla
 // The same for what a file says, whose names and cells are made those of fields first.
 CPDFStatus fill_from_file(fw_document& at, CPDFFormData data, unsigned flags, std::string* report);
 
-// Hands out such lines as an array. Returns `code`, or why that failed.
+// Hands out such lines as an array, none where the call failed before there were any. Returns `code`, or why that failed.
 fw_code hand_out_report(fw_code code, const std::string& lines, char** report, size_t* size);

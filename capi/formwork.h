@@ -93,13 +93,14 @@ typedef struct fw_rows fw_rows;
 
 /**
  * A field of a document: a handle that is checked whenever it is used. It stays good until the field is removed, the form
- * is flattened, documents are appended, or changes of the structure are reverted; from then on it is FW_STALE, also in another
- * document, and never means another field. While it is good, every call hands out the same handle for that field. 0 is no
- * field.
+ * is flattened, documents are appended, changes of the structure are reverted, or one of them fails half-way (FW_DAMAGED, FW_LIMIT,
+ * FW_NO_MEMORY); from then on it is FW_STALE, also in another document, and never means another field. While it is good,
+ * every call hands out the same handle for that field. 0 is no field.
  */
 typedef uint64_t fw_field;
 
-/** How a call is made: FW_PLAIN, or several of these joined by "|". What a function does not name, it passes over. */
+/** How a call is made: FW_PLAIN, or several of these joined by "|". What a function does not name, it passes over, but for
+ * FW_CHECK_ONLY, which calls refuse that would change something. */
 enum fw_flags FW_AS_INT {
     FW_PLAIN = 0,
     FW_FORCE = 1,           /**< also where fields are read-only, signatures lock them, or permissions forbid it */
@@ -178,12 +179,14 @@ typedef enum fw_option FW_AS_INT {
 FW_API fw_code fw_set_option(fw_document* document, fw_option option, long value);
 
 /**
- * Called now and then by calls that take long; `done` goes from 0 to 1. The call ends with FW_CANCELLED where it returns
- * anything but 0. It must not call functions with the same document.
+ * Called now and then by calls that take long; `done` goes from 0 to 1, more than once where a call does several things. The call
+ * ends with FW_CANCELLED where it returns anything but 0: with nothing changed but what is drawn again. It must not call functions
+ * with the same document.
  */
 typedef int (*fw_progress)(double done, void* user);
 
-/** Sets the callback of a document, NULL for none; `user` is handed to it. Calls that can be cancelled say so. */
+/** Sets the callback of a document, NULL for none; `user` is handed to it. Lists, values, changes of the form and saving can
+ * be cancelled. */
 FW_API fw_code fw_set_progress(fw_document* document, fw_progress progress, void* user);
 
 /**
@@ -280,8 +283,8 @@ FW_API fw_code fw_widget_at(fw_document* document, fw_field field, size_t index,
 
 /**
  * The list as a JSON array of objects, one for each field in the order of fw_field_at, with all that the functions above tell,
- * and more; behind them, of a form that has XFA data alone, their values. One call of this takes less time than many of those. With FW_ALL_FIELDS also the fields without
- * a name of their own. Can be cancelled.
+ * and more; behind them, of a form that has XFA data alone, their values. One call of this takes less time than many of those.
+ * With FW_ALL_FIELDS also the fields without a name of their own. Can be cancelled.
  */
 FW_API fw_code fw_list_json(fw_document* document, unsigned flags, char** json, size_t* size);
 
@@ -317,18 +320,20 @@ typedef enum fw_format FW_AS_INT {
 } fw_format;
 
 /**
- * Puts form data into the fields: all values or, where one of them is refused, none. Then the form is calculated. The code of a
- * refusal is that of the first one, and the sentence names all. `report`, unless it is NULL, becomes a JSON array with an object for
- * every name, also where values are refused: {"name","result","why","value"}; "result" is "set", "coerced" (understood as something else than it said), "kept" (the
- * field has it already), "calculated" (changed by scripts) or "refused", which "why" explains.
- * FW_FORCE, FW_CHECK_ONLY, FW_IGNORE_UNKNOWN. Can be cancelled before values change.
+ * Puts form data into the fields: all values or, where one of them is refused, none. Then the form is calculated. The code of
+ * a refusal is that of the first one, and the sentence names all. `report`, unless it is NULL, becomes a JSON array with an object
+ * for every name, also where values are refused, but not where the data can't be read: {"name","result","why","value"}. "result" is
+ * "set", "coerced" (understood as something else than it said), "kept" (the field has it already), "calculated" (changed by
+ * scripts) or "refused", which "why" explains; where anything is refused, or only checked, it is what would be. "value" is what the
+ * field has after the call, or the value that is refused. FW_FORCE, FW_CHECK_ONLY, FW_IGNORE_UNKNOWN. Can be cancelled before
+ * values change.
  */
 FW_API fw_code fw_fill(fw_document* document, fw_format format, const void* data, size_t size, unsigned flags,
                        char** report, size_t* report_size);
 
 /**
- * The values of the fields as form data; of `fields` with all under them where `count` is not 0. FW_SHOWN goes with the first four
- * formats, fields with all but FW_XFA.
+ * The values of the fields as form data; of `fields` with all under them where `count` is not 0. FW_SHOWN goes with the first
+ * four formats, fields with all but FW_XFA.
  */
 FW_API fw_code fw_export(fw_document* document, fw_format format, const fw_field* fields, size_t count, unsigned flags,
                          char** data, size_t* size);
@@ -336,7 +341,7 @@ FW_API fw_code fw_export(fw_document* document, fw_format format, const fw_field
 /** Brings the fields, and all under them, to their defaults; all fields where `count` is 0. The form is calculated. FW_FORCE. */
 FW_API fw_code fw_reset(fw_document* document, const fw_field* fields, size_t count, unsigned flags);
 
-/** Runs all calculations of the form once more. */
+/** Runs all calculations of the form once more; refused where permissions forbid to fill the form. */
 FW_API fw_code fw_calculate(fw_document* document);
 
 /** Drops every change since the document was opened. Handles end where the structure was changed. */
@@ -353,9 +358,9 @@ FW_API fw_code fw_open_rows(fw_format format, const void* data, size_t size, fw_
 FW_API fw_code fw_row_count(fw_rows* rows, size_t* count);
 
 /**
- * Reverts the document and fills it with the next row, as fw_fill does; empty cells leave a field as it is, and several values in a cell are
- * divided by "|". `number` is that of the row, from 1. A row that is refused leaves the document reverted; the next call goes on with
- * the row behind it. FW_END behind the last one, with nothing done.
+ * Reverts the document and fills it with the next row, as fw_fill does; empty cells leave a field as it is, and several values in a
+ * cell are divided by "|". `number` is that of the row, from 1, also of one that is refused. That leaves the document reverted, and
+ * the next call goes on with the row behind it. FW_END behind the last one, with nothing done.
  */
 FW_API fw_code fw_fill_row(fw_rows* rows, fw_document* document, unsigned flags, size_t* number, char** report,
                            size_t* report_size);
@@ -369,7 +374,10 @@ FW_API void fw_close_rows(fw_rows* rows);
  * them. Signatures and permissions forbid changes unless FW_FORCE is given.
  * @{ */
 
-/** Adds a field: {"kind": "text", "name": "address.city", "places": [{"page": 1, "rect": [x, y, width, height]}], ...}. */
+/**
+ * Adds a field: {"kind": "text", "name": "address.city", "places": [{"page": 1, "rect": [x, y, width, height]}], ...}. Where its
+ * looks are refused, it is added and removed again.
+ */
 FW_API fw_code fw_add_field(fw_document* document, const char* json, unsigned flags, fw_field* field);
 
 /**
@@ -382,8 +390,8 @@ FW_API fw_code fw_change_field(fw_document* document, fw_field field, const char
 FW_API fw_code fw_remove_field(fw_document* document, fw_field field, unsigned flags);
 
 /**
- * Gives the field another partial name, unless `name` is NULL, and moves it under another group, unless `group` is NULL: one with this
- * full name, or the top for "". The handle stays good; after a move those of the fields under it end.
+ * Gives the field another partial name, unless `name` is NULL, and moves it under another group, unless `group` is NULL: one with
+ * this full name, or the top for "". The handle stays good; after a move those of the fields under it end.
  */
 FW_API fw_code fw_rename_field(fw_document* document, fw_field field, const char* name, const char* group,
                                unsigned flags);
@@ -394,14 +402,16 @@ FW_API fw_code fw_flatten(fw_document* document, unsigned flags);
 /** What becomes of fields that both documents have. */
 typedef enum fw_same_names FW_AS_INT { FW_REFUSE = 0, FW_RENAME = 1, FW_JOIN = 2 } fw_same_names;
 
-/** Appends the pages and fields of `other`, which may be closed then. All handles of `document` end. After a failure `document` is to
- * be reverted. */
+/**
+ * Appends the pages and fields of `other`, which is changed by that and to be closed then. All handles of both documents end. After
+ * a failure `document` is to be reverted.
+ */
 FW_API fw_code fw_append(fw_document* document, fw_document* other, fw_same_names names, unsigned flags);
 
 /** @} */
 /** @name Saving
- * Widgets whose value changed are drawn by these calls, which can be cancelled: nothing is written then. They may be called more than once; each
- * writes all changes since the document was opened.
+ * Widgets whose value changed are drawn by these calls, which can be cancelled: nothing is written then. They may be called more
+ * than once; each writes all changes since the document was opened.
  * @{ */
 
 /** Writes the file at `path`, which is replaced as a whole or stays as it was; it may be the one that was opened. */

@@ -18,7 +18,6 @@
 #include <cstdlib>
 #include <functional>
 #include <initializer_list>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -218,7 +217,14 @@ public:
             texts.push_back(value.c_str());
         return detail::done(fw_set_values(m_document, m_handle, texts.data(), texts.size(), flags));
     }
-    result<void> set(const char* value, unsigned flags = FW_PLAIN) const { return set(std::string(value), flags); }
+    result<void> set(std::initializer_list<const char*> values, unsigned flags = FW_PLAIN) const
+    {
+        return detail::done(fw_set_values(m_document, m_handle, values.begin(), values.size(), flags));
+    }
+    result<void> set(const char* value, unsigned flags = FW_PLAIN) const
+    {
+        return detail::done(fw_set_value(m_document, m_handle, value, flags));
+    }
 
     /** Whether the field would take the value. */
     result<void> check(const std::string& value, unsigned flags = FW_PLAIN) const
@@ -260,7 +266,7 @@ struct open_options {
     bool no_repair = false;
 };
 
-/** A document. It is moved, not copied, and closes itself. */
+/** A document. It is moved, not copied, and closes itself; one that was moved from refuses every call. */
 class document {
 public:
     static result<document> open(const std::string& path, const open_options& options = {})
@@ -269,7 +275,7 @@ public:
             return fw_open_file(path.c_str(), given, out);
         });
     }
-    static result<document> open(const void* bytes, size_t size, const open_options& options = {})
+    static result<document> open_bytes(const void* bytes, size_t size, const open_options& options = {})
     {
         return open_with(options, [&](const fw_open_options* given, fw_document** out) {
             return fw_open_bytes(bytes, size, given, out);
@@ -277,7 +283,7 @@ public:
     }
 
     /** For calls of formwork.h; borrowed. */
-    fw_document* get() const { return m_held->document; }
+    fw_document* get() const { return m_held ? m_held->document : nullptr; }
 
     bool has(fw_fact fact) const
     {
@@ -289,6 +295,8 @@ public:
     /** `progress(done)` returns whether to go on; it must not throw. */
     result<void> set_progress(std::function<bool(double done)> progress)
     {
+        if (!m_held)
+            return detail::done(fw_set_progress(nullptr, nullptr, nullptr));
         m_held->progress = std::move(progress);
         const fw_progress call = [](double done, void* user) {
             return (*static_cast<std::function<bool(double)>*>(user))(done) ? 0 : 1;

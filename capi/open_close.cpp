@@ -1,4 +1,7 @@
 // Opening documents, what there is to know of one as a whole, and its options.
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <span>
 
@@ -8,11 +11,10 @@
 namespace {
 
 // The members that the caller's header has; the others are 0.
-fw_open_options known_options(const fw_open_options* given)
+fw_open_options known_options(const fw_open_options& given)
 {
     fw_open_options options = {};
-    if (given && given->struct_size >= sizeof options)
-        options = *given;
+    std::memcpy(&options, &given, std::min(given.struct_size, sizeof options));
     return options;
 }
 
@@ -23,10 +25,11 @@ fw_code open_with(const fw_open_options* given, fw_document** out, const Open& o
     if (!out)
         return bad_argument("there is no place for the document");
     *out = nullptr;
-    if (given && given->struct_size < sizeof(fw_open_options))
+    constexpr size_t FIRST_SIZE = offsetof(fw_open_options, no_repair) + sizeof(int);  // of the first version
+    if (given && given->struct_size < FIRST_SIZE)
         return bad_argument("the options have no struct_size");
     return call([&] {
-        const fw_open_options options = known_options(given);
+        const fw_open_options options = given ? known_options(*given) : fw_open_options{};
         auto made = std::make_unique<fw_document>();
         made->document.set_rescue(options.no_repair ? PDF_RESCUE::OFF : PDF_RESCUE::REPAIR);
         const CPDFStatus status = open(made->document, options.password ? options.password : "", options.borrow != 0);
@@ -65,16 +68,21 @@ bool fact_of(fw_document& at, fw_fact fact)
 
 fw_code fw_open_file(const char* path, const fw_open_options* options, fw_document** document)
 {
+    hand_out<fw_document*>(document, nullptr);
+    if (!path)
+        return bad_argument("the path is NULL");
     return open_with(options, document, [path](CPDFDocument& made, const char* password, bool /*borrow*/) {
-        return path ? made.open(std::string(path), PDF_LOAD::NAMED_FIELDS, password)
-                    : CPDFStatus::failed(PDF_CODE::BAD_REQUEST, "the path is NULL");
+        return made.open(std::string(path), PDF_LOAD::NAMED_FIELDS, password);
     });
 }
 
 fw_code fw_open_bytes(const void* bytes, size_t size, const fw_open_options* options, fw_document** document)
 {
+    hand_out<fw_document*>(document, nullptr);
+    if (!bytes && size > 0)
+        return bad_argument("the bytes are NULL");
     return open_with(options, document, [&](CPDFDocument& made, const char* password, bool borrow) {
-        const std::span<const uint8_t> given(static_cast<const uint8_t*>(bytes), bytes ? size : 0);
+        const std::span<const uint8_t> given(static_cast<const uint8_t*>(bytes), size);
         if (borrow)
             return made.open_borrowed(given, PDF_LOAD::NAMED_FIELDS, password);
         return made.open(std::vector<uint8_t>(given.begin(), given.end()), PDF_LOAD::NAMED_FIELDS, password);
@@ -88,8 +96,8 @@ void fw_close(fw_document* document)
 
 fw_code fw_has(fw_document* document, fw_fact fact, int* holds)
 {
+    hand_out(holds, 0);
     return call_with(document, [&](fw_document& at) {
-        hand_out(holds, 0);
         if (fact < FW_HAS_FORM || fact > FW_WAS_REPAIRED)
             return bad_argument("there is no such fact");
         hand_out(holds, fact_of(at, fact) ? 1 : 0);
@@ -141,6 +149,7 @@ fw_code fw_set_progress(fw_document* document, fw_progress progress, void* user)
 
 fw_code fw_note(fw_document* document, size_t index, const char** note)
 {
+    hand_out<const char*>(note, nullptr);
     return call_with(document, [&](fw_document& at) {
         at.note_document();
         hand_out(note, index < at.notes.size() ? at.notes[index].c_str() : nullptr);

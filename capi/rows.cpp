@@ -52,10 +52,10 @@ fw_code fw_fill_row(fw_rows* rows, fw_document* document, unsigned flags, size_t
         if (!rows->rows.next(row))
             return fail_with(FW_END, "there is no further row");
         hand_out(number, row.number);
-        if (!row.status.ok())
-            return result_of(row.status);
         if (const fw_code reverted = fw_revert(document); reverted != FW_OK)
             return reverted;
+        if (!row.status.ok())
+            return result_of(row.status);
         return result_of(fill_from_file(at, std::move(row.data), flags, report ? &lines : nullptr));
     });
     return hand_out_report(code, lines, report, report_size);

@@ -1,5 +1,6 @@
 // What leaves the library as a file.
 #include "capi/document.h"
+#include "document/notes.h"
 
 namespace {
 
@@ -13,6 +14,7 @@ CPDFStatus make_update(fw_document& at, std::string& update)
         status = at.document.make_update(update);
     at.note_all(notes);
     at.note_document();
+    at.note(skipped_scripts_note(at.document.skipped_scripts()));
     return status;
 }
 

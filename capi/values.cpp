@@ -51,7 +51,7 @@ CPDFStatus fill_from_file(fw_document& at, CPDFFormData data, unsigned flags, st
 
 fw_code hand_out_report(fw_code code, const std::string& lines, char** report, size_t* size)
 {
-    if (!report)
+    if (!report || (code != FW_OK && lines.empty()))
         return code;
     return call([&] {
         std::string array = "[";
@@ -137,11 +137,13 @@ fw_code fw_reset(fw_document* document, const fw_field* fields, size_t count, un
         std::vector<CPDFField*> found;
         if (const fw_code code = fields_of(at, fields, count, found); code != FW_OK)
             return code;
-        if (const CPDFStatus status = check_may_fill(at.document, flags); !status.ok())
+        CPDFStatus status = refuse_check_only(flags);
+        if (status.ok())
+            status = check_may_fill(at.document, flags);
+        if (!status.ok())
             return result_of(status);
         at.values_changed();
-        const CPDFStatus status =
-            count == 0 ? at.document.reset(fill_of(flags)) : at.document.reset(found, fill_of(flags));
+        status = count == 0 ? at.document.reset(fill_of(flags)) : at.document.reset(found, fill_of(flags));
         at.note(at.writes_xfa ? std::string() : xfa_note(at.document, false));
         return result_of(status);
     });
@@ -150,6 +152,8 @@ fw_code fw_reset(fw_document* document, const fw_field* fields, size_t count, un
 fw_code fw_calculate(fw_document* document)
 {
     return call_with(document, [](fw_document& at) {
+        if (const CPDFStatus status = check_may_fill(at.document, FW_PLAIN); !status.ok())
+            return result_of(status);
         at.values_changed();
         return result_of(at.document.calculate());
     });
@@ -158,10 +162,9 @@ fw_code fw_calculate(fw_document* document)
 fw_code fw_revert(fw_document* document)
 {
     return call_with(document, [](fw_document& at) {
-        const bool ends_fields = at.document.has_edits();
-        at.document.revert();
-        if (ends_fields)
+        if (at.document.has_edits())
             at.all_changed();
+        at.document.revert();
         at.values_changed();
         at.forget_notes();
         return FW_OK;

@@ -314,7 +314,8 @@ public:
     // For what takes long from now on, such as drawing many fields when the document is saved; null for none. After CANCELLED nothing
     // is written, and the operation may be called again.
     void set_progress(PDF_PROGRESS progress);
-    // Tells it, not at every call; false when the operation is to end.
+    // Tells it, not at every call but at the first one after begin_progress; false when the operation is to end.
+    void begin_progress();
     bool go_on(double done);
 
     // Whether so much was read since the last operation, or when the widgets were bound, that objects and streams read as

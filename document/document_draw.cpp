@@ -142,8 +142,10 @@ CPDFStatus CPDFDocument::State::draw()
 CPDFStatus CPDFDocument::State::draw_missing()
 {
     bool goes_on = true;
-    for_each_field(loaded_form(), [this, &goes_on](CPDFField& field) {
-        goes_on = goes_on && go_on(0);
+    size_t done = 0;
+    const size_t all = count_fields(loaded_form());
+    for_each_field(loaded_form(), [&](CPDFField& field) {
+        goes_on = goes_on && go_on(static_cast<double>(done++) / static_cast<double>(all));
         if (goes_on && &value_field(field) == &field && field.m_type != FIELD_UNKNOWN)
             painter().draw_missing(field, widgets_to_draw(field));
     });
@@ -231,6 +233,11 @@ CPDFStatus CPDFDocument::State::flatten()
 void CPDFDocument::set_progress(PDF_PROGRESS progress)
 {
     m_state->progress = std::move(progress);
+    begin_progress();
+}
+
+void CPDFDocument::begin_progress()
+{
     m_state->progress_calls = 0;
 }
 

@@ -1,6 +1,8 @@
 // The one way to walk the whole field tree.
 #pragma once
 
+#include <cstddef>
+
 #include "forms/acro_form.h"
 #include "forms/field.h"
 
@@ -24,4 +26,12 @@ void for_each_field(CPDFAcroForm& form, Visit&& visit)
         if (form.m_fields[i])
             for_each_field(*form.m_fields[i], visit);
     }
+}
+
+// How many fields the form has.
+inline size_t count_fields(CPDFAcroForm& form)
+{
+    size_t count = 0;
+    for_each_field(form, [&count](const CPDFField&) { ++count; });
+    return count;
 }

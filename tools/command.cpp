@@ -39,6 +39,22 @@ public:
     Reserve& operator=(const Reserve&) = delete;
 };
 
+struct COMMAND_VERB {
+    const char* name;
+    void (*add)(CLI::App& app, COMMAND_ACTION& action);
+};
+
+// In the order of the help.
+constexpr COMMAND_VERB VERBS[] = {
+    {"list", add_list_verb},       {"get", add_get_verb},         {"compare", add_compare_verb},
+    {"fill", add_fill_verb},       {"reset", add_reset_verb},     {"calculate", add_calculate_verb},
+    {"export", add_export_verb},   {"extract", add_extract_verb}, {"draw", add_draw_verb},
+    {"add", add_add_verb},         {"move", add_move_verb},       {"copy", add_copy_verb},
+    {"tabs", add_tabs_verb},       {"remove", add_remove_verb},   {"rename", add_rename_verb},
+    {"set", add_set_verb},         {"merge", add_merge_verb},     {"join", add_join_verb},
+    {"actions", add_actions_verb},
+};
+
 // The words in the order that CLI11 wants, last first. All that may be a name, a value or a file is marked; the verb and
 // options are not.
 std::vector<std::string> words_of(int argc, char** argv)
@@ -76,7 +92,7 @@ int run(int argc, char** argv)
     std::optional<Reserve> reserve(std::in_place);
     CLI::App app;
     COMMAND_ACTION action;
-    describe_command(app, action);
+    describe_command(app, action, argc > 1 ? argv[1] : "");
     const std::vector<std::string> words = words_of(argc, argv);
     try {
         app.parse(std::vector<std::string>(words));
@@ -93,7 +109,7 @@ int run(int argc, char** argv)
 
 }  // namespace
 
-void describe_command(CLI::App& app, COMMAND_ACTION& action)
+void describe_command(CLI::App& app, COMMAND_ACTION& action, std::string_view verb)
 {
     app.name("formwork");
     app.description("Shows, reads, fills, exports, edits and draws the forms of PDF files.");
@@ -103,27 +119,14 @@ void describe_command(CLI::App& app, COMMAND_ACTION& action)
     app.get_formatter()->label("SUBCOMMAND", "VERB FILE ...");
     app.footer("Exits 0 when done, 1 when a file or a value was refused, 2 for wrong usage, 3\n"
                "when some of many rows or files were refused.");
-    add_list_verb(app, action);
-    add_get_verb(app, action);
-    add_compare_verb(app, action);
-    add_fill_verb(app, action);
-    add_reset_verb(app, action);
-    add_calculate_verb(app, action);
-    add_export_verb(app, action);
-    add_extract_verb(app, action);
-    add_draw_verb(app, action);
-    add_add_verb(app, action);
-    add_move_verb(app, action);
-    add_copy_verb(app, action);
-    add_tabs_verb(app, action);
-    add_remove_verb(app, action);
-    add_rename_verb(app, action);
-    add_set_verb(app, action);
-    add_merge_verb(app, action);
-    add_join_verb(app, action);
-    add_actions_verb(app, action);
-    for (CLI::App* verb : app.get_subcommands({}))
-        verb->group("Verbs");
+    const auto* const chosen =
+        std::find_if(std::begin(VERBS), std::end(VERBS), [&](const COMMAND_VERB& at) { return verb == at.name; });
+    if (chosen != std::end(VERBS))
+        chosen->add(app, action);
+    else
+        std::for_each(std::begin(VERBS), std::end(VERBS), [&](const COMMAND_VERB& at) { at.add(app, action); });
+    for (CLI::App* added : app.get_subcommands({}))
+        added->group("Verbs");
 }
 
 int run_command(int argc, char** argv)

@@ -61,8 +61,9 @@ void add_merge_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_join_verb(CLI::App& app, COMMAND_ACTION& action);
 void add_actions_verb(CLI::App& app, COMMAND_ACTION& action);
 
-// Makes of an empty `app` the command with all its verbs, as it is parsed and as its help, manual and completions tell it.
-void describe_command(CLI::App& app, COMMAND_ACTION& action);
+// Makes of an empty `app` the command, as it is parsed and as its help, manual and completions tell it: with all its verbs, or
+// with `verb` alone, where that is one, since the others' options would take longer than most of what verbs do.
+void describe_command(CLI::App& app, COMMAND_ACTION& action, std::string_view verb = {});
 
 // Adds the file and the options of every verb.
 void add_input(CLI::App& verb, COMMAND_INPUT& input);

@@ -52,8 +52,10 @@ public:
         const CPDFReadAllowance allowance = m_document.reading();
         m_out = "[";
         bool goes_on = true;
+        size_t done = 0;
+        const size_t all = count_fields(m_document.form());
         for_each_field(m_document.form(), [&](CPDFField& field) {
-            goes_on = goes_on && m_document.go_on(0);
+            goes_on = goes_on && m_document.go_on(static_cast<double>(done++) / static_cast<double>(all));
             if (!goes_on || !is_listed(field, what) || m_option_bytes > LIMIT_LISTED_OPTIONS)
                 return;
             m_out += m_first ? "\n" : ",\n";

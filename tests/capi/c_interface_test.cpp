@@ -11,6 +11,7 @@
 
 #include "tests/support/alloc_walk.h"
 #include "tests/support/new_hook.h"
+#include "tests/support/pdf_builder.h"
 
 namespace {
 
@@ -96,7 +97,7 @@ fw_code fill(const Document& document, const std::string& data, fw_format format
     char* text = nullptr;
     size_t size = 0;
     code = fw_fill(document.get(), format, data.data(), data.size(), flags, &text, &size);
-    report = json::parse(std::string(text, size));
+    report = text ? json::parse(std::string(text, size)) : json();
     fw_free(text);
     return code;
 }
@@ -217,6 +218,52 @@ TEST(CInterface, HandlesStayGoodOrAreStale)
     EXPECT_EQ(count, 0);
 }
 
+// Fields a and b, and a group with a name that a also has; the structure names an object that is not there.
+std::string damaged_structure()
+{
+    PdfBuilder file;
+    file.object(1, "<</Type/Catalog/Pages 2 0 R/AcroForm 3 0 R/StructTreeRoot 6 0 R/MarkInfo<</Marked true>>>>");
+    file.object(2, "<</Type/Pages/Kids[4 0 R]/Count 1>>");
+    file.object(3, "<</Fields[10 0 R 11 0 R]/DA(/Helv 10 Tf 0 g)>>");
+    file.object(4, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 300 300]/Annots[10 0 R 11 0 R]>>");
+    file.object(6, "<</Type/StructTreeRoot/K[]/ParentTree 7 0 R/ParentTreeNextKey 1>>");
+    file.object(7, "<</Nums[0 99 0 R]>>");
+    file.object(10, "<</Subtype/Widget/Rect[10 10 90 30]/FT/Tx/T(a)/V(one)/StructParent 0/P 4 0 R/F 4>>");
+    file.object(11, "<</Subtype/Widget/Rect[10 40 90 60]/FT/Tx/T(b)/V(two)/P 4 0 R/F 4>>");
+    return file.table().text;
+}
+
+TEST(CInterface, ChangesThatFailHalfWayEndHandles)
+{
+    const Document document = open(damaged_structure());
+    const fw_field field = find(document, "a");
+    EXPECT_EQ(fw_remove_field(document.get(), field, FW_CHECK_ONLY), FW_BAD_REQUEST);
+    EXPECT_EQ(text_of(document, field), "one");
+    EXPECT_EQ(fw_remove_field(document.get(), field, FW_PLAIN), FW_DAMAGED);
+    EXPECT_EQ(text_of(document, field), "code 16");
+    EXPECT_EQ(fw_revert(document.get()), FW_OK);
+    EXPECT_EQ(text_of(document, find(document, "a")), "one");
+}
+
+TEST(CInterface, NewNameAndGroupAreTakenTogetherOrNotAtAll)
+{
+    PdfBuilder file;
+    file.form({"/FT/Tx/T(a)/V(one)", "/T(g)/Kids[12 0 R 13 0 R]"});
+    file.object(12, "<</FT/Tx/T(a)/V(two)/Parent 11 0 R>>").object(13, "<</FT/Tx/T(b)/Parent 11 0 R>>");
+    const Document document = open(file.table().text);
+    const fw_field field = find(document, "a");
+    const auto rename = [&](const char* name, const char* group) {
+        return fw_rename_field(document.get(), field, name, group, FW_PLAIN);
+    };
+    EXPECT_EQ(rename("b", "g"), FW_BAD_EDIT);
+    EXPECT_EQ(text_of(document, field, FW_NAME), "a");
+    EXPECT_EQ(rename("z", "none"), FW_NO_FIELD);
+    EXPECT_EQ(text_of(document, field, FW_NAME), "a");
+    EXPECT_EQ(rename("z", "g"), FW_OK) << "the group has an a already: " << fw_error();
+    EXPECT_EQ(text_of(document, field, FW_NAME), "g.z");
+    EXPECT_EQ(text_of(document, field), "one");
+}
+
 TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
 {
     const Document document = open_sample("kinds.pdf");
@@ -253,12 +300,12 @@ TEST(CInterface, FormDataAreTakenWholeOrNotAtAll)
 TEST(CInterface, RowsFillOneFormAfterAnother)
 {
     const Document document = open_sample("kinds.pdf");
-    const std::string table = "name,colour\nAda,red\nBob,none such\nEve,blue\n";
+    const std::string table = "name,colour\nAda,red\nBob,none such\nEve,blue\nZoe,red,too many\n";
     fw_rows* rows = nullptr;
     ASSERT_EQ(fw_open_rows(FW_CSV, table.data(), table.size(), &rows), FW_OK) << fw_error();
     size_t count = 0;
     EXPECT_EQ(fw_row_count(rows, &count), FW_OK);
-    EXPECT_EQ(count, 3);
+    EXPECT_EQ(count, 4);
     const fw_field name = find(document, "name");
     const auto next = [&] { return fw_fill_row(rows, document.get(), FW_PLAIN, &count, nullptr, nullptr); };
     EXPECT_EQ(next(), FW_OK) << fw_error();
@@ -268,8 +315,11 @@ TEST(CInterface, RowsFillOneFormAfterAnother)
     EXPECT_EQ(next(), FW_OK) << fw_error();
     EXPECT_EQ(count, 3);
     EXPECT_EQ(text_of(document, name), "Eve");
+    EXPECT_EQ(next(), FW_BAD_DATA);
+    EXPECT_EQ(count, 4);
+    EXPECT_EQ(saved(document, FW_UPDATE_ONLY), "");
     EXPECT_EQ(next(), FW_END);
-    EXPECT_EQ(text_of(document, name), "Eve");
+    EXPECT_EQ(count, 0);
     fw_close_rows(rows);
 }
 
@@ -284,10 +334,15 @@ TEST(CInterface, RefusesWhatIsNoArgument)
     EXPECT_EQ(fw_open_file(sample("kinds.pdf").c_str(), &small, &out), FW_BAD_ARGUMENT);
     EXPECT_EQ(fw_open_file(sample("kinds.pdf").c_str(), nullptr, nullptr), FW_BAD_ARGUMENT);
     EXPECT_EQ(fw_open_file("no such file.pdf", nullptr, &out), FW_NOT_FOUND);
-    EXPECT_EQ(fw_open_bytes(nullptr, 10, nullptr, &out), FW_NOT_PDF);
+    EXPECT_EQ(fw_open_bytes("x", 1, nullptr, &out), FW_NOT_PDF);
     EXPECT_EQ(out, nullptr);
+    size_t count = 7;
+    fw_field field = 7;
+    EXPECT_EQ(fw_field_count(nullptr, &count) + fw_field_at(nullptr, 0, &field), 2 * FW_BAD_ARGUMENT);
+    EXPECT_EQ(count + field, 0);
     const fw_code codes[] = {
-        fw_field_count(nullptr, nullptr),
+        fw_open_file(nullptr, nullptr, &out),
+        fw_open_bytes(nullptr, 10, nullptr, &out),
         fw_find_field(at, nullptr, 0, nullptr),
         fw_field_at(at, 10000, nullptr),
         fw_field_text(at, name, static_cast<fw_text>(7), nullptr),
