@@ -58,7 +58,8 @@ export interface FillResult {
     name: string;
     /** "coerced": understood as something else than it said; "kept": the field had it already; "calculated": changed by scripts. */
     result: "set" | "coerced" | "kept" | "calculated" | "refused";
-    why: string | null;
+    /** Where it is not simply set. */
+    why?: string;
     value?: string | string[] | null;
 }
 
@@ -90,6 +91,8 @@ export class Form {
     /** The list as it is now: read again after changes. */
     readonly fields: Field[];
     list(options?: { all?: boolean }): Field[];
+    /** The same as JSON in UTF-8: bytes pass from a worker to a page faster than many objects. */
+    listBytes(options?: { all?: boolean }): Uint8Array;
     /** Pages, fields by kind, signatures, encryption, scripts, ... */
     summary(): Record<string, unknown>;
     readonly facts: Facts;

@@ -18,6 +18,7 @@ const FACTS = ["hasForm", "hasXfa", "hasOnlyXfa", "isSigned", "isEncrypted", "pe
 const OPTIONS = { scripts: 0, draw: 2, writeXfa: 3 };
 
 const encoder = new TextEncoder();
+const decoder = new TextDecoder();
 
 // What `new URL(..., import.meta.url)` names, compiled once.
 let compiled = null;
@@ -87,12 +88,16 @@ export class Form {
         return (this.#fields ??= this.list());
     }
 
-    list({ all = false } = {}) {
-        return this.#json((engine, at, size) => engine.fw_list_json(this.#document, all ? ALL_FIELDS : 0, at, size));
+    list(options = {}) {
+        return JSON.parse(decoder.decode(this.listBytes(options)));
+    }
+
+    listBytes({ all = false } = {}) {
+        return this.#bytes((engine, at, size) => engine.fw_list_json(this.#document, all ? ALL_FIELDS : 0, at, size));
     }
 
     summary() {
-        return this.#json((engine, at, size) => engine.fw_summary_json(this.#document, at, size));
+        return JSON.parse(decoder.decode(this.#bytes((engine, at, size) => engine.fw_summary_json(this.#document, at, size))));
     }
 
     get facts() {
@@ -125,9 +130,11 @@ export class Form {
     }
 
     fill(values, options = {}) {
-        const report = this.#fill("json", JSON.stringify(values), options);
+        const work = () => this.#fill("json", JSON.stringify(values), options);
+        const report = work();
+        const isPlain = !options.force && !options.ignoreUnknown;
         if (!options.checkOnly)
-            this.#history.add(options.force || options.ignoreUnknown ? { work: () => this.#fill("json", JSON.stringify(values), options) } : { values: { ...values } });
+            this.#history.add(isPlain ? { values: { ...values } } : { work });
         return report;
     }
 
@@ -159,8 +166,9 @@ export class Form {
     }
 
     calculate() {
-        this.#change((memory, engine) => engine.fw_calculate(this.#document));
-        this.#history.add({ work: () => this.#change((memory, engine) => engine.fw_calculate(this.#document)) });
+        const work = () => this.#change((memory, engine) => engine.fw_calculate(this.#document));
+        work();
+        this.#history.add({ work });
     }
 
     flatten({ force = false } = {}) {
@@ -204,11 +212,7 @@ export class Form {
     }
 
     save({ updateOnly = false } = {}) {
-        return this.#run((memory, engine) => {
-            const [at, size] = [memory.room(POINTER), memory.room(POINTER)];
-            this.#instance.check(engine.fw_save_bytes(this.#document, updateOnly ? UPDATE_ONLY : 0, at, size));
-            return memory.take(at, size);
-        });
+        return this.#bytes((engine, at, size) => engine.fw_save_bytes(this.#document, updateOnly ? UPDATE_ONLY : 0, at, size));
     }
 
     close() {
@@ -238,12 +242,13 @@ export class Form {
             step.work();
     }
 
-    #json(call) {
-        return JSON.parse(this.#run((memory, engine) => {
+    // What a function hands out.
+    #bytes(call) {
+        return this.#run((memory, engine) => {
             const [at, size] = [memory.room(POINTER), memory.room(POINTER)];
             this.#instance.check(call(engine, at, size));
-            return memory.takeText(at, size);
-        }));
+            return memory.take(at, size);
+        });
     }
 
     #fill(format, data, options) {

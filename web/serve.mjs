@@ -18,7 +18,8 @@ export function serve(folder, port = 0) {
         const found = await stat(file).catch(() => null);
         if (!found?.isFile())
             return response.writeHead(404).end();
-        response.writeHead(200, { "content-type": TYPES[extname(file)] ?? "application/octet-stream", "content-length": found.size });
+        const type = TYPES[extname(file)] ?? "application/octet-stream";
+        response.writeHead(200, { "content-type": type, "content-length": found.size });
         createReadStream(file).pipe(response);
     });
     return new Promise((resolve) => server.listen(port, "127.0.0.1", () => resolve({

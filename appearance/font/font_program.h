@@ -49,11 +49,12 @@ private:
     void load();
     uint32_t glyph_in(uint32_t encoding, uint32_t code);
 
-    CPDFXRefTable& m_xref;
+    // What is said to be unused is so where programs do without font programs.
+    [[maybe_unused]] CPDFXRefTable& m_xref;
     PDF_REF m_file;
-    std::string m_bytes;            // what the face reads from
-    FREE_TYPE m_library;            // and with it the face
-    FT_FaceRec_* m_face = nullptr;  // borrowed from the library
-    bool m_loaded = false;
+    std::string m_bytes;                             // what the face reads from
+    FREE_TYPE m_library;                             // and with it the face
+    [[maybe_unused]] FT_FaceRec_* m_face = nullptr;  // borrowed from the library
+    [[maybe_unused]] bool m_loaded = false;
     std::vector<uint16_t> m_glyph_of_cid;  // empty until it is needed
 };

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# libraries.sh FOLDER: zlib, TinyXML, FriBidi and parts of Nettle and FreeType for wasm, made from the sources of Debian's packages, which are those of
+# libraries.sh FOLDER: zlib, TinyXML, FriBidi and a part of Nettle for wasm, made from the sources of Debian's packages, which are those of
 # the native libraries. Leaves FOLDER/include and FOLDER/lib. The machine's own package lists stay as they are.
 set -euo pipefail
 
 [[ ${1:?"libraries.sh FOLDER"} == /* ]] || set -- "$PWD/$1"
 OUT=$1
-FLAGS=(-Oz -DNDEBUG)
+FLAGS=(-Os -DNDEBUG)
 
 # Source packages are looked up in lists of their own, made of this machine's.
 fetch_sources() {
@@ -19,7 +19,7 @@ fetch_sources() {
     local options=(-q -o "Dir::Etc::SourceList=/dev/null" -o "Dir::Etc::SourceParts=$apt/parts" -o "Dir::State::Lists=$apt/lists"
         -o "Dir::Cache=$apt/cache" -o APT::Sandbox::User=root)
     apt-get "${options[@]}" update
-    for package in zlib tinyxml nettle fribidi freetype; do
+    for package in zlib tinyxml nettle fribidi; do
         (cd "$OUT/src" && apt-get "${options[@]}" source --download-only "$package" && dpkg-source --no-check -x "$package"_*.dsc "$package")
     done
     : >"$OUT/src/complete"
@@ -42,6 +42,7 @@ archive() {
 }
 
 make_zlib() {
+    local FLAGS=(-O2 -DNDEBUG)
     cp "$OUT"/src/zlib/{zlib,zconf}.h "$OUT/include/"
     archive z zlib {adler32,compress,crc32,deflate,inffast,inflate,inftrees,trees,uncompr,zutil}.c
 }
@@ -72,32 +73,13 @@ make_fribidi() {
     archive fribidi fribidi/lib fribidi{,-bidi,-bidi-types,-brackets,-joining,-joining-types,-mirroring,-run,-shape,-arabic,-deprecated}.c
 }
 
-# The formats of font programs that PDF files embed, and nothing that draws, hints or unpacks.
-make_freetype() {
-    local module
-    rm -rf "$OUT/include/freetype2"
-    cp -r "$OUT/src/freetype/include" "$OUT/include/freetype2"
-    for module in tt_driver t1_driver cff_driver t1cid_driver; do
-        echo "FT_USE_MODULE( FT_Driver_ClassRec, ${module}_class )"
-    done >"$OUT/include/freetype2/freetype/config/ftmodule.h"
-    for module in psaux psnames sfnt; do
-        echo "FT_USE_MODULE( FT_Module_Class, ${module}_module_class )"
-    done >>"$OUT/include/freetype2/freetype/config/ftmodule.h"
-    sed -i -E 's,^#define (FT_CONFIG_OPTION_(USE_LZW|USE_ZLIB|ENVIRONMENT_PROPERTIES|MAC_FONTS|INCREMENTAL)|TT_USE_BYTECODE_INTERPRETER|TT_CONFIG_OPTION_(BYTECODE_INTERPRETER|EMBEDDED_BITMAPS|COLOR_LAYERS|SVG|BDF|GX_VAR_SUPPORT)|T1_CONFIG_OPTION_NO_(AFM|MM_SUPPORT)|AF_CONFIG_OPTION_CJK)\b.*,/* \1 is off */,' \
-        "$OUT/include/freetype2/freetype/config/ftoption.h"
-    local FLAGS=("${FLAGS[@]}" -DFT2_BUILD_LIBRARY -DT1_CONFIG_OPTION_NO_AFM -I"$OUT/include/freetype2")
-    archive freetype freetype/src base/ft{base,cid,fntfmt,init,system}.c sfnt/sfnt.c truetype/truetype.c cff/cff.c type1/type1.c \
-        cid/type1cid.c psaux/psaux.c psnames/psnames.c
-}
-
-[[ ! -e $OUT/lib/libfreetype.a ]] || exit 0
+[[ ! -e $OUT/lib/cmake ]] || exit 0
 mkdir -p "$OUT/include"
 [[ -e $OUT/src/complete ]] || fetch_sources
 make_zlib
 make_tinyxml
 make_nettle
 make_fribidi
-make_freetype
 cp -r /usr/include/nlohmann "$OUT/include/"
 mkdir -p "$OUT/lib/cmake/nlohmann_json"
 cat >"$OUT/lib/cmake/nlohmann_json/nlohmann_jsonConfig.cmake" <<'END'

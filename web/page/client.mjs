@@ -1,6 +1,8 @@
 // The engine as the page calls it: every method of the worker as a function with a promise.
 import { startWorker } from "./start_worker.mjs";
 
+const decoder = new TextDecoder();
+
 export class EngineError extends Error {
     constructor({ code, message, refusals }) {
         super(message);
@@ -17,9 +19,10 @@ export function startEngine() {
         const { resolve, reject } = waiting.get(id);
         waiting.delete(id);
         if (error)
-            reject(new EngineError(error));
-        else
-            resolve(result);
+            return reject(new EngineError(error));
+        if (result?.fields)
+            result.fields = JSON.parse(decoder.decode(result.fields));
+        resolve(result);
     };
     worker.onerror = (event) => {
         for (const { reject } of waiting.values())

@@ -20,6 +20,7 @@ export class FieldList {
         this.actions = actions;
         this.counted = counted;
         this.list = document.createElement("ul");
+        this.list.setAttribute("role", "list");
         box.append(this.list);
         this.fields = [];
         this.words = "";
@@ -33,8 +34,12 @@ export class FieldList {
 
     // Other fields, or the same ones with other values.
     showFields(fields, { anew = false } = {}) {
-        this.fields = fields.filter(({ kind, name }) => kind !== "container" && kind !== "push" && name);
-        this.byName = new Map(this.fields.map((field) => [field.name, field]));
+        this.byName = new Map();
+        for (const field of fields) {
+            if (field.kind !== "container" && field.kind !== "push" && !this.byName.has(field.name))
+                this.byName.set(field.name, field);
+        }
+        this.fields = [...this.byName.values()];
         if (anew) {
             this.rows.forEach((row) => this.#drop(row));
             this.rows.clear();
@@ -43,7 +48,7 @@ export class FieldList {
         }
         this.problems.clear();
         this.#filter();
-        this.rows.forEach((row, name) => this.byName.has(name) && row.show(this.byName.get(name), ""));
+        this.rows.forEach((row, name) => this.byName.has(name) && row.show(this.byName.get(name), "", true));
     }
 
     // New values of some fields, by name.

@@ -125,8 +125,9 @@ export function fieldRow(field, problem, actions) {
         row.append(control.element, ...(control.beside ? [control.beside] : []), wrong);
     let shown;
 
-    function show(now, sentence) {
-        if (control && JSON.stringify(now.value) !== shown) {
+    // What is typed stays while the value is the same, unless it is to be shown anew.
+    function show(now, sentence, anew = false) {
+        if (control && (anew || JSON.stringify(now.value) !== shown)) {
             control.show(now.value);
             shown = JSON.stringify(now.value);
         }
@@ -136,7 +137,7 @@ export function fieldRow(field, problem, actions) {
     function complain(sentence) {
         wrong.textContent = sentence ?? "";
         row.classList.toggle("refused", Boolean(sentence));
-        control?.element.toggleAttribute("aria-invalid", Boolean(sentence));
+        control?.element.setAttribute("aria-invalid", Boolean(sentence));
     }
 
     if (control) {
@@ -144,7 +145,8 @@ export function fieldRow(field, problem, actions) {
         listen(row, control, field, { ...actions, complain });
     }
     show(field, problem);
-    return { element: row, show, focus: () => (control?.isGroup ? row.querySelector("input:checked, input") : control?.element)?.focus() };
+    const focus = () => (control?.isGroup ? row.querySelector("input:checked, input") : control?.element)?.focus();
+    return { element: row, show, focus };
 }
 
 function listen(row, control, field, actions) {

@@ -10,6 +10,11 @@ export function takeFiles(input, take) {
     });
 }
 
+// Lets people choose; not within the event of the Enter key, in which Chromium shows nothing.
+export function choose(input) {
+    setTimeout(() => input.showPicker());
+}
+
 export function takeDrops(target, take) {
     const over = (event) => {
         event.preventDefault();

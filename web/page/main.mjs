@@ -2,7 +2,7 @@
 import { startEngine } from "./client.mjs";
 import { FieldList } from "./field_list.mjs";
 import { labelOf } from "./field_words.mjs";
-import { handOut, takeDrops, takeFiles } from "./files.mjs";
+import { choose, handOut, takeDrops, takeFiles } from "./files.mjs";
 import { askPassword } from "./password.mjs";
 import { Viewer } from "./viewer.mjs";
 
@@ -102,12 +102,19 @@ function redrawSoon() {
 async function check(name, value) {
     try {
         await engine.check(name, value);
+        if (at("status").classList.contains("bad"))
+            say("");
         return "";
     } catch (error) {
-        const why = error.refusals[0]?.why ?? error.message;
-        say(why, true);
-        return why;
+        return refused(error);
     }
+}
+
+// Says why, and hands back the same for a row that has the field's name already.
+function refused(error) {
+    const why = error.refusals?.[0]?.why ?? error.message;
+    say(why, true);
+    return why.replace(/^field ".*?" (?=\w)/, "");
 }
 
 async function set(field, value) {
@@ -119,9 +126,7 @@ async function set(field, value) {
         say(`${labelOf(field)} is filled${others ? `, and ${plural(others, "other field")} calculated` : ""}.`);
         redrawSoon();
     } catch (error) {
-        const why = error.refusals?.[0]?.why ?? error.message;
-        list.showProblem(field.name, why);
-        say(why, true);
+        list.showProblem(field.name, refused(error));
     }
 }
 
@@ -180,8 +185,8 @@ const take = (file) => attempt(() => isData(file) && opened.name ? importFile(fi
 takeFiles(at("pdf-file"), take);
 takeFiles(at("data-file"), take);
 takeDrops(at("main"), take);
-at("open").onclick = at("choose").onclick = () => at("pdf-file").click();
-at("import").onclick = () => at("data-file").click();
+at("open").onclick = at("choose").onclick = () => choose(at("pdf-file"));
+at("import").onclick = () => choose(at("data-file"));
 at("undo").onclick = () => attempt(async () => { showAll(await engine.undo()); say("Undone."); });
 at("redo").onclick = () => attempt(async () => { showAll(await engine.redo()); say("Done again."); });
 at("download").onclick = () => attempt(download);

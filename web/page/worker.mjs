@@ -9,7 +9,12 @@ function state() {
 }
 
 function everything() {
-    return { ...state(), fields: form.list() };
+    return { ...state(), fields: form.listBytes() };
+}
+
+// Bytes are handed over, not copied.
+function bytesOf(result) {
+    return [result, result?.fields].filter((part) => part instanceof Uint8Array).map(({ buffer }) => buffer);
 }
 
 const METHODS = {
@@ -31,7 +36,7 @@ const METHODS = {
 async function answer({ id, method, args }) {
     try {
         const result = await METHODS[method](...args);
-        postMessage({ id, result }, result instanceof Uint8Array ? [result.buffer] : []);
+        postMessage({ id, result }, bytesOf(result));
     } catch (error) {
         postMessage({ id, error: { code: error.code ?? "INTERNAL", message: error.message, refusals: error.refusals ?? [] } });
     }

@@ -1,9 +1,9 @@
 // The package under node, and its files against those of the native library.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { basename } from "node:path";
+import { basename, join } from "node:path";
 import { test } from "node:test";
-import { corpus, formwork, native, protectedForm, sample, valuesFor } from "./support.mjs";
+import { SITE, corpus, formwork, native, protectedForm, sample, valuesFor } from "./support.mjs";
 
 const openFile = (path, options) => formwork.open(readFileSync(path), options);
 const valueOf = (form, name) => form.fields.find((field) => field.name === name).value;
@@ -51,6 +51,23 @@ test("what can't be opened says why", async () => {
     assert.equal((await openFile(locked, { password: "secret" })).facts.isEncrypted, true);
     await assert.rejects(formwork.open(new TextEncoder().encode("no PDF file")), { code: "NOT_PDF" });
     await assert.rejects(formwork.open(new Uint8Array(2 ** 31 - 2 ** 24)), { code: "NO_MEMORY" });
+});
+
+test("where memory runs out the call says so, and other forms open", async () => {
+    const { Instance } = await import(join(SITE, "lib/instance.mjs"));
+    const bytes = readFileSync(sample("kinds.pdf"));
+    for (const left of [0, 2 ** 12, 2 ** 16]) {
+        const instance = await Instance.create(await formwork.load());
+        assert.throws(() => instance.run((memory, engine) => {
+            const [at, form, reserve] = [memory.room(8), memory.bytes(bytes), engine.malloc(left)];
+            for (let size = 2 ** 28; size >= 16; size /= 2)
+                while (engine.malloc(size));
+            engine.free(reserve);
+            instance.check(engine.fw_open_bytes(form, bytes.length, 0, at));
+            instance.check(engine.fw_list_json(memory.pointer(at), 0, at, at + 4));
+        }), { code: "NO_MEMORY" }, `${left} bytes`);
+    }
+    (await openFile(sample("kinds.pdf"))).close();
 });
 
 test("what is not there in a browser is said", async () => {

@@ -46,6 +46,9 @@ async function openIn(page, path) {
     await page.waitForSelector("#fields:not([hidden]) .field");
 }
 
+const importIn = (page, name, text) =>
+    page.setInputFiles("#data-file", { name, mimeType: "application/json", buffer: Buffer.from(text) });
+
 const drawn = (page, times) => page.waitForFunction((wanted) => Number(document.body.dataset.drawn ?? 0) >= wanted, times);
 const status = (page) => page.textContent("#status");
 const shot = (page, name) => page.screenshot({ path: join(SHOTS, `${name}-${page.viewportSize().width}.png`) });
@@ -86,7 +89,8 @@ for (const size of SIZES) {
         await shot(page, "welcome");
         await assertFits(page);
         await openIn(page, path);
-        await page.waitForSelector(".page canvas", { state: "attached" });
+        if (size.width > 760)
+            await page.waitForSelector(".page canvas");
         await shot(page, "tax-opened");
 
         await (await control(page, limited.name)).fill("1".repeat(limited.maxLength + 1));
@@ -123,7 +127,8 @@ for (const size of SIZES) {
         await openIn(page, path);
         const values = { agree: true, size: "large", language: "fr" };
         await (await control(page, "agree")).check();
-        await (await control(page, "size")).and(page.locator("[value=large]")).check();
+        await control(page, "size");
+        await page.getByLabel("large", { exact: true }).check();
         await (await control(page, "language")).selectOption("fr");
         await page.waitForFunction(() => document.querySelector("#status").textContent.includes("is filled"));
         await drawn(page, 1);
@@ -136,10 +141,10 @@ for (const size of SIZES) {
         const data = await bytesOf(page, "#export");
         assert.match(data.toString(), /<xfdf/);
         await openIn(page, path);
-        await page.setInputFiles("#data-file", { name: "bad.json", mimeType: "application/json", buffer: Buffer.from('{"postcode": "123456789", "nobody": "x"}') });
+        await importIn(page, "bad.json", '{"postcode": "123456789", "nobody": "x"}');
         await page.waitForSelector("#status.bad");
         assert.match(await status(page), /postcode/);
-        await page.setInputFiles("#data-file", { name: "good.json", mimeType: "application/json", buffer: Buffer.from('{"agree": true, "size": "large"}') });
+        await importIn(page, "good.json", '{"agree": true, "size": "large"}');
         await page.waitForFunction(() => document.querySelector("#status").textContent.includes("2 values"));
         assert.equal(await (await control(page, "agree")).isChecked(), true);
         if (size.width < 760) {
@@ -193,7 +198,10 @@ test("a form of ten thousand fields is there within a second, and few of its row
     assert.ok(took < 1000, `${took} ms`);
     assert.ok(await page.locator(".field").count() < 40);
     await page.evaluate(() => { document.querySelector("#list").scrollTop = 1e7; });
-    await page.waitForFunction(() => document.querySelector(".field:last-child")?.getAttribute("aria-posinset") === document.querySelector(".field").getAttribute("aria-setsize"));
+    await page.waitForFunction(() => {
+        const last = document.querySelector(".field:last-child");
+        return last?.getAttribute("aria-posinset") === last?.getAttribute("aria-setsize");
+    });
     assert.ok(await page.locator(".field").count() < 40);
     await page.waitForSelector(".page canvas");
     await shot(page, "large");
@@ -236,8 +244,8 @@ test("the keyboard is enough", async () => {
         await press("Tab");
     }
     const takesValue = ({ kind, readOnly }) => ["text", "check", "radio", "combo", "list"].includes(kind) && !readOnly;
-    const missed = (await fieldsOf(sample("kinds.pdf"))).filter((field) => takesValue(field) && field.name !== "name" && !reachedNames.has(field.name));
-    assert.deepEqual(missed.map(({ name }) => name), []);
+    const names = (await fieldsOf(sample("kinds.pdf"))).filter(takesValue).map(({ name }) => name);
+    assert.deepEqual(names.filter((name) => name !== "name" && !reachedNames.has(name)), []);
     await page.focus("#download");
     const [download] = await Promise.all([page.waitForEvent("download"), press("Enter")]);
     isSame(readFileSync(await download.path()), native(sample("kinds.pdf"), { name: "Keyboard" }).bytes);

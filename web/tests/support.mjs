@@ -17,7 +17,8 @@ export const sample = (name) => join(ROOT, "samples", name);
 
 // The real files, where they are there.
 const CORPUS = process.env.FORMWORK_CORPUS ?? "";
-export const corpus = () => (existsSync(CORPUS) ? readdirSync(CORPUS).filter((name) => name.endsWith(".pdf")).map((name) => join(CORPUS, name)) : []);
+export const corpus = () => (existsSync(CORPUS) ? readdirSync(CORPUS) : [])
+    .filter((name) => name.endsWith(".pdf")).map((name) => join(CORPUS, name));
 export const real = (name) => (existsSync(join(CORPUS, name)) ? join(CORPUS, name) : null);
 
 export const formwork = await import(join(SITE, "formwork.mjs"));

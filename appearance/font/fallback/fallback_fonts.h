@@ -41,6 +41,6 @@ public:
 private:
     struct FONT;
 
-    CPDFMachineFonts& m_machine;  // borrowed
+    [[maybe_unused]] CPDFMachineFonts& m_machine;  // borrowed
     std::vector<std::unique_ptr<FONT>> m_fonts;
 };
