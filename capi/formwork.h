@@ -36,8 +36,8 @@
 #ifndef FORMWORK_H
 #define FORMWORK_H
 
-#include <stddef.h>
-#include <stdint.h>
+#include <stddef.h> /* NOLINT: in C++, too */
+#include <stdint.h> /* NOLINT */
 
 #ifndef FW_API
 #if defined(__GNUC__)

@@ -55,16 +55,20 @@ void CALLS::find()
 {
     fw_field found = 0;
     fw_document* const at = document();
+    fw_code code = FW_OK;
     switch (choices.below(3)) {
     case 0:
-        keep(fw_field_at(at, choices.byte(), &found), found);
+        code = fw_field_at(at, choices.byte(), &found);
         break;
-    case 1:
-        keep(fw_find_field(at, text().c_str(), flags(), &found), found);
+    case 1: {
+        const std::string name = text();
+        code = fw_find_field(at, name.c_str(), flags(), &found);
         break;
-    default:
-        keep(fw_field_of_object(at, choices.byte(), &found), found);
     }
+    default:
+        code = fw_field_of_object(at, choices.byte(), &found);
+    }
+    keep(code, found);
 }
 
 void CALLS::read()
