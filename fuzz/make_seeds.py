@@ -495,6 +495,8 @@ def more():
     out = {"edit_form/" + name: every_kind() + bytes(row) for name, row in changes().items()}
     out.update({"filters/" + name: data for name, data in filter_seeds().items()})
     out["fill_form/every_kind"] = every_kind()
+    for factor in (41, 73, 97):  # any calls
+        out["c_interface/calls_%d" % factor] = every_kind() + bytes(factor * i * (i + 1) % 256 for i in range(300))
     out["edit_form/found_endless_string"] = plain(b"[4 0 R 5 0 R]", {5: b"<</FT/Tx/T(endless"})
     out.update(texts())
     return out

@@ -248,7 +248,7 @@ TEST(CInterface, ChangesThatFailHalfWayEndHandles)
 TEST(CInterface, NewNameAndGroupAreTakenTogetherOrNotAtAll)
 {
     PdfBuilder file;
-    file.form({"/FT/Tx/T(a)/V(one)", "/T(g)/Kids[12 0 R 13 0 R]"});
+    file.form({"<</FT/Tx/T(a)/V(one)>>", "<</T(g)/Kids[12 0 R 13 0 R]>>"});
     file.object(12, "<</FT/Tx/T(a)/V(two)/Parent 11 0 R>>").object(13, "<</FT/Tx/T(b)/Parent 11 0 R>>");
     const Document document = open(file.table().text);
     const fw_field field = find(document, "a");
