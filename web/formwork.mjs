@@ -54,10 +54,10 @@ export async function open(bytes, { password = null } = {}) {
 
 function openDocument(instance, bytes, password) {
     return instance.run((memory, engine) => {
-        // struct_size, password, borrow, no_repair
-        const options = memory.pointers([4 * POINTER, memory.text(password), 0, 0]);
+        // struct_size, password, borrow, no_repair: the engine reads the bytes where they are.
+        const options = memory.pointers([4 * POINTER, memory.text(password), 1, 0]);
         const at = memory.room(POINTER);
-        instance.check(engine.fw_open_bytes(memory.bytes(bytes), bytes.length, options, at));
+        instance.check(engine.fw_open_bytes(memory.keep(bytes), bytes.length, options, at));
         return memory.pointer(at);
     });
 }

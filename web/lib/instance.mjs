@@ -87,17 +87,29 @@ class Memory {
 
     // Room for `size` bytes, zeros.
     room(size) {
-        const at = this.exports.malloc(Math.max(size, 1)) >>> 0;
-        if (!at)
-            throw new FormworkError("NO_MEMORY", "there is not enough memory");
+        const at = this.#allocate(size);
         this.blocks.push(at);
         new Uint8Array(this.exports.memory.buffer, at, size).fill(0);
         return at;
     }
 
     bytes(from) {
-        const at = this.room(from.length);
+        const at = this.keep(from);
+        this.blocks.push(at);
+        return at;
+    }
+
+    // The same, but the bytes stay as long as the instance.
+    keep(from) {
+        const at = this.#allocate(from.length);
         new Uint8Array(this.exports.memory.buffer, at, from.length).set(from);
+        return at;
+    }
+
+    #allocate(size) {
+        const at = this.exports.malloc(Math.max(size, 1)) >>> 0;
+        if (!at)
+            throw new FormworkError("NO_MEMORY", "there is not enough memory");
         return at;
     }
 

@@ -11,7 +11,7 @@ const REDRAW_DELAY = 200;  // milliseconds after the last change
 const at = (id) => document.getElementById(id);
 const engine = startEngine();
 const list = new FieldList(at("list"), { check, set, focused: (field) => viewer.mark(field) }, (shown, all) => {
-    at("count").textContent = shown === all ? `${all}` : `${shown} of ${all}`;
+    at("count").textContent = shown === all ? number(all) : `${number(shown)} of ${number(all)}`;
 });
 const viewer = new Viewer(at("pages"), pick);
 const opened = { name: "", password: null };
@@ -30,7 +30,8 @@ async function attempt(work) {
     }
 }
 
-const plural = (count, word) => `${count} ${word}${count === 1 ? "" : "s"}`;
+const number = (count) => count.toLocaleString("en");
+const plural = (count, word) => `${number(count)} ${word}${count === 1 ? "" : "s"}`;
 
 function showState({ canUndo, canRedo, notes }) {
     at("undo").disabled = !canUndo;
@@ -79,7 +80,7 @@ async function openFile(file) {
 }
 
 function openedWords({ fields, facts }) {
-    const words = [facts.hasForm ? `${plural(list.fields.length, "field")} to look at.` : "This file has no form."];
+    const words = [facts.hasForm ? `${plural(list.fields.length, "field")}.` : "This file has no form."];
     if (facts.hasOnlyXfa)
         words.push("Its form is made of XFA alone, which is listed and not drawn.");
     if (facts.isSigned)
