@@ -213,6 +213,7 @@ public:
     result<void> set(const std::vector<std::string>& values, unsigned flags = FW_PLAIN) const
     {
         std::vector<const char*> texts;
+        texts.reserve(values.size());
         for (const std::string& value : values)
             texts.push_back(value.c_str());
         return detail::done(fw_set_values(m_document, m_handle, texts.data(), texts.size(), flags));
