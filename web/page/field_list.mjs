@@ -1,7 +1,7 @@
 // The list of fields. Only the rows that can be seen exist, and the one that has the focus; the heights of the others are taken to
 // be those of their kind until they were seen.
 import { fieldRow } from "./field_row.mjs";
-import { isMultiline, matches, statesOf } from "./field_words.mjs";
+import { isMultiline, matches, statesOf, takesFocus } from "./field_words.mjs";
 
 const OVERSCAN = 400;  // points above and below that have rows, too
 
@@ -29,6 +29,7 @@ export class FieldList {
         this.heights = new Map();   // by field name, as measured
         this.sizes = new ResizeObserver((entries) => this.#measured(entries));
         box.addEventListener("scroll", () => this.#draw());
+        box.addEventListener("focusin", () => this.#draw());
         new ResizeObserver(() => this.#draw()).observe(box);
     }
 
@@ -124,16 +125,31 @@ export class FieldList {
         const top = this.box.scrollTop;
         const first = this.#rowAt(Math.max(0, top - OVERSCAN));
         const last = this.#rowAt(top + this.box.clientHeight + OVERSCAN);
-        const wanted = new Set(this.shown.slice(first, last + 1).map(({ name }) => name));
+        const [before, after] = this.#besideFocus();
+        const wanted = new Set([...this.shown.slice(first, last + 1), ...this.shown.slice(before, after + 1)]);
         for (const [name, row] of this.rows) {
-            if (wanted.has(name) || (this.places.has(name) && row.element.contains(document.activeElement)))
+            if (wanted.has(this.byName.get(name)) || (this.places.has(name) && row.element.contains(document.activeElement)))
                 continue;
             this.#drop(row);
             this.rows.delete(name);
         }
-        for (let at = first; at <= last && at < this.shown.length; ++at)
-            this.#rowOf(at);
+        wanted.forEach(({ name }) => this.#rowOf(this.places.get(name)));
         this.rows.forEach((row, name) => this.#place(row, this.places.get(name)));
+    }
+
+    // The places of the rows that the tab key leads to from the focused one, which must be there before it is pressed; an empty
+    // range where no row has the focus.
+    #besideFocus() {
+        const at = this.places.get(document.activeElement?.closest(".field")?.dataset.name);
+        if (at === undefined)
+            return [0, -1];
+        const next = (from, step) => {
+            do
+                from += step;
+            while (this.shown[from] && !takesFocus(this.shown[from]));
+            return from;
+        };
+        return [Math.max(0, next(at, -1)), next(at, 1)];
     }
 
     // Rows stand in the order of the fields, so that the tab key and screen readers go through them.

@@ -14,6 +14,10 @@ export const isPassword = (field) => field.kind === "text" && (field.flags & PAS
 export const isEditable = (field) => field.kind === "combo" && (field.flags & EDITABLE) !== 0;
 export const takesSeveral = (field) => field.kind === "list" && (field.flags & MULTI_SELECT) !== 0;
 
+// Whether the field has a control that the tab key stops at: one that can't be changed does where it is typed into.
+export const takesFocus = (field) =>
+    field.kind !== "signature" && (!field.readOnly || ["text", "data"].includes(field.kind) || isEditable(field));
+
 export const labelOf = (field) => field.label || field.name;
 
 export function wordsOf(field) {
