@@ -17,6 +17,9 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent
 LIBRARY = "libformwork.so.0"
+# What the library has inside of other people, by the Debian packages that it is linked from: their licences come along.
+LINKED = ("libbrotli-dev", "libdeflate-dev", "libexpat1-dev", "libfontconfig-dev", "libfreetype-dev", "libfribidi-dev", "libmujs-dev",
+          "libpng-dev", "libtinyxml-dev", "nettle-dev", "nlohmann-json3-dev", "zlib1g-dev")
 METADATA = """\
 Metadata-Version: 2.1
 Name: formwork
@@ -48,6 +51,8 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     files[f"{info}/METADATA"] = _metadata()
     files[f"{info}/WHEEL"] = WHEEL.format(tag=tag).encode()
     files[f"{info}/LICENSE"] = (ROOT / "LICENSE").read_bytes()
+    for package, notice in _notices():
+        files[f"{info}/licenses/{package}.txt"] = notice
     files[f"{info}/RECORD"] = _record(files, f"{info}/RECORD")
     wheel = f"{name}-{tag}.whl"
     with zipfile.ZipFile(Path(wheel_directory) / wheel, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -93,6 +98,13 @@ def _built_library():
 def _metadata():
     description = (HERE / "README.md").read_text(encoding="utf-8")
     return METADATA.format(version=_version(), description=description).encode()
+
+
+def _notices():
+    for package in LINKED:
+        notice = Path("/usr/share/doc", package, "copyright")
+        if notice.is_file():
+            yield package, notice.read_bytes()
 
 
 def _version():
