@@ -10,7 +10,7 @@
 #include "core/alloc.h"
 #include "file/status.h"
 
-// The code of a status. What only this interface knows comes as one of the statuses below.
+// The number that stands for the code of a status.
 fw_code code_of(PDF_CODE code);
 
 // Keeps the sentence for fw_error, for this thread. Never throws.

@@ -1,5 +1,5 @@
 // The form as JSON, and its values in every format.
-#include "capi/document.h"
+#include "capi/form_data.h"
 #include "document/summary.h"
 #include "document/xfa/data_value.h"
 #include "formats/export/export_form.h"
@@ -7,12 +7,6 @@
 #include "formats/list/summary_json.h"
 
 namespace {
-
-const PDF_EXPORT_FORMAT* export_format(fw_format format)
-{
-    constexpr const char* NAMES[] = {"json", "csv", "fdf", "xfdf", "url", "xml", "xfa"};
-    return format >= FW_JSON && format <= FW_XFA ? find_export_format(NAMES[format]) : nullptr;
-}
 
 CPDFStatus list_json(fw_document& at, unsigned flags, std::string& text)
 {
@@ -54,7 +48,8 @@ fw_code fw_export(fw_document* document, fw_format format, const fw_field* field
                   char** data, size_t* size)
 {
     return call_for_text(document, data, size, [&](fw_document& at, std::string& text) {
-        const PDF_EXPORT_FORMAT* const known = export_format(format);
+        const char* const name = format_name(format);
+        const PDF_EXPORT_FORMAT* const known = name ? find_export_format(name) : nullptr;
         if (!known)
             return bad_argument("form data are not written in this format");
         if (const CPDFStatus status = at.load_form(); !status.ok())

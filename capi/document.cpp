@@ -44,6 +44,7 @@ void fw_document::structure_changed()
     values_changed();
     list.clear();
     has_list = false;
+    unique_names.clear();
 }
 
 void fw_document::all_changed()
@@ -62,6 +63,16 @@ void fw_document::note_all(const std::vector<std::string>& sentences)
 {
     for (const std::string& sentence : sentences)
         note(sentence);
+}
+
+void fw_document::note_same_names(const std::string& name)
+{
+    if (unique_names.contains(name))
+        return;
+    const std::string sentence = same_names_note(document, name);
+    note(sentence);
+    if (sentence.empty())
+        unique_names.insert(name);
 }
 
 void fw_document::note_document()

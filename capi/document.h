@@ -18,6 +18,7 @@ struct fw_document {
     bool has_list = false;
     std::deque<std::string> notes;  // as fw_note tells them
     std::unordered_set<std::string> noted;
+    std::unordered_set<std::string> unique_names;  // that one field alone has; rows ask for the same ones again
     bool writes_xfa = false;
     PDF_SCRIPTS scripts = PDF_SCRIPTS::KNOWN;
     double script_seconds = 2;
@@ -43,6 +44,8 @@ struct fw_document {
     // Takes in a note, once; an empty one is none.
     void note(const std::string& sentence);
     void note_all(const std::vector<std::string>& sentences);
+    // Takes in that several fields have the name of one.
+    void note_same_names(const std::string& name);
     // Takes in what the document tells of itself.
     void note_document();
     void forget_notes();

@@ -8,9 +8,9 @@
 #include "document/lookup/held_value.h"
 #include "document/lookup/page_map.h"
 #include "engine/annot_widget.h"
+#include "forms/field.h"
 #include "forms/field_inherit.h"
 #include "forms/field_kind.h"
-#include "forms/field_walk.h"
 
 namespace {
 
@@ -108,17 +108,18 @@ FIELD_TEXTS_KEPT& kept_texts(fw_document& at, fw_field field)
     return kept;
 }
 
-fw_code no_list()
+// Runs `operation(const std::vector<std::string>&)` on a list of the field.
+template <typename Operation>
+fw_code call_with_list(fw_document* document, fw_field field, fw_list which, const Operation& operation) noexcept
 {
-    return bad_argument("there is no such list");
-}
-
-const std::vector<std::string>& kept_list(fw_document& at, const CPDFField& found, fw_field field, fw_list which)
-{
-    std::optional<std::vector<std::string>>& list = kept_texts(at, field).lists[which];
-    if (!list)
-        list = list_of(at.document, found, which);
-    return *list;
+    return call_with_field(document, field, [&](fw_document& at, CPDFField& found) {
+        if (which < FW_VALUES || which > FW_STATE_VALUES)
+            return bad_argument("there is no such list");
+        std::optional<std::vector<std::string>>& list = kept_texts(at, field).lists[which];
+        if (!list)
+            list = list_of(at.document, found, which);
+        return operation(*list);
+    });
 }
 
 bool has_object(CPDFDocument& document, const CPDFField& field, uint32_t object)
@@ -227,10 +228,8 @@ fw_code fw_field_number(fw_document* document, fw_field field, fw_number which, 
 fw_code fw_item_count(fw_document* document, fw_field field, fw_list which, size_t* count)
 {
     hand_out(count, size_t{0});
-    return call_with_field(document, field, [&](fw_document& at, CPDFField& found) {
-        if (which < FW_VALUES || which > FW_STATE_VALUES)
-            return no_list();
-        hand_out(count, kept_list(at, found, field, which).size());
+    return call_with_list(document, field, which, [count](const std::vector<std::string>& list) {
+        hand_out(count, list.size());
         return FW_OK;
     });
 }
@@ -238,10 +237,7 @@ fw_code fw_item_count(fw_document* document, fw_field field, fw_list which, size
 fw_code fw_item(fw_document* document, fw_field field, fw_list which, size_t index, const char** text)
 {
     hand_out<const char*>(text, nullptr);
-    return call_with_field(document, field, [&](fw_document& at, CPDFField& found) {
-        if (which < FW_VALUES || which > FW_STATE_VALUES)
-            return no_list();
-        const std::vector<std::string>& list = kept_list(at, found, field, which);
+    return call_with_list(document, field, which, [index, text](const std::vector<std::string>& list) {
         if (index >= list.size())
             return bad_argument("the list has " + std::to_string(list.size()) + " texts");
         hand_out(text, list[index].c_str());

@@ -6,8 +6,8 @@
 #include "capi/document.h"
 #include "formats/data_rules.h"
 
-// The formats that data are read in; null for one that is only written.
-const char* readable_format(fw_format format);
+// What the format is called in formats/; null where form data are not written in it. The first four are read, too.
+const char* format_name(fw_format format);
 
 // Puts the values into the fields and calculates the form; what is refused is told for all of them. What becomes of each name is
 // appended to `report`, a line of JSON each, unless that is null.

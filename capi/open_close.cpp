@@ -18,7 +18,7 @@ fw_open_options known_options(const fw_open_options& given)
     return options;
 }
 
-// `open(CPDFDocument&, password)` opens it.
+// `open(CPDFDocument&, password, borrow)` opens it.
 template <typename Open>
 fw_code open_with(const fw_open_options* given, fw_document** out, const Open& open)
 {

@@ -6,10 +6,10 @@
 #include "formats/fill_report.h"
 #include "forms/field.h"
 
-const char* readable_format(fw_format format)
+const char* format_name(fw_format format)
 {
-    constexpr const char* NAMES[] = {"json", "csv", "fdf", "xfdf"};
-    return format >= FW_JSON && format <= FW_XFDF ? NAMES[format] : nullptr;
+    constexpr const char* NAMES[] = {"json", "csv", "fdf", "xfdf", "url", "xml", "xfa"};
+    return format >= FW_JSON && format <= FW_XFA ? NAMES[format] : nullptr;
 }
 
 CPDFStatus fill_document(fw_document& at, const CPDFFormData& data, unsigned flags, std::string* report)
@@ -21,8 +21,8 @@ CPDFStatus fill_document(fw_document& at, const CPDFFormData& data, unsigned fla
         items = plan_data(at.document, data, fill_of(flags));
     while (at.mend());
     for (const PDF_DATA_ITEM& item : items) {
-        if (!item.entry.field)
-            at.note(same_names_note(at.document, item.entry.name));
+        if (!item.entry.field && item.plan.field)
+            at.note_same_names(item.entry.name);
     }
     CPDFStatus status = refusals_of(items);
     std::vector<CPDFField*> calculated;
@@ -119,7 +119,7 @@ fw_code fw_fill(fw_document* document, fw_format format, const void* data, size_
     hand_out(report_size, size_t{0});
     std::string lines;
     const fw_code code = call_with(document, [&](fw_document& at) {
-        const char* const name = readable_format(format);
+        const char* const name = format <= FW_XFDF ? format_name(format) : nullptr;
         if (!name || (!data && size > 0))
             return bad_argument(name ? "the data are NULL" : "form data are not read in this format");
         CPDFFormData values;

@@ -1,28 +1,32 @@
 #include "formats/list/summary_json.h"
 
-#include <utility>
-
 #include "document/summary.h"
 
 namespace {
 
-std::string kinds_of(const PDF_SUMMARY& summary)
+std::string fields_json(const PDF_SUMMARY& summary)
 {
     std::string list;
-    for (int id = 0; id < KIND_COUNT; ++id) {
-        if (const size_t count = summary.fields[static_cast<size_t>(id)]; count > 0)
-            list.append(list.empty() ? "\"" : ",\"")
-                .append(field_kind(static_cast<PDF_FIELD_KIND_ID>(id)).name)
-                .append("\":" + std::to_string(count));
-    }
+    for (const auto& [name, count] : kinds_of(summary))
+        list += (list.empty() ? "\"" : ",\"") + name + "\":" + std::to_string(count);
     return list;
 }
 
 }  // namespace
 
+std::vector<std::pair<std::string, size_t>> kinds_of(const PDF_SUMMARY& summary)
+{
+    std::vector<std::pair<std::string, size_t>> kinds;
+    for (int id = 0; id < KIND_COUNT; ++id) {
+        if (const size_t count = summary.fields[static_cast<size_t>(id)]; count > 0)
+            kinds.emplace_back(field_kind(static_cast<PDF_FIELD_KIND_ID>(id)).name, count);
+    }
+    return kinds;
+}
+
 std::string summary_json(const PDF_SUMMARY& summary)
 {
-    std::string out = "{\"pages\":" + std::to_string(summary.pages) + ",\"fields\":{" + kinds_of(summary) + "}";
+    std::string out = "{\"pages\":" + std::to_string(summary.pages) + ",\"fields\":{" + fields_json(summary) + "}";
     const std::pair<const char*, size_t> counts[] = {
         {"filled", summary.filled},
         {"requiredEmpty", summary.required_empty},

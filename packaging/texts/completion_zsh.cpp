@@ -2,7 +2,7 @@
 
 namespace {
 
-// Text inside single quotes and the brackets of a specification.
+// Text inside single quotes and the brackets behind an option.
 std::string escaped(const std::string& text)
 {
     std::string out;

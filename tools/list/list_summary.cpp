@@ -14,22 +14,18 @@ std::string count_of(size_t count, const std::string& what)
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-std::string kinds_of(const PDF_SUMMARY& summary)
+std::string kind_words(const PDF_SUMMARY& summary)
 {
     std::string list;
-    for (int id = 0; id < KIND_COUNT; ++id) {
-        if (const size_t count = summary.fields[static_cast<size_t>(id)]; count > 0)
-            list.append(list.empty() ? ": " : ", ")
-                .append(field_kind(static_cast<PDF_FIELD_KIND_ID>(id)).name)
-                .append(" " + std::to_string(count));
-    }
+    for (const auto& [name, count] : kinds_of(summary))
+        list += (list.empty() ? ": " : ", ") + name + " " + std::to_string(count);
     return list;
 }
 
 void put_lines(const PDF_SUMMARY& summary)
 {
     const size_t fields = std::accumulate(summary.fields.begin(), summary.fields.end(), size_t{0});
-    put(count_of(static_cast<size_t>(summary.pages), "page") + ", " + count_of(fields, "field") + kinds_of(summary) +
+    put(count_of(static_cast<size_t>(summary.pages), "page") + ", " + count_of(fields, "field") + kind_words(summary) +
         "\n");
     put(std::to_string(summary.filled) + " filled, " + std::to_string(summary.required_empty) +
         " required and empty\n");
